@@ -1,0 +1,32 @@
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# What every target of this project is compiled with.
+#
+#   s7ppi_options   an interface target: warnings, sanitizers, reproducible source paths
+
+include(CheckCXXCompilerFlag)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(s7ppi_options INTERFACE)
+target_compile_options(s7ppi_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(S7PPI_WARNINGS_AS_ERRORS)
+  target_compile_options(s7ppi_options INTERFACE -Werror)
+endif()
+
+# The log lines carry the source's path relative to the build, never the path of a developer's tree.
+check_cxx_compiler_flag(-fmacro-prefix-map=a=b S7PPI_HAVE_MACRO_PREFIX_MAP)
+if(S7PPI_HAVE_MACRO_PREFIX_MAP)
+  target_compile_options(s7ppi_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=../../../)
+endif()
+
+if(S7PPI_SANITIZE)
+  target_compile_options(s7ppi_options INTERFACE
+    -fsanitize=${S7PPI_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(s7ppi_options INTERFACE -fsanitize=${S7PPI_SANITIZE})
+endif()

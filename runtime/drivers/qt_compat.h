@@ -1,0 +1,27 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What differs between Qt 4.8, 5.15 and 6.4, and nothing else.
+
+#ifndef QT_COMPAT_H
+#define QT_COMPAT_H
+
+#include <QByteArray>
+#include <QString>
+
+// Qt 4 exports its plug-ins with Q_EXPORT_PLUGIN2 instead (plugin_instance_qt4.cpp).
+#ifndef Q_PLUGIN_METADATA
+#define Q_PLUGIN_METADATA(x)
+#endif
+
+// The 8-bit form of a text that a "%s" of Qt's message functions expects.
+inline QByteArray messageText(const QString &text)
+{
+#if QT_VERSION >= 0x050000
+    return text.toUtf8();
+#else
+    return text.toLatin1();
+#endif
+}
+
+#endif
