@@ -7,11 +7,6 @@ namespace {
 
 const int kNoDigit = 99; // more than any base
 
-bool isPrefixCharacter(ushort code)
-{
-    return (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z') || code == '_';
-}
-
 int digitValue(char character)
 {
     if (character >= '0' && character <= '9')

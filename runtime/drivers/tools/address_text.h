@@ -11,6 +11,12 @@
 #include <QString>
 #include <QtGlobal>
 
+// Whether a character can stand in a prefix.
+inline bool isPrefixCharacter(ushort code)
+{
+    return (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z') || code == '_';
+}
+
 // The leading letters and underscores; empty when the text begins with anything else.
 Q_DECL_EXPORT QByteArray ExtractPrefixSymbol(const QString &text);
 Q_DECL_EXPORT QByteArray ExtractPrefixSymbol(const QByteArray &text);

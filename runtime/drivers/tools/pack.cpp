@@ -32,16 +32,17 @@ int takeCount(const char *&cursor)
 // Walks a format once. An interpreter carries out one item and says whether it knows it.
 template <class Interpreter> Outcome interpret(const char *format, Interpreter &interpreter)
 {
-    for (const char *cursor = format; *cursor != '\0'; ++cursor) {
-        if (interpreter.single(*cursor))
-            continue;
+    for (const char *cursor = format;; ++cursor) {
+        while (interpreter.single(*cursor))
+            ++cursor;
+        if (*cursor == '\0')
+            return kFinished;
         if (!isDigit(*cursor))
             return kUnknownLetter;
         const int count = takeCount(cursor);
         if (count < 0 || !interpreter.counted(*cursor, count))
             return kBadCount;
     }
-    return kFinished;
 }
 
 // Big-endian elements to host order, or back: both are the same step. Neither side need be aligned.
@@ -154,7 +155,7 @@ private:
 template <class Writer> class Packer
 {
 public:
-    Packer(Writer &destination, va_list list) : writer(destination), arguments(list) {}
+    Packer(Writer &destination, Arguments &values) : writer(destination), arguments(values) {}
 
     bool single(char letter)
     {
@@ -225,13 +226,16 @@ private:
     }
 
     Writer &writer;
-    Arguments arguments;
+    Arguments &arguments;
 };
 
 class Unpacker
 {
 public:
-    Unpacker(const unsigned char *buffer, va_list list) : start(buffer), next(buffer), arguments(list) {}
+    Unpacker(const unsigned char *buffer, Arguments &destinations)
+        : start(buffer), next(buffer), arguments(destinations)
+    {
+    }
 
     bool single(char letter)
     {
@@ -314,7 +318,7 @@ private:
 
     const unsigned char *const start;
     const unsigned char *next;
-    Arguments arguments;
+    Arguments &arguments;
 };
 
 } // namespace
@@ -328,9 +332,10 @@ int DataPack(unsigned char *buffer, const char *format, ...)
     return written;
 }
 
-int VDataPack(unsigned char *buffer, const char *format, va_list arguments)
+int VDataPack(unsigned char *buffer, const char *format, va_list values)
 {
     BufferWriter writer(buffer);
+    Arguments arguments(values);
     Packer<BufferWriter> packer(writer, arguments);
     switch (interpret(format, packer)) {
     case kFinished:
@@ -352,10 +357,11 @@ QByteArray ByteArrayPack(const char *format, ...)
     return packed;
 }
 
-QByteArray VByteArrayPack(const char *format, va_list arguments)
+QByteArray VByteArrayPack(const char *format, va_list values)
 {
     try {
         ArrayWriter writer;
+        Arguments arguments(values);
         Packer<ArrayWriter> packer(writer, arguments);
         return interpret(format, packer) == kFinished ? writer.take() : QByteArray();
     } catch (const std::bad_alloc &) {
@@ -372,8 +378,9 @@ int DataUnpack(const unsigned char *buffer, const char *format, ...)
     return consumed;
 }
 
-int VDataUnpack(const unsigned char *buffer, const char *format, va_list arguments)
+int VDataUnpack(const unsigned char *buffer, const char *format, va_list destinations)
 {
+    Arguments arguments(destinations);
     Unpacker unpacker(buffer, arguments);
     return interpret(format, unpacker) == kFinished ? unpacker.consumed() : -1;
 }

@@ -36,15 +36,15 @@
 // for an empty format and for an unknown letter, -1 for an error in a counted item. After an error the
 // items in front of it are packed.
 Q_DECL_EXPORT int DataPack(unsigned char *buffer, const char *format, ...);
-Q_DECL_EXPORT int VDataPack(unsigned char *buffer, const char *format, va_list arguments);
+Q_DECL_EXPORT int VDataPack(unsigned char *buffer, const char *format, va_list values);
 
 // Packs into a new array. Any error, a lack of memory included, gives an empty array.
 Q_DECL_EXPORT QByteArray ByteArrayPack(const char *format, ...);
-Q_DECL_EXPORT QByteArray VByteArrayPack(const char *format, va_list arguments);
+Q_DECL_EXPORT QByteArray VByteArrayPack(const char *format, va_list values);
 
 // Unpacks from buffer: 8-, 16- and 32-bit values are stored through the pointers. Returns the number of
 // bytes consumed, skipped ones included, or -1 for any error; the items in front of it are stored then.
 Q_DECL_EXPORT int DataUnpack(const unsigned char *buffer, const char *format, ...);
-Q_DECL_EXPORT int VDataUnpack(const unsigned char *buffer, const char *format, va_list arguments);
+Q_DECL_EXPORT int VDataUnpack(const unsigned char *buffer, const char *format, va_list destinations);
 
 #endif

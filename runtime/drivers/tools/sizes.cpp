@@ -84,7 +84,7 @@ unsigned int NumOfBytesToNumOfQuadWords(unsigned int n)
 
 void FitBitArray(QByteArray &bits, int nbits)
 {
-    resizeWithZeros(bits, (qint64(std::max(nbits, 0)) + 7) / 8);
+    resizeWithZeros(bits, (qint64(nbits) + 7) / 8);
 }
 
 int GetSafeDataLen(const CommunicatorCommand &command)

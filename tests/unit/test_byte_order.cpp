@@ -1,0 +1,187 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "hex.h"
+#include "tools/byte_order.h"
+
+#include <QtTest>
+
+#include <climits>
+
+namespace {
+
+const unsigned char kWire[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08};
+
+void addArrayAndResults()
+{
+    QTest::addColumn<QString>("array");
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("doubleWords");
+}
+
+} // namespace
+
+class TestByteOrder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void wireIsAlwaysBigEndian();
+    void appendedShortHasItsHighByteFirst();
+    void elementsFromTheWire_data();
+    void elementsFromTheWire();
+    void noElementsNeedNoData();
+    void elementsFromTheWireNeedNoAlignment();
+    void arrayThatIsTooLongIsEmpty();
+    void elementsForTheWireAreFilledWithZeros_data();
+    void elementsForTheWireAreFilledWithZeros();
+    void conversionInPlaceLeavesAnIncompleteElement_data();
+    void conversionInPlaceLeavesAnIncompleteElement();
+    void conversionInPlaceDoesNotTouchACopy();
+};
+
+void TestByteOrder::wireIsAlwaysBigEndian()
+{
+    QCOMPARE(isBigEndian(), true);
+}
+
+void TestByteOrder::appendedShortHasItsHighByteFirst()
+{
+    QByteArray array = bytes("55");
+    appendBigEndianUShort(array, 0x89AB);
+    appendBigEndianUShort(array, 0x0001);
+    QCOMPARE(hex(array), QString("5589ab0001"));
+}
+
+void TestByteOrder::elementsFromTheWire_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<QString>("doubleWords");
+    QTest::newRow("1") << 1 << "0201"
+                       << "04030201";
+    QTest::newRow("2") << 2 << "02010403"
+                       << "0403020108070605";
+    QTest::newRow("0") << 0 << ""
+                       << "";
+    QTest::newRow("negative") << -1 << ""
+                              << "";
+    QTest::newRow("far below 0") << INT_MIN << ""
+                                 << "";
+}
+
+void TestByteOrder::elementsFromTheWire()
+{
+    QFETCH(int, count);
+    QFETCH(QString, words);
+    QFETCH(QString, doubleWords);
+    QCOMPARE(hex(fromBigEndianUShortArray(kWire, count)), words);
+    QCOMPARE(hex(fromBigEndianULongArray(kWire, count)), doubleWords);
+}
+
+void TestByteOrder::noElementsNeedNoData()
+{
+    QVERIFY(fromBigEndianUShortArray(nullptr, 0).isEmpty());
+    QVERIFY(fromBigEndianULongArray(nullptr, 0).isEmpty());
+}
+
+void TestByteOrder::elementsFromTheWireNeedNoAlignment()
+{
+    QCOMPARE(hex(fromBigEndianUShortArray(kWire + 1, 2)), QString("03020504"));
+    QCOMPARE(hex(fromBigEndianULongArray(kWire + 1, 1)), QString("05040302"));
+}
+
+void TestByteOrder::arrayThatIsTooLongIsEmpty()
+{
+    QVERIFY(fromBigEndianUShortArray(kWire, INT_MAX).isEmpty());
+    QVERIFY(fromBigEndianULongArray(kWire, INT_MAX).isEmpty());
+    QVERIFY(fromBigEndianULongArray(kWire, 0x40000001).isEmpty()); // 4 bytes in 32 bits
+}
+
+void TestByteOrder::elementsForTheWireAreFilledWithZeros_data()
+{
+    addArrayAndResults();
+    QTest::newRow("empty") << ""
+                           << ""
+                           << "";
+    QTest::newRow("1 byte") << "01"
+                            << "0001"
+                            << "00000001";
+    QTest::newRow("2 bytes") << "0102"
+                             << "0201"
+                             << "00000201";
+    QTest::newRow("3 bytes") << "010203"
+                             << "02010003"
+                             << "00030201";
+    QTest::newRow("4 bytes") << "01020304"
+                             << "02010403"
+                             << "04030201";
+    QTest::newRow("5 bytes") << "0102030405"
+                             << "020104030005"
+                             << "0403020100000005";
+    QTest::newRow("8 bytes") << "0102030405060708"
+                             << "0201040306050807"
+                             << "0403020108070605";
+}
+
+void TestByteOrder::elementsForTheWireAreFilledWithZeros()
+{
+    QFETCH(QString, array);
+    QFETCH(QString, words);
+    QFETCH(QString, doubleWords);
+    const QByteArray host = QByteArray::fromHex(array.toLatin1());
+    QCOMPARE(hex(toBigEndianUShortArray(host)), words);
+    QCOMPARE(hex(toBigEndianULongArray(host)), doubleWords);
+    QCOMPARE(hex(host), array);
+}
+
+void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement_data()
+{
+    addArrayAndResults();
+    QTest::newRow("empty") << ""
+                           << ""
+                           << "";
+    QTest::newRow("1 byte") << "01"
+                            << "01"
+                            << "01";
+    QTest::newRow("2 bytes") << "0102"
+                             << "0201"
+                             << "0102";
+    QTest::newRow("3 bytes") << "010203"
+                             << "020103"
+                             << "010203";
+    QTest::newRow("4 bytes") << "01020304"
+                             << "02010403"
+                             << "04030201";
+    QTest::newRow("7 bytes") << "01020304050607"
+                             << "02010403060507"
+                             << "04030201050607";
+    QTest::newRow("8 bytes") << "0102030405060708"
+                             << "0201040306050807"
+                             << "0403020108070605";
+}
+
+void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement()
+{
+    QFETCH(QString, array);
+    QFETCH(QString, words);
+    QFETCH(QString, doubleWords);
+    QByteArray shorts = QByteArray::fromHex(array.toLatin1());
+    QByteArray longs = shorts;
+    toLittleEndianUShortArray(shorts);
+    toLittleEndianULongArray(longs);
+    QCOMPARE(hex(shorts), words);
+    QCOMPARE(hex(longs), doubleWords);
+}
+
+void TestByteOrder::conversionInPlaceDoesNotTouchACopy()
+{
+    QByteArray array = bytes("01 02");
+    const QByteArray copy = array;
+    toLittleEndianUShortArray(array);
+    QCOMPARE(hex(array), QString("0201"));
+    QCOMPARE(hex(copy), QString("0102"));
+}
+
+QTEST_APPLESS_MAIN(TestByteOrder)
+#include "test_byte_order.moc"

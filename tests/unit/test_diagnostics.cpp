@@ -1,0 +1,131 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "hex.h"
+#include "tools/diagnostics.h"
+
+#include <QtTest>
+
+#include <cerrno>
+#include <climits>
+
+#include <signal.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+int g_killError = 0; // what kill() fails with; 0 asks the system
+
+} // namespace
+
+extern "C" int kill(pid_t pid, int signal) noexcept
+{
+    if (g_killError == 0)
+        return static_cast<int>(syscall(SYS_kill, pid, signal));
+    errno = g_killError;
+    return -1;
+}
+
+class TestDiagnostics : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void ownProcessIsRunning();
+    void processThatNobodyHasIsNotRunning_data();
+    void processThatNobodyHasIsNotRunning();
+    void processOfSomeoneElseIsRunning();
+    void anyOtherFailureMeansNotRunning_data();
+    void anyOtherFailureMeansNotRunning();
+    void earlierErrorDoesNotCount();
+    void dumpShowsBytesAndText_data();
+    void dumpShowsBytesAndText();
+    void emptyListOfSizesIsEmpty();
+};
+
+void TestDiagnostics::cleanup()
+{
+    g_killError = 0;
+}
+
+void TestDiagnostics::ownProcessIsRunning()
+{
+    QVERIFY(ProcessIsRunning(getpid()));
+}
+
+void TestDiagnostics::processThatNobodyHasIsNotRunning_data()
+{
+    const qlonglong self = getpid();
+    QTest::addColumn<qlonglong>("pid");
+    QTest::newRow("above the highest id of Linux") << qlonglong(INT_MAX);
+    QTest::newRow("own id in 32 bits") << (Q_INT64_C(1) << 32) + self;
+    QTest::newRow("own id in 32 bits, negative") << self - (Q_INT64_C(1) << 32);
+    QTest::newRow("highest number") << Q_INT64_C(9223372036854775807);
+}
+
+void TestDiagnostics::processThatNobodyHasIsNotRunning()
+{
+    QFETCH(qlonglong, pid);
+    QVERIFY(!ProcessIsRunning(pid));
+}
+
+void TestDiagnostics::processOfSomeoneElseIsRunning()
+{
+    g_killError = EPERM;
+    QVERIFY(ProcessIsRunning(1));
+}
+
+void TestDiagnostics::anyOtherFailureMeansNotRunning_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("ESRCH") << ESRCH;
+    QTest::newRow("EINVAL") << EINVAL;
+}
+
+void TestDiagnostics::anyOtherFailureMeansNotRunning()
+{
+    QFETCH(int, error);
+    g_killError = error;
+    QVERIFY(!ProcessIsRunning(1));
+}
+
+void TestDiagnostics::earlierErrorDoesNotCount()
+{
+    errno = EPERM;
+    QVERIFY(!ProcessIsRunning(INT_MAX));
+}
+
+void TestDiagnostics::dumpShowsBytesAndText_data()
+{
+    QTest::addColumn<QString>("array");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << ""
+                           << "() : ";
+    QTest::newRow("lower case, no leading zero")
+        << "01ab" << QString("(0X1 0Xab ) : ") + QChar(0x01) + QChar(0xAB);
+    QTest::newRow("text") << "565731"
+                          << "(0X56 0X57 0X31 ) : VW1";
+    QTest::newRow("text ends at a zero byte") << "41004200"
+                                              << "(0X41 0X0 0X42 0X0 ) : A";
+    QTest::newRow("zero byte first") << "0041"
+                                     << "(0X0 0X41 ) : ";
+    QTest::newRow("above 127 is Latin-1")
+        << "80e4ff" << QString("(0X80 0Xe4 0Xff ) : ") + QChar(0x80) + QChar(0xE4) + QChar(0xFF);
+}
+
+void TestDiagnostics::dumpShowsBytesAndText()
+{
+    QFETCH(QString, array);
+    QFETCH(QString, text);
+    QCOMPARE(dumpByteArray(QByteArray::fromHex(array.toLatin1())), text);
+}
+
+void TestDiagnostics::emptyListOfSizesIsEmpty()
+{
+    QCOMPARE(EmptyPackageSizeList(), QList<int>());
+}
+
+QTEST_APPLESS_MAIN(TestDiagnostics)
+#include "test_diagnostics.moc"
