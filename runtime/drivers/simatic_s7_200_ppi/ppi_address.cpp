@@ -4,10 +4,12 @@
 #include "ppi_address.h"
 
 #include "ppi_static.h"
+#include "tools/address_text.h"
 
 namespace {
 
 const unsigned int kBitsPerByte = 8;
+const int kLongestPrefix = 3; // of the area table
 
 unsigned char characterAt(const QString &text, int index)
 {
@@ -21,6 +23,15 @@ void addDigit(unsigned int &number, unsigned char character)
 }
 
 } // namespace
+
+QByteArray S7_200_PPIExtractPrefix(const QString &text)
+{
+    quint32 letters = 0;
+    for (int i = 0; i < text.size() && i <= kLongestPrefix && isPrefixCharacter(text.at(i).unicode()); ++i)
+        letters = letters << 8 | text.at(i).unicode();
+    const QByteArray *key = S7_200_PPIAreaTableKey(letters);
+    return key ? *key : ExtractPrefixSymbol(text);
+}
 
 unsigned int S7_200_PPIExtractByteAddress(const QString &text)
 {
@@ -44,7 +55,14 @@ bool S7_200_PPIExtractAddress(const QString &text, unsigned int &byteAddress, un
 
 bool S7_200_PPIIsObj(const QByteArray &prefix)
 {
-    return prefix == "C" || prefix == "T" || prefix == "HC";
+    switch (prefix.size()) {
+    case 1:
+        return prefix.at(0) == 'C' || prefix.at(0) == 'T';
+    case 2:
+        return prefix.at(0) == 'H' && prefix.at(1) == 'C';
+    default:
+        return false;
+    }
 }
 
 unsigned char S7_200_PPIAreaCode(const QByteArray &prefix)
@@ -54,14 +72,15 @@ unsigned char S7_200_PPIAreaCode(const QByteArray &prefix)
 
 unsigned char S7_200_PPIDBNumber(const QByteArray &prefix)
 {
-    return prefix.startsWith('V') ? 1 : 0;
+    return !prefix.isEmpty() && prefix.at(0) == 'V' ? 1 : 0;
 }
 
 int S7_200_PPIElementSize(const QByteArray &prefix)
 {
-    if (prefix.endsWith('D'))
+    const char width = prefix.isEmpty() ? '\0' : prefix.at(prefix.size() - 1);
+    if (width == 'D')
         return 4;
-    return prefix.endsWith('W') ? 2 : 1;
+    return width == 'W' ? 2 : 1;
 }
 
 unsigned int S7_200_PPIWireAddress(const QByteArray &prefix, unsigned int number)

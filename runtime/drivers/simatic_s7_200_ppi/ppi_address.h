@@ -14,6 +14,9 @@
 #include <QByteArray>
 #include <QString>
 
+// The letters in front of the number, as ExtractPrefixSymbol takes them.
+QByteArray S7_200_PPIExtractPrefix(const QString &text);
+
 // The number in the text: all its digits in order, everything else skipped, the dot included (V10.3
 // gives 103). Wraps modulo 2^32; 0 without digits.
 unsigned int S7_200_PPIExtractByteAddress(const QString &text);

@@ -22,27 +22,29 @@ const int kCovered = 4; // where LE and FCS begin to count in an SD2 frame
 
 unsigned char checkSum(const unsigned char *covered, int length)
 {
-    unsigned int sum = 0;
+    unsigned char sum = 0;
     for (int i = 0; i < length; ++i)
-        sum += covered[i];
-    return static_cast<unsigned char>(sum);
+        sum = static_cast<unsigned char>(sum + covered[i]);
+    return sum;
 }
 
 } // namespace
 
 PpiBytes S7_200_PPIPackLayer2SD1Poll(unsigned char da, unsigned char sa)
 {
-    PpiBytes frame;
-    frame.pack("CCCCCC", kSD1, da, sa, kRequestData, da + sa + kRequestData, kEndDelimiter);
-    return frame;
+    const unsigned char sum = static_cast<unsigned char>(da + sa + kRequestData);
+    const unsigned char frame[] = {kSD1, da, sa, kRequestData, sum, kEndDelimiter};
+    return PpiBytes(frame);
 }
 
 PpiBytes S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, const PpiBytes &pdu)
 {
-    const int length = pdu.size() + 3;
-    PpiBytes frame;
-    frame.pack("CCCCCCC", kSD2, length, length, kSD2, da, sa, kSendAndRequest).append(pdu);
-    frame.pack("CC", checkSum(frame.data() + kCovered, frame.at(1)), kEndDelimiter);
+    const unsigned char length = static_cast<unsigned char>(pdu.size() + 3);
+    const unsigned char head[] = {kSD2, length, length, kSD2, da, sa, kSendAndRequest};
+    PpiBytes frame(head);
+    frame.append(pdu);
+    const unsigned char tail[] = {checkSum(frame.data() + kCovered, length), kEndDelimiter};
+    frame.append(tail);
     return frame;
 }
 
@@ -53,14 +55,15 @@ const char *S7_200_PPIFaultInAcknowledgement(const unsigned char *buffer, int le
     return buffer[0] == kShortAcknowledgement ? nullptr : "invalid response";
 }
 
-const char *S7_200_PPIReasonOfRefusal(const unsigned char *buffer, int length, unsigned char da, unsigned char sa)
+const char *S7_200_PPIReasonOfRefusal(const unsigned char *buffer, int length, unsigned char da,
+                                      unsigned char sa)
 {
     if (length != kRefusalSize)
         return "first NAK packet loss";
     // Kept: the sum is not reduced modulo 256, so a refusal whose bytes add up to more is never taken
     // for one (refusalWithACarryInItsSumIsNotTaken).
-    const bool wellFormed = buffer[0] == kSD1 && buffer[5] == kEndDelimiter
-            && buffer[1] + buffer[2] + buffer[3] == buffer[4];
+    const bool wellFormed =
+        buffer[0] == kSD1 && buffer[5] == kEndDelimiter && buffer[1] + buffer[2] + buffer[3] == buffer[4];
     if (!wellFormed || buffer[1] != da || buffer[2] != sa)
         return "invalid response9";
     switch (buffer[3]) {
@@ -73,11 +76,13 @@ const char *S7_200_PPIReasonOfRefusal(const unsigned char *buffer, int length, u
     }
 }
 
-const char *S7_200_PPIFaultInAnswerHead(const unsigned char *buffer, int length, unsigned char da, unsigned char sa)
+const char *S7_200_PPIFaultInAnswerHead(const unsigned char *buffer, int length, unsigned char da,
+                                        unsigned char sa)
 {
     if (length < kAnswerHeadSize)
         return "packet length < minimum second response";
-    const bool wellFormed = buffer[0] == kSD2 && buffer[3] == kSD2 && buffer[1] != 0 && buffer[2] == buffer[1];
+    const bool wellFormed =
+        buffer[0] == kSD2 && buffer[3] == kSD2 && buffer[1] != 0 && buffer[2] == buffer[1];
     const bool forUs = buffer[4] == da && buffer[5] == sa && buffer[6] == kAnswer;
     return wellFormed && forUs ? nullptr : "invalid response";
 }

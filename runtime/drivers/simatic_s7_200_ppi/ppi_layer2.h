@@ -22,7 +22,7 @@
 enum PpiLayer2 {
     kRefusalStart = 0x10,
     kRefusalSize = 6,
-    kAnswerHeadSize = 7,   // up to and including FC; the PDU follows
+    kAnswerHeadSize = 7,     // up to and including FC; the PDU follows
     kReceiveBufferSize = 262 // an answer is at most 261 bytes
 };
 
@@ -36,10 +36,12 @@ PpiBytes S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, cons
 const char *S7_200_PPIFaultInAcknowledgement(const unsigned char *buffer, int length);
 
 // What a refusal says, or what is wrong with it; never null.
-const char *S7_200_PPIReasonOfRefusal(const unsigned char *buffer, int length, unsigned char da, unsigned char sa);
+const char *S7_200_PPIReasonOfRefusal(const unsigned char *buffer, int length, unsigned char da,
+                                      unsigned char sa);
 
 // The first 7 bytes of the answer to a poll.
-const char *S7_200_PPIFaultInAnswerHead(const unsigned char *buffer, int length, unsigned char da, unsigned char sa);
+const char *S7_200_PPIFaultInAnswerHead(const unsigned char *buffer, int length, unsigned char da,
+                                        unsigned char sa);
 
 // The rest of an answer whose head is good: buffer is the whole answer, kReceiveBufferSize bytes;
 // length and expectedLength count the bytes behind the head, received and owed.

@@ -4,9 +4,9 @@
 #include "ppi_response.h"
 
 #include "ppi_address.h"
+#include "ppi_bytes.h"
 #include "tools/bits.h"
 #include "tools/byte_order.h"
-#include "tools/pack.h"
 #include "tools/sizes.h"
 
 namespace {
@@ -16,7 +16,10 @@ const unsigned char kAcknowledge = 0x02;
 const unsigned char kAcknowledgeWithData = 0x03;
 const unsigned short kAllowedParameterLength = 0x0002; // and 0: no other bit may be set
 const unsigned char kReadVariable = 0x04;
+const unsigned char kWriteVariable = 0x05;
 
+const int kHeaderSize = 12;
+const int kCodesOffset = 2; // of a write answer's return codes, behind function and item count
 const int kTimerStatusBit = 1;
 const int kTimerSize = 5;
 const int kCounterStatusBit = 4;
@@ -38,9 +41,8 @@ struct ItemHead
 
 ItemHead unpackItemHead(const unsigned char *parameters)
 {
-    ItemHead head;
-    DataUnpack(parameters, "CCCCn", &head.function, &head.itemCount, &head.returnCode, &head.transportSize,
-               &head.length);
+    const ItemHead head = {parameters[0], parameters[1], parameters[2], parameters[3],
+                           ppiWord(parameters + 4)};
     return head;
 }
 
@@ -51,19 +53,14 @@ unsigned char statusBit(unsigned char status, int bit)
 
 S7_200_PPI_Timer unpackTimer(const unsigned char *record)
 {
-    unsigned char status = 0;
-    unsigned int value = 0;
-    DataUnpack(record, "CN", &status, &value);
-    const S7_200_PPI_Timer timer = { static_cast<unsigned short>(value), statusBit(status, kTimerStatusBit) };
+    const S7_200_PPI_Timer timer = {static_cast<unsigned short>(ppiDWord(record + 1)),
+                                    statusBit(record[0], kTimerStatusBit)};
     return timer;
 }
 
 S7_200_PPI_Timer unpackCounter(const unsigned char *record)
 {
-    unsigned char status = 0;
-    unsigned short value = 0;
-    DataUnpack(record, "Cn", &status, &value);
-    const S7_200_PPI_Timer counter = { value, statusBit(status, kCounterStatusBit) };
+    const S7_200_PPI_Timer counter = {ppiWord(record + 1), statusBit(record[0], kCounterStatusBit)};
     return counter;
 }
 
@@ -108,18 +105,16 @@ int S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(const unsigned char *header, uns
                                                 unsigned short &parameterLength, unsigned short &dataLength,
                                                 unsigned char &errorClass, unsigned char &errorCode)
 {
-    unsigned char protocol = 0;
-    unsigned char messageType = 0;
-    unsigned short reserved = 0;
-    unsigned short reference = 0;
-    const int size = DataUnpack(header, "CCnnnnCC", &protocol, &messageType, &reserved, &reference,
-                                &parameterLength, &dataLength, &errorClass, &errorCode);
-    const bool acknowledges = messageType == kAcknowledge || messageType == kAcknowledgeWithData;
-    if (protocol != kProtocol || !acknowledges || reserved != 0)
+    parameterLength = ppiWord(header + 6);
+    dataLength = ppiWord(header + 8);
+    errorClass = header[10];
+    errorCode = header[11];
+    const bool acknowledges = header[1] == kAcknowledge || header[1] == kAcknowledgeWithData;
+    if (header[0] != kProtocol || !acknowledges || ppiWord(header + 2) != 0)
         return -1;
-    if ((parameterLength & ~kAllowedParameterLength) != 0 || reference != expectedReference)
+    if ((parameterLength & ~kAllowedParameterLength) != 0 || ppiWord(header + 4) != expectedReference)
         return -1;
-    return size;
+    return kHeaderSize;
 }
 
 bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportSize, int held)
@@ -172,10 +167,8 @@ QByteArray S7_200_PPIGetRspHSC(const unsigned char *parameters, unsigned char &r
         return values;
     values.reserve((head.length + kHighSpeedCounterSize - 1) / kHighSpeedCounterSize * 4);
     for (int offset = 0; offset < head.length; offset += kHighSpeedCounterSize) {
-        unsigned int value = 0;
-        unsigned char bytes[4];
-        DataUnpack(parameters + kReadItemHeadSize + offset, "xN", &value);
-        values.append(reinterpret_cast<const char *>(bytes), DataPack(bytes, "V", value));
+        const unsigned char *record = parameters + kReadItemHeadSize + offset;
+        values.append(fromBigEndianULongArray(record + 1, 1));
     }
     return values;
 }
@@ -190,4 +183,32 @@ bool S7_200_PPIGetRspCounters(const unsigned char *parameters, std::vector<S7_20
                               unsigned char &returnCode)
 {
     return unpackRecords(parameters, kCounterSize, unpackCounter, counters, returnCode);
+}
+
+bool S7_200_PPICheckWriteRspParamData(const unsigned char *parameters, unsigned char &returnCode)
+{
+    returnCode = parameters[2];
+    return parameters[0] == kWriteVariable && parameters[1] == 1 && returnCode == kSuccess;
+}
+
+QByteArray S7_200_PPIGetWriteRspCodes(const unsigned char *parameters, int held)
+{
+    if (parameters[0] != kWriteVariable)
+        return QByteArray();
+    const int itemCount = parameters[1];
+    const int codesHeld = qBound(0, held - kCodesOffset, itemCount);
+    QByteArray codes(reinterpret_cast<const char *>(parameters) + kCodesOffset, codesHeld);
+    codes.append(QByteArray(itemCount - codesHeld, '\0'));
+    return codes;
+}
+
+QString S7_200_PPIWriteRspCodesToStr(const QByteArray &codes)
+{
+    QString text;
+    for (int i = 0; i < codes.size(); ++i) {
+        if (i > 0)
+            text += QLatin1Char(',');
+        text += S7_200_PPIReadRspErrorCodeToStr(static_cast<unsigned char>(codes.at(i)));
+    }
+    return text;
 }

@@ -68,11 +68,22 @@ QByteArray S7_200_PPIGetRspBytes(const unsigned char *parameters, const QByteArr
 //
 // Kept: the size is compared without regard to firstBit, so bits that straddle one byte more than
 // their number needs are refused (bitsThatStraddleOneByteMoreAreRefused).
-bool S7_200_PPIGetRspBits(const unsigned char *parameters, unsigned int firstBit, int count, QByteArray &bits);
+bool S7_200_PPIGetRspBits(const unsigned char *parameters, unsigned int firstBit, int count,
+                          QByteArray &bits);
 
 // The values of high-speed counters, 4 bytes each, least significant first. Empty when it is no answer
 // with data.
 QByteArray S7_200_PPIGetRspHSC(const unsigned char *parameters, unsigned char &returnCode);
+
+// Whether the one item of a write was taken.
+bool S7_200_PPICheckWriteRspParamData(const unsigned char *parameters, unsigned char &returnCode);
+
+// The return codes of a write of several items, one byte each; empty when it is no answer to a write. Only
+// held bytes of the frame stand at parameters: a code beyond them is 0.
+QByteArray S7_200_PPIGetWriteRspCodes(const unsigned char *parameters, int held);
+
+// The messages of the return codes with a comma between each two, so that every item has its place.
+QString S7_200_PPIWriteRspCodesToStr(const QByteArray &codes);
 
 // Appends the timers or counters of the answer. False when it is no such answer; true and nothing
 // appended when it has no data.

@@ -3,10 +3,10 @@
 
 #include "ppi_static.h"
 
-// Objects of one file are created in the order in which they stand: the table before what fills it.
+// Objects of one file are created in the order in which they stand: the table and its keys before what
+// fills them.
 const QString VERSION_STRING(QLatin1String("1.0.0"));
 QHash<QByteArray, unsigned char> g_s7_200_ppi_area_table;
-S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
 
 namespace {
 
@@ -18,23 +18,55 @@ struct Area
 
 // The process image carries the high bit. The analogue areas exist as words only.
 const Area kAreas[] = {
-    { "I", 0x81 },  { "IB", 0x81 },  { "IW", 0x81 },  { "ID", 0x81 },  // process-image inputs
-    { "Q", 0x82 },  { "QB", 0x82 },  { "QW", 0x82 },  { "QD", 0x82 },  // process-image outputs
-    { "V", 0x84 },  { "VB", 0x84 },  { "VW", 0x84 },  { "VD", 0x84 },  // variable memory
-    { "M", 0x83 },  { "MB", 0x83 },  { "MW", 0x83 },  { "MD", 0x83 },  // bit memory
-    { "T", 0x1F },                                                     // timers
-    { "C", 0x1E },                                                     // counters
-    { "HC", 0x20 },                                                    // high-speed counters
-    { "SM", 0x05 }, { "SMB", 0x05 }, { "SMW", 0x05 }, { "SMD", 0x05 }, // special memory
-    { "AIW", 0x06 },                                                   // analogue inputs
-    { "AQW", 0x07 },                                                   // analogue outputs
-    { "S", 0x04 },  { "SB", 0x04 },  { "SW", 0x04 },  { "SD", 0x04 },  // sequence-control relays
+    {"I", 0x81},   {"IB", 0x81},  {"IW", 0x81},  {"ID", 0x81},  // process-image inputs
+    {"Q", 0x82},   {"QB", 0x82},  {"QW", 0x82},  {"QD", 0x82},  // process-image outputs
+    {"V", 0x84},   {"VB", 0x84},  {"VW", 0x84},  {"VD", 0x84},  // variable memory
+    {"M", 0x83},   {"MB", 0x83},  {"MW", 0x83},  {"MD", 0x83},  // bit memory
+    {"T", 0x1F},                                                // timers
+    {"C", 0x1E},                                                // counters
+    {"HC", 0x20},                                               // high-speed counters
+    {"SM", 0x05},  {"SMB", 0x05}, {"SMW", 0x05}, {"SMD", 0x05}, // special memory
+    {"AIW", 0x06},                                              // analogue inputs
+    {"AQW", 0x07},                                              // analogue outputs
+    {"S", 0x04},   {"SB", 0x04},  {"SW", 0x04},  {"SD", 0x04},  // sequence-control relays
 };
+
+const int kAreaCount = sizeof kAreas / sizeof kAreas[0];
+
+struct Key
+{
+    quint32 letters;
+    QByteArray prefix;
+};
+
+Key g_keys[kAreaCount];
+
+quint32 lettersOf(const char *prefix)
+{
+    quint32 letters = 0;
+    for (; *prefix; ++prefix)
+        letters = letters << 8 | static_cast<unsigned char>(*prefix);
+    return letters;
+}
 
 } // namespace
 
+S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
+
+const QByteArray *S7_200_PPIAreaTableKey(quint32 letters)
+{
+    for (const Key &key : g_keys) {
+        if (key.letters == letters)
+            return &key.prefix;
+    }
+    return nullptr;
+}
+
 S7_200_PPI_AreaTableInitializer::S7_200_PPI_AreaTableInitializer()
 {
-    for (const Area &area : kAreas)
-        g_s7_200_ppi_area_table[QByteArray(area.prefix)] = area.code;
+    for (int i = 0; i < kAreaCount; ++i) {
+        g_keys[i].letters = lettersOf(kAreas[i].prefix);
+        g_keys[i].prefix = kAreas[i].prefix;
+        g_s7_200_ppi_area_table[g_keys[i].prefix] = kAreas[i].code;
+    }
 }

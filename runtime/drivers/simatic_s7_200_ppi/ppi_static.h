@@ -15,6 +15,11 @@ extern const QString VERSION_STRING;
 // Area prefix of an address text to the area code on the wire. Keys are case-sensitive.
 extern QHash<QByteArray, unsigned char> g_s7_200_ppi_area_table;
 
+// The table's own key with these letters, null when there is none. A request that takes its prefix from
+// here shares it and allocates nothing. The letters stand in the number as they do in the text, the
+// last one lowest.
+const QByteArray *S7_200_PPIAreaTableKey(quint32 letters);
+
 // Fills the area table when it is constructed.
 class S7_200_PPI_AreaTableInitializer
 {

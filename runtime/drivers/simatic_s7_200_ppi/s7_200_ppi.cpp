@@ -7,41 +7,31 @@
 #include "device_setting.h"
 #include "driver_setting.h"
 #include "ppi_address.h"
+#include "ppi_bytes.h"
 #include "ppi_layer2.h"
 #include "ppi_request.h"
 #include "ppi_response.h"
 #include "ppi_static.h"
-#include "tools/address_text.h"
+#include "tools/array_size.h"
 #include "tools/sizes.h"
 #include "tools/timing.h"
 
 #include <QtDebug>
 
-#include <climits>
 #include <cstring>
 #include <new>
+#include <vector>
 
 // Writes the recorded error with the line at which it was found; always, whatever the debug mode.
-#define LOG_FAILURE() qDebug("%s:%d:%s", __FILE__, __LINE__, messageText(lastError).constData())
+#define LOG_FAILURE() qDebug("%s:%d:%s", __FILE__, __LINE__, messageText(driver.getLastError()).constData())
 
-// The answer of one exchange, and where its parameters stand once the header was accepted.
-struct PpiAnswer
-{
-    unsigned char frame[kReceiveBufferSize];
-    const unsigned char *parameters;
+namespace {
 
-    void clear() { memset(frame, 0, sizeof frame); }
-
-    // How many bytes of an item's data the frame holds: check sum and end byte stand behind them.
-    int held() const
-    {
-        const unsigned char *checkSum = frame + 4 + frame[1];
-        return static_cast<int>(checkSum - parameters) - kReadItemHeadSize;
-    }
-};
+const int kPurgeOption = 12;                // the port throws away what it has received and nobody has read
+const unsigned long kPauseBeforeFrame = 12; // milliseconds
 
 // What differs between the reads by byte, word and double word.
-struct PpiReadKind
+struct ReadKind
 {
     int unit;                // bytes of one counted item
     const char *headerFault; // memory areas; objects always report "invalid response"
@@ -52,15 +42,36 @@ struct PpiReadKind
     bool fitsHighSpeedCounters;
 };
 
-namespace {
+//                          unit  header fault         no data              logs refused, no data   fits T C,
+//                          HC
+const ReadKind kByteRead = {1, "invalid response", "invalid response", true, true, true, true};
+const ReadKind kWordRead = {2, "invalid response", "invalid response", false, false, false, true};
+const ReadKind kDWordRead = {4, "invalid response1", "invalid response2", false, true, false, false};
 
-//                             unit  header fault         no data              logs refused, no data   fits T C, HC
-const PpiReadKind kByteRead = { 1, "invalid response", "invalid response", true, true, true, true };
-const PpiReadKind kWordRead = { 2, "invalid response", "invalid response", false, false, false, true };
-const PpiReadKind kDWordRead = { 4, "invalid response1", "invalid response2", false, true, false, false };
+// What differs between the writes by byte, word and double word.
+struct WriteKind
+{
+    bool fitsData; // to what the command counts
+    bool fillsOdd; // data of timers and counters, to whole values
+};
 
-const int kPurgeOption = 12; // the port throws away what it has received and nobody has read
-const unsigned long kPauseBeforeFrame = 12; // milliseconds
+const WriteKind kByteWrite = {false, true};
+const WriteKind kWordWrite = {true, false};
+const WriteKind kDWordWrite = {false, false};
+
+// The answer of one exchange, and where its parameters stand once the header was accepted.
+struct Answer
+{
+    unsigned char frame[kReceiveBufferSize];
+    const unsigned char *parameters;
+
+    void clear() { memset(frame, 0, sizeof frame); }
+
+    // How many bytes of parameters, and how many of a read item's data, the frame holds: check sum and
+    // end byte stand behind them. Below 0 when not even the header is complete.
+    int held() const { return static_cast<int>(frame + 4 + frame[1] - parameters); }
+    int heldData() const { return held() - kReadItemHeadSize; }
+};
 
 // The builders count requests in 16 bits, the driver object keeps an int: converted here only. The
 // object has the new value at the end of the statement that builds the frame.
@@ -78,35 +89,405 @@ private:
     unsigned short value;
 };
 
-// What a port says it received, held to what it was asked for.
-int receive(AbstractDeviceInterface *dev, unsigned char *buffer, int maxLength)
+// Records the fault that a check found, if any.
+bool accepted(DriverS7_200_PPI &driver, const char *fault)
 {
-    return qBound(0, dev->receive(buffer, maxLength), maxLength);
+    if (fault)
+        driver.setCommError(QLatin1String(fault));
+    return !fault;
 }
 
 // How many objects hold that many bytes of values: 4 in a high-speed counter, 2 in a timer or counter.
-unsigned int objectsFor(const QByteArray &prefix, unsigned int byteCount)
+unsigned short objectsFor(const QByteArray &prefix, qint64 byteCount)
 {
-    return prefix == "HC" ? NumOfBytesToNumOfDWords(byteCount) : NumOfBytesToNumOfWords(byteCount);
+    const unsigned int bytes = static_cast<unsigned int>(byteCount);
+    return static_cast<unsigned short>(prefix == "HC" ? NumOfBytesToNumOfDWords(bytes)
+                                                      : NumOfBytesToNumOfWords(bytes));
+}
+
+// The data cut to size bytes, or extended to it with zero bytes.
+QByteArray fitted(QByteArray data, qint64 size)
+{
+    if (size != data.size() && !resizeWithZeros(data, size))
+        throw std::bad_alloc();
+    return data;
 }
 
 QByteArray valuesOf(const std::vector<S7_200_PPI_Timer> &records)
 {
-    QByteArray values;
-    values.reserve(static_cast<int>(records.size()) * 2);
+    QByteArray values(static_cast<int>(records.size()) * 2, '\0');
     for (size_t i = 0; i < records.size(); ++i) {
-        values.append(static_cast<char>(records[i].value & 0xFF));
-        values.append(static_cast<char>(records[i].value >> 8));
+        values[static_cast<int>(2 * i)] = static_cast<char>(ppiByte(records[i].value, 0));
+        values[static_cast<int>(2 * i + 1)] = static_cast<char>(ppiByte(records[i].value, 1));
     }
     return values;
 }
 
+// One attempt at one command: a request, its exchange with the controller, and what comes of the answer.
+// Failures are recorded in the driver and logged here.
+class Attempt
+{
+public:
+    Attempt(DriverS7_200_PPI &driver_, int &pduReference_, AbstractDeviceInterface *dev_)
+        : driver(driver_), pduReference(pduReference_), dev(dev_)
+    {
+    }
+
+    QByteArray readItems(const CommunicatorCommand &cmd, const ReadKind &kind);
+    QByteArray readBits(const CommunicatorCommand &cmd);
+    bool writeItems(const CommunicatorCommand &cmd, const QByteArray &data, const WriteKind &kind);
+    bool writeMemory(const QByteArray &prefix, unsigned int byteAddress, const QByteArray &data);
+    bool writeBits(const CommunicatorCommand &cmd, const QByteArray &data);
+
+private:
+    unsigned char station() { return static_cast<unsigned char>(dev->stationId()); }
+    unsigned char source() { return static_cast<unsigned char>(driver.getSourceAddr(dev)); }
+
+    int receive(unsigned char *buffer, int maxLength);
+    void send(const PpiBytes &frame);
+    bool exchange(const PpiBytes &frame, const char *headerFault, Answer &answer);
+    bool request(const PpiBytes &frame, Answer &answer);
+    bool poll(Answer &answer);
+    bool unpackHeader(const char *headerFault, Answer &answer);
+
+    QByteArray readMemory(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
+    QByteArray readObjects(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
+    QByteArray readMemoryBits(const CommunicatorCommand &cmd, const QByteArray &prefix);
+    QByteArray readObjectBits(const CommunicatorCommand &cmd, const QByteArray &prefix);
+    bool exchangeForObjects(const CommunicatorCommand &cmd, const QByteArray &prefix, unsigned short count,
+                            Answer &answer);
+    QByteArray highSpeedCounters(const Answer &answer);
+    bool unpackRecords(const Answer &answer, const QByteArray &prefix,
+                       std::vector<S7_200_PPI_Timer> &records);
+
+    bool writeItem(const PpiBytes &frame);
+    bool refuseWrite(const CommunicatorCommand &cmd);
+
+    DriverS7_200_PPI &driver;
+    int &pduReference;
+    AbstractDeviceInterface *dev;
+};
+
+// What the port says it received, held to what it was asked for.
+int Attempt::receive(unsigned char *buffer, int maxLength)
+{
+    return qBound(0, dev->receive(buffer, maxLength), maxLength);
+}
+
+void Attempt::send(const PpiBytes &frame)
+{
+    dev->setOption(kPurgeOption, QVariant(0));
+    driver.delayBeforeReq();
+    dev->send(frame.data(), frame.size());
+}
+
+// The exchange that every read and write is: request, acknowledgement, poll, answer. True when the
+// answer belongs to the request and the controller took it; the answer's parameters are the caller's
+// to decode. Otherwise the reason is recorded and logged.
+bool Attempt::exchange(const PpiBytes &frame, const char *headerFault, Answer &answer)
+{
+    return request(frame, answer) && poll(answer) && unpackHeader(headerFault, answer);
+}
+
+bool Attempt::request(const PpiBytes &frame, Answer &answer)
+{
+    send(frame);
+    answer.clear();
+    const int received = receive(answer.frame, 1);
+    if (received > 0 && answer.frame[0] == kRefusalStart) {
+        const int rest = receive(answer.frame + 1, kRefusalSize - 1);
+        driver.processSD1NAK(answer.frame, rest + 1, source(), station());
+        LOG_FAILURE();
+        return false;
+    }
+    if (!driver.checkSC(answer.frame, received)) {
+        LOG_FAILURE();
+        return false;
+    }
+    return true;
+}
+
+// The controller is polled once: one that is not ready yet fails the attempt.
+bool Attempt::poll(Answer &answer)
+{
+    send(S7_200_PPIPackLayer2SD1Poll(station(), source()));
+    answer.clear();
+    const int received = receive(answer.frame, kAnswerHeadSize);
+    if (!driver.checkMinSD2Rsp(answer.frame, received, source(), station())) {
+        LOG_FAILURE();
+        return false;
+    }
+    const int owed = answer.frame[1] - 1;
+    const int rest = receive(answer.frame + kAnswerHeadSize, owed);
+    if (!driver.checkSD2ReadWriteRsp(answer.frame, rest, owed)) {
+        LOG_FAILURE();
+        return false;
+    }
+    return true;
+}
+
+bool Attempt::unpackHeader(const char *headerFault, Answer &answer)
+{
+    unsigned short parameterLength = 0;
+    unsigned short dataLength = 0;
+    unsigned char errorClass = 0;
+    unsigned char errorCode = 0;
+    const unsigned char *header = answer.frame + kAnswerHeadSize;
+    const int headerSize =
+        S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(header, static_cast<unsigned short>(pduReference),
+                                                    parameterLength, dataLength, errorClass, errorCode);
+    if (headerSize < 1) {
+        driver.setCommError(QLatin1String(headerFault));
+        LOG_FAILURE();
+        return false;
+    }
+    if (errorClass != 0 || errorCode != 0) {
+        driver.setCommError(QLatin1String("invalid request to PLC"));
+        LOG_FAILURE();
+        return false;
+    }
+    answer.parameters = header + headerSize;
+    return true;
+}
+
+QByteArray Attempt::readBits(const CommunicatorCommand &cmd)
+{
+    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    if (prefix == "C" || prefix == "T")
+        return readObjectBits(cmd, prefix);
+    return readMemoryBits(cmd, prefix);
+}
+
+QByteArray Attempt::readItems(const CommunicatorCommand &cmd, const ReadKind &kind)
+{
+    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    if (S7_200_PPIIsObj(prefix))
+        return readObjects(cmd, prefix, kind);
+    return readMemory(cmd, prefix, kind);
+}
+
+QByteArray Attempt::readMemory(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind)
+{
+    const unsigned int byteCount =
+        static_cast<unsigned int>(kind.unit) * static_cast<unsigned short>(cmd.count);
+    const PpiBytes frame =
+        S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix,
+                                   S7_200_PPIExtractByteAddress(cmd.address), byteCount);
+    Answer answer;
+    if (!exchange(frame, kind.headerFault, answer))
+        return QByteArray();
+    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.heldData())) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return QByteArray();
+    }
+    unsigned char code = 0;
+    const QByteArray data = S7_200_PPIGetRspBytes(answer.parameters, prefix, code);
+    if (code != kSuccess) {
+        driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
+        if (kind.logsRefusedItem)
+            LOG_FAILURE();
+        return QByteArray();
+    }
+    if (data.isEmpty()) {
+        driver.setCommError(QLatin1String(kind.noData));
+        if (kind.logsNoData)
+            LOG_FAILURE();
+        return QByteArray();
+    }
+    return fitted(data, qint64(kind.unit) * cmd.count);
+}
+
+QByteArray Attempt::readObjects(const CommunicatorCommand &cmd, const QByteArray &prefix,
+                                const ReadKind &kind)
+{
+    const qint64 byteCount = qint64(kind.unit) * cmd.count;
+    Answer answer;
+    if (!exchangeForObjects(cmd, prefix, objectsFor(prefix, byteCount), answer))
+        return QByteArray();
+    if (prefix == "HC") {
+        const QByteArray values = highSpeedCounters(answer);
+        return kind.fitsHighSpeedCounters && !values.isEmpty() ? fitted(values, byteCount) : values;
+    }
+    std::vector<S7_200_PPI_Timer> records;
+    if (!unpackRecords(answer, prefix, records))
+        return QByteArray();
+    return kind.fitsRecords ? fitted(valuesOf(records), byteCount) : valuesOf(records);
+}
+
+QByteArray Attempt::readMemoryBits(const CommunicatorCommand &cmd, const QByteArray &prefix)
+{
+    unsigned int byteAddress = 0;
+    unsigned int firstBit = 0;
+    S7_200_PPIExtractAddress(cmd.address, byteAddress, firstBit);
+    const unsigned int byteCount = NumOfBitsToNumOfBytes(firstBit, static_cast<unsigned int>(cmd.count));
+    const PpiBytes frame =
+        S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix, byteAddress,
+                                   static_cast<unsigned short>(byteCount));
+    Answer answer;
+    if (!exchange(frame, "invalid response", answer))
+        return QByteArray();
+    QByteArray bits;
+    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.heldData()) ||
+        !S7_200_PPIGetRspBits(answer.parameters, firstBit, cmd.count, bits)) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return QByteArray();
+    }
+    return bits;
+}
+
+// A timer's or counter's bit is its status.
+QByteArray Attempt::readObjectBits(const CommunicatorCommand &cmd, const QByteArray &prefix)
+{
+    Answer answer;
+    if (!exchangeForObjects(cmd, prefix, static_cast<unsigned short>(cmd.count), answer))
+        return QByteArray();
+    if (prefix == "C")
+        qDebug("%s:%d:", __FILE__, __LINE__);
+    std::vector<S7_200_PPI_Timer> records;
+    if (!unpackRecords(answer, prefix, records))
+        return QByteArray();
+    QByteArray bits;
+    bits.reserve(static_cast<int>(records.size()));
+    for (size_t i = 0; i < records.size(); ++i)
+        bits.append(static_cast<char>(records[i].status));
+    return bits;
+}
+
+bool Attempt::exchangeForObjects(const CommunicatorCommand &cmd, const QByteArray &prefix,
+                                 unsigned short count, Answer &answer)
+{
+    const PpiBytes frame =
+        S7_200_PPIPackReadObjectsReq(ReferenceCounter(pduReference), station(), source(), prefix,
+                                     S7_200_PPIExtractByteAddress(cmd.address), count);
+    return exchange(frame, "invalid response", answer);
+}
+
+QByteArray Attempt::highSpeedCounters(const Answer &answer)
+{
+    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.heldData())) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return QByteArray();
+    }
+    unsigned char code = 0;
+    const QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
+    if (code != kSuccess) {
+        driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
+        LOG_FAILURE();
+        return QByteArray();
+    }
+    if (values.isEmpty()) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+    }
+    return values;
+}
+
+// The timers or counters of the answer; at least one, or the reason is recorded.
+bool Attempt::unpackRecords(const Answer &answer, const QByteArray &prefix,
+                            std::vector<S7_200_PPI_Timer> &records)
+{
+    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.heldData())) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return false;
+    }
+    unsigned char code = 0;
+    const bool decoded = prefix == "C" ? S7_200_PPIGetRspCounters(answer.parameters, records, code)
+                                       : S7_200_PPIGetRspTimers(answer.parameters, records, code);
+    if (!decoded) {
+        driver.setCommError(QLatin1String("invalid PLC response")); // recorded, but not logged
+        return false;
+    }
+    if (records.empty()) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return false;
+    }
+    return true;
+}
+
+bool Attempt::writeItems(const CommunicatorCommand &cmd, const QByteArray &data, const WriteKind &kind)
+{
+    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    if (prefix == "HC" || prefix == "AIW")
+        return refuseWrite(cmd);
+    const unsigned int number = S7_200_PPIExtractByteAddress(cmd.address);
+    QByteArray values = kind.fitsData ? DriverS7_200_PPIGetSafeData(cmd, data) : data;
+    if (!S7_200_PPIIsObj(prefix))
+        return writeMemory(prefix, number, values);
+    if (kind.fillsOdd)
+        values = To16bitsData(values);
+    const PpiBytes frame = prefix == "T"
+                               ? S7_200_PPIPackWriteTimersReq(ReferenceCounter(pduReference), station(),
+                                                              source(), number, values)
+                               : S7_200_PPIPackWriteCountersReq(ReferenceCounter(pduReference), station(),
+                                                                source(), number, values);
+    return writeItem(frame);
+}
+
+bool Attempt::writeMemory(const QByteArray &prefix, unsigned int byteAddress, const QByteArray &data)
+{
+    const PpiBytes frame = S7_200_PPIPackWriteMemoryReq(ReferenceCounter(pduReference), station(), source(),
+                                                        prefix, byteAddress, data);
+    return writeItem(frame);
+}
+
+bool Attempt::writeItem(const PpiBytes &frame)
+{
+    Answer answer;
+    if (!exchange(frame, "invalid response1", answer))
+        return false;
+    unsigned char code = 0;
+    if (!S7_200_PPICheckWriteRspParamData(answer.parameters, code)) {
+        driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
+        LOG_FAILURE();
+        return false;
+    }
+    return true;
+}
+
+// Timers and counters are refused here, but high-speed counters and analogue inputs go out: the
+// controller refuses those itself. The writes of whole values do it the other way round.
+bool Attempt::writeBits(const CommunicatorCommand &cmd, const QByteArray &data)
+{
+    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    if (prefix == "T" || prefix == "C")
+        return refuseWrite(cmd);
+    if (data.isEmpty()) {
+        driver.setCommError(QLatin1String("invalid response"));
+        LOG_FAILURE();
+        return false;
+    }
+    unsigned int byteAddress = 0;
+    unsigned int bitNumber = 0;
+    S7_200_PPIExtractAddress(cmd.address, byteAddress, bitNumber);
+    const PpiBytes frame = S7_200_PPIPackWriteBitsReq(ReferenceCounter(pduReference), station(), source(),
+                                                      prefix, byteAddress, bitNumber, data);
+    Answer answer;
+    if (!exchange(frame, "invalid response1", answer))
+        return false;
+    const QByteArray codes = S7_200_PPIGetWriteRspCodes(answer.parameters, answer.held());
+    if (!codes.isEmpty() && codes.count(static_cast<char>(kSuccess)) == codes.size())
+        return true;
+    driver.setCommError(codes.isEmpty() ? QString(QLatin1String("invalid response"))
+                                        : S7_200_PPIWriteRspCodesToStr(codes));
+    LOG_FAILURE();
+    return false;
+}
+
+// Recorded, but not logged.
+bool Attempt::refuseWrite(const CommunicatorCommand &cmd)
+{
+    driver.setCommError(QLatin1String("can not write data to ") + cmd.address);
+    return false;
+}
+
 } // namespace
 
-DriverS7_200_PPI::DriverS7_200_PPI()
-    : errorFlag(false), debugMode(false), pduReference(0)
-{
-}
+DriverS7_200_PPI::DriverS7_200_PPI() : errorFlag(false), debugMode(false), pduReference(0) {}
 
 int DriverS7_200_PPI::totalSize()
 {
@@ -193,7 +574,8 @@ QObject *DriverS7_200_PPI::getThisObject()
 void DriverS7_200_PPI::clearError()
 {
     errorFlag = false;
-    lastError = QString::fromLatin1("");
+    if (lastError.isNull() || !lastError.isEmpty()) // mostly it is as it must be already
+        lastError = QString::fromLatin1("");
 }
 
 void DriverS7_200_PPI::setCommError(const QString &text)
@@ -212,359 +594,138 @@ int DriverS7_200_PPI::getSourceAddr(AbstractDeviceInterface * /*dev*/)
     return 0;
 }
 
-unsigned char DriverS7_200_PPI::station(AbstractDeviceInterface *dev)
-{
-    return static_cast<unsigned char>(dev->stationId());
-}
-
-unsigned char DriverS7_200_PPI::source(AbstractDeviceInterface *dev)
-{
-    return static_cast<unsigned char>(getSourceAddr(dev));
-}
-
-// Records the fault that a check found, if any.
-bool DriverS7_200_PPI::accept(const char *fault)
-{
-    if (fault)
-        setCommError(QLatin1String(fault));
-    return !fault;
-}
-
 bool DriverS7_200_PPI::checkSC(const unsigned char *buf, int len)
 {
-    return accept(S7_200_PPIFaultInAcknowledgement(buf, len));
+    return accepted(*this, S7_200_PPIFaultInAcknowledgement(buf, len));
 }
 
 void DriverS7_200_PPI::processSD1NAK(const unsigned char *buf, int len, unsigned char expectedDA,
                                      unsigned char expectedSA)
 {
-    accept(S7_200_PPIReasonOfRefusal(buf, len, expectedDA, expectedSA));
+    accepted(*this, S7_200_PPIReasonOfRefusal(buf, len, expectedDA, expectedSA));
 }
 
 bool DriverS7_200_PPI::checkMinSD2Rsp(const unsigned char *buf, int len, unsigned char expectedDA,
                                       unsigned char expectedSA)
 {
-    return accept(S7_200_PPIFaultInAnswerHead(buf, len, expectedDA, expectedSA));
+    return accepted(*this, S7_200_PPIFaultInAnswerHead(buf, len, expectedDA, expectedSA));
 }
 
 bool DriverS7_200_PPI::checkSD2ReadWriteRsp(const unsigned char *buf, int len, int expectedLen)
 {
-    return accept(S7_200_PPIFaultInAnswerRest(buf, len, expectedLen));
+    return accepted(*this, S7_200_PPIFaultInAnswerRest(buf, len, expectedLen));
 }
 
-// Makes attempts until one leaves no error or the port's repetitions are used up. The error state
-// is that of the last one.
-template <typename Result, typename Attempt>
-Result DriverS7_200_PPI::repeated(AbstractDeviceInterface *dev, Attempt attempt)
+namespace {
+
+// Makes attempts until one leaves no error or the port's repetitions are used up. The error state is
+// that of the last one.
+template <typename Result, typename Function>
+Result repeated(DriverS7_200_PPI &driver, AbstractDeviceInterface *dev, Function attempt)
 {
     for (int repetition = 0;; ++repetition) {
         HRSleep(static_cast<unsigned long>(dev->delay()));
-        clearError();
-        const Result result = attempt();
-        if (!errorFlag || repetition >= dev->retry())
+        driver.clearError();
+        Result result = Result();
+        try {
+            result = attempt();
+        } catch (const std::bad_alloc &) { // the command counts more than memory holds
+            driver.setCommError(QLatin1String("invalid request to PLC"));
+            LOG_FAILURE();
+        }
+        if (!driver.hasError() || repetition >= dev->retry())
             return result;
     }
 }
 
+} // namespace
+
 QByteArray DriverS7_200_PPI::read(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
 {
-    return repeated<QByteArray>(dev, [&]() { return readOnce(dev, cmd); });
-}
-
-int DriverS7_200_PPI::write(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray & /*data*/)
-{
-    return repeated<int>(dev, [&]() {
-        setCommError(QLatin1String("can not write data to ") + cmd.address);
-        return 0;
+    return repeated<QByteArray>(*this, dev, [&]() -> QByteArray {
+        switch (cmd.dataType) {
+        case 0:
+        case 6:
+            return readBits(dev, cmd);
+        case 1:
+        case 5:
+            return readBytes(dev, cmd);
+        case 2:
+            return readWords(dev, cmd);
+        case 3:
+            return readDWords(dev, cmd);
+        default: // not served: no frame and no error
+            return QByteArray();
+        }
     });
 }
 
-QByteArray DriverS7_200_PPI::readOnce(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
+int DriverS7_200_PPI::write(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                            const QByteArray &data)
 {
-    switch (cmd.dataType) {
-    case 0:
-    case 6:
-        return readBits(dev, cmd);
-    case 1:
-    case 5:
-        return readBytes(dev, cmd);
-    case 2:
-        return readWords(dev, cmd);
-    case 3:
-        return readDWords(dev, cmd);
-    default: // not served: no frame and no error
-        return QByteArray();
-    }
-}
-
-void DriverS7_200_PPI::sendFrame(AbstractDeviceInterface *dev, const PpiBytes &frame)
-{
-    dev->setOption(kPurgeOption, QVariant(0));
-    delayBeforeReq();
-    dev->send(frame.data(), frame.size());
-}
-
-// The exchange that every read and write is: request, acknowledgement, poll, answer. True when the
-// answer belongs to the request and the controller took it; the answer's parameters are the caller's
-// to decode. Otherwise the reason is recorded and logged.
-bool DriverS7_200_PPI::exchange(AbstractDeviceInterface *dev, const PpiBytes &frame, const char *headerFault,
-                                PpiAnswer &answer)
-{
-    return request(dev, frame, answer) && poll(dev, answer) && unpackHeader(headerFault, answer);
-}
-
-bool DriverS7_200_PPI::request(AbstractDeviceInterface *dev, const PpiBytes &frame, PpiAnswer &answer)
-{
-    sendFrame(dev, frame);
-    answer.clear();
-    const int received = receive(dev, answer.frame, 1);
-    if (answer.frame[0] == kRefusalStart) {
-        const int rest = receive(dev, answer.frame + 1, kRefusalSize - 1);
-        processSD1NAK(answer.frame, rest + 1, source(dev), station(dev));
-        LOG_FAILURE();
-        return false;
-    }
-    if (!checkSC(answer.frame, received)) {
-        LOG_FAILURE();
-        return false;
-    }
-    return true;
-}
-
-// The controller is polled once: one that is not ready yet fails the attempt.
-bool DriverS7_200_PPI::poll(AbstractDeviceInterface *dev, PpiAnswer &answer)
-{
-    sendFrame(dev, S7_200_PPIPackLayer2SD1Poll(station(dev), source(dev)));
-    answer.clear();
-    const int received = receive(dev, answer.frame, kAnswerHeadSize);
-    if (!checkMinSD2Rsp(answer.frame, received, source(dev), station(dev))) {
-        LOG_FAILURE();
-        return false;
-    }
-    const int owed = answer.frame[1] - 1;
-    const int rest = receive(dev, answer.frame + kAnswerHeadSize, owed);
-    if (!checkSD2ReadWriteRsp(answer.frame, rest, owed)) {
-        LOG_FAILURE();
-        return false;
-    }
-    return true;
-}
-
-bool DriverS7_200_PPI::unpackHeader(const char *headerFault, PpiAnswer &answer)
-{
-    unsigned short parameterLength = 0;
-    unsigned short dataLength = 0;
-    unsigned char errorClass = 0;
-    unsigned char errorCode = 0;
-    const unsigned char *header = answer.frame + kAnswerHeadSize;
-    const int headerSize = S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(
-            header, static_cast<unsigned short>(pduReference), parameterLength, dataLength, errorClass, errorCode);
-    if (headerSize < 1) {
-        setCommError(QLatin1String(headerFault));
-        LOG_FAILURE();
-        return false;
-    }
-    if (errorClass != 0 || errorCode != 0) {
-        setCommError(QLatin1String("invalid request to PLC"));
-        LOG_FAILURE();
-        return false;
-    }
-    answer.parameters = header + headerSize;
-    return true;
-}
-
-QByteArray DriverS7_200_PPI::readBytes(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
-{
-    return readItems(dev, cmd, kByteRead);
-}
-
-QByteArray DriverS7_200_PPI::readWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
-{
-    return readItems(dev, cmd, kWordRead);
-}
-
-QByteArray DriverS7_200_PPI::readDWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
-{
-    return readItems(dev, cmd, kDWordRead);
+    return repeated<bool>(*this, dev, [&]() -> bool {
+        switch (cmd.dataType) {
+        case 0:
+        case 6:
+            return writeBits(dev, cmd, data);
+        case 1:
+        case 5:
+            return writeBytes(dev, cmd, data);
+        case 2:
+        case 3:
+            return writeWords(dev, cmd, data);
+        default: // not served: no frame and no error
+            return false;
+        }
+    });
 }
 
 QByteArray DriverS7_200_PPI::readBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
 {
-    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
-    if (prefix == "C" || prefix == "T")
-        return readObjectBits(dev, cmd, prefix);
-    return readMemoryBits(dev, cmd, prefix);
+    return Attempt(*this, pduReference, dev).readBits(cmd);
 }
 
-QByteArray DriverS7_200_PPI::readItems(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                       const PpiReadKind &kind)
+QByteArray DriverS7_200_PPI::readBytes(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
 {
-    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
-    if (S7_200_PPIIsObj(prefix))
-        return readObjects(dev, cmd, prefix, kind);
-    return readMemory(dev, cmd, prefix, kind);
+    return Attempt(*this, pduReference, dev).readItems(cmd, kByteRead);
 }
 
-QByteArray DriverS7_200_PPI::readMemory(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                        const QByteArray &prefix, const PpiReadKind &kind)
+QByteArray DriverS7_200_PPI::readWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
 {
-    const unsigned int byteCount = static_cast<unsigned int>(kind.unit) * static_cast<unsigned short>(cmd.count);
-    const PpiBytes frame =
-            S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(dev), source(dev), prefix,
-                                       S7_200_PPIExtractByteAddress(cmd.address), byteCount);
-    PpiAnswer answer;
-    if (!exchange(dev, frame, kind.headerFault, answer))
-        return QByteArray();
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.held())) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return QByteArray();
-    }
-    unsigned char code = 0;
-    const QByteArray data = S7_200_PPIGetRspBytes(answer.parameters, prefix, code);
-    if (code != kSuccess) {
-        setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
-        if (kind.logsRefusedItem)
-            LOG_FAILURE();
-        return QByteArray();
-    }
-    if (data.isEmpty()) {
-        setCommError(QLatin1String(kind.noData));
-        if (kind.logsNoData)
-            LOG_FAILURE();
-        return QByteArray();
-    }
-    return fitted(data, qint64(kind.unit) * cmd.count);
+    return Attempt(*this, pduReference, dev).readItems(cmd, kWordRead);
 }
 
-QByteArray DriverS7_200_PPI::readObjects(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                         const QByteArray &prefix, const PpiReadKind &kind)
+QByteArray DriverS7_200_PPI::readDWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd)
 {
-    const qint64 byteCount = qint64(kind.unit) * cmd.count;
-    PpiAnswer answer;
-    if (!exchangeForObjects(dev, cmd, prefix, objectsFor(prefix, static_cast<unsigned int>(byteCount)), answer))
-        return QByteArray();
-    if (prefix == "HC") {
-        const QByteArray values = decodeHighSpeedCounters(answer);
-        return kind.fitsHighSpeedCounters && !errorFlag ? fitted(values, byteCount) : values;
-    }
-    std::vector<S7_200_PPI_Timer> records;
-    if (!decodeRecords(answer, prefix, records))
-        return QByteArray();
-    return kind.fitsRecords ? fitted(valuesOf(records), byteCount) : valuesOf(records);
+    return Attempt(*this, pduReference, dev).readItems(cmd, kDWordRead);
 }
 
-QByteArray DriverS7_200_PPI::readMemoryBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                            const QByteArray &prefix)
+bool DriverS7_200_PPI::writeBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                                 const QByteArray &data)
 {
-    unsigned int byteAddress = 0;
-    unsigned int firstBit = 0;
-    S7_200_PPIExtractAddress(cmd.address, byteAddress, firstBit);
-    const unsigned int byteCount = NumOfBitsToNumOfBytes(firstBit, static_cast<unsigned int>(cmd.count));
-    const PpiBytes frame =
-            S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(dev), source(dev), prefix,
-                                       byteAddress, static_cast<unsigned short>(byteCount));
-    PpiAnswer answer;
-    if (!exchange(dev, frame, "invalid response", answer))
-        return QByteArray();
-    QByteArray bits;
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.held())
-        || !S7_200_PPIGetRspBits(answer.parameters, firstBit, cmd.count, bits)) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return QByteArray();
-    }
-    return bits;
+    return Attempt(*this, pduReference, dev).writeBits(cmd, data);
 }
 
-// A timer's or counter's bit is its status.
-QByteArray DriverS7_200_PPI::readObjectBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                            const QByteArray &prefix)
+bool DriverS7_200_PPI::writeBytes(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                                  const QByteArray &data)
 {
-    PpiAnswer answer;
-    if (!exchangeForObjects(dev, cmd, prefix, static_cast<unsigned int>(cmd.count), answer))
-        return QByteArray();
-    if (prefix == "C")
-        qDebug("%s:%d:", __FILE__, __LINE__);
-    std::vector<S7_200_PPI_Timer> records;
-    if (!decodeRecords(answer, prefix, records))
-        return QByteArray();
-    QByteArray bits;
-    bits.reserve(static_cast<int>(records.size()));
-    for (size_t i = 0; i < records.size(); ++i)
-        bits.append(static_cast<char>(records[i].status));
-    return bits;
+    return Attempt(*this, pduReference, dev).writeItems(cmd, data, kByteWrite);
 }
 
-bool DriverS7_200_PPI::exchangeForObjects(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                                          const QByteArray &prefix, unsigned int count, PpiAnswer &answer)
+bool DriverS7_200_PPI::writeWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                                  const QByteArray &data)
 {
-    const PpiBytes frame =
-            S7_200_PPIPackReadObjectsReq(ReferenceCounter(pduReference), station(dev), source(dev), prefix,
-                                         S7_200_PPIExtractByteAddress(cmd.address), static_cast<unsigned short>(count));
-    return exchange(dev, frame, "invalid response", answer);
+    return Attempt(*this, pduReference, dev).writeItems(cmd, data, kWordWrite);
 }
 
-QByteArray DriverS7_200_PPI::decodeHighSpeedCounters(const PpiAnswer &answer)
+bool DriverS7_200_PPI::writeDWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                                   const QByteArray &data)
 {
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.held())) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return QByteArray();
-    }
-    unsigned char code = 0;
-    const QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
-    if (code != kSuccess) {
-        setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
-        LOG_FAILURE();
-        return QByteArray();
-    }
-    if (values.isEmpty()) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-    }
-    return values;
+    return Attempt(*this, pduReference, dev).writeItems(cmd, data, kDWordWrite);
 }
 
-// The timers or counters of the answer; at least one, or the reason is recorded.
-bool DriverS7_200_PPI::decodeRecords(const PpiAnswer &answer, const QByteArray &prefix,
-                                     std::vector<S7_200_PPI_Timer> &records)
+bool DriverS7_200_PPI::defaultWriteBytes(AbstractDeviceInterface *dev, const QByteArray &prefix,
+                                         unsigned int byteAddress, const QByteArray &data)
 {
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.held())) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return false;
-    }
-    unsigned char code = 0;
-    const bool decoded = prefix == "C" ? S7_200_PPIGetRspCounters(answer.parameters, records, code)
-                                       : S7_200_PPIGetRspTimers(answer.parameters, records, code);
-    if (!decoded) {
-        setCommError(QLatin1String("invalid PLC response")); // recorded, but not logged
-        return false;
-    }
-    if (records.empty()) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return false;
-    }
-    return true;
-}
-
-// The data cut to size bytes, or extended to it with zero bytes. A size that no array can have
-// counts as a broken answer.
-QByteArray DriverS7_200_PPI::fitted(const QByteArray &data, qint64 size)
-{
-    if (size <= data.size())
-        return data.left(static_cast<int>(qMax(size, qint64(0))));
-    try {
-        if (size > INT_MAX)
-            throw std::bad_alloc();
-        QByteArray extended(static_cast<int>(size), '\0');
-        memcpy(extended.data(), data.constData(), static_cast<size_t>(data.size()));
-        return extended;
-    } catch (const std::bad_alloc &) {
-        setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return QByteArray();
-    }
+    return Attempt(*this, pduReference, dev).writeMemory(prefix, byteAddress, data);
 }

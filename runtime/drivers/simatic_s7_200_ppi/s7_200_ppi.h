@@ -11,13 +11,6 @@
 
 #include <QObject>
 
-#include <vector>
-
-class PpiBytes;
-struct PpiAnswer;
-struct PpiReadKind;
-struct S7_200_PPI_Timer;
-
 // The panel is PPI master station 0; the controller's station comes from the port. One object serves
 // one host thread at a time; it keeps no port and starts no thread.
 class DriverS7_200_PPI : public QObject, public DriverInterface
@@ -55,6 +48,18 @@ public:
     QByteArray readWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd);
     QByteArray readDWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd);
 
+    // One attempt of a write, by type of data; true when the controller took it, otherwise the reason is
+    // recorded. writeBits takes one byte per bit. write() calls them all but writeDWords: double words
+    // go through writeWords, and the address decides the width on the line.
+    bool writeBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray &data);
+    bool writeBytes(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray &data);
+    bool writeWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray &data);
+    bool writeDWords(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray &data);
+
+    // One attempt of a write to memory, in the elements of the prefix.
+    bool defaultWriteBytes(AbstractDeviceInterface *dev, const QByteArray &prefix, unsigned int byteAddress,
+                           const QByteArray &data);
+
     // Error state of the attempt under way.
     void clearError();
     void setCommError(const QString &text);
@@ -70,40 +75,11 @@ public:
     // more than 262 bytes of buf.
     bool checkSC(const unsigned char *buf, int len);
     void processSD1NAK(const unsigned char *buf, int len, unsigned char expectedDA, unsigned char expectedSA);
-    bool checkMinSD2Rsp(const unsigned char *buf, int len, unsigned char expectedDA, unsigned char expectedSA);
+    bool checkMinSD2Rsp(const unsigned char *buf, int len, unsigned char expectedDA,
+                        unsigned char expectedSA);
     bool checkSD2ReadWriteRsp(const unsigned char *buf, int len, int expectedLen);
 
 private:
-    template <typename Result, typename Attempt>
-    Result repeated(AbstractDeviceInterface *dev, Attempt attempt);
-    QByteArray readOnce(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd);
-
-    unsigned char station(AbstractDeviceInterface *dev);
-    unsigned char source(AbstractDeviceInterface *dev);
-    bool accept(const char *fault);
-
-    void sendFrame(AbstractDeviceInterface *dev, const PpiBytes &frame);
-    bool exchange(AbstractDeviceInterface *dev, const PpiBytes &request, const char *headerFault,
-                  PpiAnswer &answer);
-    bool request(AbstractDeviceInterface *dev, const PpiBytes &frame, PpiAnswer &answer);
-    bool poll(AbstractDeviceInterface *dev, PpiAnswer &answer);
-    bool unpackHeader(const char *headerFault, PpiAnswer &answer);
-
-    bool exchangeForObjects(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                            const QByteArray &prefix, unsigned int count, PpiAnswer &answer);
-    QByteArray readMemory(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                          const QByteArray &prefix, const PpiReadKind &kind);
-    QByteArray readObjects(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                           const QByteArray &prefix, const PpiReadKind &kind);
-    QByteArray readMemoryBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                              const QByteArray &prefix);
-    QByteArray readObjectBits(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
-                              const QByteArray &prefix);
-    QByteArray readItems(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const PpiReadKind &kind);
-    QByteArray decodeHighSpeedCounters(const PpiAnswer &answer);
-    bool decodeRecords(const PpiAnswer &answer, const QByteArray &prefix, std::vector<S7_200_PPI_Timer> &records);
-    QByteArray fitted(const QByteArray &data, qint64 size);
-
     bool errorFlag;
     bool debugMode; // kept for the host; failures are logged whether or not it is set
     QString lastError;
