@@ -3,6 +3,4 @@
 
 #include "abstract_device_interface.h"
 
-AbstractDeviceInterface::~AbstractDeviceInterface()
-{
-}
+AbstractDeviceInterface::~AbstractDeviceInterface() {}

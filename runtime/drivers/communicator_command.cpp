@@ -3,10 +3,7 @@
 
 #include "communicator_command.h"
 
-CommunicatorCommand::CommunicatorCommand()
-    : linkId(0), tagId(0), dataType(0), count(0)
-{
-}
+CommunicatorCommand::CommunicatorCommand() : linkId(0), tagId(0), dataType(0), count(0) {}
 
 bool isBitCommand(const CommunicatorCommand &command)
 {

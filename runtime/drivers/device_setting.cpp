@@ -19,7 +19,7 @@ bool holds(const DeviceSetting &setting, int index)
 
 // Written out because the versions of Qt differ in what their own list operator keeps of a stream
 // that ends early. Nothing is reserved by the count read: it may be any number.
-void readSocketList(QDataStream &stream, QList<QPair<QString, quint16> > &list)
+void readSocketList(QDataStream &stream, QList<QPair<QString, quint16>> &list)
 {
     list.clear();
     quint32 count = 0;
@@ -79,9 +79,9 @@ void DeviceSetting::setPort(unsigned short port, int index)
         socketList[entry].second = port;
 }
 
-void DeviceSetting::setSocketData(const QList<QPair<QString, QString> > &data)
+void DeviceSetting::setSocketData(const QList<QPair<QString, QString>> &data)
 {
-    QList<QPair<QString, quint16> > list;
+    QList<QPair<QString, quint16>> list;
     for (int i = 0; i < data.size(); ++i)
         list.append(qMakePair(data.at(i).first, quint16(data.at(i).second.toUShort())));
     socketList = list;
@@ -91,7 +91,10 @@ void DeviceSetting::dump() const
 {
     MessageLine line;
     line.add("type:", int(type)).add("string:", string);
-    line.add("baudrate:", baudrate).add("databits:", databits).add("stopbits:", stopbits).add("parity:", parity);
+    line.add("baudrate:", baudrate)
+        .add("databits:", databits)
+        .add("stopbits:", stopbits)
+        .add("parity:", parity);
     line.add("linkID:", linkID);
     line.add("current ip:", socketIP(-1)).add("current port:", port(-1));
     line.write();

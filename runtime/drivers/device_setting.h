@@ -13,9 +13,7 @@
 
 // The host's kinds of port. Only the value that the drivers of this library use has a name here;
 // all other 32-bit values are the host's and pass through unchanged.
-enum device_type : int {
-    kRs485Port = 64
-};
+enum device_type : int { kRs485Port = 64 };
 
 // A plain value. Codes of stop bits and parity are those of the host's serial port.
 class Q_DECL_EXPORT DeviceSetting
@@ -40,7 +38,7 @@ public:
 
     // Replaces the whole list: ip, and port as a decimal text (0 when it is not one of 0 to 65535).
     // currentIPIndex stays, even where the new list has no such entry.
-    void setSocketData(const QList<QPair<QString, QString> > &data);
+    void setSocketData(const QList<QPair<QString, QString>> &data);
 
     // Writes the record as one debug message.
     void dump() const;
@@ -55,14 +53,15 @@ public:
     QString extraText; // the host's own, neither streamed nor dumped
     qint32 linkID;     // set by the host; -1 is none
     qint32 currentIPIndex;
-    QList<QPair<QString, quint16> > socketList;
+    QList<QPair<QString, quint16>> socketList;
 };
 
 // Settings stream, in the byte order and version that the caller set on the stream:
 //
 //   type string baudrate databits stopbits parity extraValue linkID currentIPIndex   int32, string as QString
 //   count of socket entries                                                          uint32
-//   ip port                                                                          QString, uint16; per entry
+//   ip port                                                                          QString, uint16; per
+//   entry
 //
 // Reading checks the streamed index against the list that the record held before.
 Q_DECL_EXPORT QDataStream &operator<<(QDataStream &stream, const DeviceSetting &setting);

@@ -9,9 +9,7 @@ const char kNotAssigned[] = "Not Assigned";
 
 }
 
-DriverInterface::~DriverInterface()
-{
-}
+DriverInterface::~DriverInterface() {}
 
 QString DriverInterface::name()
 {
@@ -38,13 +36,9 @@ bool DriverInterface::isSupportSessionCommand()
     return false;
 }
 
-void DriverInterface::setSessionCommand(QList<CommunicatorCommand> /*commands*/)
-{
-}
+void DriverInterface::setSessionCommand(QList<CommunicatorCommand> /*commands*/) {}
 
-void DriverInterface::clearSessionCommand()
-{
-}
+void DriverInterface::clearSessionCommand() {}
 
 bool DriverInterface::deviceSettingChanged(const DeviceSetting * /*setting*/)
 {

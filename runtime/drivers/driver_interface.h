@@ -35,7 +35,8 @@ public:
     // Writes data, host byte order, to the place that cmd names, over the open port dev (not null).
     // Repeats a failed attempt as often as the port's retry() says, with its delay() before each.
     // Returns nonzero on success; 0 on failure, the reason in getLastError().
-    virtual int write(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd, const QByteArray &data) = 0;
+    virtual int write(AbstractDeviceInterface *dev, const CommunicatorCommand &cmd,
+                      const QByteArray &data) = 0;
 
     // Reads what cmd names over the open port dev (not null), repeating like write(). Returns the data
     // in host byte order; an empty array on failure, the reason in getLastError().

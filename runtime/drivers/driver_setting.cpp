@@ -10,13 +10,14 @@ DriverSetting::DriverSetting(int timeout_, int retry_, int stationid_, int delay
 {
 }
 
-DriverSetting::DriverSetting(int timeout_, int retry_, int stationid_, int delay_, const QString &, unsigned short)
+DriverSetting::DriverSetting(int timeout_, int retry_, int stationid_, int delay_, const QString &,
+                             unsigned short)
     : timeout(timeout_), retry(retry_), stationid(stationid_), delay(delay_), flag(false)
 {
 }
 
-DriverSetting::DriverSetting(int timeout_, int retry_, int stationid_, int delay_, const QString &, unsigned short,
-                             const QString &text_, bool flag_)
+DriverSetting::DriverSetting(int timeout_, int retry_, int stationid_, int delay_, const QString &,
+                             unsigned short, const QString &text_, bool flag_)
     : timeout(timeout_), retry(retry_), stationid(stationid_), delay(delay_), text(text_), flag(flag_)
 {
 }

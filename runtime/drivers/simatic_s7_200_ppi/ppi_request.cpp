@@ -44,34 +44,31 @@ void appendHeader(PpiBytes &pdu, unsigned short &pduReference, int parameterLeng
     ++pduReference;
     const unsigned int parameters = static_cast<unsigned int>(parameterLength);
     const unsigned int data = static_cast<unsigned int>(dataLength);
-    const unsigned char header[] = {kProtocol,
-                                    kJob,
-                                    0,
-                                    0,
-                                    ppiByte(pduReference, 1),
-                                    ppiByte(pduReference, 0),
-                                    ppiByte(parameters, 1),
-                                    ppiByte(parameters, 0),
-                                    ppiByte(data, 1),
-                                    ppiByte(data, 0)};
+    // clang-format off
+    const unsigned char header[] = {
+        kProtocol, kJob,
+        0, 0,
+        ppiByte(pduReference, 1), ppiByte(pduReference, 0),
+        ppiByte(parameters, 1), ppiByte(parameters, 0),
+        ppiByte(data, 1), ppiByte(data, 0),
+    };
+    // clang-format on
     pdu.append(header);
 }
 
 void appendItem(PpiBytes &pdu, unsigned char transportSize, unsigned short count, const QByteArray &prefix,
                 unsigned int wireAddress)
 {
-    const unsigned char item[] = {kVariableSpecification,
-                                  kAddressLength,
-                                  kAnyPointer,
-                                  transportSize,
-                                  ppiByte(count, 1),
-                                  ppiByte(count, 0),
-                                  0,
-                                  S7_200_PPIDBNumber(prefix),
-                                  S7_200_PPIAreaCode(prefix),
-                                  ppiByte(wireAddress, 2),
-                                  ppiByte(wireAddress, 1),
-                                  ppiByte(wireAddress, 0)};
+    // clang-format off
+    const unsigned char item[] = {
+        kVariableSpecification, kAddressLength, kAnyPointer,
+        transportSize,
+        ppiByte(count, 1), ppiByte(count, 0),
+        0, S7_200_PPIDBNumber(prefix),
+        S7_200_PPIAreaCode(prefix),
+        ppiByte(wireAddress, 2), ppiByte(wireAddress, 1), ppiByte(wireAddress, 0),
+    };
+    // clang-format on
     pdu.append(item);
 }
 

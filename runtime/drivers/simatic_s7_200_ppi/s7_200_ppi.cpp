@@ -42,11 +42,12 @@ struct ReadKind
     bool fitsHighSpeedCounters;
 };
 
-//                          unit  header fault         no data              logs refused, no data   fits T C,
-//                          HC
-const ReadKind kByteRead = {1, "invalid response", "invalid response", true, true, true, true};
-const ReadKind kWordRead = {2, "invalid response", "invalid response", false, false, false, true};
-const ReadKind kDWordRead = {4, "invalid response1", "invalid response2", false, true, false, false};
+// clang-format off
+//                             unit  header refused       no data              refused, no data logged  T C, HC fitted
+const ReadKind kByteRead  = {  1,    "invalid response",  "invalid response",  true,    true,           true,  true  };
+const ReadKind kWordRead  = {  2,    "invalid response",  "invalid response",  false,   false,          false, true  };
+const ReadKind kDWordRead = {  4,    "invalid response1", "invalid response2", false,   true,           false, false };
+// clang-format on
 
 // What differs between the writes by byte, word and double word.
 struct WriteKind
@@ -55,9 +56,12 @@ struct WriteKind
     bool fillsOdd; // data of timers and counters, to whole values
 };
 
-const WriteKind kByteWrite = {false, true};
-const WriteKind kWordWrite = {true, false};
-const WriteKind kDWordWrite = {false, false};
+// clang-format off
+//                               data fitted  odd filled
+const WriteKind kByteWrite  = {  false,       true  };
+const WriteKind kWordWrite  = {  true,        false };
+const WriteKind kDWordWrite = {  false,       false };
+// clang-format on
 
 // The answer of one exchange, and where its parameters stand once the header was accepted.
 struct Answer
@@ -65,7 +69,7 @@ struct Answer
     unsigned char frame[kReceiveBufferSize];
     const unsigned char *parameters;
 
-    void clear() { memset(frame, 0, sizeof frame); }
+    void clear(size_t size) { memset(frame, 0, size); }
 
     // How many bytes of parameters, and how many of a read item's data, the frame holds: check sum and
     // end byte stand behind them. Below 0 when not even the header is complete.
@@ -192,7 +196,7 @@ bool Attempt::exchange(const PpiBytes &frame, const char *headerFault, Answer &a
 bool Attempt::request(const PpiBytes &frame, Answer &answer)
 {
     send(frame);
-    answer.clear();
+    answer.clear(kRefusalSize);
     const int received = receive(answer.frame, 1);
     if (received > 0 && answer.frame[0] == kRefusalStart) {
         const int rest = receive(answer.frame + 1, kRefusalSize - 1);
@@ -211,7 +215,7 @@ bool Attempt::request(const PpiBytes &frame, Answer &answer)
 bool Attempt::poll(Answer &answer)
 {
     send(S7_200_PPIPackLayer2SD1Poll(station(), source()));
-    answer.clear();
+    answer.clear(sizeof answer.frame);
     const int received = receive(answer.frame, kAnswerHeadSize);
     if (!driver.checkMinSD2Rsp(answer.frame, received, source(), station())) {
         LOG_FAILURE();
