@@ -1,0 +1,33 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/port_link.h"
+
+#include "simulator/line.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace sim {
+
+PortLink::PortLink(const std::string &path, const std::string &target) : m_path(path), m_target(target)
+{
+    std::error_code error;
+    if (fs::is_symlink(m_path, error))
+        fs::remove(m_path, error);
+    fs::create_symlink(m_target, m_path, error);
+    if (error)
+        throw LineError(QString::fromLatin1("cannot make the link %1: %2")
+                            .arg(QString::fromStdString(path), QString::fromStdString(error.message())));
+}
+
+PortLink::~PortLink()
+{
+    std::error_code error;
+    if (fs::read_symlink(m_path, error) == m_target) // else another program has taken the name over
+        fs::remove(m_path, error);
+}
+
+} // namespace sim

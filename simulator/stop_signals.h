@@ -1,0 +1,33 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Turns SIGINT and SIGTERM into an event of the event loop. One object at a time.
+
+#ifndef SIMULATOR_STOP_SIGNALS_H
+#define SIMULATOR_STOP_SIGNALS_H
+
+#include <QObject>
+
+class QSocketNotifier;
+
+namespace sim {
+
+class StopSignals : public QObject
+{
+    Q_OBJECT
+
+public:
+    StopSignals();
+    ~StopSignals() override;
+
+Q_SIGNALS:
+    void received();
+
+private:
+    int m_signals = -1; // a signalfd
+    QSocketNotifier *m_notifier = nullptr;
+};
+
+} // namespace sim
+
+#endif

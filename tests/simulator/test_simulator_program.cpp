@@ -1,0 +1,455 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The program s7ppi-sim as its users meet it.
+
+#include "conversation.h"
+#include "raw_terminal.h"
+
+#include "simulator/memory_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/types.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+const QString kReadVB100 = "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                           "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16";
+const QString kWriteVB100 = "68 21 21 68 02 00 6c 32 01 00 00 00 07 00 0e 00 06"
+                            "05 01 12 0a 10 02 00 02 00 01 84 00 03 20"
+                            "00 04 00 10 ab cd 26 16";
+const QString kPoll = "10 02 00 5c 5e 16";
+const QString kAnswerVB100 = "68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00"
+                             "04 01 ff 04 00 20 11 22 33 44 1c 16";
+const QString kAnswerWritten = "68 12 12 68 00 02 08 32 03 00 00 00 07 00 02 00 01 00 00 05 01 ff 4e 16";
+
+int frameSize(const QString &hexText)
+{
+    return int(frameBytes(hexText).size());
+}
+
+class Simulator
+{
+public:
+    explicit Simulator(const QStringList &options = {})
+    {
+        m_process.start(S7PPI_SIM_PROGRAM, options);
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
+        }
+        m_firstLine = QString::fromLocal8Bit(m_process.readLine());
+    }
+
+    ~Simulator()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+
+    QString firstLine() const { return m_firstLine; }
+    QString portName() const { return m_firstLine.trimmed(); }
+
+    // The exit status; -1 when it did not exit by itself.
+    int waitForEnd()
+    {
+        const bool ended = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(10000);
+        return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+
+    int stop(int signal = SIGTERM)
+    {
+        ::kill(static_cast<pid_t>(m_process.processId()), signal);
+        return waitForEnd();
+    }
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    QString messages() { return QString::fromLocal8Bit(m_process.readAllStandardError()); }
+    QString furtherOutput() { return QString::fromLocal8Bit(m_process.readAllStandardOutput()); }
+
+private:
+    QProcess m_process;
+    QString m_firstLine;
+};
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+} // namespace
+
+class TestSimulatorProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void firstLineNamesThePort();
+    void workedExampleIsAnswered();
+    void portIsRawBeforeAnyMasterComes();
+    void mastersMayComeAndGo();
+    void everyByteValuePassesUnchanged();
+    void silenceEndsABegunFrame();
+    void masterThatTookThePortForItselfCanBeFollowed();
+    void stationNumberIsAnOption();
+    void requestsAreRefusedOnDemand();
+    void faultsAreMadeOnDemand();
+    void memoryComesFromTheFile();
+    void bothSignalsSaveTheMemory_data();
+    void bothSignalsSaveTheMemory();
+    void savedMemoryIsTheNextRunsMemory();
+    void failedSavingIsToldAndIsStatus1();
+    void linkLeadsToThePortAndGoesAtTheEnd();
+    void staleLinkIsReplaced();
+    void linkThatAnotherProgramTookOverStays();
+    void fileIsNoLinkToReplace();
+    void framesAreShownOnDemand();
+    void serialPortIsServedAndItsLossEndsTheProgram();
+    void missingSerialPortIsStatus3();
+    void badUsageIsStatus2_data();
+    void badUsageIsStatus2();
+    void helpAndVersionAreTold();
+};
+
+void TestSimulatorProgram::firstLineNamesThePort()
+{
+    Simulator simulator;
+    QVERIFY2(QRegularExpression("^/dev/pts/[0-9]+\n$").match(simulator.firstLine()).hasMatch(),
+             qPrintable(simulator.firstLine()));
+    QVERIFY(QFileInfo::exists(simulator.portName()));
+    QCOMPARE(simulator.stop(), 0);
+    QCOMPARE(simulator.furtherOutput(), QString());
+    QCOMPARE(simulator.messages(), QString());
+}
+
+void TestSimulatorProgram::workedExampleIsAnswered()
+{
+    Simulator simulator;
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+    QCOMPARE(line.ask(kPoll, frameSize(kAnswerVB100)), plain(kAnswerVB100));
+    QVERIFY(line.isSilent());
+}
+
+void TestSimulatorProgram::portIsRawBeforeAnyMasterComes()
+{
+    Simulator simulator;
+    const int port = open(simulator.portName().toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+    termios settings;
+    QCOMPARE(tcgetattr(port, &settings), 0);
+    close(port);
+    QCOMPARE(settings.c_lflag & (ICANON | ECHO | ISIG), tcflag_t(0));
+    QCOMPARE(settings.c_iflag & (ICRNL | IXON), tcflag_t(0));
+    QCOMPARE(settings.c_oflag & OPOST, tcflag_t(0));
+}
+
+void TestSimulatorProgram::mastersMayComeAndGo()
+{
+    Simulator simulator;
+    for (int i = 0; i < 3; ++i) {
+        RawTerminal line(simulator.portName());
+        QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+        QCOMPARE(line.ask(kPoll, frameSize(kAnswerVB100)), plain(kAnswerVB100));
+    }
+    QCOMPARE(simulator.stop(), 0);
+}
+
+// Terminals like to treat 03, 04, 0a, 0d, 11, 13, 1a, 7f and others on their own.
+void TestSimulatorProgram::everyByteValuePassesUnchanged()
+{
+    const QTemporaryDir folder;
+    QString all;
+    for (int value = 0; value < 256; ++value)
+        all += hex(sim::Bytes{uint8_t(value)});
+    writeFile(folder.filePath("memory.json"), "{ \"V\": { \"0\": \"" + all.toLatin1() + "\" } }");
+    Simulator simulator({"--memory", folder.filePath("memory.json")});
+    RawTerminal line(simulator.portName());
+    // VB0 and VB128, 128 bytes each
+    QCOMPARE(line.ask("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                      "04 01 12 0a 10 02 00 80 00 01 84 00 00 00 e8 16",
+                      1),
+             plain("e5"));
+    QCOMPARE(line.ask(kPoll, 155).mid(2 * 25, 2 * 128), all.left(2 * 128));
+    QCOMPARE(line.ask("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                      "04 01 12 0a 10 02 00 80 00 01 84 00 04 00 ec 16",
+                      1),
+             plain("e5"));
+    QCOMPARE(line.ask(kPoll, 155).mid(2 * 25, 2 * 128), all.mid(2 * 128));
+}
+
+void TestSimulatorProgram::silenceEndsABegunFrame()
+{
+    Simulator simulator;
+    RawTerminal line(simulator.portName());
+    line.ask("68 ff ff 68 02", 0);
+    QTest::qWait(600);
+    QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+}
+
+void TestSimulatorProgram::masterThatTookThePortForItselfCanBeFollowed()
+{
+    Simulator simulator;
+    RawTerminal first(simulator.portName());
+    QVERIFY(first.setExclusive());
+    QVERIFY(first.isExclusive());
+    QCOMPARE(first.ask(kReadVB100, 1), plain("e5"));
+    QVERIFY(!first.isExclusive());
+}
+
+void TestSimulatorProgram::stationNumberIsAnOption()
+{
+    Simulator simulator({"--station", "3"});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask("10 03 00 5c 5f 16", 1), plain("e5"));
+    line.ask(kPoll, 0);
+    QVERIFY(line.isSilent());
+}
+
+void TestSimulatorProgram::requestsAreRefusedOnDemand()
+{
+    Simulator simulator({"--refuse", "no-resource@2", "--refuse", "not-active@3"});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+    QCOMPARE(line.ask(kReadVB100, 6), plain("10 00 02 02 04 16"));
+    QCOMPARE(line.ask(kReadVB100, 6), plain("10 00 02 03 05 16"));
+    QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+}
+
+void TestSimulatorProgram::faultsAreMadeOnDemand()
+{
+    Simulator simulator({"--fault", "wrong-ack"});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask(kReadVB100, 1), plain("00"));
+    QCOMPARE(line.ask(kReadVB100, 1), plain("00"));
+}
+
+void TestSimulatorProgram::memoryComesFromTheFile()
+{
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("memory.json"), "{ \"V\": { \"101\": \"ff\" } }");
+    Simulator simulator({"--memory", folder.filePath("memory.json")});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask(kReadVB100, 1), plain("e5"));
+    QCOMPARE(
+        line.ask(kPoll, frameSize(kAnswerVB100)),
+        plain(
+            "68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00 04 01 ff 04 00 20 00 ff 00 00 71 16"));
+}
+
+void TestSimulatorProgram::bothSignalsSaveTheMemory_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void TestSimulatorProgram::bothSignalsSaveTheMemory()
+{
+    QFETCH(int, signal);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("saved.json");
+    Simulator simulator({"--save", path});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask(kWriteVB100, 1), plain("e5"));
+    QCOMPARE(line.ask(kPoll, frameSize(kAnswerWritten)), plain(kAnswerWritten));
+    QVERIFY(!QFileInfo::exists(path));
+    QCOMPARE(simulator.stop(signal), 0);
+
+    sim::Memory expected = sim::exampleMemory();
+    expected.bytes(sim::kAreaV)[100] = 0xAB;
+    expected.bytes(sim::kAreaV)[101] = 0xCD;
+    QVERIFY(sim::loadMemory(path.toStdString()) == expected);
+}
+
+void TestSimulatorProgram::savedMemoryIsTheNextRunsMemory()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("memory.json");
+    sim::Memory memory;
+    memory.timers[7] = {1, 2, true};
+    sim::saveMemory(memory, path.toStdString());
+    Simulator simulator({"--memory", path, "--save", path});
+    QCOMPARE(simulator.stop(), 0);
+    QVERIFY(sim::loadMemory(path.toStdString()) == memory);
+}
+
+void TestSimulatorProgram::failedSavingIsToldAndIsStatus1()
+{
+    Simulator simulator({"--save", "/nonexistent/memory.json"});
+    QCOMPARE(simulator.stop(), 1);
+    QCOMPARE(simulator.messages(), QString("s7ppi-sim: /nonexistent/memory.json: cannot create a file beside "
+                                           "it: No such file or directory\n"));
+}
+
+void TestSimulatorProgram::linkLeadsToThePortAndGoesAtTheEnd()
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    Simulator simulator({"--link", link});
+    QCOMPARE(QFile::symLinkTarget(link), simulator.portName());
+    RawTerminal line(link);
+    QCOMPARE(line.ask(kPoll, 1), plain("e5"));
+    QCOMPARE(simulator.stop(), 0);
+    QVERIFY(!QFileInfo(link).isSymLink());
+}
+
+void TestSimulatorProgram::staleLinkIsReplaced()
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    Simulator killed({"--link", link});
+    killed.kill();
+    QVERIFY(QFileInfo(link).isSymLink());
+    Simulator simulator({"--link", link});
+    QCOMPARE(QFile::symLinkTarget(link), simulator.portName());
+}
+
+void TestSimulatorProgram::linkThatAnotherProgramTookOverStays()
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    Simulator first({"--link", link});
+    Simulator second({"--link", link});
+    QCOMPARE(first.stop(), 0);
+    QCOMPARE(QFile::symLinkTarget(link), second.portName());
+    QCOMPARE(second.stop(), 0);
+    QVERIFY(!QFileInfo(link).isSymLink());
+}
+
+void TestSimulatorProgram::fileIsNoLinkToReplace()
+{
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("plc"), "precious");
+    Simulator simulator({"--link", folder.filePath("plc")});
+    QCOMPARE(simulator.waitForEnd(), 3);
+    QCOMPARE(simulator.firstLine(), QString());
+    QCOMPARE(simulator.messages(),
+             "s7ppi-sim: cannot make the link " + folder.filePath("plc") + ": File exists\n");
+    QCOMPARE(QFileInfo(folder.filePath("plc")).size(), qint64(8));
+}
+
+void TestSimulatorProgram::framesAreShownOnDemand()
+{
+    Simulator simulator({"-v"});
+    RawTerminal line(simulator.portName());
+    QCOMPARE(line.ask("aa" + kPoll, 1), plain("e5"));
+    QCOMPARE(simulator.stop(), 0);
+    QCOMPARE(simulator.messages(),
+             QString("? aa  skipped\n< 10 02 00 5c 5e 16  0 to 2: poll\n> e5  acknowledged\n"));
+}
+
+void TestSimulatorProgram::serialPortIsServedAndItsLossEndsTheProgram()
+{
+    int other = -1;
+    int device = -1;
+    QCOMPARE(openpty(&other, &device, nullptr, nullptr, nullptr), 0);
+    fcntl(other, F_SETFD, FD_CLOEXEC); // or the simulator would keep the line alive itself
+    const QString name = QString::fromLocal8Bit(ttyname(device));
+    const QTemporaryDir folder;
+    auto line = std::make_unique<RawTerminal>(other);
+    Simulator simulator(
+        {"--port", name, "--baud", "19200", "--parity", "none", "--save", folder.filePath("saved.json")});
+    QCOMPARE(simulator.portName(), name);
+    QCOMPARE(line->ask(kReadVB100, 1), plain("e5"));
+    QCOMPARE(line->ask(kPoll, frameSize(kAnswerVB100)), plain(kAnswerVB100));
+
+    termios settings;
+    QCOMPARE(tcgetattr(device, &settings), 0);
+    QCOMPARE(cfgetospeed(&settings), speed_t(B19200));
+
+    close(device);
+    line.reset();
+    QCOMPARE(simulator.waitForEnd(), 3);
+    QCOMPARE(simulator.messages(), "s7ppi-sim: " + name + " is lost\n");
+    QVERIFY(sim::loadMemory(folder.filePath("saved.json").toStdString()) == sim::exampleMemory());
+}
+
+void TestSimulatorProgram::missingSerialPortIsStatus3()
+{
+    Simulator simulator({"--port", "/dev/nonexistent"});
+    QCOMPARE(simulator.waitForEnd(), 3);
+    QCOMPARE(simulator.firstLine(), QString());
+    QCOMPARE(simulator.messages(),
+             QString("s7ppi-sim: cannot open /dev/nonexistent: No such file or directory\n"));
+}
+
+void TestSimulatorProgram::badUsageIsStatus2_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("unknown option") << "--nope"
+                                    << "--nope";
+    QTest::newRow("argument") << "nope"
+                              << "nope";
+    QTest::newRow("station 0") << "--station 0"
+                               << "--station";
+    QTest::newRow("station 127") << "--station 127"
+                                 << "--station";
+    QTest::newRow("station two") << "--station two"
+                                 << "--station";
+    QTest::newRow("link and port") << "--link a --port b"
+                                   << "--link";
+    QTest::newRow("baud rate of no port") << "--baud 9600"
+                                          << "--baud requires --port";
+    QTest::newRow("baud rate") << "--port a --baud 0"
+                               << "--baud";
+    QTest::newRow("parity") << "--port a --parity mark"
+                            << "mark not in {even,odd,none}";
+    QTest::newRow("refusal") << "--refuse silent"
+                             << "silent is neither no-resource nor not-active";
+    QTest::newRow("refusal of request 0") << "--refuse no-resource@0"
+                                          << "no-resource@0 is neither";
+    QTest::newRow("fault") << "--fault loud"
+                           << "loud is not a known kind";
+    QTest::newRow("memory file") << "--memory /nonexistent.json"
+                                 << "/nonexistent.json: cannot open: No such file or directory";
+}
+
+void TestSimulatorProgram::badUsageIsStatus2()
+{
+    QFETCH(QString, options);
+    QFETCH(QString, complaint);
+    Simulator simulator(options.split(' '));
+    QCOMPARE(simulator.waitForEnd(), 2);
+    QCOMPARE(simulator.firstLine(), QString());
+    const QString messages = simulator.messages();
+    QVERIFY2(messages.contains(complaint), qPrintable(messages));
+}
+
+void TestSimulatorProgram::helpAndVersionAreTold()
+{
+    Simulator help({"--help"});
+    QCOMPARE(help.waitForEnd(), 0);
+    const QString text = help.furtherOutput();
+    for (const char *option : {"--station", "--port", "--link", "--memory", "--save", "--baud", "--parity",
+                               "--refuse", "--fault", "--verbose", "--version"})
+        QVERIFY2(text.contains(option), option);
+    Simulator version({"--version"});
+    QCOMPARE(version.waitForEnd(), 0);
+    QVERIFY2(
+        QRegularExpression("^s7ppi-sim [0-9]+\\.[0-9]+\\.[0-9]+\n$").match(version.firstLine()).hasMatch(),
+        qPrintable(version.firstLine()));
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorProgram)
+#include "test_simulator_program.moc"
