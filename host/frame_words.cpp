@@ -1,0 +1,206 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "frame_words.h"
+
+#include <QHash>
+
+namespace host {
+
+namespace {
+
+constexpr uchar kAcknowledgement = 0xe5;
+constexpr uchar kShortFrame = 0x10;
+constexpr uchar kLongFrame = 0x68;
+constexpr uchar kEndOfFrame = 0x16;
+
+constexpr int kShortFrameSize = 6;
+constexpr int kLongFrameFixed = 6; // four bytes before and two behind what LE counts
+constexpr int kPduStart = 7;
+constexpr int kHeaderSize = 10; // of a request; an answer's has two bytes of error class and code more
+constexpr int kAnswerHeaderSize = 12;
+constexpr int kItemStart = kPduStart + kHeaderSize + 2; // behind function and number of items
+constexpr int kItemSize = 12;
+
+// Function codes of short frames, without the two bits that count frames.
+constexpr uchar kFunctionMask = 0x4f;
+constexpr uchar kPoll = 0x4c;
+constexpr uchar kNoResource = 0x02;
+constexpr uchar kNotActive = 0x03;
+
+constexpr uchar kRead = 0x04;
+constexpr uchar kWrite = 0x05;
+constexpr uchar kJob = 0x01;
+constexpr uchar kDone = 0xff;
+
+uchar at(const QByteArray &frame, int index)
+{
+    return index < frame.size() ? uchar(frame.at(index)) : uchar(0);
+}
+
+int word(const QByteArray &frame, int index)
+{
+    return at(frame, index) << 8 | at(frame, index + 1);
+}
+
+QString hexByte(uchar byte)
+{
+    return QString("%1").arg(uint(byte), 2, 16, QChar('0')).toUpper();
+}
+
+bool isSound(const QByteArray &frame, int first, int last)
+{
+    uint sum = 0;
+    for (int i = first; i < last; ++i)
+        sum += at(frame, i);
+    return (sum & 0xff) == at(frame, last) && at(frame, last + 1) == kEndOfFrame;
+}
+
+QString shortFrameWords(const QByteArray &frame)
+{
+    switch (at(frame, 3) & kFunctionMask) {
+    case kPoll:
+        return QString("poll of station %1").arg(at(frame, 1));
+    case kNoResource:
+        return QString("refused by station %1: no resource").arg(at(frame, 2));
+    case kNotActive:
+        return QString("refused by station %1: service not active").arg(at(frame, 2));
+    default:
+        return "short frame with function code " + hexByte(at(frame, 3));
+    }
+}
+
+QString elementName(uchar transportSize)
+{
+    static const QHash<uchar, QString> names = {{0x01, "bit"},
+                                                {0x02, "byte"},
+                                                {0x04, "word"},
+                                                {0x06, "dword"},
+                                                {0x1e, "counter"},
+                                                {0x1f, "timer"},
+                                                {0x20, "high-speed counter"}};
+    return names.value(transportSize, "element of kind " + hexByte(transportSize));
+}
+
+QString areaName(uchar code)
+{
+    static const QHash<uchar, QString> names = {{0x81, "I"}, {0x82, "Q"},  {0x83, "M"},  {0x84, "V"},
+                                                {0x04, "S"}, {0x05, "SM"}, {0x06, "AI"}, {0x07, "AQ"},
+                                                {0x1e, "C"}, {0x1f, "T"},  {0x20, "HC"}};
+    return names.value(code, "area " + hexByte(code));
+}
+
+bool isObjectArea(uchar code)
+{
+    return code == 0x1e || code == 0x1f || code == 0x20;
+}
+
+// An item := 12 0A 10 kind count(2) DB(2) area address(3)
+QString itemWords(const QByteArray &frame, int start)
+{
+    const uchar kind = at(frame, start + 3);
+    const int count = word(frame, start + 4);
+    const uchar area = at(frame, start + 8);
+    const int address = at(frame, start + 9) << 16 | word(frame, start + 10);
+    const QString elements = QString("%1 %2%3").arg(count).arg(elementName(kind), count == 1 ? "" : "s");
+    if (isObjectArea(area))
+        return QString("%1 at %2%3").arg(elements, areaName(area)).arg(address);
+    const QString place = QString("%1 byte %2").arg(areaName(area)).arg(address / 8);
+    return kind == 0x01 ? QString("%1 at %2 bit %3").arg(elements, place).arg(address % 8)
+                        : QString("%1 at %2").arg(elements, place);
+}
+
+QString requestWords(const QByteArray &frame)
+{
+    const uchar function = at(frame, kPduStart + kHeaderSize);
+    const int items = at(frame, kPduStart + kHeaderSize + 1);
+    QString words = QString("request %1 to station %2: ").arg(word(frame, kPduStart + 4)).arg(at(frame, 4));
+    if (function != kRead && function != kWrite)
+        return words + "function " + hexByte(function);
+    words += function == kRead ? "read " : "write ";
+    for (int i = 0; i < items && kItemStart + (i + 1) * kItemSize <= frame.size(); ++i)
+        words += (i ? ", " : "") + itemWords(frame, kItemStart + i * kItemSize);
+    return words;
+}
+
+QString returnCodeWords(uchar code)
+{
+    static const QHash<uchar, QString> names = {{0x01, "hardware fault"},
+                                                {0x03, "access not allowed"},
+                                                {0x05, "no such address"},
+                                                {0x06, "type not supported"},
+                                                {0x0a, "no such object, or wrong length"},
+                                                {kDone, "done"}};
+    return names.value(code, "unknown reason") + " (" + hexByte(code) + ')';
+}
+
+QString readAnswerWords(const QByteArray &frame, int item)
+{
+    const uchar code = at(frame, item);
+    if (code != kDone)
+        return "refused, " + returnCodeWords(code);
+    const bool lengthInBits = at(frame, item + 1) == 0x04;
+    const int length = word(frame, item + 2);
+    return QString("%1 bytes of data").arg(lengthInBits ? length / 8 : length);
+}
+
+QString writeAnswerWords(const QByteArray &frame, int item)
+{
+    QString words;
+    for (int i = 0; i < at(frame, item - 1) && item + i + 2 < frame.size(); ++i)
+        words += (i ? ", " : "") + returnCodeWords(at(frame, item + i));
+    return words;
+}
+
+QString answerWords(const QByteArray &frame)
+{
+    const int parameters = kPduStart + kAnswerHeaderSize;
+    const QString words =
+        QString("answer to request %1 from station %2: ").arg(word(frame, kPduStart + 4)).arg(at(frame, 5));
+    if (const int error = word(frame, kPduStart + 10))
+        return words + QString("not taken, error class %1, code %2")
+                           .arg(hexByte(uchar(error >> 8)), hexByte(uchar(error)));
+    switch (at(frame, parameters)) {
+    case kRead:
+        return words + readAnswerWords(frame, parameters + 2);
+    case kWrite:
+        return words + writeAnswerWords(frame, parameters + 2);
+    default:
+        return words + "function " + hexByte(at(frame, parameters));
+    }
+}
+
+QString longFrameWords(const QByteArray &frame)
+{
+    return at(frame, kPduStart + 1) == kJob ? requestWords(frame) : answerWords(frame);
+}
+
+} // namespace
+
+int frameSize(const QByteArray &start)
+{
+    if (start.isEmpty())
+        return 0;
+    if (at(start, 0) == kShortFrame)
+        return kShortFrameSize;
+    if (at(start, 0) != kLongFrame)
+        return 1;
+    return start.size() < 2 ? 0 : at(start, 1) + kLongFrameFixed;
+}
+
+QString frameWords(const QByteArray &frame)
+{
+    const int size = int(frame.size());
+    if (size == 1 && at(frame, 0) == kAcknowledgement)
+        return "acknowledgement";
+    const bool isShort = at(frame, 0) == kShortFrame;
+    if (!isShort && at(frame, 0) != kLongFrame)
+        return "no frame";
+    if (size != frameSize(frame))
+        return "incomplete frame";
+    if (!isSound(frame, isShort ? 1 : 4, size - 2))
+        return "damaged frame";
+    return isShort ? shortFrameWords(frame) : longFrameWords(frame);
+}
+
+} // namespace host

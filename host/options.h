@@ -1,0 +1,34 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What the command line says about port, line and driver. What it leaves out is the plug-in's to say.
+
+#ifndef HOST_OPTIONS_H
+#define HOST_OPTIONS_H
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+struct Options
+{
+    std::optional<std::string> port; // a device, or "sim" for the embedded simulator
+    std::optional<std::string> plugin;
+
+    std::optional<int> station;
+    std::optional<int> timeout; // milliseconds
+    std::optional<int> retries;
+    std::optional<int> delay; // milliseconds
+
+    std::optional<int> baud;
+    std::optional<std::string> parity; // none, odd, even, mark or space
+    std::optional<int> dataBits;
+    std::optional<int> stopBits;
+
+    bool verbose = false;
+};
+
+} // namespace host
+
+#endif

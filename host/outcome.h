@@ -1,0 +1,42 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// How a command with several parts ends: every failure is reported, the first one gives the exit code.
+
+#ifndef HOST_OUTCOME_H
+#define HOST_OUTCOME_H
+
+#include "failure.h"
+#include "report.h"
+
+#include <optional>
+
+namespace host {
+
+class Outcome
+{
+public:
+    // Runs one part; a Failure that it throws is reported as the subject's and returned.
+    template <typename Part> std::optional<Failure> attempt(const QString &subject, const Part &part)
+    {
+        try {
+            part();
+            return std::nullopt;
+        } catch (const Failure &failure) {
+            reportFailure(subject, failure);
+            if (first == ExitCode::Success)
+                first = failure.code();
+            return failure;
+        }
+    }
+
+    bool isSuccess() const { return first == ExitCode::Success; }
+    int exitCode() const { return int(first); }
+
+private:
+    ExitCode first = ExitCode::Success;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,48 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Which requests to the driver bring the values of an item.
+//
+// One answer frame carries up to 222 bytes and the driver splits nothing, so long items become several
+// requests. What the driver hands back lies in the byte order that the last letter of the request's
+// address chooses, whatever was asked for: W turns every two bytes round, D every four, and everything
+// else stays as the controller sent it, most significant byte first. Values of timers and counters are
+// turned round by two, those of high-speed counters by four.
+
+#ifndef HOST_READ_PLAN_H
+#define HOST_READ_PLAN_H
+
+#include "communicator_command.h"
+#include "item.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <functional>
+
+namespace host {
+
+struct ReadRequest
+{
+    CommunicatorCommand command;
+    int size;          // bytes that the driver must hand back
+    int reversedWidth; // they lie reversed in groups of this many; 1: as in the controller
+};
+
+struct ReadPlan
+{
+    QList<ReadRequest> requests;
+    int firstBit; // whole bytes are read, and the bits begin here; -1 when no bits need to be picked out
+};
+
+ReadPlan planRead(const Item &item);
+
+// Runs one request: the driver's data, or a Failure thrown.
+using ReadFunction = std::function<QByteArray(const CommunicatorCommand &)>;
+
+// The bytes of an item, as decodeValues() takes them.
+QByteArray readItem(const Item &item, const ReadFunction &read);
+
+} // namespace host
+
+#endif

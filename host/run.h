@@ -1,0 +1,21 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Runs one command and turns what it throws into what the shell sees.
+
+#ifndef HOST_RUN_H
+#define HOST_RUN_H
+
+#include "options.h"
+
+#include <functional>
+
+namespace host {
+
+// The exit code: the command's own, a failure's after it was reported, or 128 and the signal's number
+// after Ctrl-C or SIGTERM.
+int run(const Options &options, const std::function<int()> &command);
+
+} // namespace host
+
+#endif

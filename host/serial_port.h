@@ -1,0 +1,70 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A serial port as a driver uses it: blocking, one deadline per receive.
+
+#ifndef HOST_SERIAL_PORT_H
+#define HOST_SERIAL_PORT_H
+
+#include "abstract_device_interface.h"
+#include "line_settings.h"
+
+#include <QSerialPort>
+#include <QString>
+
+namespace host {
+
+// How the host talks to the controller; times in milliseconds.
+struct Timing
+{
+    int timeout;
+    int retries;
+    int station;
+    int delay;
+};
+
+class SerialPort : public AbstractDeviceInterface
+{
+public:
+    // Opens the port for this program alone. Fails when that does not work or when the port does not
+    // take the settings. A pseudo-terminal has no parity and always 8 data bits; there the two are not
+    // insisted on.
+    SerialPort(const QString &name, const LineSettings &line, const Timing &timing);
+
+    // Waits for up to maxLength bytes until the time-out, counted from the call, has run out. Below 0
+    // at once when the port is lost or the program is interrupted.
+    int receive(unsigned char *buffer, int maxLength) override;
+
+    // Returns length when all bytes have left, otherwise below 0.
+    int send(const unsigned char *data, int length) override;
+
+    // Key 12 throws away everything that was received and not read; there are no other keys.
+    bool setOption(int key, const QVariant &value) override;
+
+    // No repetitions on a port that is lost, or once the program is interrupted.
+    int retry() override;
+    int stationId() override;
+    int delay() override;
+
+    // Whether the port went away since it was opened.
+    bool isLost() const { return lost; }
+
+    // What the port does differently from what was asked; empty when nothing.
+    QString lineNote() const { return note; }
+
+private:
+    void open(const LineSettings &line);
+    void checkLine(const LineSettings &line);
+    bool goesOn() const;
+    void noteError();
+
+    QSerialPort port;
+    QString name;
+    Timing timing;
+    QString note;
+    bool lost = false;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,31 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "text_output.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace host {
+
+TextOutput::TextOutput(const std::vector<Item> &items)
+{
+    for (const Item &item : items)
+        addressWidth = std::max(addressWidth, int(item.address.text().size()));
+}
+
+QString TextOutput::line(const Item &item, const std::vector<Value> &values) const
+{
+    QString text = item.address.text().leftJustified(addressWidth);
+    for (const Value &value : values)
+        text += ' ' + valueText(value);
+    return text;
+}
+
+void TextOutput::write(const Item &item, const std::vector<Value> &values) const
+{
+    std::printf("%s\n", qUtf8Printable(line(item, values)));
+    std::fflush(stdout);
+}
+
+} // namespace host

@@ -1,0 +1,434 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# The program as a user meets it: what it prints where, and how it exits.
+# S7PPI_BIN_DIR holds s7ppi and s7ppi-sim, S7PPI_TEST_DIR the fake controller and the test plug-ins.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+bats_require_minimum_version 1.5.0
+
+setup() {
+    PATH="$S7PPI_BIN_DIR:$S7PPI_TEST_DIR:$PATH"
+    unset S7PPI_PLUGIN
+    background=()
+}
+
+teardown() {
+    local process
+    for process in "${background[@]}"; do
+        kill "$process" 2>/dev/null || true
+    done
+}
+
+# start COMMAND...: in the background; its first line of output, a port's name, is then in $port.
+start() {
+    : >"$BATS_TEST_TMPDIR/output"
+    "$@" >>"$BATS_TEST_TMPDIR/output" 3>&- &
+    background+=($!)
+    local i
+    for ((i = 0; i < 100; i++)); do
+        port=$(head -n 1 "$BATS_TEST_TMPDIR/output")
+        [ -n "$port" ] && return
+        sleep 0.05
+    done
+    return 1
+}
+
+# impatient ITEM...: read from $port, one attempt, short time-out.
+impatient() {
+    run --separate-stderr s7ppi read --port "$port" --retries 0 --timeout 200 "$@"
+}
+
+@test "describe shows identity, defaults and sizes of the plug-in" {
+    run --separate-stderr s7ppi describe
+    [ "$status" -eq 0 ]
+    [ "${lines[0]}" = "name                 Simatic S7-200 PPI" ]
+    [[ "$output" == *"vendor               Siemens"* ]]
+    [[ "$output" == *"version              1.0.0"* ]]
+    [[ "$output" == *"serial line          9600 baud, even parity, 8 data bits, 1 stop bit"* ]]
+    [[ "$output" == *"serial line as text  RS485,9600,EVEN,8,1"* ]]
+    [[ "$output" == *"time-out             500 ms"* ]]
+    [[ "$output" == *"retries              3"* ]]
+    [[ "$output" == *"station              2"* ]]
+    [[ "$output" == *"delay                0 ms"* ]]
+    [[ "$output" == *"total size           12250 bytes"* ]]
+    [[ "$output" == *"block size           32 bytes"* ]]
+    [[ "$output" == *"bit block size       32 bits"* ]]
+    [[ "$output" == *"communication        112 = 16 + 32 + 64 (RS-485)"* ]]
+    [ -z "$stderr" ]
+}
+
+@test "help and version go to stdout" {
+    run --separate-stderr s7ppi --help
+    [ "$status" -eq 0 ]
+    [[ "$output" == *"describe"*"read"* ]]
+    [ -z "$stderr" ]
+    run --separate-stderr s7ppi read --help
+    [ "$status" -eq 0 ]
+    [[ "$output" == *"ADDRESS[:TYPE][*COUNT]"* ]]
+    run --separate-stderr s7ppi --version
+    [ "$status" -eq 0 ]
+    [[ "$output" =~ ^s7ppi\ [0-9]+\.[0-9]+\.[0-9]+$ ]]
+}
+
+@test "every type and width of the same memory gives what the controller holds" {
+    run --separate-stderr s7ppi read --port sim VB100 VW100 VD100 VB100:u16 VW100:u32 VD100:u16*3 VW100:u8*3 \
+        VB100:hex*4 VW100:hex*2 VD100:hex VB102:str*2 VB100:bcd*2 VB100:i8 VW100:i16 VD100:i32
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17
+VW100 4386
+VD100 287454020
+VB100 4386
+VW100 287454020
+VD100 4386 13124 0
+VW100 17 34 51
+VB100 11 22 33 44
+VW100 1122 3344
+VD100 11223344
+VB102 \"3D\"
+VB100 11 22
+VB100 17
+VW100 4386
+VD100 287454020" ]
+    [ -z "$stderr" ]
+}
+
+@test "bits come out right, straddling or not" {
+    run --separate-stderr s7ppi read --port sim V100.0*8 V101.0*8 V100.4 V100.4*8 V100.7*10
+    [ "$status" -eq 0 ]
+    [ "$output" = "V100.0 1 0 0 0 1 0 0 0
+V101.0 0 1 0 0 0 1 0 0
+V100.4 1
+V100.4 1 0 0 0 0 1 0 0
+V100.7 0 0 1 0 0 0 1 0 0 1" ]
+}
+
+@test "timers, counters and high-speed counters have values and status bits" {
+    run --separate-stderr s7ppi read --port sim T37 T37:bool T37:hex C5 C5:i16 HC0 HC0:i32 T36*3
+    [ "$status" -eq 0 ]
+    [ "$output" = "T37 300
+T37 1
+T37 012c
+C5  5
+C5  5
+HC0 100000
+HC0 100000
+T36 0 300 0" ]
+}
+
+@test "an item longer than one frame is read in pieces" {
+    run --separate-stderr s7ppi read --port sim VB0*500
+    [ "$status" -eq 0 ]
+    [ "$(wc -w <<<"$output")" -eq 501 ]
+    [ "$(cut -d' ' -f 102-105 <<<"$output")" = "17 34 51 68" ]
+    run --separate-stderr s7ppi read --port sim VD0*100
+    [ "$(wc -w <<<"$output")" -eq 101 ]
+    [[ "$output" == *" 287454020 "* ]]
+    run --separate-stderr s7ppi read --port sim T0*100
+    [ "$(wc -w <<<"$output")" -eq 101 ]
+    [ "$(cut -d' ' -f 39 <<<"$output")" = 300 ]
+}
+
+# A test without --port must not talk to a controller that happens to be connected to this machine.
+refuse_adapters() {
+    if compgen -G "/dev/ttyUSB*" || compgen -G "/dev/ttyACM*"; then
+        echo "unplug the USB serial adapters: this test would use them"
+        return 1
+    fi
+}
+
+@test "without a port a simulated controller is used, and said so on stderr alone" {
+    refuse_adapters
+    run --separate-stderr s7ppi read VB100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17" ]
+    [[ "$stderr" =~ ^"s7ppi: no USB serial adapter found: using a simulated controller on /dev/pts/"[0-9]+$ ]]
+}
+
+@test "a simulator started by hand is read through its port, at the station named" {
+    start s7ppi-sim --station 7
+    run --separate-stderr s7ppi read --port "$port" --station 7 VW100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VW100 4386" ]
+}
+
+@test "verbose shows every frame in hex and words on stderr, and the driver's messages" {
+    run --separate-stderr s7ppi read --port sim -v VB100*4
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17 34 51 68" ]
+    [[ "${stderr_lines[0]}" == *": 9600 baud, even parity, 8 data bits, 1 stop bit" ]]
+    [[ "${stderr_lines[1]}" == *" is a pseudo-terminal: no parity instead of even parity" ]]
+    [ "${stderr_lines[2]}" = "-> request 1 to station 2: read 4 bytes at V byte 100: 68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00 04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16" ]
+    [ "${stderr_lines[3]}" = "<- acknowledgement: e5" ]
+    [ "${stderr_lines[4]}" = "-> poll of station 2: 10 02 00 5c 5e 16" ]
+    [ "${stderr_lines[5]}" = "<- answer to request 1 from station 2: 4 bytes of data: 68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00 04 01 ff 04 00 20 11 22 33 44 1c 16" ]
+    [ "${#stderr_lines[@]}" -eq 6 ]
+
+    start fake_controller
+    impatient -v VB0
+    [[ "$stderr" == *"driver: "*":plc no response"* ]]
+    impatient VB0
+    [[ "$stderr" != *"driver: "* ]]
+}
+
+@test "1: the controller refuses an item, the others are still read" {
+    run --separate-stderr s7ppi read --port sim VB100 VB20000 VB101
+    [ "$status" -eq 1 ]
+    [ "$output" = "VB100   17
+VB101   34" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB20000: Invalid address (incorrect variable address)" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+}
+
+@test "1: the controller answers with a negative frame" {
+    start fake_controller 100002020416
+    impatient VB0
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: no resource" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    [ -z "$output" ]
+}
+
+@test "the first of several failures gives the exit code" {
+    start fake_controller 100002020416 silence
+    impatient VB0 VB1
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1: plc no response" ]
+    start fake_controller silence 100002020416
+    impatient VB0 VB1
+    [ "$status" -eq 4 ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1: no resource" ]
+}
+
+@test "1: the controller does not take the request" {
+    start fake_controller e5 680f0f68000208320200000001000000008104c416
+    impatient VB0
+    [ "$status" -eq 1 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: invalid request to PLC" ]
+}
+
+@test "2: every wrong item is told with the right one, and nothing is sent" {
+    start fake_controller hang-up
+    run --separate-stderr s7ppi read --port "$port" VB0 vb100 AI0 V10.9 VW0:INT
+    [ "$status" -eq 2 ]
+    [ -z "$output" ]
+    [ "${stderr_lines[0]}" = "s7ppi: vb100: not an address of the controller" ]
+    [ "${stderr_lines[1]}" = "hint: write VB100 instead of vb100" ]
+    [ "${stderr_lines[3]}" = "hint: write AIW0 instead of AI0" ]
+    [ "${stderr_lines[5]}" = "hint: write V10.7 instead of V10.9" ]
+    [ "${stderr_lines[7]}" = "hint: write i16 instead of INT" ]
+    kill -0 "${background[0]}"
+}
+
+@test "2: wrong command lines" {
+    local arguments
+    for arguments in "" "rread" "read" "read VB0 --station 0" "read VB0 --station 127" "read VB0 --timeout x" \
+        "read VB0 --parity both" "read VB0 --databits 9" "read VB0 --port" "describe VB0" "read VB0 --nonsense"; do
+        # shellcheck disable=SC2086
+        run --separate-stderr s7ppi $arguments
+        [ "$status" -eq 2 ]
+        [ -z "$output" ]
+        [[ "${stderr_lines[0]}" == "s7ppi: "* ]]
+        [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options" ]
+    done
+    run --separate-stderr s7ppi rread
+    [ "${stderr_lines[0]}" = "s7ppi: rread is not a command or option" ]
+}
+
+@test "2: memory that is no BCD cannot be read as such" {
+    start fake_controller e5 681717680002083203000000010002000600000401ff0400101a3fb916
+    impatient VW0:bcd
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VW0: 1a3f is not BCD" ]
+    [ "${stderr_lines[1]}" = "hint: read it with :hex to see what it is" ]
+}
+
+@test "3: the port cannot be opened" {
+    run --separate-stderr s7ppi read --port /dev/no-such-port VB0
+    [ "$status" -eq 3 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: /dev/no-such-port cannot be opened: "* ]]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    run --separate-stderr s7ppi read --port /dev/null VB0
+    [ "$status" -eq 3 ]
+}
+
+@test "3: a port in use is refused with the reason" {
+    start fake_controller
+    s7ppi read --port "$port" --timeout 5000 VB0 3>&- 2>/dev/null &
+    background+=($!)
+    sleep 0.3
+    impatient VB0
+    [ "$status" -eq 3 ]
+    [ "${stderr_lines[1]}" = "hint: another program has the port open: end it, or use another port" ]
+}
+
+@test "3: there is no simulator to start" {
+    mkdir "$BATS_TEST_TMPDIR/bin"
+    cp "$S7PPI_BIN_DIR/s7ppi" "$BATS_TEST_TMPDIR/bin"
+    run --separate-stderr env PATH="$BATS_TEST_TMPDIR/bin" "$BATS_TEST_TMPDIR/bin/s7ppi" \
+        read --port sim --plugin "$S7PPI_PLUGIN_FILE" VB0
+    [ "$status" -eq 3 ]
+    [ "${stderr_lines[0]}" = "s7ppi: there is no simulator to start" ]
+}
+
+@test "4: the controller is silent; every item is tried, every attempt waits its time-out" {
+    start fake_controller
+    impatient VB0 VB1
+    [ "$status" -eq 4 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: plc no response" ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1: plc no response" ]
+    run --separate-stderr s7ppi read --port "$port" --retries 2 --timeout 50 -v VB0
+    [ "$status" -eq 4 ]
+    [ "$(grep -c '^-> request' <<<"$stderr")" -eq 3 ]
+}
+
+@test "4: another station does not answer" {
+    start s7ppi-sim --station 7
+    impatient --station 3 VB0
+    [ "$status" -eq 4 ]
+}
+
+@test "5: what comes is no answer" {
+    local reactions
+    while read -r text reactions; do
+        # shellcheck disable=SC2086
+        start fake_controller $reactions
+        impatient VB100*4
+        [ "$status" -eq 5 ]
+        [ "${stderr_lines[0]}" = "s7ppi: VB100: ${text//_/ }" ]
+        [[ "${stderr_lines[1]}" == "hint: "* ]]
+    done <<'REACTIONS'
+invalid_response ff
+first_NAK_packet_loss 100002
+invalid_response9 100003020516
+packet_length_<_minimum_second_response e5 silence
+invalid_response e5 68191968000318
+packet_loss e5 681919680002083203
+checksum_error e5 681919680002083203000000010002000800000401ff040020112233441d16
+invalid_response e5 681919680002083203000000090002000800000401ff040020112233442416
+REACTIONS
+}
+
+@test "6: the port goes away; no further item is tried" {
+    start fake_controller e5 hang-up
+    run --separate-stderr s7ppi read --port "$port" --timeout 60000 VB0 VB1
+    [ "$status" -eq 6 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: the port is gone" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+}
+
+@test "7: the plug-in cannot be loaded or is no driver" {
+    local file
+    for file in /no/such/file.so /dev/null "$S7PPI_BIN_DIR/s7ppi" "$S7PPI_TEST_DIR/libforeign_plugin.so" \
+        "$S7PPI_TEST_DIR/libhollow_plugin.so" "$S7PPI_TEST_DIR/libodd_plugin.so"; do
+        run --separate-stderr s7ppi describe --plugin "$file"
+        [ "$status" -eq 7 ]
+        [[ "${stderr_lines[1]}" == "hint: "* ]]
+        run --separate-stderr s7ppi read --port sim --plugin "$file" VB0
+        [ "$status" -eq 7 ]
+        [ -z "$output" ]
+    done
+}
+
+@test "7: an interface of another host is named" {
+    run --separate-stderr s7ppi describe --plugin "$S7PPI_TEST_DIR/libforeign_plugin.so"
+    [[ "${stderr_lines[0]}" == *"its interface is org.example.Foreign/1.0, not "*".drivers.DriverInterface/1.1" ]]
+}
+
+@test "the plug-in is found by option, then by environment, then beside the program" {
+    export S7PPI_PLUGIN=/no/such/file.so
+    run --separate-stderr s7ppi describe
+    [ "$status" -eq 7 ]
+    run --separate-stderr s7ppi describe --plugin "$S7PPI_PLUGIN_FILE"
+    [ "$status" -eq 0 ]
+    unset S7PPI_PLUGIN
+
+    mkdir -p "$BATS_TEST_TMPDIR/alone" "$BATS_TEST_TMPDIR/installed/bin" "$BATS_TEST_TMPDIR/installed/lib/s7ppi"
+    cp "$S7PPI_BIN_DIR/s7ppi" "$BATS_TEST_TMPDIR/alone"
+    run --separate-stderr "$BATS_TEST_TMPDIR/alone/s7ppi" describe
+    [ "$status" -eq 7 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: no plug-in found; looked for $BATS_TEST_TMPDIR/alone/"* ]]
+    cp "$S7PPI_PLUGIN_FILE" "$BATS_TEST_TMPDIR/alone"
+    run --separate-stderr "$BATS_TEST_TMPDIR/alone/s7ppi" describe
+    [ "$status" -eq 0 ]
+
+    cp "$S7PPI_BIN_DIR/s7ppi" "$BATS_TEST_TMPDIR/installed/bin"
+    cp "$S7PPI_PLUGIN_FILE" "$BATS_TEST_TMPDIR/installed/lib/s7ppi"
+    run --separate-stderr "$BATS_TEST_TMPDIR/installed/bin/s7ppi" describe
+    [ "$status" -eq 0 ]
+    [[ "$output" == *"plug-in              $BATS_TEST_TMPDIR/installed/lib/s7ppi/libs7_200_ppi.so"* ]]
+}
+
+@test "an answer that comes too late is not taken for the next one" {
+    start fake_controller e5 \
+        200:681919680002083203000000010002000800000401ff040020aabbccdd8016 \
+        e5 681919680002083203000000020002000800000401ff040020112233441d16
+    run --separate-stderr s7ppi read --port "$port" --timeout 100 --delay 300 --retries 1 VB100*4
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17 34 51 68" ]
+}
+
+# interrupt SIGNAL: a read whose second item waits forever; its exit code is then in $status.
+interrupt() {
+    start fake_controller e5 681919680002083203000000010002000800000401ff040020112233441c16
+    s7ppi read --port "$port" --timeout 60000 VB100*4 VB104 \
+        >"$BATS_TEST_TMPDIR/values" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    local reader=$!
+    background+=("$reader")
+    sleep 0.5
+    kill "-$1" "$reader"
+    status=0
+    wait "$reader" || status=$?
+}
+
+@test "a signal ends a read that waits; what was read is printed" {
+    interrupt TERM
+    [ "$status" -eq 143 ]
+    [ "$(cat "$BATS_TEST_TMPDIR/values")" = "VB100 17 34 51 68" ]
+    [ ! -s "$BATS_TEST_TMPDIR/errors" ]
+    interrupt INT
+    [ "$status" -eq 130 ]
+    [ "$(cat "$BATS_TEST_TMPDIR/values")" = "VB100 17 34 51 68" ]
+    [ ! -s "$BATS_TEST_TMPDIR/errors" ]
+}
+
+# read_on_simulator: a read of some seconds with its simulator; their processes are then in $reader and
+# $simulator.
+read_on_simulator() {
+    s7ppi read --port sim VB0*10000 3>&- >/dev/null 2>&1 &
+    reader=$!
+    background+=("$reader")
+    local i
+    for ((i = 0; i < 100; i++)); do
+        simulator=$(pgrep -x -P "$reader" s7ppi-sim) && return
+        sleep 0.05
+    done
+    return 1
+}
+
+# A process that nobody has waited for yet counts as ended.
+has_ended() {
+    local i
+    for ((i = 0; i < 100; i++)); do
+        [[ ! -d "/proc/$1" || $(ps -o stat= -p "$1") == Z* ]] && return
+        sleep 0.05
+    done
+    return 1
+}
+
+@test "the embedded simulator ends with the program, however that ends" {
+    read_on_simulator
+    kill -INT "$reader"
+    status=0
+    wait "$reader" || status=$?
+    [ "$status" -eq 130 ]
+    has_ended "$simulator"
+
+    read_on_simulator
+    kill -KILL "$reader"
+    has_ended "$simulator"
+}
