@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Pauses are written down by the program's own nanosleep; during a test, the clocks are the ones below.
+// Pauses are written down by the program's own nanosleep. The clocks stand still only for the thread that
+// tests and only during the tested call: Qt Test watches its own tests by the clock.
 
 #include "fake_sleep.h"
 #include "tools/timing.h"
@@ -15,7 +16,7 @@
 
 namespace {
 
-bool g_clocksStand = false;
+thread_local bool t_clocksStand = false;
 timespec g_sinceBoot;
 timespec g_wallClock;
 
@@ -27,11 +28,21 @@ timespec timeOf(time_t seconds, long nanoseconds)
     return time;
 }
 
+qint64 millisecondsWith(const timespec &sinceBoot, const timespec &wallClock)
+{
+    g_sinceBoot = sinceBoot;
+    g_wallClock = wallClock;
+    t_clocksStand = true;
+    const qint64 milliseconds = CurrentMSecsSinceBoot();
+    t_clocksStand = false;
+    return milliseconds;
+}
+
 } // namespace
 
 extern "C" int clock_gettime(clockid_t clock, timespec *now) noexcept
 {
-    if (!g_clocksStand)
+    if (!t_clocksStand)
         return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
     *now = clock == CLOCK_MONOTONIC ? g_sinceBoot : g_wallClock;
     return 0;
@@ -43,7 +54,6 @@ class TestTiming : public QObject
 
 private slots:
     void init();
-    void cleanup();
     void sleepAsksForOnePause_data();
     void sleepAsksForOnePause();
     void sleepOfNothingMakesNoCall();
@@ -57,14 +67,6 @@ private slots:
 void TestTiming::init()
 {
     FakeSleep::reset();
-    g_clocksStand = true;
-    g_sinceBoot = timeOf(0, 0);
-    g_wallClock = timeOf(1700000000, 0);
-}
-
-void TestTiming::cleanup()
-{
-    g_clocksStand = false;
 }
 
 void TestTiming::sleepAsksForOnePause_data()
@@ -128,17 +130,13 @@ void TestTiming::millisecondsAreRoundedDown()
     QFETCH(qlonglong, seconds);
     QFETCH(int, nanoseconds);
     QFETCH(qint64, milliseconds);
-    g_sinceBoot = timeOf(static_cast<time_t>(seconds), nanoseconds);
-    QCOMPARE(CurrentMSecsSinceBoot(), milliseconds);
+    QCOMPARE(millisecondsWith(timeOf(static_cast<time_t>(seconds), nanoseconds), timeOf(0, 0)), milliseconds);
 }
 
 void TestTiming::millisecondsNeverGoBackWithTheWallClock()
 {
-    g_sinceBoot = timeOf(100, 0);
-    const qint64 before = CurrentMSecsSinceBoot();
-    g_wallClock = timeOf(0, 0);
-    g_sinceBoot = timeOf(100, 2000000);
-    QCOMPARE(CurrentMSecsSinceBoot() - before, qint64(2));
+    const qint64 before = millisecondsWith(timeOf(100, 0), timeOf(5000, 0));
+    QCOMPARE(millisecondsWith(timeOf(100, 2000000), timeOf(0, 0)) - before, qint64(2));
 }
 
 QTEST_APPLESS_MAIN(TestTiming)

@@ -31,15 +31,8 @@ const Area kAreas[] = {
     {"S", 0x04},   {"SB", 0x04},  {"SW", 0x04},  {"SD", 0x04},  // sequence-control relays
 };
 
-const int kAreaCount = sizeof kAreas / sizeof kAreas[0];
-
-struct Key
-{
-    quint32 letters;
-    QByteArray prefix;
-};
-
-Key g_keys[kAreaCount];
+// The table's keys by their letters.
+QHash<quint32, QByteArray> g_keys;
 
 quint32 lettersOf(const char *prefix)
 {
@@ -55,18 +48,15 @@ S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
 
 const QByteArray *S7_200_PPIAreaTableKey(quint32 letters)
 {
-    for (const Key &key : g_keys) {
-        if (key.letters == letters)
-            return &key.prefix;
-    }
-    return nullptr;
+    const QHash<quint32, QByteArray>::const_iterator key = g_keys.constFind(letters);
+    return key == g_keys.constEnd() ? nullptr : &key.value();
 }
 
 S7_200_PPI_AreaTableInitializer::S7_200_PPI_AreaTableInitializer()
 {
-    for (int i = 0; i < kAreaCount; ++i) {
-        g_keys[i].letters = lettersOf(kAreas[i].prefix);
-        g_keys[i].prefix = kAreas[i].prefix;
-        g_s7_200_ppi_area_table[g_keys[i].prefix] = kAreas[i].code;
+    for (const Area &area : kAreas) {
+        const QByteArray prefix(area.prefix);
+        g_s7_200_ppi_area_table[prefix] = area.code;
+        g_keys[lettersOf(area.prefix)] = prefix;
     }
 }

@@ -94,11 +94,12 @@ private:
 };
 
 // Records the fault that a check found, if any.
-bool accepted(DriverS7_200_PPI &driver, const char *fault)
+inline bool accepted(DriverS7_200_PPI &driver, const char *fault)
 {
-    if (fault)
-        driver.setCommError(QLatin1String(fault));
-    return !fault;
+    if (!fault)
+        return true;
+    driver.setCommError(QLatin1String(fault));
+    return false;
 }
 
 // How many objects hold that many bytes of values: 4 in a high-speed counter, 2 in a timer or counter.
