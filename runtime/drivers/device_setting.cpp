@@ -5,6 +5,8 @@
 
 #include "message_line.h"
 
+#include <utility>
+
 namespace {
 
 int resolved(const DeviceSetting &setting, int index)
@@ -37,15 +39,15 @@ void readSocketList(QDataStream &stream, QList<QPair<QString, quint16>> &list)
 
 DeviceSetting::DeviceSetting(device_type type_, QString string_, int baudrate_, int databits_, int stopbits_,
                              int parity_)
-    : type(type_), string(string_), baudrate(baudrate_), databits(databits_), stopbits(stopbits_),
+    : type(type_), string(std::move(string_)), baudrate(baudrate_), databits(databits_), stopbits(stopbits_),
       parity(parity_), extraValue(0), linkID(-1), currentIPIndex(0)
 {
 }
 
 DeviceSetting::DeviceSetting(device_type type_, QString string_, int baudrate_, int databits_, int stopbits_,
                              int parity_, int extraValue_, QString extraText_)
-    : type(type_), string(string_), baudrate(baudrate_), databits(databits_), stopbits(stopbits_),
-      parity(parity_), extraValue(extraValue_), extraText(extraText_), linkID(-1), currentIPIndex(0)
+    : type(type_), string(std::move(string_)), baudrate(baudrate_), databits(databits_), stopbits(stopbits_),
+      parity(parity_), extraValue(extraValue_), extraText(std::move(extraText_)), linkID(-1), currentIPIndex(0)
 {
 }
 

@@ -36,6 +36,7 @@ bool DriverInterface::isSupportSessionCommand()
     return false;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value in the contract
 void DriverInterface::setSessionCommand(QList<CommunicatorCommand> /*commands*/) {}
 
 void DriverInterface::clearSessionCommand() {}

@@ -377,7 +377,7 @@ QByteArray Attempt::highSpeedCounters(const Answer &answer)
         return QByteArray();
     }
     unsigned char code = 0;
-    const QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
+    QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
     if (code != kSuccess) {
         driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
         LOG_FAILURE();
