@@ -24,6 +24,24 @@ Outcome outcomeOf(const CommunicatorCommand &command, const QByteArray &answer)
     return outcomeOf(command, port);
 }
 
+WriteOutcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data, ScriptedPort &port)
+{
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    const bool taken = driver.write(&port, command, data) != 0;
+    const WriteOutcome outcome = {taken, driver.hasError(), driver.getLastError(), log.texts(),
+                                  log.lineNumbers()};
+    return outcome;
+}
+
+WriteOutcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data,
+                            const QByteArray &answer)
+{
+    ScriptedPort port;
+    port.serves(answer);
+    return outcomeOfWrite(command, data, port);
+}
+
 QString askedFor(const CommunicatorCommand &command)
 {
     const int headerEnd = 17;
@@ -32,4 +50,30 @@ QString askedFor(const CommunicatorCommand &command)
     port.expectsRequest();
     outcomeOf(command, port);
     return hex(port.frames().value(0).mid(headerEnd, blockSize));
+}
+
+QByteArray requestOf(const CommunicatorCommand &command, const QByteArray &data)
+{
+    ScriptedPort port;
+    port.expectsRequest();
+    outcomeOfWrite(command, data, port);
+    return port.frames().value(0);
+}
+
+QStringList copies(const QString &text, int count)
+{
+    QStringList list;
+    for (int i = 0; i < count; ++i)
+        list += text;
+    return list;
+}
+
+int distinct(const QList<int> &numbers)
+{
+    QList<int> seen;
+    for (int i = 0; i < int(numbers.size()); ++i) {
+        if (!seen.contains(numbers.at(i)))
+            seen += numbers.at(i);
+    }
+    return int(seen.size());
 }

@@ -12,6 +12,7 @@
 #include "outcome.h"
 #include "sample_reads.h"
 #include "scripted_port.h"
+#include "silent_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 
 #include <QtTest>
@@ -22,29 +23,6 @@ namespace {
 
 const char kPoll[] = "10 02 00 5c 5e 16";
 const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
-
-// Answers nothing and keeps the references of the requests.
-class SilentPort : public AbstractDeviceInterface
-{
-public:
-    explicit SilentPort(int retries) : repetitions(retries) {}
-
-    int receive(unsigned char *, int) override { return 0; }
-    int send(const unsigned char *data, int length) override
-    {
-        references += data[11] << 8 | data[12];
-        return length;
-    }
-    bool setOption(int, const QVariant &) override { return true; }
-    int retry() override { return repetitions; }
-    int stationId() override { return 2; }
-    int delay() override { return 0; }
-
-    QList<int> references;
-
-private:
-    int repetitions;
-};
 
 } // namespace
 

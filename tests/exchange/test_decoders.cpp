@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The decoders of layer-7 answers, called with the bytes behind the layer-2 head.
+// The decoders of layer-7 answers to reads, called with the bytes behind the layer-2 head.
 
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
@@ -58,8 +58,6 @@ private slots:
     void counters();
     void recordsAreAppended();
     void returnCodeOfTimersAndCountersIsHandedOut();
-    void writeAnswerIsTakenOrRefused_data();
-    void writeAnswerIsTakenOrRefused();
 };
 
 void TestDecoders::returnCodeHasItsMessage_data()
@@ -333,29 +331,6 @@ void TestDecoders::returnCodeOfTimersAndCountersIsHandedOut()
     QCOMPARE(int(code), 0x03);
     S7_200_PPIGetRspCounters(start(bytes("04 01 06 00 0000")), list, code);
     QCOMPARE(int(code), 0x06);
-}
-
-void TestDecoders::writeAnswerIsTakenOrRefused_data()
-{
-    QTest::addColumn<QByteArray>("parameters");
-    QTest::addColumn<bool>("taken");
-    QTest::addColumn<int>("returnCode");
-    QTest::newRow("taken") << bytes("05 01 ff") << true << 0xff;
-    QTest::newRow("return code 05") << bytes("05 01 05") << false << 0x05;
-    QTest::newRow("return code 00") << bytes("05 01 00") << false << 0x00;
-    QTest::newRow("function 4") << bytes("04 01 ff") << false << 0xff;
-    QTest::newRow("0 items") << bytes("05 00 ff") << false << 0xff;
-    QTest::newRow("2 items") << bytes("05 02 ff") << false << 0xff;
-}
-
-void TestDecoders::writeAnswerIsTakenOrRefused()
-{
-    QFETCH(QByteArray, parameters);
-    QFETCH(bool, taken);
-    QFETCH(int, returnCode);
-    unsigned char code = 0x77;
-    QCOMPARE(S7_200_PPICheckWriteRspParamData(start(parameters), code), taken);
-    QCOMPARE(int(code), returnCode);
 }
 
 QTEST_APPLESS_MAIN(TestDecoders)

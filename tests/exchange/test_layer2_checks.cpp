@@ -5,8 +5,10 @@
 
 #include "answer.h"
 #include "commands.h"
+#include "faults.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "outcome.h"
 #include "sample_reads.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
@@ -17,125 +19,6 @@ namespace {
 
 const int kReceiveBufferSize = 262;
 const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
-
-// One way in which the line fails the driver: what comes instead of the acknowledgement or, when that
-// is good, instead of the answer.
-struct Fault
-{
-    QByteArray name;
-    QByteArray acknowledgement;
-    QByteArray answer;
-    QString text;
-};
-
-Fault fault(const char *name, const char *acknowledgement, const char *text)
-{
-    const Fault fault = {name, bytes(acknowledgement), QByteArray(), QString(text)};
-    return fault;
-}
-
-Fault fault(const char *name, const QByteArray &answer, const char *text)
-{
-    const Fault fault = {name, bytes("e5"), answer, QString(text)};
-    return fault;
-}
-
-// The answer that a read expects, to be broken.
-Answer good(const SampleRead &sample, int reference)
-{
-    return Answer(sample.item, reference);
-}
-
-QList<Fault> acknowledgementFaults()
-{
-    return QList<Fault>() << fault("no acknowledgement", "", "plc no response")
-                          << fault("first byte 00", "00", "invalid response")
-                          << fault("first byte e4", "e4", "invalid response")
-                          << fault("first byte 16", "16", "invalid response")
-                          << fault("first byte 68", "68", "invalid response")
-                          << fault("refusal of 1 byte", "10", "first NAK packet loss")
-                          << fault("refusal of 5 bytes", "10 00 02 02 04", "first NAK packet loss")
-                          << fault("refusal, wrong check sum", "10 00 02 02 05 16", "invalid response9")
-                          << fault("refusal, wrong end", "10 00 02 02 04 17", "invalid response9")
-                          << fault("refusal to another master", "10 01 02 02 05 16", "invalid response9")
-                          << fault("refusal of another station", "10 00 03 02 05 16", "invalid response9")
-                          << fault("refusal, sum above 255", "10 00 02 fe 00 16", "invalid response9")
-                          << fault("refusal, function code 2", "10 00 02 02 04 16", "no resource")
-                          << fault("refusal, function code 3", "10 00 02 03 05 16", "no service actived")
-                          << fault("refusal, function code 0", "10 00 02 00 02 16", "unknown error")
-                          << fault("refusal, function code 4", "10 00 02 04 06 16", "unknown error")
-                          << fault("refusal, function code 11", "10 00 02 11 13 16", "unknown error");
-}
-
-QList<Fault> headFaults(const SampleRead &sample, int reference)
-{
-    const char tooShort[] = "packet length < minimum second response";
-    const char invalid[] = "invalid response";
-    const QByteArray whole = good(sample, reference);
-    const int length = whole.at(Answer::kLength);
-    return QList<Fault>()
-           << fault("no answer to the poll", QByteArray(), tooShort)
-           << fault("1 byte of the head", whole.left(1), tooShort)
-           << fault("6 bytes of the head", whole.left(6), tooShort)
-           << fault("start 10", good(sample, reference).withByte(0, 0x10), invalid)
-           << fault("second start 69", good(sample, reference).withByte(Answer::kSecondStart, 0x69), invalid)
-           << fault("length 0",
-                    good(sample, reference).withByte(Answer::kLength, 0).withByte(Answer::kLengthAgain, 0),
-                    invalid)
-           << fault("lengths differ", good(sample, reference).withByte(Answer::kLengthAgain, length + 1),
-                    invalid)
-           << fault("to another master", good(sample, reference).withByte(Answer::kDestination, 1).sealed(),
-                    invalid)
-           << fault("from another station", good(sample, reference).from(3), invalid)
-           << fault("function code 18",
-                    good(sample, reference).withByte(Answer::kFunctionCode, 0x18).sealed(), invalid)
-           << fault("function code 00", good(sample, reference).withByte(Answer::kFunctionCode, 0).sealed(),
-                    invalid);
-}
-
-QList<Fault> restFaults(const SampleRead &sample, int reference)
-{
-    const char loss[] = "packet loss";
-    const char invalid[] = "invalid response";
-    const QByteArray whole = good(sample, reference);
-    const int sum = whole.at(whole.size() - 2);
-    const int reserved = Answer::kReserved;
-    return QList<Fault>()
-           << fault("only the head", whole.left(7), loss)
-           << fault("1 byte short", good(sample, reference).shortBy(1), loss)
-           << fault("2 bytes short", good(sample, reference).shortBy(2), loss)
-           << fault("end 00", good(sample, reference).withEnd(0x00), loss)
-           << fault("end 14", good(sample, reference).withEnd(0x14), loss)
-           << fault("end 15", good(sample, reference).withEnd(0x15), invalid)
-           << fault("end 17", good(sample, reference).withEnd(0x17), invalid)
-           << fault("end 96", good(sample, reference).withEnd(0x96), invalid)
-           << fault("end ff", good(sample, reference).withEnd(0xff), invalid)
-           << fault("check sum 1 more", good(sample, reference).withCheckSum(sum + 1), "checksum error")
-           << fault("check sum 1 less", good(sample, reference).withCheckSum(sum - 1), "checksum error")
-           << fault("first byte of the PDU broken", good(sample, reference).withByte(Answer::kProtocol, 0x33),
-                    "checksum error")
-           << fault("reserved byte broken", good(sample, reference).withByte(reserved, 1), "checksum error");
-}
-
-QList<Fault> allFaults(const SampleRead &sample, int reference)
-{
-    return acknowledgementFaults() + headFaults(sample, reference) + restFaults(sample, reference);
-}
-
-void addAttempt(ScriptedPort &port, const Fault &fault)
-{
-    port.expectsRequest().answers(fault.acknowledgement);
-    if (fault.acknowledgement == bytes("e5"))
-        port.expectsPoll().answers(fault.answer);
-}
-
-QStringList copies(const QString &text, int count)
-{
-    QStringList list;
-    for (int i = 0; i < count; ++i)
-        list += text;
-    return list;
-}
 
 // What an answer's check gets: the answer in a buffer that is zero behind it.
 class ReceiveBuffer
@@ -165,7 +48,7 @@ private slots:
     void nextRequestIsServedAfterAFault_data();
     void nextRequestIsServedAfterAFault();
     void refusalIsReadWith5MoreBytesAndNoPoll();
-    void refusalOfAHighStationIsNeverAccepted();
+    void refusalWithACarryInItsSumIsNotTaken();
     void answerOfLength2FromStation8PassesOnlyLayer2();
     void answerOfLength1IsPacketLoss();
     void faultyReceiveResults_data();
@@ -195,7 +78,7 @@ void TestLayer2Checks::faultGivesItsReasonAndOneLogLine_data()
     QTest::addColumn<int>("faultIndex");
     const QList<SampleRead> reads = sampleReads();
     for (int i = 0; i < int(reads.size()); ++i) {
-        const QList<Fault> faults = allFaults(reads.at(i), 1);
+        const QList<LineFault> faults = lineFaults(reads.at(i).item, 1);
         for (int j = 0; j < int(faults.size()); ++j)
             QTest::newRow((QByteArray(reads.at(i).name) + ": " + faults.at(j).name).constData())
                 << QString(reads.at(i).name) << j;
@@ -207,7 +90,7 @@ void TestLayer2Checks::faultGivesItsReasonAndOneLogLine()
     QFETCH(QString, sample);
     QFETCH(int, faultIndex);
     const SampleRead read = sampleRead(sample);
-    const Fault fault = allFaults(read, 1).at(faultIndex);
+    const LineFault fault = lineFaults(read.item, 1).at(faultIndex);
     ScriptedPort port;
     addAttempt(port, fault);
     DriverS7_200_PPI driver;
@@ -222,7 +105,7 @@ void TestLayer2Checks::faultGivesItsReasonAndOneLogLine()
 void TestLayer2Checks::everyFaultIsTriedAgain_data()
 {
     QTest::addColumn<int>("faultIndex");
-    const QList<Fault> faults = allFaults(sampleRead("bytes of VB100"), 1);
+    const QList<LineFault> faults = lineFaults(kFourBytes, 1);
     for (int i = 0; i < int(faults.size()); ++i)
         QTest::newRow(faults.at(i).name.constData()) << i;
 }
@@ -234,12 +117,12 @@ void TestLayer2Checks::everyFaultIsTriedAgain()
     ScriptedPort port;
     port.retries(2);
     for (int reference = 1; reference <= 3; ++reference)
-        addAttempt(port, allFaults(read, reference).at(faultIndex));
+        addAttempt(port, lineFaults(read.item, reference).at(faultIndex));
     DriverS7_200_PPI driver;
     LogCapture log;
     driver.read(&port, read.command());
     QCOMPARE(port.requestsSent(), 3);
-    QCOMPARE(log.texts(), copies(allFaults(read, 1).at(faultIndex).text, 3));
+    QCOMPARE(log.texts(), copies(lineFaults(read.item, 1).at(faultIndex).text, 3));
     QVERIFY(port.scriptIsFinished());
 }
 
@@ -253,7 +136,7 @@ void TestLayer2Checks::nextRequestIsServedAfterAFault()
     QFETCH(int, faultIndex);
     const SampleRead read = sampleRead("bytes of VB100");
     ScriptedPort port;
-    addAttempt(port, allFaults(read, 1).at(faultIndex));
+    addAttempt(port, lineFaults(read.item, 1).at(faultIndex));
     port.serves(Answer(kFourBytes, 2));
     DriverS7_200_PPI driver;
     LogCapture log;
@@ -277,8 +160,8 @@ void TestLayer2Checks::refusalIsReadWith5MoreBytesAndNoPoll()
     QVERIFY(port.scriptIsFinished());
 }
 
-// The check sum of a refusal is compared without the modulus, so this one can not be right.
-void TestLayer2Checks::refusalOfAHighStationIsNeverAccepted()
+// 00 + fe + 02 is 100, which the check sum can not hold.
+void TestLayer2Checks::refusalWithACarryInItsSumIsNotTaken()
 {
     ScriptedPort port(254);
     port.expectsRequest().answers("10 00 fe 02 00 16");

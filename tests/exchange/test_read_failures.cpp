@@ -6,6 +6,7 @@
 
 #include "answer.h"
 #include "commands.h"
+#include "faults.h"
 #include "hex.h"
 #include "log_capture.h"
 #include "outcome.h"
@@ -19,52 +20,6 @@ namespace {
 
 const char kInvalid[] = "invalid response";
 const char kUndecoded[] = "invalid PLC response";
-
-// One way in which the header of an answer is not what was asked for.
-struct HeaderFault
-{
-    const char *name;
-    int offset;
-    int value;
-};
-
-// clang-format off
-const HeaderFault kHeaderFaults[] = {
-    {"protocol 33",           Answer::kProtocol,            0x33},
-    {"protocol 72",           Answer::kProtocol,            0x72},
-    {"job request",           Answer::kMessageType,         1},
-    {"message type 0",        Answer::kMessageType,         0},
-    {"message type 4",        Answer::kMessageType,         4},
-    {"message type 7",        Answer::kMessageType,         7},
-    {"reserved 0100",         Answer::kReserved,            1},
-    {"reserved 0001",         Answer::kReserved + 1,        1},
-    {"parameter length 1",    Answer::kParameterLength + 1, 1},
-    {"parameter length 3",    Answer::kParameterLength + 1, 3},
-    {"parameter length 6",    Answer::kParameterLength + 1, 6},
-    {"parameter length 0102", Answer::kParameterLength,     1},
-    {"reference one lower",   Answer::kReference + 1,       0},
-    {"reference one higher",  Answer::kReference + 1,       2},
-    {"reference 256 higher",  Answer::kReference,           1},
-};
-// clang-format on
-
-struct Refusal
-{
-    int code;
-    const char *text;
-};
-
-const Refusal kRefusals[] = {
-    {0x01, "Hardware fault"},
-    {0x03, "Illegal object access"},
-    {0x05, "Invalid address (incorrect variable address)"},
-    {0x06, "Data type is not supported"},
-    {0x0a, "Object does not exist or length error"},
-    {0x00, "unknow error"},
-    {0x04, "unknow error"},
-    {0x07, "unknow error"},
-    {0xfe, "unknow error"},
-};
 
 void addSampleColumn()
 {
@@ -96,16 +51,6 @@ QList<int> exchangeLines(const SampleRead &sample)
                         << loggedLine(command, "e5", Answer(sample.item, 9))
                         << loggedLine(command, "e5",
                                       Answer(sample.item).withByte(Answer::kErrorClass, 1).sealed());
-}
-
-int distinct(const QList<int> &numbers)
-{
-    QList<int> seen;
-    for (int i = 0; i < int(numbers.size()); ++i) {
-        if (!seen.contains(numbers.at(i)))
-            seen += numbers.at(i);
-    }
-    return int(seen.size());
 }
 
 } // namespace
@@ -151,7 +96,7 @@ void TestReadFailures::answerWithAWrongHeaderIsRefused_data()
     QTest::addColumn<int>("value");
     const QList<SampleRead> reads = sampleReads();
     for (int i = 0; i < int(reads.size()); ++i) {
-        for (const HeaderFault &fault : kHeaderFaults)
+        for (const HeaderFault &fault : headerFaults())
             QTest::newRow((QByteArray(reads.at(i).name) + ": " + fault.name).constData())
                 << QString(reads.at(i).name) << fault.offset << fault.value;
     }
@@ -276,7 +221,7 @@ void TestReadFailures::byteReadOfMemoryNamesTheReturnCode_data()
 {
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("text");
-    for (const Refusal &refusal : kRefusals)
+    for (const Refusal &refusal : refusals())
         QTest::newRow(QByteArray::number(refusal.code, 16).constData())
             << refusal.code << QString(refusal.text);
 }
@@ -314,7 +259,7 @@ void TestReadFailures::refusedTimersAndCountersAreNotLogged_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("code");
-    for (const Refusal &refusal : kRefusals) {
+    for (const Refusal &refusal : refusals()) {
         const QByteArray code = QByteArray::number(refusal.code, 16);
         QTest::newRow(("T37, " + code).constData()) << "T37" << refusal.code;
         QTest::newRow(("C5, " + code).constData()) << "C5" << refusal.code;

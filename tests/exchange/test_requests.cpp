@@ -3,7 +3,6 @@
 //
 // Address texts, and the frames of read requests built from them.
 
-#include "commands.h"
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_address.h"
 #include "simatic_s7_200_ppi/ppi_layer2.h"
@@ -55,9 +54,6 @@ private slots:
     void requestOfObjects_data();
     void requestOfObjects();
     void everyPDUAdvancesTheReferenceOnce();
-
-    void dataOfWordsIsFittedToTheCommand_data();
-    void dataOfWordsIsFittedToTheCommand();
 };
 
 void TestRequests::versionTextExists()
@@ -486,37 +482,6 @@ void TestRequests::everyPDUAdvancesTheReferenceOnce()
     QCOMPARE(int(reference), 0xffff);
     S7_200_PPIPackReadObjectsReq(reference, 2, 0, "T", 0, 1);
     QCOMPARE(int(reference), 0);
-}
-
-void TestRequests::dataOfWordsIsFittedToTheCommand_data()
-{
-    QTest::addColumn<int>("dataType");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QString>("fitted");
-    QTest::newRow("3 words of 4 bytes") << int(kWord) << 3 << bytes("11223344") << "112233440000";
-    QTest::newRow("3 words of 8 bytes") << int(kWord) << 3 << bytes("1122334455667788") << "112233445566";
-    QTest::newRow("2 words of 4 bytes") << int(kWord) << 2 << bytes("11223344") << "11223344";
-    QTest::newRow("no words") << int(kWord) << 0 << bytes("11223344") << "";
-    QTest::newRow("1 word of nothing") << int(kWord) << 1 << QByteArray() << "0000";
-    QTest::newRow("2 double words of 5 bytes")
-        << int(kDoubleWord) << 2 << bytes("1122334455") << "1122334455000000";
-    QTest::newRow("1 double word of 5 bytes") << int(kDoubleWord) << 1 << bytes("1122334455") << "11223344";
-    QTest::newRow("1 double word of 4 bytes") << int(kDoubleWord) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("bits stay") << int(kBit) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("bytes stay") << int(kByte) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("quad words stay") << int(kQuadWord) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("blocks stay") << int(kBlock) << 8 << bytes("11223344") << "11223344";
-    QTest::newRow("bit blocks stay") << int(kBitBlock) << 1 << bytes("11223344") << "11223344";
-}
-
-void TestRequests::dataOfWordsIsFittedToTheCommand()
-{
-    QFETCH(int, dataType);
-    QFETCH(int, count);
-    QFETCH(QByteArray, data);
-    QFETCH(QString, fitted);
-    QCOMPARE(hex(DriverS7_200_PPIGetSafeData(command(dataType, "VW0", count), data)), fitted);
 }
 
 QTEST_APPLESS_MAIN(TestRequests)

@@ -162,7 +162,9 @@ PpiBytes packBitItems(const QByteArray &prefix, unsigned int byteAddress, unsign
     PpiBytes block(head);
     for (int i = 0; i < count; ++i) {
         appendItem(block, kBit, 1, prefix, byteAddress * 8 + bitNumber);
-        if (++bitNumber > 7) {
+        if (bitNumber < 7) {
+            ++bitNumber;
+        } else {
             bitNumber = 0;
             ++byteAddress;
         }

@@ -1,0 +1,301 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Writes of bits: one item for each, and a return code for each in the answer.
+
+#include "answer.h"
+#include "commands.h"
+#include "hex.h"
+#include "log_capture.h"
+#include "outcome.h"
+#include "scripted_port.h"
+#include "simatic_s7_200_ppi/s7_200_ppi.h"
+
+#include <QtTest>
+
+namespace {
+
+const char kPoll[] = "10 02 00 5c 5e 16";
+const char kTaken[] = "05 01 ff";
+
+} // namespace
+
+class TestBitWrites : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void oneBit();
+    void threeBitsOverTheEndOfAByte();
+    void addressNamesTheFirstBit_data();
+    void addressNamesTheFirstBit();
+    void bitBlocksAreBits();
+    void numberOfBitsIsThatOfTheData_data();
+    void numberOfBitsIsThatOfTheData();
+    void valuesAreSentAsTheyStand();
+    void inputsAndCountersThatByteWritesRefuseAreSent_data();
+    void inputsAndCountersThatByteWritesRefuseAreSent();
+    void bits256HaveNoItems();
+    void bitsOf256ItemsAreTakenByAnyTakenItem();
+
+    void everyItemMustBeTaken_data();
+    void everyItemMustBeTaken();
+    void itemsOfTheAnswerAreCountedByTheAnswer_data();
+    void itemsOfTheAnswerAreCountedByTheAnswer();
+    void answerWithoutReturnCodesIsInvalidAndLogged_data();
+    void answerWithoutReturnCodesIsInvalidAndLogged();
+    void codesBeyondTheFrameCountAs00_data();
+    void codesBeyondTheFrameCountAs00();
+    void largestAnswerHolds238Codes();
+    void writeWithoutBitsIsInvalidAndNotSent();
+    void writeBitsMakesOneAttempt();
+};
+
+void TestBitWrites::oneBit()
+{
+    ScriptedPort port;
+    port.expects("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+                 "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16")
+        .answers("e5")
+        .expects(kPoll)
+        .answers("68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 01 00 00 05 01 ff 48 16");
+    QVERIFY(outcomeOfWrite(bitCommand("V10.3", 1), bytes("01"), port).taken);
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestBitWrites::threeBitsOverTheEndOfAByte()
+{
+    ScriptedPort port;
+    port.expects("68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
+                 "05 03 12 0a 10 01 00 01 00 01 84 00 00 56 12 0a 10 01 00 01 00 01 84 00 00 57"
+                 "12 0a 10 01 00 01 00 01 84 00 00 58"
+                 "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16")
+        .answers("e5")
+        .expects(kPoll)
+        .answers("68 14 14 68 00 02 08 32 03 00 00 00 01 00 02 00 03 00 00 05 03 ff ff ff 4a 16");
+    QVERIFY(outcomeOfWrite(bitCommand("V10.6", 3), bytes("01 00 01"), port).taken);
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestBitWrites::addressNamesTheFirstBit_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("block");
+    QTest::newRow("V10.3") << "V10.3"
+                           << "0502120a10010001000184000053120a10010001000184000054";
+    QTest::newRow("Q0.7") << "Q0.7"
+                          << "0502120a10010001000082000007120a10010001000082000008";
+    QTest::newRow("M13 is M13.3") << "M13"
+                                  << "0502120a1001000100008300006b120a1001000100008300006c";
+    QTest::newRow("V10.12 is V10.2") << "V10.12"
+                                     << "0502120a10010001000184000052120a10010001000184000053";
+    QTest::newRow("V10.9, then V11.0") << "V10.9"
+                                       << "0502120a10010001000184000059120a10010001000184000058";
+    QTest::newRow("V10.A is bit 17") << "V10.A"
+                                     << "0502120a10010001000184000061120a10010001000184000058";
+    QTest::newRow("V10. is bit -2") << "V10."
+                                    << "0502120a1001000100018400004e120a10010001000184000058";
+    QTest::newRow("VB10.3") << "VB10.3"
+                            << "0502120a10010001000184000053120a10010001000184000054";
+    QTest::newRow("unknown prefix") << "v10.3"
+                                    << "0502120a10010001000000000053120a10010001000000000054";
+    QTest::newRow("no prefix") << "10.3"
+                               << "0502120a10010001000000000053120a10010001000000000054";
+    QTest::newRow("no address") << ""
+                                << "0502120a10010001000000000000120a10010001000000000001";
+}
+
+void TestBitWrites::addressNamesTheFirstBit()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, block);
+    QCOMPARE(hex(requestOf(bitCommand(address, 2), bytes("01 01")).mid(17, 26)), block);
+}
+
+void TestBitWrites::bitBlocksAreBits()
+{
+    QCOMPARE(hex(requestOf(command(kBitBlock, "V10.3", 1), bytes("01"))),
+             hex(bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+                       "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16")));
+}
+
+void TestBitWrites::numberOfBitsIsThatOfTheData_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("1") << 1;
+    QTest::newRow("3") << 3;
+    QTest::newRow("0") << 0;
+    QTest::newRow("-1") << -1;
+    QTest::newRow("2147483647") << 2147483647;
+}
+
+void TestBitWrites::numberOfBitsIsThatOfTheData()
+{
+    QFETCH(int, count);
+    QCOMPARE(hex(requestOf(bitCommand("Q0.7", count), bytes("01 00"))),
+             hex(bytes("68 32 32 68 02 00 6c 32 01 00 00 00 01 00 1a 00 0b"
+                       "05 02 12 0a 10 01 00 01 00 00 82 00 00 07 12 0a 10 01 00 01 00 00 82 00 00 08"
+                       "00 03 00 01 01 00 00 03 00 01 00 46 16")));
+}
+
+void TestBitWrites::valuesAreSentAsTheyStand()
+{
+    const QByteArray request = requestOf(bitCommand("V10.3", 2), bytes("ff 02"));
+    QCOMPARE(hex(request.mid(43, 11)), hex(bytes("00 03 00 01 ff 00 00 03 00 01 02")));
+}
+
+void TestBitWrites::inputsAndCountersThatByteWritesRefuseAreSent_data()
+{
+    QTest::addColumn<QString>("block");
+    QTest::newRow("HC0") << "0501120a10010001000020000000";
+    QTest::newRow("AIW0") << "0501120a10010001000006000000";
+    QTest::newRow("HC2.1") << "0501120a10010001000020000011";
+}
+
+void TestBitWrites::inputsAndCountersThatByteWritesRefuseAreSent()
+{
+    QFETCH(QString, block);
+    QCOMPARE(hex(requestOf(bitCommand(QTest::currentDataTag(), 1), bytes("01")).mid(17, 14)), block);
+}
+
+void TestBitWrites::bits256HaveNoItems()
+{
+    ScriptedPort port;
+    port.serves(Answer("05 00"));
+    const WriteOutcome outcome = outcomeOfWrite(bitCommand("V0.0", 256), QByteArray(256, '\x01'), port);
+    QCOMPARE(hex(port.frames().at(0).left(25)), hex(bytes("68 0e 0e 68 02 00 6c 32 01 00 00 00 01 00 02 05 ff"
+                                                          "05 00 00 03 00 01 01 00")));
+    QCOMPARE(int(port.frames().at(0).size()), 1556);
+    QVERIFY(!outcome.taken);
+    QCOMPARE(outcome.reason, QString("invalid response"));
+}
+
+void TestBitWrites::bitsOf256ItemsAreTakenByAnyTakenItem()
+{
+    QVERIFY(outcomeOfWrite(bitCommand("V0.0", 256), QByteArray(256, '\x01'), Answer(kTaken)).taken);
+}
+
+void TestBitWrites::everyItemMustBeTaken_data()
+{
+    const QString address("Invalid address (incorrect variable address)");
+    const QString object("Object does not exist or length error");
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("05") << "05 01 05" << address;
+    QTest::newRow("00") << "05 01 00"
+                        << "unknow error";
+    QTest::newRow("ff 05") << "05 02 ff 05"
+                           << "," + address;
+    QTest::newRow("05 ff") << "05 02 05 ff" << address + ",";
+    QTest::newRow("ff 0a ff") << "05 03 ff 0a ff"
+                              << "," + object + ",";
+    QTest::newRow("0a 05") << "05 02 0a 05" << object + "," + address;
+    QTest::newRow("01 03 06") << "05 03 01 03 06"
+                              << "Hardware fault,Illegal object access,Data type is not supported";
+    QTest::newRow("fe 04") << "05 02 fe 04"
+                           << "unknow error,unknow error";
+}
+
+void TestBitWrites::everyItemMustBeTaken()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, text);
+    const WriteOutcome outcome = outcomeOfWrite(bitCommand("V10.0", 3), bytes("01 01 01"), Answer(item));
+    QVERIFY(!outcome.taken);
+    QVERIFY(outcome.failed);
+    QCOMPARE(outcome.reason, text);
+    QCOMPARE(outcome.texts, QStringList() << text);
+}
+
+void TestBitWrites::itemsOfTheAnswerAreCountedByTheAnswer_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::newRow("fewer than asked") << "05 01 ff";
+    QTest::newRow("as many as asked") << "05 02 ff ff";
+    QTest::newRow("more than asked") << "05 04 ff ff ff ff";
+    QTest::newRow("codes behind the last are not looked at") << "05 02 ff ff 05 0a";
+}
+
+void TestBitWrites::itemsOfTheAnswerAreCountedByTheAnswer()
+{
+    QFETCH(QString, item);
+    QVERIFY(outcomeOfWrite(bitCommand("V10.0", 2), bytes("01 01"), Answer(item)).taken);
+}
+
+void TestBitWrites::answerWithoutReturnCodesIsInvalidAndLogged_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::newRow("function 4") << "04 01 ff";
+    QTest::newRow("function 4, return code 05") << "04 01 05";
+    QTest::newRow("function 85") << "85 01 ff";
+    QTest::newRow("no items") << "05 00";
+    QTest::newRow("no items, but a code") << "05 00 ff";
+    QTest::newRow("nothing behind the header") << "";
+}
+
+void TestBitWrites::answerWithoutReturnCodesIsInvalidAndLogged()
+{
+    QFETCH(QString, item);
+    const WriteOutcome outcome = outcomeOfWrite(bitCommand("V10.3", 1), bytes("01"), Answer(item));
+    QVERIFY(!outcome.taken);
+    QVERIFY(outcome.failed);
+    QCOMPARE(outcome.reason, QString("invalid response"));
+    QCOMPARE(outcome.texts, QStringList() << "invalid response");
+}
+
+// The check sums are ff and would read as success.
+void TestBitWrites::codesBeyondTheFrameCountAs00_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("1 of 2 codes held")
+        << bytes("68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 02 ff ff 16")
+        << ",unknow error";
+    QTest::newRow("no code held")
+        << bytes("68 11 11 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 01 ff 16") << "unknow error";
+}
+
+void TestBitWrites::codesBeyondTheFrameCountAs00()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, text);
+    const WriteOutcome outcome = outcomeOfWrite(bitCommand("V10.3", 2), bytes("01 01"), answer);
+    QVERIFY(!outcome.taken);
+    QCOMPARE(outcome.reason, text);
+    QCOMPARE(outcome.texts, QStringList() << text);
+}
+
+void TestBitWrites::largestAnswerHolds238Codes()
+{
+    const QString codes = QString("ff").repeated(238);
+    QVERIFY(outcomeOfWrite(bitCommand("V0.0", 238), QByteArray(238, '\x01'), Answer("05 ee" + codes)).taken);
+    const WriteOutcome tooMany =
+        outcomeOfWrite(bitCommand("V0.0", 239), QByteArray(239, '\x01'), Answer("05 ef" + codes));
+    QCOMPARE(tooMany.reason, QString(",").repeated(238) + "unknow error");
+}
+
+void TestBitWrites::writeWithoutBitsIsInvalidAndNotSent()
+{
+    ScriptedPort port;
+    const WriteOutcome outcome = outcomeOfWrite(bitCommand("V10.3", 1), QByteArray(), port);
+    QVERIFY(!outcome.taken);
+    QVERIFY(outcome.failed);
+    QCOMPARE(outcome.reason, QString("invalid response"));
+    QCOMPARE(outcome.texts, QStringList() << "invalid response");
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestBitWrites::writeBitsMakesOneAttempt()
+{
+    ScriptedPort port;
+    port.retries(3).delays(30).expectsRequest();
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    QVERIFY(!driver.writeBits(&port, bitCommand("V10.3", 1), bytes("01")));
+    QCOMPARE(driver.getLastError(), QString("plc no response"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+QTEST_APPLESS_MAIN(TestBitWrites)
+
+#include "test_bit_writes.moc"
