@@ -15,6 +15,8 @@
 
 #include <QtTest>
 
+#include <climits>
+
 namespace {
 
 const int kReceiveBufferSize = 262;
@@ -55,7 +57,7 @@ private slots:
     void faultyReceiveResults();
     void claimsOfMoreBytesThanAskedForCountAsAskedFor_data();
     void claimsOfMoreBytesThanAskedForCountAsAskedFor();
-    void claimedRefusalIsSixBytes();
+    void refusalOfMoreThanSixBytesIsPacketLoss();
     void failedReceiveOfARefusalIsPacketLoss();
     void refusalByteThatThePortDoesNotCountIsNoResponse();
     void claimedHeadOfThreeBytesIsInvalid();
@@ -250,14 +252,14 @@ void TestLayer2Checks::claimsOfMoreBytesThanAskedForCountAsAskedFor()
     QVERIFY(port.scriptIsFinished());
 }
 
-void TestLayer2Checks::claimedRefusalIsSixBytes()
+void TestLayer2Checks::refusalOfMoreThanSixBytesIsPacketLoss()
 {
     ScriptedPort port;
-    port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(1, 100).receiveClaims(2, 100);
+    port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(2, INT_MAX);
     DriverS7_200_PPI driver;
     LogCapture log;
     driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("no resource"));
+    QCOMPARE(driver.getLastError(), QString("first NAK packet loss"));
 }
 
 void TestLayer2Checks::failedReceiveOfARefusalIsPacketLoss()

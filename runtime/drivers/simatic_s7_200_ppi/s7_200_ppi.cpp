@@ -173,10 +173,11 @@ private:
     AbstractDeviceInterface *dev;
 };
 
-// What the port says it received, held to what it was asked for.
+// What the port says it received: an error of the port is nothing; of more than it was asked for, one more
+// tells as much as any.
 int Attempt::receive(unsigned char *buffer, int maxLength)
 {
-    return qBound(0, dev->receive(buffer, maxLength), maxLength);
+    return qBound(0, dev->receive(buffer, maxLength), maxLength + 1);
 }
 
 void Attempt::send(const PpiBytes &frame)
