@@ -27,7 +27,7 @@ Connection::Connection(const Options &options)
 {
     openPort(choosePort(options), options);
     plugin.driver().setDebugMode(options.verbose);
-    plugin.driver().initialize(device());
+    plugin.driver().initialize(counter.get());
 }
 
 QString Connection::choosePort(const Options &options)
@@ -55,33 +55,55 @@ void Connection::openPort(const QString &name, const Options &options)
 {
     const LineSettings line = withOptions(lineSettings(*plugin.serialDefaults()), options);
     port = std::make_unique<SerialPort>(name, line, timing);
-    if (!options.verbose)
-        return;
-    trace = std::make_unique<TracingPort>(*port, reportTrace);
-    reportNote(name + ": " + lineText(line));
-    if (!port->lineNote().isEmpty())
-        reportNote(name + " is a pseudo-terminal: " + port->lineNote());
+    AbstractDeviceInterface *device = port.get();
+    if (options.verbose) {
+        openTrace(line);
+        device = trace.get();
+    }
+    counter = std::make_unique<CountingPort>(*device);
 }
 
-AbstractDeviceInterface *Connection::device()
+void Connection::openTrace(const LineSettings &line)
 {
-    return trace ? static_cast<AbstractDeviceInterface *>(trace.get()) : port.get();
+    trace = std::make_unique<TracingPort>(*port, reportTrace);
+    reportNote(port->portName() + ": " + lineText(line));
+    if (!port->lineNote().isEmpty())
+        reportNote(port->portName() + " is a pseudo-terminal: " + port->lineNote());
 }
 
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
-    const QByteArray data = plugin.driver().read(device(), command);
+    const QByteArray data = plugin.driver().read(counter.get(), command);
     checkOutcome();
     return data;
 }
 
-void Connection::checkOutcome()
+void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
+{
+    if (plugin.driver().write(counter.get(), command, data) != 0)
+        return;
+    checkOutcome();
+    throw driverFailure(QString());
+}
+
+void Connection::idle(int milliseconds)
+{
+    port->idle(milliseconds);
+    checkPort();
+}
+
+void Connection::checkPort() const
 {
     if (interruptingSignal() != 0)
         throw Interrupted();
     if (port->isLost())
         throw Failure(ExitCode::PortLost, "the port is gone",
                       "was the adapter unplugged? plug it in and start again");
+}
+
+void Connection::checkOutcome()
+{
+    checkPort();
     if (plugin.driver().hasError())
         throw driverFailure(plugin.driver().getLastError());
 }

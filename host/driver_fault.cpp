@@ -3,6 +3,10 @@
 
 #include "driver_fault.h"
 
+#include <QStringList>
+
+#include <optional>
+
 namespace host {
 
 namespace {
@@ -45,13 +49,60 @@ const Meaning kMeanings[] = {
     {"checksum error", ExitCode::BrokenAnswer, kLineHint},
 };
 
+// The driver's own refusal; the address stands behind it.
+const char kNotWritable[] = "can not write data to ";
+
+const Meaning *meaningOf(const QString &text)
+{
+    for (const Meaning &meaning : kMeanings)
+        if (text == meaning.text)
+            return &meaning;
+    return nullptr;
+}
+
+// "1, 3 of 4": which of the texts are this one, counted from 1.
+QString placesOf(const QString &text, const QStringList &texts)
+{
+    QStringList places;
+    for (int i = 0; i < texts.size(); ++i)
+        if (texts.at(i) == text)
+            places << QString::number(i + 1);
+    return QString("%1 of %2").arg(places.join(", ")).arg(texts.size());
+}
+
+// A write of several bits ends with one text per bit, commas between; those of the written bits are
+// empty. Nothing when it is no such list.
+std::optional<Failure> bitsFailure(const QStringList &texts)
+{
+    QStringList reasons = texts;
+    reasons.removeDuplicates();
+    reasons.removeAll(QString());
+    QStringList complaints;
+    for (const QString &reason : reasons) {
+        if (!meaningOf(reason))
+            return std::nullopt;
+        complaints << reason + " (bit " + placesOf(reason, texts) + ')';
+    }
+    if (complaints.isEmpty())
+        return std::nullopt;
+    const Meaning *first = meaningOf(reasons.first());
+    return Failure(first->code, complaints.join(", "), first->hint);
+}
+
 } // namespace
 
 Failure driverFailure(const QString &errorText)
 {
-    for (const Meaning &meaning : kMeanings)
-        if (errorText == meaning.text)
-            return Failure(meaning.code, errorText, meaning.hint);
+    if (errorText.isEmpty())
+        return Failure(ExitCode::BrokenAnswer, "the driver gives no reason", "-v shows the bytes");
+    if (errorText.startsWith(kNotWritable))
+        return Failure(ExitCode::Refused, errorText,
+                       "the driver writes no high-speed counters, no analogue inputs, and no status bits of "
+                       "timers and counters");
+    if (const Meaning *meaning = meaningOf(errorText))
+        return Failure(meaning->code, errorText, meaning->hint);
+    if (const std::optional<Failure> failure = bitsFailure(errorText.split(',')))
+        return *failure;
     return Failure(ExitCode::BrokenAnswer, errorText,
                    "something other than the controller's answer came; -v shows the bytes");
 }

@@ -9,7 +9,6 @@ namespace host {
 
 namespace {
 
-constexpr uchar kAcknowledgement = 0xe5;
 constexpr uchar kShortFrame = 0x10;
 constexpr uchar kLongFrame = 0x68;
 constexpr uchar kEndOfFrame = 0x16;
@@ -201,6 +200,16 @@ QString frameWords(const QByteArray &frame)
     if (!isSound(frame, isShort ? 1 : 4, size - 2))
         return "damaged frame";
     return isShort ? shortFrameWords(frame) : longFrameWords(frame);
+}
+
+QString frameLine(const QByteArray &frame)
+{
+    return frameWords(frame) + ": " + QString::fromLatin1(frame.toHex(' '));
+}
+
+bool isLongFrame(const QByteArray &frame)
+{
+    return at(frame, 0) == kLongFrame;
 }
 
 } // namespace host

@@ -11,6 +11,9 @@
 
 namespace host {
 
+// The short acknowledgement is a frame of one byte.
+constexpr uchar kAcknowledgement = 0xe5;
+
 // Bytes that a frame beginning so has in all, 0 while that cannot be told yet. A byte that begins no
 // frame stands alone.
 //
@@ -22,6 +25,12 @@ int frameSize(const QByteArray &start);
 // "poll of station 2", "request 1 to station 2: read 4 bytes at V byte 100", ...; for anything that
 // is no whole, sound frame what it is instead.
 QString frameWords(const QByteArray &frame);
+
+// The words and the bytes: "poll of station 2: 10 02 00 5c 5e 16".
+QString frameLine(const QByteArray &frame);
+
+// Whether it is of the kind that carries requests and answers.
+bool isLongFrame(const QByteArray &frame);
 
 } // namespace host
 

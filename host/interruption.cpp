@@ -3,17 +3,33 @@
 
 #include "interruption.h"
 
+#include <atomic>
 #include <csignal>
+#include <initializer_list>
 
 namespace host {
 
 namespace {
 
 volatile std::sig_atomic_t arrivedSignal = 0;
+std::atomic<void (*)()> lastResort = nullptr;
 
+// The default action of a signal raised here takes effect when the handler returns.
 void remember(int signalNumber)
 {
+    if (arrivedSignal != 0) {
+        if (void (*action)() = lastResort.load())
+            action();
+        std::signal(signalNumber, SIG_DFL);
+        std::raise(signalNumber);
+    }
     arrivedSignal = signalNumber;
+}
+
+bool isIgnored(int signalNumber)
+{
+    struct sigaction action = {};
+    return sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 } // namespace
@@ -22,14 +38,20 @@ void catchInterruptions()
 {
     struct sigaction action = {};
     action.sa_handler = remember;
-    action.sa_flags = int(SA_RESETHAND);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signalNumber : {SIGINT, SIGQUIT, SIGTERM})
+        sigaction(signalNumber, &action, nullptr);
+    if (!isIgnored(SIGHUP))
+        sigaction(SIGHUP, &action, nullptr);
 }
 
 int interruptingSignal()
 {
     return arrivedSignal;
+}
+
+void setLastResort(void (*action)())
+{
+    lastResort = action;
 }
 
 } // namespace host

@@ -93,12 +93,12 @@ QString typeHint(const Address &address)
     QStringList names;
     for (ValueType type : typesOf(address.kind))
         names << typeName(type);
-    QString hint = address.text() + " can be read as " + names.join(' ');
+    QString hint = address.text() + " can be taken as " + names.join(' ');
     const QString number = QString::number(address.number);
     if (address.kind == AddressKind::Bit)
-        hint += "; for its whole byte write " + address.prefix + 'B' + number;
+        hint += "; its whole byte is " + address.prefix + 'B' + number;
     if (address.kind == AddressKind::Memory)
-        hint += "; for a bit write " + address.prefix.chopped(1) + number + ".0";
+        hint += "; its first bit is " + address.prefix.chopped(1) + number + ".0";
     return hint;
 }
 
@@ -106,7 +106,7 @@ void checkType(const Address &address, ValueType type)
 {
     if (typesOf(address.kind).contains(type))
         return;
-    throw Failure(ExitCode::Usage, address.text() + " cannot be read as " + typeName(type),
+    throw Failure(ExitCode::Usage, address.text() + " cannot be taken as " + typeName(type),
                   typeHint(address));
 }
 
@@ -128,15 +128,6 @@ int largestCount(const Item &item)
         return kMaxObjectNumber - address.number + 1;
     const int bytes = kMaxByteNumber - address.number + 1;
     return address.kind == AddressKind::Bit ? bytes * 8 - address.bit : bytes / item.valueSize();
-}
-
-void checkCount(const Item &item)
-{
-    const int largest = largestCount(item);
-    if (item.count <= largest)
-        return;
-    throw Failure(ExitCode::Usage, item.address.text() + " is not followed by that many values",
-                  QString("the largest count here is %1").arg(largest));
 }
 
 } // namespace
@@ -174,6 +165,15 @@ Item parseItem(const QString &text)
         item.count = parseCount(text.section('*', 1));
     checkCount(item);
     return item;
+}
+
+void checkCount(const Item &item)
+{
+    const int largest = largestCount(item);
+    if (item.count <= largest)
+        return;
+    throw Failure(ExitCode::Usage, item.address.text() + " is not followed by that many values",
+                  QString("the largest count here is %1").arg(largest));
 }
 
 QString typeName(ValueType type)

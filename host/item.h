@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// One item of the command line: what to read and as what.
+// One item of the command line: which memory is meant, and as what.
 //
 //   item  := ADDRESS [ ":" TYPE ] [ "*" COUNT ]        VB100  VW10:i16*4  V10.3*4  VB20:str*16
 //   TYPE  bool                       bits; the status bits of timers and counters
@@ -9,7 +9,7 @@
 //         hex bcd                    one value per element of the address's width
 //         str                        COUNT characters, one text
 //
-// Without a type an address is read as what it is: V10.3 bool, VB u8, VW u16, VD u32, AIW and AQW
+// Without a type an address is taken as what it is: V10.3 bool, VB u8, VW u16, VD u32, AIW and AQW
 // i16, T and C u16, HC u32.
 
 #ifndef HOST_ITEM_H
@@ -36,6 +36,9 @@ struct Item
 
 // The item that a text names. Fails with a hint that names what could have been meant.
 Item parseItem(const QString &text);
+
+// Fails when the address is not followed by that many values.
+void checkCount(const Item &item);
 
 QString typeName(ValueType type);
 

@@ -7,6 +7,8 @@
 #include "exit_code.h"
 #include "read_command.h"
 #include "run.h"
+#include "watch_command.h"
+#include "write_command.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,6 +16,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,10 +65,118 @@ void addProgramOptions(CLI::App &app, host::Options &options)
     app.set_version_flag("--version", "s7ppi " S7PPI_VERSION, "Print the version and exit");
 }
 
+using Texts = std::vector<std::string>;
+
+// Where the parser puts what the command line says, and the command that it chooses.
+struct CommandLine
+{
+    host::Options options;
+    Texts items;
+    host::WriteOptions write;
+    host::WatchOptions watch;
+    std::function<int()> command;
+};
+
+const char kFooter[] =
+    R"(What is not given, the plug-in's defaults decide. Without --port the only USB serial adapter is
+used, or without any a simulated controller.
+
+Exit codes: 0 done, 1 refused by the controller, 2 usage, address or value, 3 port cannot be used,
+4 no answer, 5 broken answer, 6 port lost, 7 plug-in cannot be used, 8 read back is not what was
+written; after a signal 128 and its number.)";
+
+const char kTypesFooter[] = "Types: bool u8 i8 u16 i16 u32 i32 f32 hex bcd str. Options: s7ppi --help";
+
+const char kWriteFooter[] = R"(
+
+Values
+  bool             0 1 off on false true
+  u8 ... i32 bcd   10  -10  0x0a  0b1010
+  f32              1.5  -2e3  inf  nan
+  hex              digits: the bytes as they lie in the controller
+  str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
+
+All items are checked before anything is sent. Nothing is printed unless --verify or
+--dry-run is given. Long items go in several requests: one that fails tells how much had
+been written. Values that do not fill whole elements of the address, as VW10:u8=1, are
+written as bytes: no byte changes that was not named.)";
+
+const char kWatchFooter[] = R"(
+
+On a terminal: a table in place. CHANGED is * when the last answer brought another value,
+otherwise the time since then. Values in parentheses are old: the last poll failed.
+Elsewhere, or with --verbose: lines TIME ADDRESS VALUES, for the first values, for every
+change and after errors; the errors on stderr.
+
+Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
+repetitions included), attempts and errors. The exit code after --count polls is that of
+the first error.)";
+
+void addItems(CLI::App &command, Texts &items, const char *what)
+{
+    command.add_option("items", items, what)->type_name("ITEM")->required();
+}
+
+void addDescribe(CLI::App &app, CommandLine &line)
+{
+    app.add_subcommand("describe", "Show what the plug-in says about itself")->callback([&line] {
+        line.command = [&line] { return host::describeCommand(line.options); };
+    });
+}
+
+void addRead(CLI::App &app, CommandLine &line)
+{
+    CLI::App *read = app.add_subcommand("read", "Read items once, one line each");
+    addItems(*read, line.items, "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16");
+    read->footer(kTypesFooter);
+    read->callback(
+        [&line] { line.command = [&line] { return host::readCommand(line.options, line.items); }; });
+}
+
+void addWrite(CLI::App &app, CommandLine &line)
+{
+    CLI::App *write = app.add_subcommand("write", "Write values to items");
+    addItems(*write, line.items, "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on");
+    write->add_flag("--verify", line.write.verify, "Read back and print; exit with 8 when it is different");
+    write->add_flag("--dry-run", line.write.dryRun, "Print the frames that would be sent, and send nothing");
+    write->footer(std::string(kTypesFooter) + kWriteFooter);
+    write->callback([&line] {
+        line.command = [&line] { return host::writeCommand(line.options, line.write, line.items); };
+    });
+}
+
+void addWatch(CLI::App &app, CommandLine &line)
+{
+    CLI::App *watch = app.add_subcommand("watch", "Read items again and again");
+    addItems(*watch, line.items, "ADDRESS[:TYPE][*COUNT], as for read");
+    addNumber(*watch, "--interval", line.watch.interval, 1, 3600000, "From poll to poll, in ms, else 500");
+    addNumber(*watch, "--count", line.watch.polls, 1, 1000000000, "End after so many polls");
+    watch->add_flag("--all", line.watch.all, "A line for every poll, not only for changes");
+    watch->footer(std::string(kTypesFooter) + kWatchFooter);
+    watch->callback([&line] {
+        line.command = [&line] { return host::watchCommand(line.options, line.watch, line.items); };
+    });
+}
+
+void declare(CLI::App &app, CommandLine &line)
+{
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.get_formatter()->column_width(28);
+    app.footer(kFooter);
+    addPortOptions(app, line.options);
+    addLineOptions(app, line.options);
+    addProgramOptions(app, line.options);
+    addDescribe(app, line);
+    addRead(app, line);
+    addWrite(app, line);
+    addWatch(app, line);
+}
+
 // A word that is no command would only be told as a missing one.
 std::string usageText(const CLI::App &app, const CLI::ParseError &error)
 {
-    const std::vector<std::string> unknown = app.remaining();
+    const Texts unknown = app.remaining();
     const bool isNoCommand = app.get_subcommands().empty() && !unknown.empty();
     return isNoCommand ? unknown.front() + " is not a command or option" : error.what();
 }
@@ -84,36 +195,14 @@ int usageError(const CLI::App &app, const CLI::ParseError &error)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    CLI::App app("Reads the memory of Simatic S7-200 controllers through their driver plug-in.", "s7ppi");
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.get_formatter()->column_width(28);
-    app.footer(
-        "What is not given, the plug-in's defaults decide. Without --port the only USB serial adapter is\n"
-        "used, or without any a simulated controller.");
-
-    host::Options options;
-    addPortOptions(app, options);
-    addLineOptions(app, options);
-    addProgramOptions(app, options);
-
-    std::function<int()> command;
-    app.add_subcommand("describe", "Show what the plug-in says about itself")->callback([&] {
-        command = [&] { return host::describeCommand(options); };
-    });
-
-    std::vector<std::string> items;
-    CLI::App *read = app.add_subcommand("read", "Read items once, one line each");
-    read->add_option("items", items, "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16")
-        ->type_name("ITEM")
-        ->required();
-    read->footer("Types: bool u8 i8 u16 i16 u32 i32 f32 hex bcd str. Options: s7ppi --help");
-    read->callback([&] { command = [&] { return host::readCommand(options, items); }; });
-
+    CLI::App app("Reads and writes the memory of Simatic S7-200 controllers through their driver plug-in.",
+                 "s7ppi");
+    CommandLine line;
+    declare(app, line);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         return usageError(app, error);
     }
-    return host::run(options, command);
+    return host::run(line.options, line.command);
 }

@@ -9,7 +9,11 @@
 #include "failure.h"
 #include "report.h"
 
+#include <QString>
+
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace host {
 
@@ -28,6 +32,17 @@ public:
                 first = failure.code();
             return failure;
         }
+    }
+
+    // The meaning of all texts, each by parse(); every wrong one is reported.
+    template <typename Parse> auto parseAll(const std::vector<std::string> &texts, const Parse &parse)
+    {
+        std::vector<decltype(parse(QString()))> parsed;
+        for (const std::string &text : texts) {
+            const QString subject = QString::fromStdString(text);
+            attempt(subject, [&] { parsed.push_back(parse(subject)); });
+        }
+        return parsed;
     }
 
     bool isSuccess() const { return first == ExitCode::Success; }

@@ -12,17 +12,7 @@ namespace host {
 
 namespace {
 
-std::vector<Item> parseItems(const std::vector<std::string> &texts, Outcome &outcome)
-{
-    std::vector<Item> items;
-    for (const std::string &text : texts) {
-        const QString itemText = QString::fromStdString(text);
-        outcome.attempt(itemText, [&] { items.push_back(parseItem(itemText)); });
-    }
-    return items;
-}
-
-void readAndWrite(const Item &item, Connection &connection, const TextOutput &output)
+void readAndPrint(const Item &item, Connection &connection, const TextOutput &output)
 {
     const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
     output.write(item, decodeValues(item, readItem(item, read)));
@@ -33,7 +23,7 @@ void readAndWrite(const Item &item, Connection &connection, const TextOutput &ou
 int readCommand(const Options &options, const std::vector<std::string> &texts)
 {
     Outcome outcome;
-    const std::vector<Item> items = parseItems(texts, outcome);
+    const std::vector<Item> items = outcome.parseAll(texts, parseItem);
     if (!outcome.isSuccess())
         return outcome.exitCode();
 
@@ -41,7 +31,7 @@ int readCommand(const Options &options, const std::vector<std::string> &texts)
     const TextOutput output(items);
     for (const Item &item : items) {
         const auto failure =
-            outcome.attempt(item.address.text(), [&] { readAndWrite(item, connection, output); });
+            outcome.attempt(item.address.text(), [&] { readAndPrint(item, connection, output); });
         if (failure && failure->code() == ExitCode::PortLost)
             break;
     }

@@ -1,22 +1,12 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Which requests to the driver bring the values of an item.
-//
-// One answer frame carries up to 222 bytes and the driver splits nothing, so long items become several
-// requests. What the driver hands back lies in the byte order that the last letter of the request's
-// address chooses, whatever was asked for: W turns every two bytes round, D every four, and everything
-// else stays as the controller sent it, most significant byte first. Values of timers and counters are
-// turned round by two, those of high-speed counters by four.
+// Which requests to the driver bring the values of an item. One answer frame carries up to 222 bytes.
 
 #ifndef HOST_READ_PLAN_H
 #define HOST_READ_PLAN_H
 
-#include "communicator_command.h"
-#include "item.h"
-
-#include <QByteArray>
-#include <QList>
+#include "request_form.h"
 
 #include <functional>
 

@@ -13,7 +13,7 @@
 namespace host {
 
 // The exit code: the command's own, a failure's after it was reported, or 128 and the signal's number
-// after Ctrl-C or SIGTERM.
+// after a signal that ends the program in order.
 int run(const Options &options, const std::function<int()> &command);
 
 } // namespace host

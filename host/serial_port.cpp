@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include <poll.h>
 #include <termios.h>
 
 namespace host {
@@ -171,6 +172,13 @@ int SerialPort::stationId()
 int SerialPort::delay()
 {
     return goesOn() ? timing.delay : 0;
+}
+
+// Asked for no event at all, poll() tells only of hang-ups and errors.
+void SerialPort::idle(int milliseconds)
+{
+    pollfd line = {int(port.handle()), 0, 0};
+    lost = lost || poll(&line, 1, milliseconds) > 0;
 }
 
 bool SerialPort::goesOn() const

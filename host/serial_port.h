@@ -46,6 +46,11 @@ public:
     int stationId() override;
     int delay() override;
 
+    // Waits while nothing is under way; returns early when the port goes away or a signal arrives.
+    void idle(int milliseconds);
+
+    QString portName() const { return name; }
+
     // Whether the port went away since it was opened.
     bool isLost() const { return lost; }
 

@@ -16,10 +16,7 @@ TextOutput::TextOutput(const std::vector<Item> &items)
 
 QString TextOutput::line(const Item &item, const std::vector<Value> &values) const
 {
-    QString text = item.address.text().leftJustified(addressWidth);
-    for (const Value &value : values)
-        text += ' ' + valueText(value);
-    return text;
+    return item.address.text().leftJustified(addressWidth) + ' ' + valuesText(values);
 }
 
 void TextOutput::write(const Item &item, const std::vector<Value> &values) const

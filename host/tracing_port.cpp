@@ -7,17 +7,8 @@
 
 namespace host {
 
-namespace {
-
-QString line(const char *direction, const QByteArray &frame)
-{
-    return QString("%1 %2: %3").arg(direction, frameWords(frame), QString::fromLatin1(frame.toHex(' ')));
-}
-
-} // namespace
-
 TracingPort::TracingPort(AbstractDeviceInterface &port_, const WriteLine &writeLine_)
-    : port(port_), writeLine(writeLine_)
+    : ForwardingPort(port_), writeLine(writeLine_)
 {
 }
 
@@ -28,7 +19,7 @@ TracingPort::~TracingPort()
 
 int TracingPort::receive(unsigned char *buffer, int maxLength)
 {
-    const int length = port.receive(buffer, maxLength);
+    const int length = ForwardingPort::receive(buffer, maxLength);
     if (length > 0)
         received += QByteArray(reinterpret_cast<const char *>(buffer), length);
     if (length < maxLength || int(received.size()) == frameSize(received))
@@ -41,34 +32,14 @@ int TracingPort::receive(unsigned char *buffer, int maxLength)
 int TracingPort::send(const unsigned char *data, int length)
 {
     showReceived();
-    writeLine(line("->", QByteArray(reinterpret_cast<const char *>(data), length)));
-    return port.send(data, length);
-}
-
-bool TracingPort::setOption(int key, const QVariant &value)
-{
-    return port.setOption(key, value);
-}
-
-int TracingPort::retry()
-{
-    return port.retry();
-}
-
-int TracingPort::stationId()
-{
-    return port.stationId();
-}
-
-int TracingPort::delay()
-{
-    return port.delay();
+    writeLine("-> " + frameLine(QByteArray(reinterpret_cast<const char *>(data), length)));
+    return ForwardingPort::send(data, length);
 }
 
 void TracingPort::showReceived()
 {
     if (!received.isEmpty())
-        writeLine(line("<-", received));
+        writeLine("<- " + frameLine(received));
     received.clear();
 }
 

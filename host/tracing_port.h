@@ -6,7 +6,7 @@
 #ifndef HOST_TRACING_PORT_H
 #define HOST_TRACING_PORT_H
 
-#include "abstract_device_interface.h"
+#include "forwarding_port.h"
 
 #include <QByteArray>
 #include <QString>
@@ -22,7 +22,7 @@ namespace host {
 //
 // Frames are received in pieces and shown whole. What stays incomplete is shown when a receive falls
 // short or the next frame is sent; a receive that brought nothing is shown as silence.
-class TracingPort : public AbstractDeviceInterface
+class TracingPort : public ForwardingPort
 {
 public:
     using WriteLine = std::function<void(const QString &)>;
@@ -32,15 +32,10 @@ public:
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
-    bool setOption(int key, const QVariant &value) override;
-    int retry() override;
-    int stationId() override;
-    int delay() override;
 
 private:
     void showReceived();
 
-    AbstractDeviceInterface &port;
     WriteLine writeLine;
     QByteArray received;
 };

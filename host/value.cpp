@@ -5,6 +5,7 @@
 
 #include "failure.h"
 
+#include <QStringList>
 #include <QtEndian>
 
 #include <charconv>
@@ -119,6 +120,14 @@ std::vector<Value> decodeValues(const Item &item, const QByteArray &data)
 QString valueText(const Value &value)
 {
     return std::visit(Writer(), value);
+}
+
+QString valuesText(const std::vector<Value> &values)
+{
+    QStringList texts;
+    for (const Value &value : values)
+        texts << valueText(value);
+    return texts.join(' ');
 }
 
 } // namespace host

@@ -38,6 +38,9 @@ std::vector<Value> decodeValues(const Item &item, const QByteArray &data);
 // \" \\ and \xNN for what cannot be printed.
 QString valueText(const Value &value);
 
+// All of them, blanks between.
+QString valuesText(const std::vector<Value> &values);
+
 } // namespace host
 
 #endif

@@ -51,6 +51,7 @@ const std::vector<FaultName> &faultNames()
         {FaultKind::StaleReference, "stale-reference", "the answer belongs to the request before"},
         {FaultKind::ErrorClass, "error-class", "the answer's header carries an error"},
         {FaultKind::HardwareFault, "hardware-fault", "every item is refused with code 01"},
+        {FaultKind::IgnoreWrites, "ignore-writes", "writes are answered as done and change nothing"},
     };
     return names;
 }

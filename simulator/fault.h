@@ -27,10 +27,11 @@ enum class FaultKind {
     BadCheckSum,
     BadEnd,
     WrongSource,
-    // in the answer's PDU; the last two leave the job undone
+    // in the answer's PDU; the last three leave the job undone
     StaleReference,
     ErrorClass,
     HardwareFault,
+    IgnoreWrites,
 };
 
 struct Fault

@@ -89,10 +89,19 @@ Bytes Station::doJob(const Job &job, FaultKind fault)
         const std::vector<ReadResult> refused(job.items.size(), ReadResult{kHardwareFault, {}});
         return encodeReadAnswer(job.reference, broken ? refused : readItems(m_memory, job.items));
     }
-    Bytes codes(job.items.size(), kHardwareFault);
-    for (size_t i = 0; i < codes.size() && !broken; ++i)
-        codes[i] = writeItem(m_memory, job.items[i], job.data[i]);
-    return encodeWriteAnswer(job.reference, codes);
+    const Bytes refused(job.items.size(), kHardwareFault);
+    return encodeWriteAnswer(job.reference, broken ? refused : writeItems(job, fault));
+}
+
+// The return code of each item.
+Bytes Station::writeItems(const Job &job, FaultKind fault)
+{
+    Memory discarded = m_memory;
+    Memory &memory = fault == FaultKind::IgnoreWrites ? discarded : m_memory;
+    Bytes codes;
+    for (size_t i = 0; i < job.items.size(); ++i)
+        codes.push_back(writeItem(memory, job.items[i], job.data[i]));
+    return codes;
 }
 
 FaultKind Station::faultOfRequest(unsigned request) const

@@ -54,6 +54,7 @@ private:
     Bytes answerPoll(const Frame &frame);
     Bytes answerFrame(const Frame &request, FaultKind fault);
     Bytes doJob(const Job &job, FaultKind fault);
+    Bytes writeItems(const Job &job, FaultKind fault);
     FaultKind faultOfRequest(unsigned request) const;
     void tell(Traffic traffic, const Bytes &bytes) const;
 

@@ -47,7 +47,8 @@ DeviceSetting::DeviceSetting(device_type type_, QString string_, int baudrate_, 
 DeviceSetting::DeviceSetting(device_type type_, QString string_, int baudrate_, int databits_, int stopbits_,
                              int parity_, int extraValue_, QString extraText_)
     : type(type_), string(std::move(string_)), baudrate(baudrate_), databits(databits_), stopbits(stopbits_),
-      parity(parity_), extraValue(extraValue_), extraText(std::move(extraText_)), linkID(-1), currentIPIndex(0)
+      parity(parity_), extraValue(extraValue_), extraText(std::move(extraText_)), linkID(-1),
+      currentIPIndex(0)
 {
 }
 

@@ -2,40 +2,13 @@
 # Copyright (c) 2026 The s7ppi authors
 # SPDX-License-Identifier: MIT
 #
-# The program as a user meets it: what it prints where, and how it exits.
-# S7PPI_BIN_DIR holds s7ppi and s7ppi-sim, S7PPI_TEST_DIR the fake controller and the test plug-ins.
+# The program as a user meets it: what it prints where, and how it exits. Writing and watching have files
+# of their own.
 
 # bats runs every test in a shell of its own and sets the variables of run.
 # shellcheck disable=SC2030,SC2031,SC2154
 
-bats_require_minimum_version 1.5.0
-
-setup() {
-    PATH="$S7PPI_BIN_DIR:$S7PPI_TEST_DIR:$PATH"
-    unset S7PPI_PLUGIN
-    background=()
-}
-
-teardown() {
-    local process
-    for process in "${background[@]}"; do
-        kill "$process" 2>/dev/null || true
-    done
-}
-
-# start COMMAND...: in the background; its first line of output, a port's name, is then in $port.
-start() {
-    : >"$BATS_TEST_TMPDIR/output"
-    "$@" >>"$BATS_TEST_TMPDIR/output" 3>&- &
-    background+=($!)
-    local i
-    for ((i = 0; i < 100; i++)); do
-        port=$(head -n 1 "$BATS_TEST_TMPDIR/output")
-        [ -n "$port" ] && return
-        sleep 0.05
-    done
-    return 1
-}
+load common
 
 # impatient ITEM...: read from $port, one attempt, short time-out.
 impatient() {
@@ -64,7 +37,7 @@ impatient() {
 @test "help and version go to stdout" {
     run --separate-stderr s7ppi --help
     [ "$status" -eq 0 ]
-    [[ "$output" == *"describe"*"read"* ]]
+    [[ "$output" == *"describe"*"read"*"write"*"watch"*"Exit codes: 0 done, "*"8 read back is not what was"* ]]
     [ -z "$stderr" ]
     run --separate-stderr s7ppi read --help
     [ "$status" -eq 0 ]

@@ -120,7 +120,7 @@ void TestItem::wrongItemsSayWhatCouldBeMeant_data()
     const char countHint[] = "a count is a whole number from 1 on, as VB100*4";
     const char typesHint[] = "types are bool u8 i8 u16 i16 u32 i32 f32 hex bcd str";
     const char memoryHint[] =
-        "VB1 can be read as u8 i8 u16 i16 u32 i32 f32 hex bcd str; for a bit write V1.0";
+        "VB1 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; its first bit is V1.0";
 
     row("vb1:u8*2", "not an address of the controller / write VB1 instead of vb1");
     row("VW1:U16", "\"U16\" is not a type / write u16 instead of U16");
@@ -137,15 +137,15 @@ void TestItem::wrongItemsSayWhatCouldBeMeant_data()
     row("VB1*2*3", qPrintable(QString("\"2*3\" is not a count / %1").arg(countHint)));
     row("VB1*99999999999", qPrintable(QString("\"99999999999\" is not a count / %1").arg(countHint)));
     row("VB1*4:u8", qPrintable(QString("\"4:u8\" is not a count / %1").arg(countHint)));
-    row("VB1:bool", qPrintable(QString("VB1 cannot be read as bool / %1").arg(memoryHint)));
+    row("VB1:bool", qPrintable(QString("VB1 cannot be taken as bool / %1").arg(memoryHint)));
     row("SMW2:bool",
-        "SMW2 cannot be read as bool / SMW2 can be read as u8 i8 u16 i16 u32 i32 f32 hex bcd str; "
-        "for a bit write SM2.0");
-    row("V1.3:u8", "V1.3 cannot be read as u8 / V1.3 can be read as bool; for its whole byte write VB1");
-    row("T1:f32", "T1 cannot be read as f32 / T1 can be read as bool u16 i16 hex");
-    row("C1:bcd", "C1 cannot be read as bcd / C1 can be read as bool u16 i16 hex");
-    row("HC1:u16", "HC1 cannot be read as u16 / HC1 can be read as u32 i32 hex");
-    row("AIW0:u8", "AIW0 cannot be read as u8 / AIW0 can be read as u16 i16 hex bcd");
+        "SMW2 cannot be taken as bool / SMW2 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; "
+        "its first bit is SM2.0");
+    row("V1.3:u8", "V1.3 cannot be taken as u8 / V1.3 can be taken as bool; its whole byte is VB1");
+    row("T1:f32", "T1 cannot be taken as f32 / T1 can be taken as bool u16 i16 hex");
+    row("C1:bcd", "C1 cannot be taken as bcd / C1 can be taken as bool u16 i16 hex");
+    row("HC1:u16", "HC1 cannot be taken as u16 / HC1 can be taken as u32 i32 hex");
+    row("AIW0:u8", "AIW0 cannot be taken as u8 / AIW0 can be taken as u16 i16 hex bcd");
     row("VB2097151*2", "VB2097151 is not followed by that many values / the largest count here is 1");
     row("VD2097144*3", "VD2097144 is not followed by that many values / the largest count here is 2");
     row("V2097151.1*8", "V2097151.1 is not followed by that many values / the largest count here is 7");

@@ -5,6 +5,7 @@
 
 #include "read_plan.h"
 
+#include "command_text.h"
 #include "failure_of.h"
 #include "hex.h"
 
@@ -13,13 +14,6 @@
 using namespace host;
 
 namespace {
-
-// "bytes VB100*4"
-QString commandText(const CommunicatorCommand &command)
-{
-    const QStringList types = {"bits", "bytes", "words", "dwords"};
-    return QString("%1 %2*%3").arg(types.at(command.dataType), command.address).arg(command.count);
-}
 
 QString planText(const QString &itemText)
 {

@@ -91,6 +91,8 @@ private slots:
     void aPortThatWentAwayIsNotWaitedFor();
     void sendingNoticesALostPort();
     void purgingNoticesALostPort();
+    void idlingNoticesALostPortAtOnce();
+    void idlingLeavesWhatComesAlone();
     void badParityIsDroppedByTheKernel();
     void aPseudoTerminalKeepsNoParityAndTheNoteSaysSo();
     void speedsThatAreNoneOfTheClassicOnesAreKept();
@@ -253,6 +255,32 @@ void TestSerialPort::purgingNoticesALostPort()
     line.hangUp();
     QVERIFY(!port.setOption(kPurge, 0));
     QVERIFY(port.isLost());
+}
+
+void TestSerialPort::idlingNoticesALostPortAtOnce()
+{
+    PseudoLine line;
+    SerialPort port(line.name(), kLine, kPatient);
+    std::thread unplug([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        line.hangUp();
+    });
+    QElapsedTimer time;
+    time.start();
+    port.idle(20000);
+    unplug.join();
+    QVERIFY(time.elapsed() < 10000);
+    QVERIFY(port.isLost());
+}
+
+void TestSerialPort::idlingLeavesWhatComesAlone()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, kPatient);
+    line.write(bytes("e5"));
+    port.idle(1);
+    QVERIFY(!port.isLost());
+    QCOMPARE(receive(port, 1), QString("e5"));
 }
 
 void TestSerialPort::badParityIsDroppedByTheKernel()

@@ -6,45 +6,11 @@
 #include "tracing_port.h"
 
 #include "hex.h"
+#include "prepared_port.h"
 
 #include <QtTest>
 
-#include <algorithm>
-
 using namespace host;
-
-namespace {
-
-// Hands out prepared pieces, one per receive, and notes what it is called with.
-class PreparedPort : public AbstractDeviceInterface
-{
-public:
-    explicit PreparedPort(const QList<QByteArray> &pieces_) : pieces(pieces_) {}
-
-    int receive(unsigned char *buffer, int maxLength) override
-    {
-        if (pieces.isEmpty())
-            return -1;
-        const QByteArray piece = pieces.takeFirst();
-        Q_ASSERT(piece.size() <= maxLength);
-        std::copy(piece.begin(), piece.end(), buffer);
-        return int(piece.size());
-    }
-    int send(const unsigned char *data, int length) override
-    {
-        sent = QByteArray(reinterpret_cast<const char *>(data), length);
-        return length;
-    }
-    bool setOption(int key, const QVariant &value) override { return key == 12 && value.toInt() == 0; }
-    int retry() override { return 4; }
-    int stationId() override { return 5; }
-    int delay() override { return 6; }
-
-    QList<QByteArray> pieces;
-    QByteArray sent;
-};
-
-} // namespace
 
 class TestTracingPort : public QObject
 {

@@ -39,6 +39,7 @@ private slots:
     void unansweredPollTakesTheAnswer();
     void notReadyStationAnswersTheSecondPoll();
     void hardwareFaultConcernsEveryItem();
+    void ignoredWritesAreAnsweredAsTheOthers();
     void faultConcernsTheNumberedRequestOnly();
     void onlyRequestsForTheStationCount();
     void firstFaultOfARequestWins();
@@ -98,8 +99,8 @@ void TestSimulatorFaults::faultChangesTheConversation()
 void TestSimulatorFaults::onlyARefusedRequestIsNotDone_data()
 {
     QTest::addColumn<int>("mb0");
-    for (const char *name :
-         {"no-resource", "not-active", "silent", "wrong-ack", "error-class", "hardware-fault"})
+    for (const char *name : {"no-resource", "not-active", "silent", "wrong-ack", "error-class",
+                             "hardware-fault", "ignore-writes"})
         QTest::newRow(name) << 0;
     for (const char *name : {"no-answer", "not-ready", "truncated", "bad-checksum", "bad-end", "wrong-source",
                              "stale-reference"})
@@ -140,6 +141,17 @@ void TestSimulatorFaults::hardwareFaultConcernsEveryItem()
     QCOMPARE(readItems(station, items), plain("01 00 0000  01 00 0000"));
 }
 
+void TestSimulatorFaults::ignoredWritesAreAnsweredAsTheOthers()
+{
+    sim::Station station = faultyStation("ignore-writes");
+    const QString items = "12 0a 10 01 0001 0000 83 000000"
+                          "12 0a 10 01 0001 0000 83 000800";
+    QCOMPARE(writeItems(station, items, "00 03 0001 01 00  00 03 0001 01"), plain("ff 05"));
+    QCOMPARE(readItems(station, items.left(31)), plain("ff 03 0001 00"));
+    QCOMPARE(say(station, kReadVB100), plain("e5"));
+    QCOMPARE(say(station, kPoll), plain(kAnswerVB100));
+}
+
 void TestSimulatorFaults::faultConcernsTheNumberedRequestOnly()
 {
     sim::Station station = faultyStation("no-resource@2");
@@ -168,7 +180,7 @@ void TestSimulatorFaults::firstFaultOfARequestWins()
 
 void TestSimulatorFaults::everyFaultHasAName()
 {
-    QCOMPARE(int(sim::faultNames().size()), int(sim::FaultKind::HardwareFault));
+    QCOMPARE(int(sim::faultNames().size()), int(sim::FaultKind::IgnoreWrites));
     for (const sim::FaultName &name : sim::faultNames())
         QVERIFY(sim::parseFault(name.name)->kind == name.kind);
 }

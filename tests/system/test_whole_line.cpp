@@ -59,7 +59,8 @@ void TestWholeLine::everyKindOfObjectIsRead_data()
     QTest::newRow("bytes") << QByteArray("VB100") << int(kByte) << 4 << "11223344";
     QTest::newRow("block") << QByteArray("VB101") << int(kBlock) << 2 << "2233";
     QTest::newRow("word, host byte order") << QByteArray("VW100") << int(kWord) << 1 << "2211";
-    QTest::newRow("double word, host byte order") << QByteArray("VD100") << int(kDoubleWord) << 1 << "44332211";
+    QTest::newRow("double word, host byte order")
+        << QByteArray("VD100") << int(kDoubleWord) << 1 << "44332211";
     QTest::newRow("bits, one byte each") << QByteArray("V100.0") << int(kBit) << 5 << "0100000001";
     QTest::newRow("special memory") << QByteArray("SMB0") << int(kByte) << 1 << "01";
     QTest::newRow("timer value") << QByteArray("T37") << int(kWord) << 1 << "2c01";

@@ -40,7 +40,8 @@ QString addresses(const DeviceSetting &setting)
 {
     QStringList list;
     for (int i = 0; i < setting.socketList.size(); ++i)
-        list.append(QString("%1:%2").arg(setting.socketList.at(i).first).arg(setting.socketList.at(i).second));
+        list.append(
+            QString("%1:%2").arg(setting.socketList.at(i).first).arg(setting.socketList.at(i).second));
     return list.join(" ");
 }
 
@@ -173,7 +174,7 @@ void TestDeviceSetting::portTextsThatAreNotPortsGiveZero()
     QFETCH(QString, text);
     QFETCH(int, port);
     DeviceSetting setting = serialDefault();
-    setting.setSocketData(QList<QPair<QString, QString> >() << qMakePair(QString("10.0.0.1"), text));
+    setting.setSocketData(QList<QPair<QString, QString>>() << qMakePair(QString("10.0.0.1"), text));
     QCOMPARE(addresses(setting), QString("10.0.0.1:%1").arg(port));
 }
 
@@ -181,7 +182,7 @@ void TestDeviceSetting::newSocketDataReplaceTheListAndKeepTheIndex()
 {
     DeviceSetting setting = withAddresses(3);
     setting.setCurrentIPIndex(2);
-    setting.setSocketData(QList<QPair<QString, QString> >() << qMakePair(QString("a"), QString("1")));
+    setting.setSocketData(QList<QPair<QString, QString>>() << qMakePair(QString("a"), QString("1")));
     QCOMPARE(addresses(setting), QString("a:1"));
     QCOMPARE(setting.currentIPIndex, 2);
     QCOMPARE(setting.socketIP(-1), QString());
@@ -206,9 +207,10 @@ void TestDeviceSetting::aRecordWithAddressesIsStreamedWhole()
 {
     DeviceSetting setting(kRs485Port, "", 0, 0, 0, 0);
     setting.socketList.append(qMakePair(QString("a"), quint16(0x0102)));
-    QVERIFY(hex(streamed(setting)).endsWith("00000001"
-                                            "000000020061"
-                                            "0102"));
+    QVERIFY(hex(streamed(setting))
+                .endsWith("00000001"
+                          "000000020061"
+                          "0102"));
 }
 
 void TestDeviceSetting::readingTwiceRestoresTheIndex()
@@ -284,7 +286,7 @@ void TestDeviceSetting::dumpEscapesNothing()
     setting.socketList.append(qMakePair(QString("10.0.0.1"), quint16(502)));
     setting.dump();
     QCOMPARE(log.lines(), QStringList("type: 64 string: \"a\"b\\%1%s\" baudrate: 1 databits: 2 stopbits: 3 "
-                                           "parity: 4 linkID: -1 current ip: \"10.0.0.1\" current port: 502 "));
+                                      "parity: 4 linkID: -1 current ip: \"10.0.0.1\" current port: 502 "));
 }
 
 QTEST_APPLESS_MAIN(TestDeviceSetting)

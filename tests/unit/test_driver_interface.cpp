@@ -14,18 +14,21 @@ namespace {
 class PlainDriver : public DriverInterface
 {
 public:
-    explicit PlainDriver(bool *destroyed = nullptr)
-        : destroyedFlag(destroyed)
-    {
-    }
+    explicit PlainDriver(bool *destroyed = nullptr) : destroyedFlag(destroyed) {}
     ~PlainDriver() override
     {
         if (destroyedFlag)
             *destroyedFlag = true;
     }
     int totalSize() override { return 2; }
-    int write(AbstractDeviceInterface *, const CommunicatorCommand &, const QByteArray &) override { return 3; }
-    QByteArray read(AbstractDeviceInterface *, const CommunicatorCommand &) override { return QByteArray("4"); }
+    int write(AbstractDeviceInterface *, const CommunicatorCommand &, const QByteArray &) override
+    {
+        return 3;
+    }
+    QByteArray read(AbstractDeviceInterface *, const CommunicatorCommand &) override
+    {
+        return QByteArray("4");
+    }
     bool initialize(AbstractDeviceInterface *) override { return true; }
     bool validation(const QString &text) override { return text == QLatin1String("6"); }
     DeviceSetting *getDefaultSerialDeviceSetting() override { return nullptr; }

@@ -214,7 +214,8 @@ void TestDriverObject::theDriverIsItsOwnObject()
 {
     DriverS7_200_PPI driver;
     QVERIFY(driver.getThisObject() == static_cast<QObject *>(&driver));
-    QVERIFY(qobject_cast<DriverInterface *>(driver.getThisObject()) == static_cast<DriverInterface *>(&driver));
+    QVERIFY(qobject_cast<DriverInterface *>(driver.getThisObject()) ==
+            static_cast<DriverInterface *>(&driver));
 }
 
 QTEST_APPLESS_MAIN(TestDriverObject)

@@ -32,8 +32,7 @@ public:
 
 struct EarlyHost
 {
-    EarlyHost()
-        : driver(CreateDriver()), version(driver->getVersionNumber())
+    EarlyHost() : driver(CreateDriver()), version(driver->getVersionNumber())
     {
         CommunicatorCommand command;
         command.dataType = 1;
@@ -68,9 +67,8 @@ void TestStaticConstructor::theVersionTextExists()
 
 void TestStaticConstructor::theAreaTableIsFilled()
 {
-    QCOMPARE(hex(g_earlyHost.port.frame),
-             hex(bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                       "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16")));
+    QCOMPARE(hex(g_earlyHost.port.frame), hex(bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                                                    "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16")));
 }
 
 QTEST_APPLESS_MAIN(TestStaticConstructor)

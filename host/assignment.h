@@ -1,0 +1,31 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// One item of the command line to write, with its values.
+//
+//   assignment := ADDRESS [ ":" TYPE ] "=" VALUE [ "," VALUE ]...     VB100=17  VW10:i16=-1,0x7f  V10.3=1,0
+//
+// Addresses and types are those of an item to read; there are as many values as are named. The values
+// stand in value_parser.h.
+
+#ifndef HOST_ASSIGNMENT_H
+#define HOST_ASSIGNMENT_H
+
+#include "item.h"
+
+#include <QByteArray>
+
+namespace host {
+
+struct Assignment
+{
+    Item item;
+    QByteArray data; // the values' bytes in the controller's order, bits one per byte
+};
+
+// The assignment that a text means. Fails with a hint that names what could have been meant.
+Assignment parseAssignment(const QString &text);
+
+} // namespace host
+
+#endif

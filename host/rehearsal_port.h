@@ -1,0 +1,45 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A port that leads nowhere, for a look at what a driver would send.
+
+#ifndef HOST_REHEARSAL_PORT_H
+#define HOST_REHEARSAL_PORT_H
+
+#include "abstract_device_interface.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace host {
+
+// Writes one line per frame, meaning and bytes. The first receive finds the acknowledgement, without
+// which a driver would not go on to its poll; the answer to that never comes, and nothing is repeated.
+// One port serves one request.
+class RehearsalPort : public AbstractDeviceInterface
+{
+public:
+    using WriteLine = std::function<void(const QString &)>;
+
+    RehearsalPort(int station, const WriteLine &writeLine);
+
+    int receive(unsigned char *buffer, int maxLength) override;
+    int send(const unsigned char *data, int length) override;
+    bool setOption(int key, const QVariant &value) override;
+    int retry() override;
+    int stationId() override;
+    int delay() override;
+
+    bool hasSent() const { return sent; }
+
+private:
+    int station;
+    WriteLine writeLine;
+    bool sent = false;
+    bool acknowledged = false;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,88 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "watch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+QString milliseconds(WatchDuration time)
+{
+    return QString("%1 ms").arg(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+}
+
+QString counted(int count, const QString &what)
+{
+    return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
+}
+
+QString firstLine(const Watch &watch)
+{
+    const QString polls = counted(watch.polls, "poll");
+    if (watch.answerTimes.count() == 0)
+        return polls + ", no answers";
+    return QString("%1, %2: %3 on average, %4 at most")
+        .arg(polls, counted(watch.answerTimes.count(), "answer"), milliseconds(watch.answerTimes.mean()),
+             milliseconds(watch.answerTimes.longest()));
+}
+
+} // namespace
+
+WatchedItem::WatchedItem(const Item &item_) : item(item_) {}
+
+WatchNews WatchedItem::answered(const QString &newValues, WatchTime now)
+{
+    const bool isFirst = values.isEmpty();
+    const bool hasRecovered = std::exchange(isFailing, false);
+    hasJustChanged = !isFirst && values != newValues;
+    values = newValues;
+    if (hasJustChanged)
+        changedAt = now;
+    if (isFirst || hasJustChanged)
+        return WatchNews::Changed;
+    return hasRecovered ? WatchNews::Recovered : WatchNews::None;
+}
+
+bool WatchedItem::failed(const QString &error)
+{
+    const bool isNews = !isFailing || lastError != error;
+    isFailing = true;
+    lastError = error;
+    ++errors;
+    return isNews;
+}
+
+void AnswerTimes::add(WatchDuration time)
+{
+    ++answers;
+    total += time;
+    maximum = std::max(maximum, time);
+}
+
+WatchDuration AnswerTimes::mean() const
+{
+    return answers ? total / answers : WatchDuration();
+}
+
+Watch::Watch(const std::vector<Item> &watched)
+{
+    for (const Item &item : watched)
+        items.emplace_back(item);
+}
+
+QStringList watchSummary(const Watch &watch)
+{
+    QStringList lines = {firstLine(watch)};
+    for (const WatchedItem &item : watch.items)
+        lines << item.item.address.text() + ": " + counted(item.attempts, "attempt") + ", " +
+                     counted(item.errors, "error");
+    for (auto cause = watch.errors.begin(); cause != watch.errors.end(); ++cause)
+        lines << counted(cause.value(), "time") + ": " + cause.key();
+    return lines;
+}
+
+} // namespace host

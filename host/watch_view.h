@@ -1,0 +1,29 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Where a user follows the watched items.
+
+#ifndef HOST_WATCH_VIEW_H
+#define HOST_WATCH_VIEW_H
+
+#include "failure.h"
+#include "watch.h"
+
+namespace host {
+
+class WatchView
+{
+public:
+    virtual ~WatchView() = default;
+
+    // A poll of one item brought values, or failed; what of it is news.
+    virtual void answered(const Watch &watch, const WatchedItem &item, WatchNews news) = 0;
+    virtual void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) = 0;
+
+    // Called often while nothing happens.
+    virtual void attend(const Watch &watch) = 0;
+};
+
+} // namespace host
+
+#endif

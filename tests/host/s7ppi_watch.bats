@@ -1,0 +1,282 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# s7ppi watch as a user meets it: lines into a file, a table on a terminal.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+load common
+
+teardown() {
+    for ((; terminals > 0; terminals--)); do
+        terminal kill-server 2>/dev/null || true
+    done
+    local process
+    for process in "${background[@]}"; do
+        kill "$process" 2>/dev/null || true
+    done
+}
+
+# The lines without their times, after a look at the times.
+values() {
+    local time='[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}(Z|[+-][0-9]{2}:[0-9]{2})'
+    ! grep -vE "^$time " <<<"$output" || return 1
+    cut -d ' ' -f 2- <<<"$output"
+}
+
+# A controller whose byte has these values, one after the other.
+start_counting() {
+    local reactions=() value reference=0
+    for value in "$@"; do
+        reference=$((reference + 1))
+        reactions+=(e5 "$(byte_answer "$reference" "$value")")
+    done
+    start fake_controller "${reactions[@]}"
+}
+
+@test "the first values and changes are a line each" {
+    start_counting 1 1 2 2 2 1
+    run --separate-stderr s7ppi watch --port "$port" --interval 1 --count 6 VB0
+    [ "$status" -eq 0 ]
+    [ "$(values)" = "VB0 1
+VB0 2
+VB0 1" ]
+    [[ "${stderr_lines[0]}" =~ ^"s7ppi: 6 polls, 6 answers: "[0-9]+" ms on average, "[0-9]+" ms at most"$ ]]
+    [ "${stderr_lines[1]}" = "s7ppi: VB0: 6 attempts, 0 errors" ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+}
+
+@test "with --all every poll is a line" {
+    start_counting 1 1 2
+    run --separate-stderr s7ppi watch --port "$port" --interval 1 --count 3 --all VB0
+    [ "$status" -eq 0 ]
+    [ "$(values)" = "VB0 1
+VB0 1
+VB0 2" ]
+}
+
+@test "all kinds of items are watched side by side" {
+    run --separate-stderr s7ppi watch --port sim --count 1 'VB100:hex*4' V100.4*8 T37 HC0 VB102:str*2 'VB0*300'
+    [ "$status" -eq 0 ]
+    [ "$(values | head -n 5)" = "VB100 11 22 33 44
+V100.4 1 0 0 0 0 1 0 0
+T37 300
+HC0 100000
+VB102 \"3D\"" ]
+    [ "$(values | tail -n 1 | wc -w)" -eq 301 ]
+    [ "${stderr_lines[-1]}" = "s7ppi: VB0: 2 attempts, 0 errors" ]
+}
+
+@test "1: an item that fails is told once, does not stop the watching, and gives the exit code" {
+    run --separate-stderr s7ppi watch --port sim --interval 1 --count 3 VB20000 VB100
+    [ "$status" -eq 1 ]
+    [ "$(values)" = "VB100 17" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB20000: Invalid address (incorrect variable address)" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    [[ "${stderr_lines[2]}" == "s7ppi: 3 polls, 3 answers: "* ]]
+    [ "${stderr_lines[3]}" = "s7ppi: VB20000: 12 attempts, 3 errors" ]
+    [ "${stderr_lines[4]}" = "s7ppi: VB100: 3 attempts, 0 errors" ]
+    [ "${stderr_lines[5]}" = "s7ppi: 3 times: Invalid address (incorrect variable address)" ]
+    [ "${#stderr_lines[@]}" -eq 6 ]
+    run --separate-stderr s7ppi watch --port sim --interval 1 --count 3 --all VB20000
+    [ "$(grep -c '^s7ppi: VB20000: Invalid address' <<<"$stderr")" -eq 3 ]
+}
+
+@test "4: an item that recovers is told, with its values" {
+    start fake_controller silence e5 "$(byte_answer 2 7)" 100002020416 e5 "$(byte_answer 4 7)"
+    run --separate-stderr s7ppi watch --port "$port" --timeout 200 --retries 0 --interval 1 --count 4 VB0
+    [ "$status" -eq 4 ]
+    [ "$(values)" = "VB0 7
+VB0 7" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: plc no response" ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB0: no resource" ]
+    [ "${stderr_lines[4]}" = "s7ppi: VB0: answers again" ]
+    [ "${stderr_lines[6]}" = "s7ppi: VB0: 4 attempts, 2 errors" ]
+    [ "${stderr_lines[7]}" = "s7ppi: 1 time: no resource" ]
+    [ "${stderr_lines[8]}" = "s7ppi: 1 time: plc no response" ]
+}
+
+@test "5: a broken answer gives its exit code" {
+    start fake_controller ff
+    run --separate-stderr s7ppi watch --port "$port" --timeout 200 --retries 0 --count 1 VB0
+    [ "$status" -eq 5 ]
+    [ "${stderr_lines[2]}" = "s7ppi: 1 poll, no answers" ]
+}
+
+@test "2: wrong items and command lines" {
+    start fake_controller hang-up
+    run --separate-stderr s7ppi watch --port "$port" VB0 vb1
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[1]}" = "hint: write VB1 instead of vb1" ]
+    kill -0 "${background[0]}"
+    local arguments
+    for arguments in "" "VB0 --interval 0" "VB0 --interval x" "VB0 --count 0" "VB0 --verify"; do
+        # shellcheck disable=SC2086
+        run --separate-stderr s7ppi watch $arguments
+        [ "$status" -eq 2 ]
+        [ -z "$output" ]
+    done
+    run --separate-stderr s7ppi watch --help
+    [ "$status" -eq 0 ]
+    [[ "$output" == *"--interval"*"--count"*"--all"* ]]
+}
+
+@test "3: the port cannot be opened" {
+    run --separate-stderr s7ppi watch --port /dev/no-such-port VB0
+    [ "$status" -eq 3 ]
+}
+
+# watch_to_file ARGUMENT...: in the background, into the files lines and errors; its process is in $watcher.
+watch_to_file() {
+    : >"$BATS_TEST_TMPDIR/lines"
+    s7ppi watch "$@" >"$BATS_TEST_TMPDIR/lines" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    watcher=$!
+    background+=("$watcher")
+    eventually test -s "$BATS_TEST_TMPDIR/lines"
+}
+
+# Waits for its end: its exit code is in $status, what it wrote in $output and $stderr_lines.
+await_watcher() {
+    status=0
+    wait "$watcher" || status=$?
+    output=$(cat "$BATS_TEST_TMPDIR/lines")
+    mapfile -t stderr_lines <"$BATS_TEST_TMPDIR/errors"
+}
+
+@test "130: Ctrl-C ends it at once, with the summary" {
+    local signal code
+    for signal in INT TERM QUIT; do
+        watch_to_file --port sim --interval 3600000 VB100
+        kill "-$signal" "$watcher"
+        await_watcher
+        code=$((128 + $(kill -l "$signal")))
+        [ "$status" -eq "$code" ]
+        [ "$(values)" = "VB100 17" ]
+        [[ "${stderr_lines[0]}" == "s7ppi: 1 poll, 1 answer: "* ]]
+        [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
+        [ "${#stderr_lines[@]}" -eq 2 ]
+    done
+}
+
+@test "130: Ctrl-C ends it while it waits for an answer" {
+    start fake_controller e5 "$(byte_answer 1 7)"
+    watch_to_file --port "$port" --interval 1 --timeout 60000 VB0
+    kill -INT "$watcher"
+    await_watcher
+    [ "$status" -eq 130 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: 1 poll, 1 answer: "* ]]
+    [[ "${stderr_lines[1]}" == "s7ppi: VB0: "[12]" attempt"*", 0 errors" ]]
+}
+
+@test "6: a port that goes away while it waits for an answer ends it" {
+    start fake_controller e5 "$(byte_answer 1 7)" hang-up
+    run --separate-stderr s7ppi watch --port "$port" --interval 1 --timeout 60000 VB0 VB1
+    [ "$status" -eq 6 ]
+    [ "$(values)" = "VB0 7" ]
+    [[ "${stderr_lines[0]}" == "s7ppi: 0 polls, 1 answer: "* ]]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1: 1 attempt, 1 error" ]
+    [ "${stderr_lines[3]}" = "s7ppi: 1 time: the port is gone" ]
+    [ "${stderr_lines[4]}" = "s7ppi: the port is gone" ]
+    [[ "${stderr_lines[5]}" == "hint: "* ]]
+    [ "${#stderr_lines[@]}" -eq 6 ]
+}
+
+@test "6: a port that goes away between two polls ends it" {
+    start fake_controller e5 "$(byte_answer 1 7)"
+    watch_to_file --port "$port" --interval 3600000 VB0
+    kill "${background[0]}"
+    await_watcher
+    [ "$status" -eq 6 ]
+    [ "${stderr_lines[1]}" = "s7ppi: VB0: 1 attempt, 0 errors" ]
+    [ "${stderr_lines[2]}" = "s7ppi: the port is gone" ]
+}
+
+# terminal TMUX_COMMAND...: to the newest terminal.
+terminals=0
+terminal() {
+    tmux -S "$BATS_TEST_TMPDIR/terminal$terminals" -f /dev/null "$@" 3>&-
+}
+# on_terminal SCRIPT: runs it on a new terminal of 100 columns and 12 rows, which stays to be looked at.
+on_terminal() {
+    terminals=$((terminals + 1))
+    terminal new-session -d -x 100 -y 12 "PATH='$PATH' bash --norc -c 'trap : INT; $1; stty -a | grep -qw -- -echo || echo echoes; sleep 60'"
+}
+screen() {
+    terminal capture-pane -p
+}
+shows() {
+    screen | grep -q -- "$1"
+}
+
+@test "a terminal shows a table in place and is given back" {
+    on_terminal 'echo before; s7ppi watch --port sim --interval 20 VB100*4 VB20000; echo code $?'
+    eventually shows 'poll 3'
+    run screen
+    [[ "${lines[0]}" =~ ^"/dev/pts/"[0-9]+" every 20 ms, Ctrl-C ends, poll "[0-9]+$ ]]
+    [[ "$output" != *before* ]]
+    [ "${lines[1]}" = "ADDRESS  VALUE        CHANGED  ATTEMPTS  ERRORS  LAST ERROR" ]
+    [[ "${lines[2]}" =~ ^"VB100    17 34 51 68  -         "\ +[0-9]+\ +0$ ]]
+    [[ "${lines[3]}" =~ ^"VB20000               -         "\ +[0-9]+\ +[0-9]+"  Invalid address (incorrect variable address)"$ ]]
+
+    terminal send-keys C-c
+    eventually shows '^code 130'
+    eventually shows '^echoes'
+    run screen
+    [ "${lines[0]}" = "before" ]
+    [[ "${lines[1]}" =~ ^"s7ppi: "[0-9]+" polls, "[0-9]+" answers: " ]]
+    [[ "$output" != *ADDRESS* ]]
+}
+
+@test "the table follows values and the terminal's size" {
+    start_counting 1 2
+    on_terminal "s7ppi watch --port $port --interval 1 --timeout 60000 VB0; echo code \$?"
+    eventually shows '^VB0      2      \*               2       0'
+
+    on_terminal "s7ppi watch --port sim --interval 3600000 T1 T2 T3 T4 T5 T6 T7 T8 T9"
+    eventually shows '^T9  '
+    terminal resize-window -x 40 -y 6
+    eventually shows '^\.\.\. and 7 more'
+    terminal resize-window -x 100 -y 12
+    eventually shows '^T9  '
+}
+
+@test "6: a lost port gives the terminal back before it is told" {
+    start fake_controller e5 "$(byte_answer 1 7)"
+    on_terminal "echo before; s7ppi watch --port $port --interval 3600000 VB0; echo code \$?"
+    eventually shows '^VB0      7'
+    kill "${background[0]}"
+    eventually shows '^code 6'
+    eventually shows '^echoes'
+    run screen
+    [ "${lines[0]}" = "before" ]
+    [[ "$output" == *"s7ppi: the port is gone"* ]]
+}
+
+@test "a second signal ends it at once and gives the terminal back" {
+    on_terminal 'echo before; s7ppi watch --port sim --interval 1 --delay 4000 VB100; echo code $?'
+    eventually shows '^VB100    17'
+    terminal send-keys C-c
+    sleep 0.2
+    terminal send-keys C-c
+    eventually shows '^code 130'
+    eventually shows '^echoes'
+    run screen
+    [ "${lines[0]}" = "before" ]
+    [[ "$output" != *" polls, "* ]]
+    [[ "$output" != *ADDRESS* ]]
+}
+
+@test "verbose, and a terminal that cannot place text, get plain lines" {
+    on_terminal 's7ppi watch --port sim -v --count 1 VB100; echo code $?'
+    eventually shows '^code 0'
+    run screen
+    [[ "$output" == *"<- acknowledgement: e5"* ]]
+    [[ "$output" == *" VB100 17"* ]]
+    on_terminal 'TERM=dumb s7ppi watch --port sim --count 1 VB100;
+        TERM=unheard-of s7ppi watch --port sim --count 1 VB101; echo code $?'
+    eventually shows '^code 0'
+    run screen
+    [[ "$output" == *" VB100 17"*" VB101 34"* ]]
+}
