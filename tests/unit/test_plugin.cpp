@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The built library, met as a host meets it: through Qt's loader and through dlopen. This program links
-// nothing of it.
+// The built library, met as a host meets it: through Qt's loader and through dlopen. Like a host this
+// program has the contract's own sources, and links nothing of the library.
 
 #include "abstract_device_interface.h"
 #include "driver_interface.h"
