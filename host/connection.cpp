@@ -34,12 +34,12 @@ QString Connection::choosePort(const Options &options)
 {
     if (options.port)
         return *options.port == kSimulatorName ? startSimulator() : QString::fromStdString(*options.port);
-    const QString adapter = onlyAdapter(usbAdapters());
+    QString adapter = onlyAdapter(usbAdapters());
     if (!adapter.isEmpty()) {
         reportNote("using the USB serial adapter " + adapter);
         return adapter;
     }
-    const QString simulated = startSimulator();
+    QString simulated = startSimulator();
     reportNote("no USB serial adapter found: using a simulated controller on " + simulated);
     return simulated;
 }
@@ -73,7 +73,7 @@ void Connection::openTrace(const LineSettings &line)
 
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
-    const QByteArray data = plugin.driver().read(counter.get(), command);
+    QByteArray data = plugin.driver().read(counter.get(), command);
     checkOutcome();
     return data;
 }

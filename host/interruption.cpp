@@ -5,7 +5,10 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <initializer_list>
+
+#include <unistd.h>
 
 namespace host {
 
@@ -14,15 +17,21 @@ namespace {
 volatile std::sig_atomic_t arrivedSignal = 0;
 std::atomic<void (*)()> lastResort = nullptr;
 
-// The default action of a signal raised here takes effect when the handler returns.
+// A signal raised here takes effect when the handler returns: by then its action is the default one.
+void endAtOnce(int signalNumber)
+{
+    if (void (*action)() = lastResort.load())
+        action();
+    struct sigaction byDefault = {};
+    byDefault.sa_handler = SIG_DFL;
+    if (sigaction(signalNumber, &byDefault, nullptr) != 0 || raise(signalNumber) != 0)
+        _exit(EXIT_FAILURE);
+}
+
 void remember(int signalNumber)
 {
-    if (arrivedSignal != 0) {
-        if (void (*action)() = lastResort.load())
-            action();
-        std::signal(signalNumber, SIG_DFL);
-        std::raise(signalNumber);
-    }
+    if (arrivedSignal != 0)
+        endAtOnce(signalNumber);
     arrivedSignal = signalNumber;
 }
 

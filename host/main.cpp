@@ -14,15 +14,14 @@
 
 #include <QCoreApplication>
 
-#include <cstdio>
+#include <exception>
 #include <functional>
+#include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace {
-
-constexpr int kUsage = int(host::ExitCode::Usage);
 
 // A number with its limits told in the option's own words.
 CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int> &value, int least, int most,
@@ -185,16 +184,13 @@ int usageError(const CLI::App &app, const CLI::ParseError &error)
 {
     if (error.get_exit_code() == 0)
         return app.exit(error);
-    std::fprintf(stderr, "s7ppi: %s\nhint: s7ppi --help lists commands and options\n",
-                 usageText(app, error).c_str());
-    return kUsage;
+    std::cerr << "s7ppi: " << usageText(app, error) << "\nhint: s7ppi --help lists commands and options"
+              << std::endl;
+    return int(host::ExitCode::Usage);
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int parseAndRun(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
     CLI::App app("Reads and writes the memory of Simatic S7-200 controllers through their driver plug-in.",
                  "s7ppi");
     CommandLine line;
@@ -205,4 +201,17 @@ int main(int argc, char *argv[])
         return usageError(app, error);
     }
     return host::run(line.options, line.command);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    try {
+        const QCoreApplication application(argc, argv);
+        return parseAndRun(argc, argv);
+    } catch (const std::exception &error) { // no memory, say
+        std::cerr << "s7ppi: " << error.what() << std::endl;
+        return int(host::ExitCode::Internal);
+    }
 }

@@ -6,19 +6,9 @@
 #include "driver_fault.h"
 #include "driver_log.h"
 #include "rehearsal_port.h"
-
-#include <cstdio>
+#include "report.h"
 
 namespace host {
-
-namespace {
-
-void print(const QString &line)
-{
-    std::printf("%s\n", qUtf8Printable(line));
-}
-
-} // namespace
 
 // What the driver logs here is only that nobody answers its poll.
 Rehearsal::Rehearsal(const Options &options)
@@ -29,7 +19,7 @@ Rehearsal::Rehearsal(const Options &options)
 
 void Rehearsal::write(const WriteRequest &request) const
 {
-    RehearsalPort port(station, print);
+    RehearsalPort port(station, printData);
     plugin.driver().write(&port, request.command, request.data);
     if (!port.hasSent())
         throw driverFailure(plugin.driver().getLastError());
@@ -37,7 +27,7 @@ void Rehearsal::write(const WriteRequest &request) const
 
 void Rehearsal::read(const ReadRequest &request) const
 {
-    RehearsalPort port(station, print);
+    RehearsalPort port(station, printData);
     plugin.driver().read(&port, request.command);
     if (!port.hasSent())
         throw driverFailure(plugin.driver().getLastError());

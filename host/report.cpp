@@ -5,19 +5,19 @@
 
 #include "failure.h"
 
-#include <cstdio>
+#include <iostream>
 
 namespace host {
 
 void reportNote(const QString &text)
 {
-    std::fprintf(stderr, "s7ppi: %s\n", qUtf8Printable(text));
+    std::cerr << "s7ppi: " << qUtf8Printable(text) << std::endl;
 }
 
 void reportFailure(const Failure &failure)
 {
     reportNote(failure.text());
-    std::fprintf(stderr, "hint: %s\n", qUtf8Printable(failure.hint()));
+    std::cerr << "hint: " << qUtf8Printable(failure.hint()) << std::endl;
 }
 
 void reportFailure(const QString &subject, const Failure &failure)
@@ -27,7 +27,12 @@ void reportFailure(const QString &subject, const Failure &failure)
 
 void reportTrace(const QString &line)
 {
-    std::fprintf(stderr, "%s\n", qUtf8Printable(line));
+    std::cerr << qUtf8Printable(line) << std::endl;
+}
+
+void printData(const QString &line)
+{
+    std::cout << qUtf8Printable(line) << std::endl;
 }
 
 } // namespace host

@@ -84,6 +84,7 @@ void SimulatorProcess::start(const QString &program, const QStringList &argument
 {
     std::vector<std::string> texts = encoded(program, arguments);
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
@@ -139,7 +140,7 @@ void SimulatorProcess::stop()
 QString findSimulator()
 {
     const QString beside = QStandardPaths::findExecutable(kProgram, {QCoreApplication::applicationDirPath()});
-    const QString program = beside.isEmpty() ? QStandardPaths::findExecutable(kProgram) : beside;
+    QString program = beside.isEmpty() ? QStandardPaths::findExecutable(kProgram) : beside;
     if (program.isEmpty())
         throw Failure(ExitCode::PortUnusable, "there is no simulator to start", kHint);
     return program;

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 
 #define NCURSES_NOMACROS
@@ -45,16 +46,15 @@ QByteArray capability(const char *name)
 {
     static const QRegularExpression pause("\\$<[^>]*>");
     const char *text = tigetstr(name);
-    const bool isThere = text && text != reinterpret_cast<const char *>(-1);
+    const bool isThere = text && reinterpret_cast<std::intptr_t>(text) != -1;
     return isThere ? QString::fromLatin1(text).remove(pause).toLatin1() : QByteArray();
 }
 
-void prepareLeaving()
+void prepareLastResort()
 {
     const QByteArray text = capability("cnorm") + capability("rmcup");
     leaveLength = std::min(size_t(text.size()), sizeof leaveText);
     std::copy_n(text.constData(), leaveLength, leaveText);
-    tcgetattr(kOutput, &stateBefore);
     setLastResort(leaveAtOnce);
 }
 
@@ -63,15 +63,20 @@ void prepareLeaving()
 bool TerminalScreen::isThere()
 {
     int error = 0;
-    return isatty(kOutput) && setupterm(nullptr, kOutput, &error) == OK && !capability("cup").isEmpty();
+    if (!isatty(kOutput) || setupterm(nullptr, kOutput, &error) != OK)
+        return false;
+    const bool canPlaceText = !capability("cup").isEmpty();
+    del_curterm(cur_term);
+    return canPlaceText;
 }
 
 // The signals are this program's own already; ncurses takes over none of them but those for the size and
 // for Ctrl-Z.
 TerminalScreen::TerminalScreen()
 {
-    prepareLeaving();
-    newterm(nullptr, stdout, stdin);
+    tcgetattr(kOutput, &stateBefore);
+    handle = newterm(nullptr, stdout, stdin);
+    prepareLastResort();
     curs_set(0);
 }
 
@@ -80,6 +85,7 @@ TerminalScreen::~TerminalScreen()
     flushinp();
     endwin();
     setLastResort(nullptr);
+    delscreen(handle);
 }
 
 int TerminalScreen::columns() const

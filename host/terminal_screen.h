@@ -8,6 +8,8 @@
 
 #include <QStringList>
 
+struct screen; // of ncurses
+
 namespace host {
 
 // Takes the terminal while it lives and gives it back as it was, even when a second signal ends the
@@ -33,6 +35,9 @@ public:
 
     // Replaces everything. Lines that have no room are left out.
     void show(const QStringList &lines);
+
+private:
+    ::screen *handle;
 };
 
 } // namespace host

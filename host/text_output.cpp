@@ -3,8 +3,9 @@
 
 #include "text_output.h"
 
+#include "report.h"
+
 #include <algorithm>
-#include <cstdio>
 
 namespace host {
 
@@ -21,8 +22,7 @@ QString TextOutput::line(const Item &item, const std::vector<Value> &values) con
 
 void TextOutput::write(const Item &item, const std::vector<Value> &values) const
 {
-    std::printf("%s\n", qUtf8Printable(line(item, values)));
-    std::fflush(stdout);
+    printData(line(item, values));
 }
 
 } // namespace host

@@ -21,7 +21,6 @@ public:
     // The line without its end.
     QString line(const Item &item, const std::vector<Value> &values) const;
 
-    // Writes the line and flushes: what was read is seen even if the program is stopped afterwards.
     void write(const Item &item, const std::vector<Value> &values) const;
 
 private:

@@ -112,8 +112,10 @@ std::vector<Value> decodeValues(const Item &item, const QByteArray &data)
     if (item.type == ValueType::Str)
         return {Characters{data}};
     std::vector<Value> values;
-    for (int i = 0; i < item.count; ++i)
-        values.push_back(valueAt(item, data.constData() + i * item.valueSize()));
+    values.reserve(size_t(item.count));
+    const char *bytes = data.constData();
+    for (int i = 0; i < item.count; ++i, bytes += item.valueSize())
+        values.push_back(valueAt(item, bytes));
     return values;
 }
 

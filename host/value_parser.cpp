@@ -116,7 +116,7 @@ qint64 parseInteger(const QString &text)
 QString rangeHint(const Item &item, qint64 number, qint64 nearest)
 {
     const QString type = typeName(item.type);
-    const QString hint = QString("the nearest value is %1").arg(nearest);
+    QString hint = QString("the nearest value is %1").arg(nearest);
     if (number < 0 && type.startsWith('u'))
         return hint + "; for negative numbers there is i" + type.mid(1);
     return hint;
@@ -193,7 +193,7 @@ QByteArray encodeHex(const Item &item, const QString &text)
     static const QRegularExpression form("^(?:[0-9a-fA-F]{2})+$");
     if (!form.match(text).hasMatch())
         throw bad(inQuotes(text) + " is not a row of bytes in hex", hexHint(item, text));
-    const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    QByteArray bytes = QByteArray::fromHex(text.toLatin1());
     if (bytes.size() % item.valueSize() != 0)
         throw bad(inQuotes(text) + " is no whole number of values", hexHint(item, text));
     return bytes;

@@ -79,7 +79,7 @@ QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item)
     };
     const AttemptCount count = {connection, item, connection.requestCount()};
     const Clock::time_point start = Clock::now();
-    const QByteArray data = connection.read(command);
+    QByteArray data = connection.read(command);
     watch.answerTimes.add(Clock::now() - start);
     return data;
 }
@@ -164,7 +164,7 @@ int watchCommand(const Options &options, const WatchOptions &watchOptions,
     for (const QString &line : watchSummary(watch))
         reportNote(line);
     if (end.loss)
-        throw *end.loss;
+        throw Failure(*end.loss);
     return int(end.code);
 }
 

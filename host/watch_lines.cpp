@@ -7,8 +7,6 @@
 
 #include <QDateTime>
 
-#include <cstdio>
-
 namespace host {
 
 namespace {
@@ -31,9 +29,7 @@ void WatchLines::answered(const Watch & /*watch*/, const WatchedItem &item, Watc
         reportNote(address + ": answers again");
     if (!all && news == WatchNews::None)
         return;
-    std::printf("%s %s %s\n", qUtf8Printable(timeText()), qUtf8Printable(address),
-                qUtf8Printable(item.values));
-    std::fflush(stdout);
+    printData(timeText() + ' ' + address + ' ' + item.values);
 }
 
 void WatchLines::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)

@@ -61,6 +61,7 @@ void readBack(const Assignment &assignment, Connection &connection, const TextOu
 int writeAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
     std::vector<Item> items;
+    items.reserve(assignments.size());
     for (const Assignment &assignment : assignments)
         items.push_back(assignment.item);
     const TextOutput output(items);

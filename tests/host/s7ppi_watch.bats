@@ -255,7 +255,7 @@ shows() {
 }
 
 @test "a second signal ends it at once and gives the terminal back" {
-    on_terminal 'echo before; s7ppi watch --port sim --interval 1 --delay 4000 VB100; echo code $?'
+    on_terminal 'echo before; s7ppi watch --port sim --interval 1 --delay 2000 VB100; echo code $?'
     eventually shows '^VB100    17'
     terminal send-keys C-c
     sleep 0.2
