@@ -57,6 +57,9 @@ Exchange exchange(const char *name, int dataType, int count, const char *address
 
 } // namespace
 
+// The recording port never answers: that the driver logs it is no news.
+static void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &) {}
+
 std::vector<Exchange> allExchanges(DriverInterface &driver)
 {
     std::vector<Exchange> all = {
@@ -72,11 +75,13 @@ std::vector<Exchange> allExchanges(DriverInterface &driver)
         exchange("write 1 bit", 0, 1, "V100.3", "0501ff", "01"),
         exchange("write 1 timer", 2, 1, "T37", "0501ff", "2c01"),
     };
+    const QtMessageHandler usual = qInstallMessageHandler(ignoreMessage);
     for (Exchange &one : all) {
         RecordingPort port;
         runDriver(driver, port, one);
         one.request = port.frame;
     }
+    qInstallMessageHandler(usual);
     return all;
 }
 

@@ -8,25 +8,24 @@
 
 namespace {
 
-const int kLongestPrefix = 3; // of the area table
-
 void addDigit(unsigned int &number, QChar character)
 {
-    if (character >= QLatin1Char('0') && character <= QLatin1Char('9'))
-        number = number * 10u + (character.unicode() - '0');
+    const unsigned int digit = static_cast<unsigned int>(character.unicode()) - '0';
+    if (digit <= 9)
+        number = number * 10u + digit;
 }
 
 } // namespace
 
 QByteArray S7_200_PPIExtractPrefix(const QString &text)
 {
-    quint32 letters = 0;
+    quint32 letters = kNoLetters;
     const QChar *next = text.constData();
-    const QChar *const end = next + qMin(int(text.size()), kLongestPrefix + 1);
+    const QChar *const end = next + qMin(int(text.size()), int(kLongestPrefix) + 1);
     for (; next != end && isPrefixCharacter(next->unicode()); ++next)
-        letters = letters << 8 | next->unicode();
-    const QByteArray *key = S7_200_PPIAreaTableKey(letters);
-    return key ? *key : ExtractPrefixSymbol(text);
+        letters = ppiAppendLetter(letters, next->unicode());
+    const auto *entry = S7_200_PPIAreaTableEntry(letters);
+    return entry ? entry->key() : ExtractPrefixSymbol(text);
 }
 
 unsigned int S7_200_PPIExtractByteAddress(const QString &text)
@@ -51,5 +50,11 @@ bool S7_200_PPIExtractAddress(const QString &text, unsigned int &byteAddress, un
 
 unsigned char S7_200_PPIAreaCode(const QByteArray &prefix)
 {
-    return g_s7_200_ppi_area_table.value(prefix, 0);
+    if (prefix.size() > kLongestPrefix)
+        return 0;
+    quint32 letters = kNoLetters;
+    for (const char *next = prefix.constData(), *end = next + prefix.size(); next != end; ++next)
+        letters = ppiAppendLetter(letters, static_cast<unsigned char>(*next));
+    const auto *entry = S7_200_PPIAreaTableEntry(letters);
+    return entry ? entry->value() : 0;
 }

@@ -25,9 +25,10 @@ public:
 
     // The array as it stands: frame bytes in the order of the wire.
     template <size_t Size>
-    explicit PpiBytes(const unsigned char (&fields)[Size]) : bytes(fixed), used(0), room(sizeof fixed)
+    explicit PpiBytes(const unsigned char (&fields)[Size]) : bytes(fixed), used(Size), room(sizeof fixed)
     {
-        append(fields);
+        static_assert(Size <= kLargestFrame, "Size");
+        memcpy(fixed, fields, Size);
     }
 
     PpiBytes(const QByteArray &array) : bytes(fixed), used(0), room(sizeof fixed)
@@ -77,13 +78,13 @@ private:
     {
         if (length > kLargestAtAll - used)
             throw std::bad_alloc();
-        const int wanted = qMax(used + length, used * 2);
-        unsigned char *moved = new unsigned char[static_cast<size_t>(wanted)];
+        const size_t wanted = static_cast<size_t>(qMax(used + length, used * 2));
+        unsigned char *moved = new unsigned char[wanted];
         memcpy(moved, bytes, static_cast<size_t>(used));
         if (bytes != fixed)
             delete[] bytes;
         bytes = moved;
-        room = wanted;
+        room = static_cast<int>(wanted);
     }
 
     unsigned char *bytes;

@@ -3,8 +3,8 @@
 
 #include "ppi_static.h"
 
-// Objects of one file are created in the order in which they stand: the table and its keys before what
-// fills them.
+// Objects of one file are created in the order in which they stand: the table and its index before
+// what fills them.
 const QString VERSION_STRING(QLatin1String("1.0.0"));
 QHash<QByteArray, unsigned char> g_s7_200_ppi_area_table;
 
@@ -31,32 +31,28 @@ const Area kAreas[] = {
     {"S", 0x04},   {"SB", 0x04},  {"SW", 0x04},  {"SD", 0x04},  // sequence-control relays
 };
 
-// The table's keys by their letters.
-QHash<quint32, QByteArray> g_keys;
-
-quint32 lettersOf(const char *prefix)
-{
-    quint32 letters = 0;
-    for (; *prefix; ++prefix)
-        letters = letters << 8 | static_cast<unsigned char>(*prefix);
-    return letters;
-}
+// The table's entries by their letters.
+QHash<quint32, QHash<QByteArray, unsigned char>::const_iterator> g_entries;
 
 } // namespace
 
 S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
 
-const QByteArray *S7_200_PPIAreaTableKey(quint32 letters)
+const QHash<QByteArray, unsigned char>::const_iterator *S7_200_PPIAreaTableEntry(quint32 letters)
 {
-    const QHash<quint32, QByteArray>::const_iterator key = g_keys.constFind(letters);
-    return key == g_keys.constEnd() ? nullptr : &key.value();
+    const auto entry = g_entries.constFind(letters);
+    return entry == g_entries.constEnd() ? nullptr : &entry.value();
 }
 
 S7_200_PPI_AreaTableInitializer::S7_200_PPI_AreaTableInitializer()
 {
-    for (const Area &area : kAreas) {
-        const QByteArray prefix(area.prefix);
-        g_s7_200_ppi_area_table[prefix] = area.code;
-        g_keys[lettersOf(area.prefix)] = prefix;
+    for (const Area &area : kAreas)
+        g_s7_200_ppi_area_table[area.prefix] = area.code;
+    const auto end = g_s7_200_ppi_area_table.constEnd();
+    for (auto entry = g_s7_200_ppi_area_table.constBegin(); entry != end; ++entry) {
+        quint32 letters = kNoLetters;
+        for (int i = 0; i < entry.key().size(); ++i)
+            letters = ppiAppendLetter(letters, static_cast<unsigned char>(entry.key().at(i)));
+        g_entries[letters] = entry;
     }
 }

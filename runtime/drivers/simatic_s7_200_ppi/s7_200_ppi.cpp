@@ -110,12 +110,11 @@ unsigned short objectsFor(const QByteArray &prefix, qint64 byteCount)
                                                       : NumOfBytesToNumOfWords(bytes));
 }
 
-// The data cut to size bytes, or extended to it with zero bytes.
-QByteArray fitted(QByteArray data, qint64 size)
+// Cuts the data to size bytes, or extends them to it with zero bytes.
+void fit(QByteArray &data, qint64 size)
 {
     if (size != data.size() && !resizeWithZeros(data, size))
         throw std::bad_alloc();
-    return data;
 }
 
 QByteArray valuesOf(const std::vector<S7_200_PPI_Timer> &records)
@@ -154,6 +153,7 @@ private:
     bool request(const PpiBytes &frame, Answer &answer);
     bool poll(Answer &answer);
     bool unpackHeader(const char *headerFault, Answer &answer);
+    bool itemFits(const Answer &answer, PpiLayer7 transportSize);
 
     QByteArray readMemory(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
     QByteArray readObjects(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
@@ -182,7 +182,8 @@ int Attempt::receive(unsigned char *buffer, int maxLength)
 
 void Attempt::send(const PpiBytes &frame)
 {
-    dev->setOption(kPurgeOption, QVariant(0));
+    static const QVariant noArgument(0);
+    dev->setOption(kPurgeOption, noArgument);
     driver.delayBeforeReq();
     dev->send(frame.data(), frame.size());
 }
@@ -256,6 +257,16 @@ bool Attempt::unpackHeader(const char *headerFault, Answer &answer)
     return true;
 }
 
+// Whether the frame holds all the data that a read's item says it has; the decoders rely on it.
+bool Attempt::itemFits(const Answer &answer, PpiLayer7 transportSize)
+{
+    if (S7_200_PPIRspItemFits(answer.parameters, transportSize, answer.heldData()))
+        return true;
+    driver.setCommError(QLatin1String("invalid response"));
+    LOG_FAILURE();
+    return false;
+}
+
 QByteArray Attempt::readBits(const CommunicatorCommand &cmd)
 {
     const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
@@ -280,15 +291,10 @@ QByteArray Attempt::readMemory(const CommunicatorCommand &cmd, const QByteArray 
         S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix,
                                    S7_200_PPIExtractByteAddress(cmd.address), byteCount);
     Answer answer;
-    if (!exchange(frame, kind.headerFault, answer))
+    if (!exchange(frame, kind.headerFault, answer) || !itemFits(answer, kLengthInBits))
         return QByteArray();
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.heldData())) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
-        return QByteArray();
-    }
     unsigned char code = 0;
-    const QByteArray data = S7_200_PPIGetRspBytes(answer.parameters, prefix, code);
+    QByteArray data = S7_200_PPIGetRspBytes(answer.parameters, prefix, code);
     if (code != kSuccess) {
         driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
         if (kind.logsRefusedItem)
@@ -301,7 +307,8 @@ QByteArray Attempt::readMemory(const CommunicatorCommand &cmd, const QByteArray 
             LOG_FAILURE();
         return QByteArray();
     }
-    return fitted(data, qint64(kind.unit) * cmd.count);
+    fit(data, qint64(kind.unit) * cmd.count);
+    return data;
 }
 
 QByteArray Attempt::readObjects(const CommunicatorCommand &cmd, const QByteArray &prefix,
@@ -312,13 +319,18 @@ QByteArray Attempt::readObjects(const CommunicatorCommand &cmd, const QByteArray
     if (!exchangeForObjects(cmd, prefix, objectsFor(prefix, byteCount), answer))
         return QByteArray();
     if (prefix == "HC") {
-        const QByteArray values = highSpeedCounters(answer);
-        return kind.fitsHighSpeedCounters && !values.isEmpty() ? fitted(values, byteCount) : values;
+        QByteArray values = highSpeedCounters(answer);
+        if (kind.fitsHighSpeedCounters && !values.isEmpty())
+            fit(values, byteCount);
+        return values;
     }
     std::vector<S7_200_PPI_Timer> records;
     if (!unpackRecords(answer, prefix, records))
         return QByteArray();
-    return kind.fitsRecords ? fitted(valuesOf(records), byteCount) : valuesOf(records);
+    QByteArray values = valuesOf(records);
+    if (kind.fitsRecords)
+        fit(values, byteCount);
+    return values;
 }
 
 QByteArray Attempt::readMemoryBits(const CommunicatorCommand &cmd, const QByteArray &prefix)
@@ -331,11 +343,10 @@ QByteArray Attempt::readMemoryBits(const CommunicatorCommand &cmd, const QByteAr
         S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix, byteAddress,
                                    static_cast<unsigned short>(byteCount));
     Answer answer;
-    if (!exchange(frame, "invalid response", answer))
+    if (!exchange(frame, "invalid response", answer) || !itemFits(answer, kLengthInBits))
         return QByteArray();
     QByteArray bits;
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBits, answer.heldData()) ||
-        !S7_200_PPIGetRspBits(answer.parameters, firstBit, cmd.count, bits)) {
+    if (!S7_200_PPIGetRspBits(answer.parameters, firstBit, cmd.count, bits)) {
         driver.setCommError(QLatin1String("invalid response"));
         LOG_FAILURE();
         return QByteArray();
@@ -372,11 +383,8 @@ bool Attempt::exchangeForObjects(const CommunicatorCommand &cmd, const QByteArra
 
 QByteArray Attempt::highSpeedCounters(const Answer &answer)
 {
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.heldData())) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+    if (!itemFits(answer, kLengthInBytes))
         return QByteArray();
-    }
     unsigned char code = 0;
     QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
     if (code != kSuccess) {
@@ -395,11 +403,8 @@ QByteArray Attempt::highSpeedCounters(const Answer &answer)
 bool Attempt::unpackRecords(const Answer &answer, const QByteArray &prefix,
                             std::vector<S7_200_PPI_Timer> &records)
 {
-    if (!S7_200_PPIRspItemFits(answer.parameters, kLengthInBytes, answer.heldData())) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+    if (!itemFits(answer, kLengthInBytes))
         return false;
-    }
     unsigned char code = 0;
     const bool decoded = prefix == "C" ? S7_200_PPIGetRspCounters(answer.parameters, records, code)
                                        : S7_200_PPIGetRspTimers(answer.parameters, records, code);
@@ -624,6 +629,18 @@ bool DriverS7_200_PPI::checkSD2ReadWriteRsp(const unsigned char *buf, int len, i
 
 namespace {
 
+// One attempt of a command that may count more than memory holds.
+template <typename Result, typename Function> Result guarded(DriverS7_200_PPI &driver, Function attempt)
+{
+    try {
+        return attempt();
+    } catch (const std::bad_alloc &) {
+        driver.setCommError(QLatin1String("invalid request to PLC"));
+        LOG_FAILURE();
+        return Result();
+    }
+}
+
 // Makes attempts until one leaves no error or the port's repetitions are used up. The error state is
 // that of the last one.
 template <typename Result, typename Function>
@@ -632,13 +649,7 @@ Result repeated(DriverS7_200_PPI &driver, AbstractDeviceInterface *dev, Function
     for (int repetition = 0;; ++repetition) {
         HRSleep(static_cast<unsigned long>(dev->delay()));
         driver.clearError();
-        Result result = Result();
-        try {
-            result = attempt();
-        } catch (const std::bad_alloc &) { // the command counts more than memory holds
-            driver.setCommError(QLatin1String("invalid request to PLC"));
-            LOG_FAILURE();
-        }
+        Result result = guarded<Result>(driver, attempt);
         if (!driver.hasError() || repetition >= dev->retry())
             return result;
     }

@@ -56,21 +56,14 @@ template <typename Element> void convertElements(unsigned char *to, const unsign
     }
 }
 
-// The arguments of a call. A class, because a va_list cannot be handed down by reference everywhere.
-class Arguments
+// The arguments of a call. A struct, because a va_list cannot be handed down by reference everywhere.
+// Whoever starts the list ends it.
+struct Arguments
 {
-public:
-    explicit Arguments(va_list list) { va_copy(rest, list); }
-    ~Arguments() { va_end(rest); }
+    va_list list;
 
-    int number() { return va_arg(rest, int); }
-    unsigned char *pointer() { return static_cast<unsigned char *>(va_arg(rest, void *)); }
-
-private:
-    Arguments(const Arguments &);
-    Arguments &operator=(const Arguments &);
-
-    va_list rest;
+    int number() { return va_arg(list, int); }
+    unsigned char *pointer() { return static_cast<unsigned char *>(va_arg(list, void *)); }
 };
 
 // Packed bytes in the caller's buffer.
@@ -321,21 +314,9 @@ private:
     Arguments &arguments;
 };
 
-} // namespace
-
-int DataPack(unsigned char *buffer, const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    const int written = VDataPack(buffer, format, arguments);
-    va_end(arguments);
-    return written;
-}
-
-int VDataPack(unsigned char *buffer, const char *format, va_list values)
+int packInBuffer(unsigned char *buffer, const char *format, Arguments &arguments)
 {
     BufferWriter writer(buffer);
-    Arguments arguments(values);
     Packer<BufferWriter> packer(writer, arguments);
     switch (interpret(format, packer)) {
     case kFinished:
@@ -348,20 +329,10 @@ int VDataPack(unsigned char *buffer, const char *format, va_list values)
     return -1;
 }
 
-QByteArray ByteArrayPack(const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    QByteArray packed = VByteArrayPack(format, arguments);
-    va_end(arguments);
-    return packed;
-}
-
-QByteArray VByteArrayPack(const char *format, va_list values)
+QByteArray packInArray(const char *format, Arguments &arguments)
 {
     try {
         ArrayWriter writer;
-        Arguments arguments(values);
         Packer<ArrayWriter> packer(writer, arguments);
         return interpret(format, packer) == kFinished ? writer.take() : QByteArray();
     } catch (const std::bad_alloc &) {
@@ -369,18 +340,64 @@ QByteArray VByteArrayPack(const char *format, va_list values)
     }
 }
 
+int unpackBuffer(const unsigned char *buffer, const char *format, Arguments &arguments)
+{
+    Unpacker unpacker(buffer, arguments);
+    return interpret(format, unpacker) == kFinished ? unpacker.consumed() : -1;
+}
+
+} // namespace
+
+int DataPack(unsigned char *buffer, const char *format, ...)
+{
+    Arguments arguments;
+    va_start(arguments.list, format);
+    const int written = packInBuffer(buffer, format, arguments);
+    va_end(arguments.list);
+    return written;
+}
+
+int VDataPack(unsigned char *buffer, const char *format, va_list values)
+{
+    Arguments arguments;
+    va_copy(arguments.list, values);
+    const int written = packInBuffer(buffer, format, arguments);
+    va_end(arguments.list);
+    return written;
+}
+
+QByteArray ByteArrayPack(const char *format, ...)
+{
+    Arguments arguments;
+    va_start(arguments.list, format);
+    const QByteArray packed = packInArray(format, arguments);
+    va_end(arguments.list);
+    return packed;
+}
+
+QByteArray VByteArrayPack(const char *format, va_list values)
+{
+    Arguments arguments;
+    va_copy(arguments.list, values);
+    const QByteArray packed = packInArray(format, arguments);
+    va_end(arguments.list);
+    return packed;
+}
+
 int DataUnpack(const unsigned char *buffer, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    const int consumed = VDataUnpack(buffer, format, arguments);
-    va_end(arguments);
+    Arguments arguments;
+    va_start(arguments.list, format);
+    const int consumed = unpackBuffer(buffer, format, arguments);
+    va_end(arguments.list);
     return consumed;
 }
 
 int VDataUnpack(const unsigned char *buffer, const char *format, va_list destinations)
 {
-    Arguments arguments(destinations);
-    Unpacker unpacker(buffer, arguments);
-    return interpret(format, unpacker) == kFinished ? unpacker.consumed() : -1;
+    Arguments arguments;
+    va_copy(arguments.list, destinations);
+    const int consumed = unpackBuffer(buffer, format, arguments);
+    va_end(arguments.list);
+    return consumed;
 }
