@@ -1,10 +1,10 @@
 # Copyright (c) 2026 The s7ppi authors
 # SPDX-License-Identifier: MIT
 #
-# One set of names for the modules of every Qt: s7ppi_qt_core, s7ppi_qt_test and, for the programs,
-# s7ppi_qt_serialport.
+# One set of names for the modules of every Qt: s7ppi_qt_core, s7ppi_qt_sql, s7ppi_qt_test and, for the
+# programs, s7ppi_qt_serialport.
 
-set(S7PPI_QT_MODULES Core)
+set(S7PPI_QT_MODULES Core Sql)
 if(BUILD_TESTING)
   list(APPEND S7PPI_QT_MODULES Test)
 endif()

@@ -1,8 +1,9 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// One debug message of labels and values. Composed by hand because QDebug keeps the blank behind the
-// last item on Qt 4.8 only, and escapes what stands in strings on Qt 5 and 6.
+/// @file
+/// One debug message of labels and values. Composed by hand because QDebug keeps the blank behind the
+/// last item on Qt 4.8 only, and escapes what stands in strings on Qt 5 and 6.
 
 #ifndef MESSAGE_LINE_H
 #define MESSAGE_LINE_H
@@ -12,16 +13,20 @@
 #include <QString>
 #include <QtDebug>
 
+/// Gathers one message; write() sends it.
 class MessageLine
 {
 public:
-    // Appends the label, a blank, the value and a blank. Strings stand between quotes as they are.
+    /// Appends the label, a blank, the value and a blank. Texts stand between quotes as they are.
     MessageLine &add(const char *label, int value) { return append(label, QString::number(value)); }
+
+    /// The same for a text.
     MessageLine &add(const char *label, const QString &value)
     {
         return append(label, QLatin1Char('"') + value + QLatin1Char('"'));
     }
 
+    /// Writes the line as one message of the debug level.
     void write() const { qDebug("%s", messageText(text).constData()); }
 
 private:

@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What differs between Qt 4.8, 5.15 and 6.4, and nothing else.
+/// @file
+/// What differs between Qt 4.8, 5.15 and 6.4, and nothing else.
 
 #ifndef QT_COMPAT_H
 #define QT_COMPAT_H
@@ -9,12 +10,12 @@
 #include <QByteArray>
 #include <QString>
 
-// Qt 4 exports its plug-ins with Q_EXPORT_PLUGIN2 instead (plugin_instance_qt4.cpp).
 #ifndef Q_PLUGIN_METADATA
+/// Qt 4 exports its plug-ins by hand instead (plugin_instance_qt4.cpp).
 #define Q_PLUGIN_METADATA(x)
 #endif
 
-// The 8-bit form of a text that a "%s" of Qt's message functions expects.
+/// The 8-bit form of a text that a "%s" of Qt's message functions expects.
 inline QByteArray messageText(const QString &text)
 {
 #if QT_VERSION >= 0x050000

@@ -124,7 +124,7 @@ QList<LineFault> restFaults(const QString &item, int reference)
            << fault("reserved byte broken", Answer(item, reference).withByte(reserved, 1), "checksum error");
 }
 
-template <typename Row, int Size> QList<Row> listOf(const Row (&rows)[Size])
+template <typename Row, size_t Size> QList<Row> listOf(const Row (&rows)[Size])
 {
     QList<Row> list;
     for (const Row &row : rows)

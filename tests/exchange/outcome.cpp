@@ -3,39 +3,79 @@
 
 #include "outcome.h"
 
+#include "answer.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "samples.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 
-Outcome outcomeOf(const CommunicatorCommand &command, ScriptedPort &port)
+namespace {
+
+QString resultOfRead(DriverS7_200_PPI &driver, ScriptedPort &port, const CommunicatorCommand &command)
 {
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    const QString data = hex(driver.read(&port, command));
-    const Outcome outcome = {data, driver.hasError(), driver.getLastError(), log.texts(), log.lineNumbers()};
+    return hex(driver.read(&port, command));
+}
+
+QString resultOfWrite(DriverS7_200_PPI &driver, ScriptedPort &port, const CommunicatorCommand &command,
+                      const QByteArray &data)
+{
+    return driver.write(&port, command, data) != 0 ? QString(kTaken) : QString();
+}
+
+// What a call leaves behind.
+Outcome outcome(const QString &result, DriverS7_200_PPI &driver, const LogCapture &log)
+{
+    const Outcome outcome = {result, driver.hasError(), driver.getLastError(), log.texts(),
+                             log.lineNumbers()};
     return outcome;
 }
 
-Outcome outcomeOf(const CommunicatorCommand &command, const QByteArray &answer)
+} // namespace
+
+QString resultOf(DriverS7_200_PPI &driver, ScriptedPort &port, const Sample &sample)
+{
+    return sample.operation == kRead ? resultOfRead(driver, port, sample.command())
+                                     : resultOfWrite(driver, port, sample.command(), sample.data());
+}
+
+Outcome outcomeOf(const Sample &sample, ScriptedPort &port)
+{
+    return sample.operation == kRead ? outcomeOfRead(sample.command(), port)
+                                     : outcomeOfWrite(sample.command(), sample.data(), port);
+}
+
+Outcome outcomeOf(const Sample &sample, const QByteArray &answer)
 {
     ScriptedPort port;
     port.serves(answer);
-    return outcomeOf(command, port);
+    return outcomeOf(sample, port);
 }
 
-WriteOutcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data, ScriptedPort &port)
+Outcome outcomeOfRead(const CommunicatorCommand &command, ScriptedPort &port)
 {
     DriverS7_200_PPI driver;
     LogCapture log;
-    const bool taken = driver.write(&port, command, data) != 0;
-    const WriteOutcome outcome = {taken, driver.hasError(), driver.getLastError(), log.texts(),
-                                  log.lineNumbers()};
-    return outcome;
+    const QString result = resultOfRead(driver, port, command);
+    return outcome(result, driver, log);
 }
 
-WriteOutcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data,
-                            const QByteArray &answer)
+Outcome outcomeOfRead(const CommunicatorCommand &command, const QByteArray &answer)
+{
+    ScriptedPort port;
+    port.serves(answer);
+    return outcomeOfRead(command, port);
+}
+
+Outcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data, ScriptedPort &port)
+{
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    const QString result = resultOfWrite(driver, port, command, data);
+    return outcome(result, driver, log);
+}
+
+Outcome outcomeOfWrite(const CommunicatorCommand &command, const QByteArray &data, const QByteArray &answer)
 {
     ScriptedPort port;
     port.serves(answer);
@@ -48,7 +88,7 @@ QString askedFor(const CommunicatorCommand &command)
     const int blockSize = 14;
     ScriptedPort port;
     port.expectsRequest();
-    outcomeOf(command, port);
+    outcomeOfRead(command, port);
     return hex(port.frames().value(0).mid(headerEnd, blockSize));
 }
 
@@ -58,6 +98,11 @@ QByteArray requestOf(const CommunicatorCommand &command, const QByteArray &data)
     port.expectsRequest();
     outcomeOfWrite(command, data, port);
     return port.frames().value(0);
+}
+
+QString referenceOf(const QByteArray &request)
+{
+    return hex(request.mid(Answer::kReference, 2));
 }
 
 QStringList copies(const QString &text, int count)

@@ -30,6 +30,25 @@ QString records(RecordDecoder decode, const QByteArray &received)
     return texts.join(" ");
 }
 
+// What the check of an answer's header returns and hands out.
+struct Header
+{
+    int size;
+    unsigned short parameterLength;
+    unsigned short dataLength;
+    unsigned char errorClass;
+    unsigned char errorCode;
+};
+
+Header unpacked(const QByteArray &bytes, int reference)
+{
+    Header header = {0, 0, 0, 0, 0};
+    header.size = S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(
+        start(bytes), static_cast<unsigned short>(reference), header.parameterLength, header.dataLength,
+        header.errorClass, header.errorCode);
+    return header;
+}
+
 } // namespace
 
 class TestDecoders : public QObject
@@ -124,42 +143,25 @@ void TestDecoders::headerIsCheckedAgainstTheRequest()
     QFETCH(QByteArray, header);
     QFETCH(int, reference);
     QFETCH(int, size);
-    unsigned short parameterLength = 0;
-    unsigned short dataLength = 0;
-    unsigned char errorClass = 0;
-    unsigned char errorCode = 0;
-    QCOMPARE(S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(start(header),
-                                                         static_cast<unsigned short>(reference),
-                                                         parameterLength, dataLength, errorClass, errorCode),
-             size);
+    QCOMPARE(unpacked(header, reference).size, size);
 }
 
 void TestDecoders::headerFieldsAreHandedOut()
 {
-    unsigned short parameterLength = 0;
-    unsigned short dataLength = 0;
-    unsigned char errorClass = 0;
-    unsigned char errorCode = 0;
-    S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(start(bytes("32 03 0000 0001 0002 1234 85 04")), 1,
-                                                parameterLength, dataLength, errorClass, errorCode);
-    QCOMPARE(int(parameterLength), 2);
-    QCOMPARE(int(dataLength), 0x1234);
-    QCOMPARE(int(errorClass), 0x85);
-    QCOMPARE(int(errorCode), 4);
+    const Header header = unpacked(bytes("32 03 0000 0001 0002 1234 85 04"), 1);
+    QCOMPARE(int(header.parameterLength), 2);
+    QCOMPARE(int(header.dataLength), 0x1234);
+    QCOMPARE(int(header.errorClass), 0x85);
+    QCOMPARE(int(header.errorCode), 4);
 }
 
 void TestDecoders::headerFieldsAreHandedOutOfARefusedHeader()
 {
-    unsigned short parameterLength = 0;
-    unsigned short dataLength = 0;
-    unsigned char errorClass = 0;
-    unsigned char errorCode = 0;
-    S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(start(bytes("99 99 9999 9999 abcd 1234 85 04")), 1,
-                                                parameterLength, dataLength, errorClass, errorCode);
-    QCOMPARE(int(parameterLength), 0xabcd);
-    QCOMPARE(int(dataLength), 0x1234);
-    QCOMPARE(int(errorClass), 0x85);
-    QCOMPARE(int(errorCode), 4);
+    const Header header = unpacked(bytes("99 99 9999 9999 abcd 1234 85 04"), 1);
+    QCOMPARE(int(header.parameterLength), 0xabcd);
+    QCOMPARE(int(header.dataLength), 0x1234);
+    QCOMPARE(int(header.errorClass), 0x85);
+    QCOMPARE(int(header.errorCode), 4);
 }
 
 void TestDecoders::bytesFollowThePrefix_data()

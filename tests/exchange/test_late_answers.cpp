@@ -34,6 +34,7 @@ private slots:
     void restOfAnAnswerIsNotTakenForTheNextOne();
     void lateAnswerIsNotTakenWithinTheSameRead();
     void lateAnswerToThePollIsNotTakenForAnAcknowledgement();
+    void lateAnswerToAWriteIsThrownAway();
     void lateAnswerIsRefusedByItsReferenceWhenThePortKeepsIt();
     void lateAnswerIsRefusedWhereAnAcknowledgementIsDue();
 };
@@ -96,6 +97,18 @@ void TestLateAnswers::lateAnswerToThePollIsNotTakenForAnAcknowledgement()
     LogCapture log;
     driver.read(&port, byteCommand("VB100", 4));
     QCOMPARE(hex(driver.read(&port, byteCommand("VB200", 4))), QString(""));
+    QCOMPARE(driver.getLastError(), QString("plc no response"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestLateAnswers::lateAnswerToAWriteIsThrownAway()
+{
+    ScriptedPort port;
+    port.expectsRequest().answers("e5").expectsPoll().answersLate(Answer("05 01 ff", 1)).expectsRequest();
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    QCOMPARE(driver.write(&port, byteCommand("VB10", 1), bytes("11")), 0);
+    QCOMPARE(driver.write(&port, byteCommand("VB10", 1), bytes("22")), 0);
     QCOMPARE(driver.getLastError(), QString("plc no response"));
     QVERIFY(port.scriptIsFinished());
 }

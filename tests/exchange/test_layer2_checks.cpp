@@ -1,26 +1,17 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What the driver makes of frames that are missing, short, malformed or foreign.
+// The checks of what the controller sent, one by one.
 
-#include "answer.h"
-#include "commands.h"
-#include "faults.h"
 #include "hex.h"
 #include "log_capture.h"
-#include "outcome.h"
-#include "sample_reads.h"
-#include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 
 #include <QtTest>
 
-#include <climits>
-
 namespace {
 
 const int kReceiveBufferSize = 262;
-const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
 
 // What an answer's check gets: the answer in a buffer that is zero behind it.
 class ReceiveBuffer
@@ -43,25 +34,6 @@ class TestLayer2Checks : public QObject
     Q_OBJECT
 
 private slots:
-    void faultGivesItsReasonAndOneLogLine_data();
-    void faultGivesItsReasonAndOneLogLine();
-    void everyFaultIsTriedAgain_data();
-    void everyFaultIsTriedAgain();
-    void nextRequestIsServedAfterAFault_data();
-    void nextRequestIsServedAfterAFault();
-    void refusalIsReadWith5MoreBytesAndNoPoll();
-    void refusalWithACarryInItsSumIsNotTaken();
-    void answerOfLength2FromStation8PassesOnlyLayer2();
-    void answerOfLength1IsPacketLoss();
-    void faultyReceiveResults_data();
-    void faultyReceiveResults();
-    void claimsOfMoreBytesThanAskedForCountAsAskedFor_data();
-    void claimsOfMoreBytesThanAskedForCountAsAskedFor();
-    void refusalOfMoreThanSixBytesIsPacketLoss();
-    void failedReceiveOfARefusalIsPacketLoss();
-    void refusalByteThatThePortDoesNotCountIsNoResponse();
-    void claimedHeadOfThreeBytesIsInvalid();
-
     void checkSCJudgesTheFirstByte_data();
     void checkSCJudgesTheFirstByte();
     void processSD1NAKNamesTheReason_data();
@@ -73,224 +45,6 @@ private slots:
     void passedCheckLeavesTheErrorState();
     void failedCheckWritesNoLogLine();
 };
-
-void TestLayer2Checks::faultGivesItsReasonAndOneLogLine_data()
-{
-    QTest::addColumn<QString>("sample");
-    QTest::addColumn<int>("faultIndex");
-    const QList<SampleRead> reads = sampleReads();
-    for (int i = 0; i < int(reads.size()); ++i) {
-        const QList<LineFault> faults = lineFaults(reads.at(i).item, 1);
-        for (int j = 0; j < int(faults.size()); ++j)
-            QTest::newRow((QByteArray(reads.at(i).name) + ": " + faults.at(j).name).constData())
-                << QString(reads.at(i).name) << j;
-    }
-}
-
-void TestLayer2Checks::faultGivesItsReasonAndOneLogLine()
-{
-    QFETCH(QString, sample);
-    QFETCH(int, faultIndex);
-    const SampleRead read = sampleRead(sample);
-    const LineFault fault = lineFaults(read.item, 1).at(faultIndex);
-    ScriptedPort port;
-    addAttempt(port, fault);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, read.command())), QString(""));
-    QVERIFY(driver.hasError());
-    QCOMPARE(driver.getLastError(), fault.text);
-    QCOMPARE(log.texts(), QStringList() << fault.text);
-    QVERIFY(port.scriptIsFinished());
-}
-
-void TestLayer2Checks::everyFaultIsTriedAgain_data()
-{
-    QTest::addColumn<int>("faultIndex");
-    const QList<LineFault> faults = lineFaults(kFourBytes, 1);
-    for (int i = 0; i < int(faults.size()); ++i)
-        QTest::newRow(faults.at(i).name.constData()) << i;
-}
-
-void TestLayer2Checks::everyFaultIsTriedAgain()
-{
-    QFETCH(int, faultIndex);
-    const SampleRead read = sampleRead("bytes of VB100");
-    ScriptedPort port;
-    port.retries(2);
-    for (int reference = 1; reference <= 3; ++reference)
-        addAttempt(port, lineFaults(read.item, reference).at(faultIndex));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, read.command());
-    QCOMPARE(port.requestsSent(), 3);
-    QCOMPARE(log.texts(), copies(lineFaults(read.item, 1).at(faultIndex).text, 3));
-    QVERIFY(port.scriptIsFinished());
-}
-
-void TestLayer2Checks::nextRequestIsServedAfterAFault_data()
-{
-    everyFaultIsTriedAgain_data();
-}
-
-void TestLayer2Checks::nextRequestIsServedAfterAFault()
-{
-    QFETCH(int, faultIndex);
-    const SampleRead read = sampleRead("bytes of VB100");
-    ScriptedPort port;
-    addAttempt(port, lineFaults(read.item, 1).at(faultIndex));
-    port.serves(Answer(kFourBytes, 2));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, read.command());
-    QCOMPARE(hex(driver.read(&port, read.command())), QString("11223344"));
-    QVERIFY(!driver.hasError());
-    QCOMPARE(driver.getLastError(), QString(""));
-    QVERIFY(port.scriptIsFinished());
-}
-
-void TestLayer2Checks::refusalIsReadWith5MoreBytesAndNoPoll()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10 00 02 02 04 16");
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(QStringList(port.events().mid(4)), QStringList() << "receive(1) -> 1"
-                                                              << "receive(5) -> 5"
-                                                              << "retry");
-    QVERIFY(port.scriptIsFinished());
-}
-
-// 00 + fe + 02 is 100, which the check sum can not hold.
-void TestLayer2Checks::refusalWithACarryInItsSumIsNotTaken()
-{
-    ScriptedPort port(254);
-    port.expectsRequest().answers("10 00 fe 02 00 16");
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("invalid response9"));
-}
-
-// Of such a frame the function code 08 is the check sum, too.
-void TestLayer2Checks::answerOfLength2FromStation8PassesOnlyLayer2()
-{
-    ScriptedPort port(8);
-    port.expectsRequest().answers("e5").expectsPoll().answers("68 02 02 68 00 08 08 16");
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(log.texts(), QStringList() << "invalid response");
-}
-
-void TestLayer2Checks::answerOfLength1IsPacketLoss()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("e5").expectsPoll().answers("68 01 01 68 00 02 08");
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(log.texts(), QStringList() << "packet loss");
-}
-
-void TestLayer2Checks::faultyReceiveResults_data()
-{
-    const QString tooShort("packet length < minimum second response");
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("acknowledgement, -1") << 1 << -1 << "plc no response";
-    QTest::newRow("acknowledgement, -1000") << 1 << -1000 << "plc no response";
-    QTest::newRow("acknowledgement, 0") << 1 << 0 << "plc no response";
-    QTest::newRow("head, -1") << 2 << -1 << tooShort;
-    QTest::newRow("head, 0") << 2 << 0 << tooShort;
-    QTest::newRow("head, 6") << 2 << 6 << tooShort;
-    QTest::newRow("rest, -1") << 3 << -1 << "packet loss";
-    QTest::newRow("rest, 0") << 3 << 0 << "packet loss";
-    QTest::newRow("rest, 23") << 3 << 23 << "packet loss";
-}
-
-void TestLayer2Checks::faultyReceiveResults()
-{
-    QFETCH(int, call);
-    QFETCH(int, result);
-    QFETCH(QString, text);
-    ScriptedPort port;
-    port.expectsRequest().answers("e5");
-    if (call > 1)
-        port.expectsPoll().answers(Answer(kFourBytes));
-    port.receiveClaims(call, result);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString(""));
-    QCOMPARE(driver.getLastError(), text);
-    QCOMPARE(log.texts(), QStringList() << text);
-    QVERIFY(port.scriptIsFinished());
-}
-
-void TestLayer2Checks::claimsOfMoreBytesThanAskedForCountAsAskedFor_data()
-{
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("result");
-    QTest::newRow("acknowledgement, 2") << 1 << 2;
-    QTest::newRow("acknowledgement, INT_MAX") << 1 << 0x7fffffff;
-    QTest::newRow("head, 8") << 2 << 8;
-    QTest::newRow("head, INT_MAX") << 2 << 0x7fffffff;
-    QTest::newRow("rest, 25") << 3 << 25;
-    QTest::newRow("rest, INT_MAX") << 3 << 0x7fffffff;
-}
-
-void TestLayer2Checks::claimsOfMoreBytesThanAskedForCountAsAskedFor()
-{
-    QFETCH(int, call);
-    QFETCH(int, result);
-    ScriptedPort port;
-    port.serves(Answer(kFourBytes)).receiveClaims(call, result);
-    DriverS7_200_PPI driver;
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString("11223344"));
-    QVERIFY(port.scriptIsFinished());
-}
-
-void TestLayer2Checks::refusalOfMoreThanSixBytesIsPacketLoss()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(2, INT_MAX);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("first NAK packet loss"));
-}
-
-void TestLayer2Checks::failedReceiveOfARefusalIsPacketLoss()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(2, -1);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("first NAK packet loss"));
-}
-
-void TestLayer2Checks::refusalByteThatThePortDoesNotCountIsNoResponse()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10").receiveClaims(1, 0);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("plc no response"));
-}
-
-void TestLayer2Checks::claimedHeadOfThreeBytesIsInvalid()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("e5").expectsPoll().answers("68 19 19").receiveClaims(2, 100);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("invalid response"));
-}
 
 void TestLayer2Checks::checkSCJudgesTheFirstByte_data()
 {

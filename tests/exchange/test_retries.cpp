@@ -1,12 +1,14 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The repetition of failed reads, the pauses between them, and the error state that they leave.
+// The repetition of failed reads and writes, the pauses between them, and the error state that they leave.
 
 #include "answer.h"
 #include "commands.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "outcome.h"
+#include "sample_rows.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 
@@ -16,27 +18,34 @@
 
 namespace {
 
-const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
-
 void expectSilentRequests(ScriptedPort &port, int count)
 {
     for (int i = 0; i < count; ++i)
         port.expectsRequest();
 }
 
-// The events of one read without those of sending and receiving.
-QStringList eventsAround(const ScriptedPort &port)
+// The calls of an attempt that nothing answers, when the port's delay is 0.
+QStringList silentAttempt(const QByteArray &request)
 {
-    QStringList events;
-    const QStringList all = port.events();
-    for (int i = 0; i < int(all.size()); ++i) {
-        const QString &event = all.at(i);
-        if (event == "delay" || event == "retry" || event == "pause 30 ms" || event == "pause 0 ms")
-            events += event;
-        else if (event.startsWith("send 68"))
-            events += "request";
-    }
+    return QStringList() << "delay"
+                         << "option 12 = 0"
+                         << "pause 12 ms"
+                         << "send " + hex(request) << "receive(1) -> 0"
+                         << "retry";
+}
+
+QStringList silentAttemptAfter(const char *pause, const QByteArray &request)
+{
+    QStringList events = silentAttempt(request);
+    events.insert(1, pause);
     return events;
+}
+
+// A call of the sample's operation on bytes, or on another type.
+Sample withType(Sample call, int dataType)
+{
+    call.dataType = dataType;
+    return call;
 }
 
 } // namespace
@@ -48,20 +57,28 @@ class TestRetries : public QObject
 private slots:
     void controllerThatNeverAnswersIsAskedRetryPlus1Times_data();
     void controllerThatNeverAnswersIsAskedRetryPlus1Times();
-    void everyAttemptFollowsAPause();
+    void everyAttemptFollowsThePortsPause_data();
+    void everyAttemptFollowsThePortsPause();
+    void delay0MakesNoPause_data();
     void delay0MakesNoPause();
+    void everyAttemptHasANewReference_data();
     void everyAttemptHasANewReference();
-    void successEndsTheAttempts();
-    void successAfterAFailureClearsTheError();
+    void successEndsTheAttemptsAndClearsTheError_data();
+    void successEndsTheAttemptsAndClearsTheError();
+    void lastErrorIsThatOfTheLastAttempt_data();
     void lastErrorIsThatOfTheLastAttempt();
+    void everyFailedAttemptIsLogged_data();
     void everyFailedAttemptIsLogged();
-    void errorOfAnEarlierReadIsCleared();
-    void wrongAnswersAreTriedAgain_data();
-    void wrongAnswersAreTriedAgain();
+    void errorOfAnEarlierCallIsCleared_data();
+    void errorOfAnEarlierCallIsCleared();
+    void answerToAnEarlierAttemptIsNotTaken_data();
+    void answerToAnEarlierAttemptIsNotTaken();
+
     void typesThatAreNotServedReturnAtOnce_data();
     void typesThatAreNotServedReturnAtOnce();
     void typesThatAreNotServedClearTheError_data();
     void typesThatAreNotServedClearTheError();
+    void typesThatAreNotServedUseNoReference_data();
     void typesThatAreNotServedUseNoReference();
 
     void newDriverHasNoErrorAndANullText();
@@ -72,191 +89,199 @@ private slots:
 
 void TestRetries::controllerThatNeverAnswersIsAskedRetryPlus1Times_data()
 {
+    addSampleColumn();
     QTest::addColumn<int>("retries");
     QTest::addColumn<int>("requests");
-    QTest::newRow("0") << 0 << 1;
-    QTest::newRow("1") << 1 << 2;
-    QTest::newRow("3") << 3 << 4;
-    QTest::newRow("10") << 10 << 11;
-    QTest::newRow("-1") << -1 << 1;
-    QTest::newRow("INT_MIN") << INT_MIN << 1;
+    for (const Sample &call : samples()) {
+        sampleRow(call, "0") << 0 << 1;
+        sampleRow(call, "1") << 1 << 2;
+        sampleRow(call, "2") << 2 << 3;
+        sampleRow(call, "3") << 3 << 4;
+        sampleRow(call, "10") << 10 << 11;
+        sampleRow(call, "-1") << -1 << 1;
+        sampleRow(call, "INT_MIN") << INT_MIN << 1;
+    }
 }
 
 void TestRetries::controllerThatNeverAnswersIsAskedRetryPlus1Times()
 {
+    QFETCH(QString, sample);
     QFETCH(int, retries);
     QFETCH(int, requests);
     ScriptedPort port;
     port.retries(retries);
     expectSilentRequests(port, requests);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString(""));
+    const Outcome outcome = outcomeOf(::sample(sample), port);
+    QCOMPARE(outcome.result, QString(""));
+    QVERIFY(outcome.failed);
+    QCOMPARE(outcome.reason, QString("plc no response"));
     QCOMPARE(port.requestsSent(), requests);
-    QVERIFY(driver.hasError());
-    QCOMPARE(driver.getLastError(), QString("plc no response"));
     QVERIFY(port.scriptIsFinished());
 }
 
-void TestRetries::everyAttemptFollowsAPause()
+void TestRetries::everyAttemptFollowsThePortsPause_data()
 {
+    addSampleRows();
+}
+
+void TestRetries::everyAttemptFollowsThePortsPause()
+{
+    QFETCH(QString, sample);
     ScriptedPort port;
     port.retries(2).delays(30);
     expectSilentRequests(port, 3);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(eventsAround(port), QStringList() << "delay"
-                                               << "pause 30 ms"
-                                               << "request"
-                                               << "retry"
-                                               << "delay"
-                                               << "pause 30 ms"
-                                               << "request"
-                                               << "retry"
-                                               << "delay"
-                                               << "pause 30 ms"
-                                               << "request"
-                                               << "retry");
+    outcomeOf(::sample(sample), port);
+    QCOMPARE(port.events(), silentAttemptAfter("pause 30 ms", port.frames().value(0)) +
+                                silentAttemptAfter("pause 30 ms", port.frames().value(1)) +
+                                silentAttemptAfter("pause 30 ms", port.frames().value(2)));
+}
+
+void TestRetries::delay0MakesNoPause_data()
+{
+    addSampleRows();
 }
 
 void TestRetries::delay0MakesNoPause()
 {
+    QFETCH(QString, sample);
     ScriptedPort port;
     port.retries(1);
     expectSilentRequests(port, 2);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(eventsAround(port), QStringList() << "delay"
-                                               << "request"
-                                               << "retry"
-                                               << "delay"
-                                               << "request"
-                                               << "retry");
+    outcomeOf(::sample(sample), port);
+    QCOMPARE(port.events(), silentAttempt(port.frames().value(0)) + silentAttempt(port.frames().value(1)));
+}
+
+void TestRetries::everyAttemptHasANewReference_data()
+{
+    addSampleRows();
 }
 
 void TestRetries::everyAttemptHasANewReference()
 {
+    QFETCH(QString, sample);
     ScriptedPort port;
     port.retries(2);
     expectSilentRequests(port, 3);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(hex(port.frames().value(0).mid(11, 2)), QString("0001"));
-    QCOMPARE(hex(port.frames().value(1).mid(11, 2)), QString("0002"));
-    QCOMPARE(hex(port.frames().value(2).mid(11, 2)), QString("0003"));
+    outcomeOf(::sample(sample), port);
+    QCOMPARE(referenceOf(port.frames().value(0)), QString("0001"));
+    QCOMPARE(referenceOf(port.frames().value(1)), QString("0002"));
+    QCOMPARE(referenceOf(port.frames().value(2)), QString("0003"));
 }
 
-void TestRetries::successEndsTheAttempts()
+void TestRetries::successEndsTheAttemptsAndClearsTheError_data()
 {
+    addSampleRows();
+}
+
+void TestRetries::successEndsTheAttemptsAndClearsTheError()
+{
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
     ScriptedPort port;
-    port.retries(3).delays(30).expectsRequest().serves(Answer(kFourBytes, 2));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(eventsAround(port), QStringList() << "delay"
-                                               << "pause 30 ms"
-                                               << "request"
-                                               << "retry"
-                                               << "delay"
-                                               << "pause 30 ms"
-                                               << "request");
+    port.retries(3).delays(30).expectsRequest().serves(Answer(call.item, 2));
+    const Outcome outcome = outcomeOf(call, port);
+    QCOMPARE(outcome.result, QString(call.result));
+    QVERIFY(!outcome.failed);
+    QVERIFY(outcome.reason.isEmpty());
+    QVERIFY(!outcome.reason.isNull());
+    QCOMPARE(QStringList(port.events().mid(0, 7)), silentAttemptAfter("pause 30 ms", port.frames().value(0)));
+    QCOMPARE(int(port.events().count("retry")), 1);
     QVERIFY(port.scriptIsFinished());
 }
 
-void TestRetries::successAfterAFailureClearsTheError()
+void TestRetries::lastErrorIsThatOfTheLastAttempt_data()
 {
-    ScriptedPort port;
-    port.retries(1).expectsRequest().serves(Answer(kFourBytes, 2));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString("11223344"));
-    QVERIFY(!driver.hasError());
-    QVERIFY(driver.getLastError().isEmpty());
-    QVERIFY(!driver.getLastError().isNull());
+    addSampleRows();
 }
 
 void TestRetries::lastErrorIsThatOfTheLastAttempt()
 {
+    QFETCH(QString, sample);
     ScriptedPort port;
     port.retries(2).expectsRequest().expectsRequest().answers("00").expectsRequest().answers(
         "10 00 02 03 05 16");
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(driver.getLastError(), QString("no service actived"));
+    QCOMPARE(outcomeOf(::sample(sample), port).reason, QString("no service actived"));
+}
+
+void TestRetries::everyFailedAttemptIsLogged_data()
+{
+    addSampleRows();
 }
 
 void TestRetries::everyFailedAttemptIsLogged()
 {
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
     ScriptedPort port;
-    port.retries(2).expectsRequest().expectsRequest().answers("00").serves(Answer(kFourBytes, 3));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
-    QCOMPARE(log.texts(), QStringList() << "plc no response"
-                                        << "invalid response");
+    port.retries(2).expectsRequest().expectsRequest().answers("00").serves(Answer(call.item, 3));
+    const QStringList failures = QStringList() << "plc no response"
+                                               << "invalid response";
+    QCOMPARE(outcomeOf(call, port).texts, call.isTraced ? failures + QStringList(QString("")) : failures);
 }
 
-void TestRetries::errorOfAnEarlierReadIsCleared()
+void TestRetries::errorOfAnEarlierCallIsCleared_data()
 {
+    addSampleRows();
+}
+
+void TestRetries::errorOfAnEarlierCallIsCleared()
+{
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
     ScriptedPort port;
-    port.expectsRequest().serves(Answer(kFourBytes, 2));
+    port.expectsRequest().serves(Answer(call.item, 2));
     DriverS7_200_PPI driver;
     LogCapture log;
-    driver.read(&port, byteCommand("VB100", 4));
+    resultOf(driver, port, call);
     QVERIFY(driver.hasError());
-    driver.read(&port, byteCommand("VB100", 4));
+    resultOf(driver, port, call);
     QVERIFY(!driver.hasError());
     QCOMPARE(driver.getLastError(), QString(""));
 }
 
-void TestRetries::wrongAnswersAreTriedAgain_data()
+void TestRetries::answerToAnEarlierAttemptIsNotTaken_data()
 {
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("another reference") << QByteArray(Answer(kFourBytes, 9));
-    QTest::newRow("error class") << QByteArray(
-        Answer(kFourBytes).withByte(Answer::kErrorClass, 0x85).sealed());
-    QTest::newRow("refused item") << QByteArray(Answer("04 01 05 00 00 00"));
-    QTest::newRow("no data") << QByteArray(Answer("04 01 ff 04 00 00"));
+    addSampleRows();
 }
 
-void TestRetries::wrongAnswersAreTriedAgain()
+void TestRetries::answerToAnEarlierAttemptIsNotTaken()
 {
-    QFETCH(QByteArray, answer);
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
     ScriptedPort port;
-    port.retries(1).serves(answer).serves(Answer(kFourBytes, 2));
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString("11223344"));
-    QVERIFY(port.scriptIsFinished());
+    port.retries(1).expectsRequest().serves(Answer(call.item, 1));
+    const Outcome outcome = outcomeOf(call, port);
+    QCOMPARE(outcome.result, QString(""));
+    QCOMPARE(outcome.reason, QString(call.invalidHeader));
 }
 
 void TestRetries::typesThatAreNotServedReturnAtOnce_data()
 {
+    addSampleColumn();
     QTest::addColumn<int>("dataType");
-    QTest::newRow("quad word") << 4;
-    QTest::newRow("7") << 7;
-    QTest::newRow("256") << 256;
-    QTest::newRow("INT_MAX") << INT_MAX;
-    QTest::newRow("-1") << -1;
-    QTest::newRow("INT_MIN") << INT_MIN;
+    const char *const calls[] = {"read bytes of VB100", "write bytes of VB100"};
+    for (const char *call : calls) {
+        sampleRow(sample(call), "quad word") << int(kQuadWord);
+        sampleRow(sample(call), "7") << 7;
+        sampleRow(sample(call), "256") << 256;
+        sampleRow(sample(call), "INT_MAX") << INT_MAX;
+        sampleRow(sample(call), "-1") << -1;
+        sampleRow(sample(call), "INT_MIN") << INT_MIN;
+    }
 }
 
 void TestRetries::typesThatAreNotServedReturnAtOnce()
 {
+    QFETCH(QString, sample);
     QFETCH(int, dataType);
     ScriptedPort port;
     port.retries(3).delays(7);
-    DriverS7_200_PPI driver;
-    LogCapture log;
-    QCOMPARE(hex(driver.read(&port, command(dataType, "VB100", 4))), QString(""));
+    const Outcome outcome = outcomeOf(withType(::sample(sample), dataType), port);
+    QCOMPARE(outcome.result, QString(""));
+    QVERIFY(!outcome.failed);
+    QCOMPARE(outcome.texts, QStringList());
     QCOMPARE(port.events(), QStringList() << "delay"
                                           << "pause 7 ms");
-    QVERIFY(!driver.hasError());
-    QCOMPARE(log.lines(), QStringList());
 }
 
 void TestRetries::typesThatAreNotServedClearTheError_data()
@@ -266,23 +291,32 @@ void TestRetries::typesThatAreNotServedClearTheError_data()
 
 void TestRetries::typesThatAreNotServedClearTheError()
 {
+    QFETCH(QString, sample);
     QFETCH(int, dataType);
     ScriptedPort port;
     DriverS7_200_PPI driver;
     driver.setCommError("earlier");
-    driver.read(&port, command(dataType, "VB100", 4));
+    resultOf(driver, port, withType(::sample(sample), dataType));
     QVERIFY(!driver.hasError());
     QVERIFY(driver.getLastError().isEmpty());
     QVERIFY(!driver.getLastError().isNull());
 }
 
+void TestRetries::typesThatAreNotServedUseNoReference_data()
+{
+    typesThatAreNotServedReturnAtOnce_data();
+}
+
 void TestRetries::typesThatAreNotServedUseNoReference()
 {
+    QFETCH(QString, sample);
+    QFETCH(int, dataType);
+    const Sample call = ::sample(sample);
     ScriptedPort port;
-    port.serves(Answer(kFourBytes, 1));
+    port.serves(Answer(call.item, 1));
     DriverS7_200_PPI driver;
-    driver.read(&port, command(kQuadWord, "VD100", 1));
-    QCOMPARE(hex(driver.read(&port, byteCommand("VB100", 4))), QString("11223344"));
+    resultOf(driver, port, withType(call, dataType));
+    QCOMPARE(resultOf(driver, port, call), QString(call.result));
 }
 
 void TestRetries::newDriverHasNoErrorAndANullText()

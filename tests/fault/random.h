@@ -9,6 +9,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <cstddef>
 #include <random>
 
 class Random
@@ -21,7 +22,7 @@ public:
     int between(int first, int last) { return first + below(last - first + 1); }
     bool oneIn(int chances) { return below(chances) == 0; }
 
-    template <typename T, int Size> T oneOf(const T (&values)[Size]) { return values[below(Size)]; }
+    template <typename T, size_t Size> T oneOf(const T (&values)[Size]) { return values[below(int(Size))]; }
 
     QByteArray bytes(int size)
     {

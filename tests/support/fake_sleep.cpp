@@ -8,10 +8,10 @@
 
 namespace {
 
-QList<qint64> g_pauses;
-int g_interruptions = 0;
-bool g_failure = false;
-void (*g_listener)(qint64) = nullptr;
+thread_local QList<qint64> g_pauses;
+thread_local int g_interruptions = 0;
+thread_local bool g_failure = false;
+thread_local void (*g_listener)(qint64) = nullptr;
 
 const qint64 kNanosecondsPerSecond = 1000000000;
 

@@ -3,6 +3,7 @@
 //
 // A test program that compiles fake_sleep.cpp gets its own nanosleep: pauses take no time and are
 // written down instead. The product has no hook for this; the linker prefers the program's function.
+// Every thread has its own list, plans and listener.
 
 #ifndef TESTS_FAKE_SLEEP_H
 #define TESTS_FAKE_SLEEP_H

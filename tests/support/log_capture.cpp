@@ -9,7 +9,7 @@ namespace {
 
 const char kDriverSource[] = "../../../runtime/drivers/simatic_s7_200_ppi/s7_200_ppi.cpp:";
 
-QStringList g_lines;
+thread_local QStringList g_lines;
 
 void keep(QtMsgType type, const QString &text)
 {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Keeps the messages written through Qt's message functions while it lives, instead of printing them.
-// One exists at a time.
+// One exists at a time; a thread sees in it what it wrote itself.
 
 #ifndef TESTS_LOG_CAPTURE_H
 #define TESTS_LOG_CAPTURE_H

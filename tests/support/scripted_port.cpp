@@ -16,7 +16,7 @@ namespace {
 const char kRequestStart = 0x68;
 const qint64 kNanosecondsPerMillisecond = 1000000;
 
-ScriptedPort *g_port = nullptr;
+thread_local ScriptedPort *g_port = nullptr;
 
 QByteArray pollOf(int station)
 {

@@ -7,7 +7,7 @@
 //     port.expects("10 02 00 5c 5e 16").answers("e5");
 //
 // It writes down every call in order, the driver's pauses among them, so a program that uses it also
-// compiles fake_sleep.cpp. One port exists at a time.
+// compiles fake_sleep.cpp. One port exists at a time in a thread.
 
 #ifndef TESTS_SCRIPTED_PORT_H
 #define TESTS_SCRIPTED_PORT_H

@@ -7,6 +7,7 @@
 #include "abstract_device_interface.h"
 #include "driver_interface.h"
 #include "hex.h"
+#include "tools/project_database.h"
 
 #include <QtTest>
 
@@ -32,7 +33,9 @@ public:
 
 struct EarlyHost
 {
-    EarlyHost() : driver(CreateDriver()), version(driver->getVersionNumber())
+    EarlyHost()
+        : driver(CreateDriver()), version(driver->getVersionNumber()),
+          directories(COMPILE_PATH + QLatin1Char('/') + DATABASE_PATH)
     {
         CommunicatorCommand command;
         command.dataType = 1;
@@ -45,6 +48,7 @@ struct EarlyHost
     SilentPort port;
     DriverInterface *driver;
     QString version;
+    QString directories;
 };
 
 EarlyHost g_earlyHost;
@@ -56,9 +60,15 @@ class TestStaticConstructor : public QObject
     Q_OBJECT
 
 private slots:
+    void theDirectoryNamesExist();
     void theVersionTextExists();
     void theAreaTableIsFilled();
 };
+
+void TestStaticConstructor::theDirectoryNamesExist()
+{
+    QCOMPARE(g_earlyHost.directories, QString("compile/database"));
+}
 
 void TestStaticConstructor::theVersionTextExists()
 {

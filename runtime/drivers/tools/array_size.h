@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Sizing arrays whose length comes from outside: sizes in 64 bits, and no exception when memory is short.
+/// @file
+/// Sizing arrays whose length comes from outside: sizes in 64 bits, and no exception when memory is short.
 
 #ifndef TOOLS_ARRAY_SIZE_H
 #define TOOLS_ARRAY_SIZE_H
@@ -12,8 +13,8 @@
 #include <cstring>
 #include <new>
 
-// Cuts the array, or fills it with zero bytes, to size bytes; a negative size counts as 0. False, and the
-// array as it was, when no array can be so long or memory does not reach.
+/// Cuts the array, or fills it with zero bytes, to size bytes; a negative size counts as 0. False, and the
+/// array as it was, when no array can be so long or memory does not reach.
 static inline bool resizeWithZeros(QByteArray &array, qint64 size)
 {
     if (size > INT_MAX)

@@ -64,10 +64,14 @@ QByteArray reverseArray(const QByteArray &bytes)
     return reversed;
 }
 
+// Not std::rotate: some compilers leave a visible copy of it in the library.
 template <typename Element> void RotateArray(Element *data, int n, int m)
 {
-    if (n > 0 && m > 0)
-        std::rotate(data, data + n, data + n + m);
+    if (n < 1 || m < 1)
+        return;
+    std::reverse(data, data + n);
+    std::reverse(data + n, data + n + m);
+    std::reverse(data, data + n + m);
 }
 
 template Q_DECL_EXPORT void RotateArray<unsigned char>(unsigned char *data, int n, int m);

@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Helpers for looking at what is going on.
+/// @file
+/// Helpers for looking at what is going on.
 
 #ifndef TOOLS_DIAGNOSTICS_H
 #define TOOLS_DIAGNOSTICS_H
@@ -11,14 +12,14 @@
 #include <QString>
 #include <QtGlobal>
 
-// True when the process exists, be it someone else's. 0 and negative numbers mean process groups, as they
-// do for kill().
+/// True when the process exists, be it someone else's. 0 and negative numbers mean process groups, as they
+/// do for kill().
 Q_DECL_EXPORT bool ProcessIsRunning(long long pid);
 
-// "(0X1 0Xab ) : " and the bytes as Latin-1 text up to the first zero byte.
+/// "(0X1 0Xab ) : " and the bytes as Latin-1 text up to the first zero byte.
 Q_DECL_EXPORT QString dumpByteArray(const QByteArray &bytes);
 
-// For operations that take a list of section sizes, where none is wanted.
+/// An empty list, for operations that take a list of section sizes where none is wanted.
 Q_DECL_EXPORT QList<int> EmptyPackageSizeList();
 
 #endif

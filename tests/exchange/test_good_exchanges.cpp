@@ -1,0 +1,376 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Reads and writes that succeed: frames, order of calls, stations, references, and what of an answer may
+// vary.
+
+#include "answer.h"
+#include "commands.h"
+#include "fake_sleep.h"
+#include "hex.h"
+#include "log_capture.h"
+#include "outcome.h"
+#include "sample_rows.h"
+#include "scripted_port.h"
+#include "silent_port.h"
+#include "simatic_s7_200_ppi/s7_200_ppi.h"
+
+#include <QtTest>
+
+namespace {
+
+const char kPoll[] = "10 02 00 5c 5e 16";
+const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
+const char kTaken1[] = "68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 01 00 00 05 01 ff 48 16";
+
+QByteArray requestToStation2(const Sample &sample)
+{
+    ScriptedPort port(2);
+    port.expectsRequest();
+    outcomeOf(sample, port);
+    return port.frames().value(0);
+}
+
+// A table with a read and a write of bytes.
+void addOneOfEachOperation()
+{
+    addSampleColumn();
+    sampleRow(sample("read bytes of VB100"));
+    sampleRow(sample("write bytes of VB100"));
+}
+
+} // namespace
+
+class TestGoodExchanges : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void readIsThisConversation_data();
+    void readIsThisConversation();
+    void writeIsThisConversation_data();
+    void writeIsThisConversation();
+    void everyKindGivesItsResult_data();
+    void everyKindGivesItsResult();
+    void successLeavesAnEmptyTextAndNoLogLine_data();
+    void successLeavesAnEmptyTextAndNoLogLine();
+    void portIsCalledInThisOrder_data();
+    void portIsCalledInThisOrder();
+    void pauseCutShortByASignalIsResumed();
+    void onlyTheLowByteOfTheStationIsSent_data();
+    void onlyTheLowByteOfTheStationIsSent();
+    void referenceAdvancesWithEveryCall();
+    void readsAndWritesShareTheReference();
+    void referenceIsThatOfTheObject();
+    void referenceWrapsFrom65535To0();
+    void answerToReference0IsTaken_data();
+    void answerToReference0IsTaken();
+    void headerFieldsThatMayVary_data();
+    void headerFieldsThatMayVary();
+    void bytesBehindTheAcknowledgementAreThrownAway_data();
+    void bytesBehindTheAcknowledgementAreThrownAway();
+};
+
+void TestGoodExchanges::readIsThisConversation_data()
+{
+    QTest::addColumn<CommunicatorCommand>("read");
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("data");
+    QTest::newRow("4 bytes of VB100") << byteCommand("VB100", 4)
+                                      << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                                               "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16")
+                                      << bytes("68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00"
+                                               "04 01 ff 04 00 20 11 22 33 44 1c 16")
+                                      << "11223344";
+    QTest::newRow("6 bytes of VD100")
+        << byteCommand("VD100", 6)
+        << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                 "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16")
+        << QByteArray(Answer("04 01 ff 04 00 40 11 22 33 44 55 66 77 88")) << "443322118877";
+    QTest::newRow("2 words of VW100") << wordCommand("VW100", 2)
+                                      << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                                               "04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16")
+                                      << bytes("68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00"
+                                               "04 01 ff 04 00 20 11 22 33 44 1c 16")
+                                      << "22114433";
+    QTest::newRow("2 double words of VD100")
+        << doubleWordCommand("VD100", 2)
+        << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                 "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16")
+        << QByteArray(Answer("04 01 ff 04 00 40 11 22 33 44 55 66 77 88")) << "4433221188776655";
+    QTest::newRow("8 bits of V10.0") << bitCommand("V10.0", 8)
+                                     << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                                              "04 01 12 0a 10 02 00 01 00 01 84 00 00 50 b9 16")
+                                     << QByteArray(Answer("04 01 ff 04 00 08 a5")) << "0100010000010001";
+    QTest::newRow("3 bytes of T37") << byteCommand("T37", 3)
+                                    << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                                             "04 01 12 0a 10 1f 00 02 00 00 1f 00 00 25 46 16")
+                                    << bytes("68 1f 1f 68 00 02 08 32 03 00 00 00 01 00 02 00 0e 00 00"
+                                             "04 01 ff 09 00 0a 02 00 00 12 34 00 00 00 56 78 7d 16")
+                                    << "341278";
+}
+
+void TestGoodExchanges::readIsThisConversation()
+{
+    QFETCH(CommunicatorCommand, read);
+    QFETCH(QByteArray, request);
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, data);
+    ScriptedPort port;
+    port.expects(request).answers("e5").expects(kPoll).answers(answer);
+    QCOMPARE(outcomeOfRead(read, port).result, data);
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::writeIsThisConversation_data()
+{
+    QTest::addColumn<CommunicatorCommand>("write");
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("3 bytes of VB10")
+        << byteCommand("VB10", 3) << bytes("11 22 33")
+        << bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
+                 "05 01 12 0a 10 02 00 03 00 01 84 00 00 50 00 04 00 18 11 22 33 45 16")
+        << bytes(kTaken1);
+    QTest::newRow("2 words of VW10")
+        << wordCommand("VW10", 2) << bytes("34 12 78 56")
+        << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+                 "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 56 78 fd 16")
+        << bytes(kTaken1);
+    QTest::newRow("1 double word of VD4")
+        << doubleWordCommand("VD4", 1) << bytes("44 33 22 11")
+        << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+                 "05 01 12 0a 10 06 00 01 00 01 84 00 00 20 00 04 00 20 11 22 33 44 64 16")
+        << bytes(kTaken1);
+    QTest::newRow("1 bit of V10.3") << bitCommand("V10.3", 1) << bytes("01")
+                                    << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+                                             "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16")
+                                    << bytes(kTaken1);
+    QTest::newRow("3 bits over the end of a byte")
+        << bitCommand("V10.6", 3) << bytes("01 00 01")
+        << bytes("68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
+                 "05 03 12 0a 10 01 00 01 00 01 84 00 00 56 12 0a 10 01 00 01 00 01 84 00 00 57"
+                 "12 0a 10 01 00 01 00 01 84 00 00 58"
+                 "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16")
+        << bytes("68 14 14 68 00 02 08 32 03 00 00 00 01 00 02 00 03 00 00 05 03 ff ff ff 4a 16");
+    QTest::newRow("2 bytes of T37")
+        << byteCommand("T37", 2) << bytes("2c 01")
+        << bytes("68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
+                 "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 25 00 04 00 28 00 00 00 01 2c a8 16")
+        << bytes(kTaken1);
+}
+
+void TestGoodExchanges::writeIsThisConversation()
+{
+    QFETCH(CommunicatorCommand, write);
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, request);
+    QFETCH(QByteArray, answer);
+    ScriptedPort port;
+    port.expects(request).answers("e5").expects(kPoll).answers(answer);
+    QCOMPARE(outcomeOfWrite(write, data, port).result, QString(kTaken));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::everyKindGivesItsResult_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::everyKindGivesItsResult()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    ScriptedPort port;
+    port.serves(Answer(good.item));
+    QCOMPARE(outcomeOf(good, port).result, QString(good.result));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::successLeavesAnEmptyTextAndNoLogLine_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::successLeavesAnEmptyTextAndNoLogLine()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    const Outcome outcome = outcomeOf(good, Answer(good.item));
+    QVERIFY(!outcome.failed);
+    QVERIFY(outcome.reason.isEmpty());
+    QVERIFY(!outcome.reason.isNull());
+    QCOMPARE(outcome.texts, good.isTraced ? QStringList(QString("")) : QStringList());
+}
+
+void TestGoodExchanges::portIsCalledInThisOrder_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::portIsCalledInThisOrder()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    const QByteArray answer = Answer(good.item);
+    const int rest = int(answer.size()) - 7;
+    ScriptedPort port;
+    port.delays(30).serves(answer);
+    outcomeOf(good, port);
+    QCOMPARE(port.events(), QStringList() << "delay"
+                                          << "pause 30 ms"
+                                          << "option 12 = 0"
+                                          << "pause 12 ms"
+                                          << "send " + hex(port.frames().value(0)) << "receive(1) -> 1"
+                                          << "option 12 = 0"
+                                          << "pause 12 ms"
+                                          << "send 1002005c5e16"
+                                          << "receive(7) -> 7" << QString("receive(%1) -> %1").arg(rest));
+}
+
+void TestGoodExchanges::pauseCutShortByASignalIsResumed()
+{
+    ScriptedPort port;
+    FakeSleep::interruptNext(1);
+    DriverS7_200_PPI driver;
+    driver.read(&port, byteCommand("VB100", 4));
+    QCOMPARE(QStringList(port.events().mid(0, 4)), QStringList() << "delay"
+                                                                 << "option 12 = 0"
+                                                                 << "pause 12 ms"
+                                                                 << "pause 6 ms");
+}
+
+void TestGoodExchanges::onlyTheLowByteOfTheStationIsSent_data()
+{
+    addSampleColumn();
+    QTest::addColumn<int>("station");
+    for (const Sample &good : samples()) {
+        sampleRow(good, "station 258") << 258;
+        sampleRow(good, "station 32514") << 32514;
+    }
+}
+
+void TestGoodExchanges::onlyTheLowByteOfTheStationIsSent()
+{
+    QFETCH(QString, sample);
+    QFETCH(int, station);
+    const Sample good = ::sample(sample);
+    const QByteArray request = requestToStation2(good);
+    ScriptedPort port(station);
+    port.expects(request).answers("e5").expects(kPoll).answers(Answer(good.item));
+    QCOMPARE(outcomeOf(good, port).result, QString(good.result));
+    QCOMPARE(hex(port.frames().value(0).mid(4, 3)), QString("02006c"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::referenceAdvancesWithEveryCall()
+{
+    const QList<Sample> all = samples();
+    ScriptedPort port;
+    for (int i = 0; i < int(all.size()); ++i)
+        port.serves(Answer(all.at(i).item, i + 1));
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    for (int i = 0; i < int(all.size()); ++i) {
+        QCOMPARE(resultOf(driver, port, all.at(i)), QString(all.at(i).result));
+        QCOMPARE(referenceOf(port.frames().value(2 * i)).toInt(nullptr, 16), i + 1);
+    }
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::readsAndWritesShareTheReference()
+{
+    const Sample read = sample("read bytes of VB100");
+    const Sample write = sample("write bytes of VB100");
+    ScriptedPort port;
+    port.serves(Answer(write.item, 1)).serves(Answer(read.item, 2)).serves(Answer(write.item, 3));
+    DriverS7_200_PPI driver;
+    QCOMPARE(resultOf(driver, port, write), QString(kTaken));
+    QCOMPARE(resultOf(driver, port, read), QString("11223344"));
+    QCOMPARE(resultOf(driver, port, write), QString(kTaken));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::referenceIsThatOfTheObject()
+{
+    ScriptedPort port;
+    port.serves(Answer(kFourBytes, 1)).serves(Answer(kFourBytes, 1));
+    DriverS7_200_PPI one;
+    DriverS7_200_PPI other;
+    QCOMPARE(hex(one.read(&port, byteCommand("VB100", 4))), QString("11223344"));
+    QCOMPARE(hex(other.read(&port, byteCommand("VB100", 4))), QString("11223344"));
+}
+
+void TestGoodExchanges::referenceWrapsFrom65535To0()
+{
+    SilentPort port(65536);
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    driver.read(&port, byteCommand("VB100", 4));
+    QCOMPARE(int(port.references.size()), 65537);
+    QCOMPARE(port.references.at(0), 1);
+    QCOMPARE(port.references.mid(65533), QList<int>() << 65534 << 65535 << 0 << 1);
+}
+
+void TestGoodExchanges::answerToReference0IsTaken_data()
+{
+    addOneOfEachOperation();
+}
+
+void TestGoodExchanges::answerToReference0IsTaken()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    DriverS7_200_PPI driver;
+    LogCapture log;
+    SilentPort silent(65534);
+    driver.read(&silent, byteCommand("VB100", 4));
+    QCOMPARE(silent.references.last(), 65535);
+    ScriptedPort port;
+    port.serves(Answer(good.item, 0));
+    QCOMPARE(resultOf(driver, port, good), QString(good.result));
+    QCOMPARE(referenceOf(port.frames().value(0)), QString("0000"));
+}
+
+void TestGoodExchanges::headerFieldsThatMayVary_data()
+{
+    addSampleColumn();
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<int>("value");
+    for (const Sample &good : samples()) {
+        sampleRow(good, "acknowledgement, message type 2") << int(Answer::kMessageType) << 2;
+        sampleRow(good, "parameter length 0") << int(Answer::kParameterLength + 1) << 0;
+        sampleRow(good, "data length 0") << int(Answer::kDataLength + 1) << 0;
+        sampleRow(good, "data length above 65280") << int(Answer::kDataLength) << 0xff;
+    }
+}
+
+void TestGoodExchanges::headerFieldsThatMayVary()
+{
+    QFETCH(QString, sample);
+    QFETCH(int, offset);
+    QFETCH(int, value);
+    const Sample good = ::sample(sample);
+    const Answer answer = Answer(good.item).withByte(offset, value).sealed();
+    QCOMPARE(outcomeOf(good, answer).result, QString(good.result));
+}
+
+void TestGoodExchanges::bytesBehindTheAcknowledgementAreThrownAway_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::bytesBehindTheAcknowledgementAreThrownAway()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    ScriptedPort port;
+    port.expectsRequest().answers("e5 00 ff 16").expectsPoll().answers(Answer(good.item));
+    QCOMPARE(outcomeOf(good, port).result, QString(good.result));
+}
+
+QTEST_APPLESS_MAIN(TestGoodExchanges)
+
+#include "test_good_exchanges.moc"
