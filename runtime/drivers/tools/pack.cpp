@@ -370,7 +370,7 @@ QByteArray ByteArrayPack(const char *format, ...)
 {
     Arguments arguments;
     va_start(arguments.list, format);
-    const QByteArray packed = packInArray(format, arguments);
+    QByteArray packed = packInArray(format, arguments);
     va_end(arguments.list);
     return packed;
 }
@@ -379,7 +379,7 @@ QByteArray VByteArrayPack(const char *format, va_list values)
 {
     Arguments arguments;
     va_copy(arguments.list, values);
-    const QByteArray packed = packInArray(format, arguments);
+    QByteArray packed = packInArray(format, arguments);
     va_end(arguments.list);
     return packed;
 }
