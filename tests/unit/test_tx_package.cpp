@@ -88,6 +88,8 @@ private slots:
     void byteArrayDataIsACopy();
     void appendingItsOwnBytesWorks();
     void appendingWithoutMemoryLeavesThePackage();
+    void appendingTextWithoutMemoryLeavesThePackage();
+    void sectionThatMakesTheFrameTooLongIsRefused();
     void settingDataWithoutMemoryLeavesThePackage();
     void toStringShowsBytesAndText_data();
     void toStringShowsBytesAndText();
@@ -542,6 +544,30 @@ void TestTxPackage::appendingWithoutMemoryLeavesThePackage()
     QCOMPARE(package.numberOfSections(), 1 + appended);
     QCOMPARE(package.totalSize(), 1 + appended * kSize);
     QCOMPARE(hex(package.dataAt(0)), QString("01"));
+}
+
+// Of the text and the section only the first character and byte exist; no more of them is looked at.
+void TestTxPackage::appendingTextWithoutMemoryLeavesThePackage()
+{
+    const QChar character('x');
+    const QString text = QString::fromRawData(&character, 1000000000);
+    TxPackage package;
+    package.appendByte(1);
+    const ShortMemory shortage;
+    QCOMPARE(package.appendString(text), false);
+    QCOMPARE(sizesOf(package), QString("1"));
+    QCOMPARE(frameOf(package), QString("01"));
+}
+
+void TestTxPackage::sectionThatMakesTheFrameTooLongIsRefused()
+{
+    const char byte = 2;
+    const QByteArray longest = QByteArray::fromRawData(&byte, INT_MAX);
+    TxPackage package;
+    package.appendByte(1);
+    QCOMPARE(package.appendSection(longest), false);
+    QCOMPARE(sizesOf(package), QString("1"));
+    QCOMPARE(frameOf(package), QString("01"));
 }
 
 void TestTxPackage::settingDataWithoutMemoryLeavesThePackage()

@@ -25,8 +25,9 @@ Q_DECL_EXPORT QByteArray ExtractPrefixSymbol(const QString &text);
 Q_DECL_EXPORT QByteArray ExtractPrefixSymbol(const QByteArray &text);
 
 /// The number from the first digit of the base to the end of the text; base is 8, 10 or 16, any other gives
-/// -1. In base 16 the letters A to F of a prefix are digits, too: DB10 is 0xDB10. 0 when there is no digit,
-/// when anything else, such as a dot or a blank, follows, or when the number is no int.
+/// -1. In base 16 the letters A to F of a prefix are digits, too: DB10 is 0xDB10. Kept: a number may begin in
+/// a prefix (numberBeginsAtTheFirstDigitOfTheBase). 0 when there is no digit, when anything else, such as a
+/// dot or a blank, follows, or when the number is no int.
 Q_DECL_EXPORT int ExtractPLCDeviceAddress(const QString &text, int base);
 
 /// The same for a text of bytes.

@@ -71,7 +71,8 @@ Q_DECL_EXPORT void CopyBits(QByteArray &dest, QByteArray &src, int destStart, in
 
 /// Shifts the array, read as one number with byte 0 the least significant, right by n bits. The n / 8 whole
 /// bytes that are shifted out are not lost: they stand unchanged behind the others, and the rest of the
-/// shift leaves them out. A shift by the whole array or more therefore changes nothing, nor does one below 1.
+/// shift leaves them out. Kept: they are not zeroed (shiftKeepsWholeBytesAtTheEnd). A shift by the whole
+/// array or more therefore changes nothing, nor does one below 1.
 Q_DECL_EXPORT void RightShiftNBits(QByteArray &bits, int n);
 
 #endif

@@ -34,8 +34,9 @@
 #include <cstdarg>
 
 /// Packs into buffer, allocating nothing. Returns the number of bytes written, skipped ones included; 0
-/// for an empty format and for an unknown letter, -1 for an error in a counted item. After an error the
-/// items in front of it are packed.
+/// for an empty format and for an unknown letter (kept:
+/// unknownLetterEndsPackingWithZeroAndUnpackingWithMinusOne), -1 for an error in a counted item. After an
+/// error the items in front of it are packed.
 Q_DECL_EXPORT int DataPack(unsigned char *buffer, const char *format, ...);
 
 /// The same with a list of arguments, which stays as it was: the caller starts and ends it.

@@ -35,23 +35,31 @@ class Lookup
 {
 public:
     Lookup(const QString &connection, const char *statement, const QVariantList &values)
-        : database(QSqlDatabase::database(connection, true)), query(database)
+        : database(QSqlDatabase::database(connection, true)), query(database), hasRun(false)
     {
         if (!database.isOpen() || !query.prepare(QLatin1String(statement)))
             return;
         for (int i = 0; i < static_cast<int>(values.size()); ++i)
             query.addBindValue(values.at(i));
-        query.exec();
+        hasRun = query.exec();
     }
 
-    bool next() { return query.next(); }
+    bool next() { return hasRun && query.next(); }
     int number(int column) const { return query.value(column).toInt(); }
     unsigned int unsignedNumber(int column) const { return query.value(column).toUInt(); }
 
 private:
     QSqlDatabase database;
     QSqlQuery query;
+    bool hasRun;
 };
+
+// The directory of that name, or parent when it has none.
+QDir existingOrParent(const QDir &parent, const QString &name)
+{
+    QDir directory(parent);
+    return directory.cd(name) ? directory : parent;
+}
 
 void append(QList<LinkIdStationId> &records, int linkId, unsigned int stationId)
 {
@@ -74,16 +82,12 @@ QString notNull(const QString &text)
 
 QDir GetCompilePath()
 {
-    QDir directory(QCoreApplication::applicationDirPath());
-    directory.cd(COMPILE_PATH);
-    return directory;
+    return existingOrParent(QDir(QCoreApplication::applicationDirPath()), COMPILE_PATH);
 }
 
 QString GetDatabaseName()
 {
-    QDir directory = GetCompilePath();
-    directory.cd(DATABASE_PATH);
-    return directory.absoluteFilePath(QLatin1String("database"));
+    return existingOrParent(GetCompilePath(), DATABASE_PATH).absoluteFilePath(QLatin1String("database"));
 }
 
 int DevStrToHmiPort(const QString &dev_str)

@@ -74,12 +74,12 @@ bool TxPackage::appendByte2Ascii(unsigned char value)
 
 bool TxPackage::appendLRCByte()
 {
-    return appendByte(UInt8CheckSum(bytes(), totalSize()));
+    return appendByte(UInt8CheckSum(unsignedBytes(), totalSize()));
 }
 
 bool TxPackage::appendLRCAscii()
 {
-    return appendHexadecimal(UInt8CheckSum(bytes(), totalSize()));
+    return appendHexadecimal(UInt8CheckSum(unsignedBytes(), totalSize()));
 }
 
 bool TxPackage::appendFCSAscii(int)
@@ -89,7 +89,7 @@ bool TxPackage::appendFCSAscii(int)
 
 unsigned char TxPackage::calculateFCS(TxPackage *package, int n)
 {
-    return package ? XorUInt8CheckSum(package->bytes(), package->totalSize() - std::max(n, 0)) : '\0';
+    return package ? XorUInt8CheckSum(package->unsignedBytes(), package->totalSize() - std::max(n, 0)) : '\0';
 }
 
 int TxPackage::numberOfSections() const
@@ -119,7 +119,7 @@ int TxPackage::sectionSize(int i) const
 
 QByteArray TxPackage::dataAt(int i) const
 {
-    return section(i, sectionSize(i));
+    return bytesOf(i, sectionSize(i));
 }
 
 int TxPackage::arrayToInt(const QByteArray &bytes)
@@ -210,10 +210,10 @@ int TxPackage::sizeThrough(int i, int lookups) const
     if (lookups == 0 || stored == INT_MIN)
         return 0;
     const int lengthField = -stored;
-    return arrayToInt(section(lengthField, sizeThrough(lengthField, lookups - 1)));
+    return arrayToInt(bytesOf(lengthField, sizeThrough(lengthField, lookups - 1)));
 }
 
-QByteArray TxPackage::section(int i, int size) const
+QByteArray TxPackage::bytesOf(int i, int size) const
 {
     if (!validSectionNumber(i))
         return QByteArray();
@@ -223,7 +223,7 @@ QByteArray TxPackage::section(int i, int size) const
     return begin < end ? frame->mid(static_cast<int>(begin), static_cast<int>(end - begin)) : QByteArray();
 }
 
-const unsigned char *TxPackage::bytes() const
+const unsigned char *TxPackage::unsignedBytes() const
 {
     return reinterpret_cast<const unsigned char *>(frame->constData());
 }

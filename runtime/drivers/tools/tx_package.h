@@ -117,8 +117,8 @@ private:
     template <typename Value> Q_DECL_HIDDEN bool appendLittleEndian(Value value);
     Q_DECL_HIDDEN bool appendHexadecimal(unsigned char value);
     Q_DECL_HIDDEN int sizeThrough(int i, int lookups) const;
-    Q_DECL_HIDDEN QByteArray section(int i, int size) const;
-    Q_DECL_HIDDEN const unsigned char *bytes() const;
+    Q_DECL_HIDDEN QByteArray bytesOf(int i, int size) const;
+    Q_DECL_HIDDEN const unsigned char *unsignedBytes() const;
 
     QByteArray *frame;
     QList<int> sectionSizes;
