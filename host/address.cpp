@@ -89,7 +89,7 @@ AddressKind kindOf(const QString &prefix)
 
 int numberWithin(const Address &address, quint64 number)
 {
-    const int largest = address.isObject() ? kMaxObjectNumber : kMaxByteNumber;
+    const int largest = address.isObject() ? kMaxObjectNumber : kMaxByteNumber - address.elementWidth + 1;
     const int within = int(std::min<quint64>(number, quint64(largest)));
     return address.kind == AddressKind::Analog ? within & ~1 : within;
 }
@@ -120,12 +120,12 @@ QList<Address> nearest(const Parts &parts)
     return {makeAddress(prefix, parts.number, 0)};
 }
 
-QString joined(const QList<Address> &addresses)
+QStringList textsOf(const QList<Address> &addresses)
 {
     QStringList texts;
     for (const Address &address : addresses)
         texts << address.text();
-    return texts.join(" or ");
+    return texts;
 }
 
 } // namespace
@@ -153,8 +153,25 @@ Address parseAddress(const QString &text)
     if (addresses.isEmpty())
         throw Failure(ExitCode::Usage, complaint, kAreasHint);
     if (addresses.first().text() != text)
-        throw Failure(ExitCode::Usage, complaint, "write " + joined(addresses) + " instead of " + text);
+        throw Failure(ExitCode::Usage, complaint,
+                      "write " + textsOf(addresses).join(" or ") + " instead of " + text);
     return addresses.first();
+}
+
+QStringList nearestAddresses(const QString &text)
+{
+    Parts parts;
+    return takeApart(text, parts) ? textsOf(nearest(parts)) : QStringList();
+}
+
+Address firstAddress(const Address &like)
+{
+    return makeAddress(like.prefix, 0, 0);
+}
+
+Address lastAddress(const Address &like)
+{
+    return makeAddress(like.prefix, kMaxByteNumber, like.kind == AddressKind::Bit ? 7 : 0);
 }
 
 } // namespace host

@@ -37,6 +37,13 @@ struct Address
 // The address that a text names, or a failure whose hint names the nearest valid texts.
 Address parseAddress(const QString &text);
 
+// The valid texts nearest to one; that text alone when it is valid, nothing when it is like no address.
+QStringList nearestAddresses(const QString &text);
+
+// What can be named with the address's letters, from the first to the last.
+Address firstAddress(const Address &like);
+Address lastAddress(const Address &like);
+
 } // namespace host
 
 #endif

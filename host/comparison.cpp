@@ -27,7 +27,7 @@ QString valueTextAt(Item item, const QByteArray &data, int index)
 
 void checkReadBack(const Assignment &assignment, const QByteArray &data)
 {
-    const Item &item = assignment.item;
+    const Item &item = assignment.tag.item;
     const QByteArray &written = assignment.data;
     const auto difference = std::mismatch(written.begin(), written.end(), data.begin(), data.end());
     if (difference.first == written.end() && difference.second == data.end())

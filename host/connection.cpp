@@ -8,11 +8,34 @@
 #include "port_choice.h"
 #include "report.h"
 
+#include <QDeadlineTimer>
+
+#include <algorithm>
+
+#include <poll.h>
+
 namespace host {
 
 namespace {
 
 const char kSimulatorName[] = "sim";
+
+// Milliseconds between two tries to open a lost port again; each pause is twice the one before. The first
+// try needs none, unless the port was lost before it brought anything.
+constexpr int kFirstPause = 500;
+constexpr int kLongestPause = 10000;
+
+// Pauses are cut into slices so that a signal is seen soon; milliseconds.
+constexpr int kSlice = 50;
+
+void pauseFor(int milliseconds)
+{
+    const QDeadlineTimer end(milliseconds);
+    while (!end.hasExpired() && interruptingSignal() == 0)
+        poll(nullptr, 0, int(std::min<qint64>(end.remainingTime(), kSlice)));
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+}
 
 Timing timingWith(const DriverSetting &defaults, const Options &options)
 {
@@ -22,8 +45,9 @@ Timing timingWith(const DriverSetting &defaults, const Options &options)
 
 } // namespace
 
-Connection::Connection(const Options &options)
-    : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options))
+Connection::Connection(const Options &options, FrameListener *watcher_)
+    : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)), watcher(watcher_),
+      reconnects(options.reconnect), tell(reportNote)
 {
     openPort(choosePort(options), options);
     plugin.driver().setDebugMode(options.verbose);
@@ -54,18 +78,40 @@ QString Connection::startSimulator()
 void Connection::openPort(const QString &name, const Options &options)
 {
     const LineSettings line = withOptions(lineSettings(*plugin.serialDefaults()), options);
-    port = std::make_unique<SerialPort>(name, line, timing);
+    port = std::make_unique<SerialPort>(name, line, timing,
+                                        options.rs485 ? Direction::ByKernel : Direction::ByAdapter);
     AbstractDeviceInterface *device = port.get();
-    if (options.verbose) {
-        openTrace(line);
-        device = trace.get();
+    if (options.echo) {
+        echo = std::make_unique<EchoPort>(*device);
+        device = echo.get();
     }
-    counter = std::make_unique<CountingPort>(*device);
+    counter = std::make_unique<CountingPort>(*withTrace(device, line, options));
 }
 
-void Connection::openTrace(const LineSettings &line)
+AbstractDeviceInterface *Connection::withTrace(AbstractDeviceInterface *device, const LineSettings &line,
+                                               const Options &options)
 {
-    trace = std::make_unique<TracingPort>(*port, reportTrace);
+    std::vector<FrameListener *> listeners;
+    if (options.verbose) {
+        showLine(line);
+        lines = std::make_unique<FrameLines>(reportTrace);
+        listeners.push_back(lines.get());
+    }
+    if (options.trace) {
+        traceFile = std::make_unique<TraceFile>(QString::fromStdString(*options.trace),
+                                                port->portName() + ", " + lineText(line));
+        listeners.push_back(traceFile.get());
+    }
+    if (watcher)
+        listeners.push_back(watcher);
+    if (listeners.empty())
+        return device;
+    trace = std::make_unique<TracingPort>(*device, listeners);
+    return trace.get();
+}
+
+void Connection::showLine(const LineSettings &line) const
+{
     reportNote(port->portName() + ": " + lineText(line));
     if (!port->lineNote().isEmpty())
         reportNote(port->portName() + " is a pseudo-terminal: " + port->lineNote());
@@ -73,15 +119,24 @@ void Connection::openTrace(const LineSettings &line)
 
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
-    QByteArray data = plugin.driver().read(counter.get(), command);
-    checkOutcome();
-    return data;
+    while (true) {
+        QByteArray data = plugin.driver().read(counter.get(), command);
+        if (isAlive()) {
+            nextPause = 0;
+            checkOutcome();
+            return data;
+        }
+        awaitPort();
+    }
 }
 
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
-    if (plugin.driver().write(counter.get(), command, data) != 0)
+    if (plugin.driver().write(counter.get(), command, data) != 0) {
+        checkTrace();
         return;
+    }
+    checkPort();
     checkOutcome();
     throw driverFailure(QString());
 }
@@ -89,23 +144,68 @@ void Connection::write(const CommunicatorCommand &command, const QByteArray &dat
 void Connection::idle(int milliseconds)
 {
     port->idle(milliseconds);
-    checkPort();
+    if (!isAlive())
+        awaitPort();
+}
+
+// Whether there still is a port to go on with.
+bool Connection::isAlive() const
+{
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+    return !port->isLost();
 }
 
 void Connection::checkPort() const
 {
-    if (interruptingSignal() != 0)
-        throw Interrupted();
-    if (port->isLost())
-        throw Failure(ExitCode::PortLost, "the port is gone",
-                      "was the adapter unplugged? plug it in and start again");
+    if (!isAlive())
+        throw Failure(
+            ExitCode::PortLost, "the port is gone",
+            "was the adapter unplugged? plug it in and start again, or let --reconnect wait for it");
+}
+
+void Connection::checkTrace() const
+{
+    if (traceFile && traceFile->failure())
+        throw Failure(*traceFile->failure());
 }
 
 void Connection::checkOutcome()
 {
-    checkPort();
+    checkTrace();
+    if (const std::optional<Failure> failure = echo ? echo->takeFailure() : std::nullopt)
+        throw Failure(*failure);
     if (plugin.driver().hasError())
         throw driverFailure(plugin.driver().getLastError());
+}
+
+void Connection::awaitPort()
+{
+    if (!reconnects || simulator)
+        checkPort();
+    tell(portName() + " is gone: waiting for it to come back");
+    if (traceFile)
+        traceFile->comment("the port is gone");
+    if (echo)
+        echo->takeFailure();
+    do {
+        pauseFor(nextPause);
+        nextPause = std::clamp(2 * nextPause, kFirstPause, kLongestPause);
+    } while (!comesBack());
+    ++returns;
+    tell(portName() + " is back");
+    if (traceFile)
+        traceFile->comment("the port is back");
+}
+
+bool Connection::comesBack()
+{
+    try {
+        port->reopen();
+        return true;
+    } catch (const Failure &) { // not yet
+        return false;
+    }
 }
 
 } // namespace host

@@ -6,11 +6,15 @@
 #ifndef HOST_DESCRIBE_COMMAND_H
 #define HOST_DESCRIBE_COMMAND_H
 
-#include "options.h"
+namespace CLI {
+class App;
+}
 
 namespace host {
 
-int describeCommand(const Options &options);
+struct CommandLine;
+
+void declareDescribe(CLI::App &app, CommandLine &line);
 
 } // namespace host
 

@@ -19,7 +19,7 @@ void show(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QStr
 void showWarnings(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
 {
     if (type != QtDebugMsg && type != QtInfoMsg)
-        reportNote(text);
+        reportWarning(text);
 }
 
 } // namespace

@@ -19,7 +19,8 @@ enum class ExitCode {
     PortLost = 6,       // the port went away while in use
     PluginUnusable = 7, // the driver cannot be loaded or is not one
     Different = 8,      // what was written is not what is read back
-    Internal = 70       // out of memory, say; EX_SOFTWARE of sysexits.h
+    Internal = 70,      // out of memory, say; EX_SOFTWARE of sysexits.h
+    OutputLost = 74     // stdout or the output file takes no more data; EX_IOERR
 };
 
 } // namespace host

@@ -26,6 +26,15 @@ public:
     QString text() const { return QString::fromUtf8(what()); }
     QString hint() const { return hintText; }
 
+    // The same, told of something.
+    Failure about(const QString &subject) const
+    {
+        return Failure(exitCode, subject + ": " + text(), hintText);
+    }
+
+    // Whatever is still to be done could not succeed either.
+    bool isFinal() const { return exitCode == ExitCode::PortLost || exitCode == ExitCode::OutputLost; }
+
 private:
     ExitCode exitCode;
     QString hintText;

@@ -3,18 +3,10 @@
 
 #include "frame_words.h"
 
-#include <QHash>
-
 namespace host {
 
 namespace {
 
-constexpr uchar kShortFrame = 0x10;
-constexpr uchar kLongFrame = 0x68;
-constexpr uchar kEndOfFrame = 0x16;
-
-constexpr int kShortFrameSize = 6;
-constexpr int kLongFrameFixed = 6; // four bytes before and two behind what LE counts
 constexpr int kPduStart = 7;
 constexpr int kHeaderSize = 10; // of a request; an answer's has two bytes of error class and code more
 constexpr int kAnswerHeaderSize = 12;
@@ -27,11 +19,6 @@ constexpr uchar kPoll = 0x4c;
 constexpr uchar kNoResource = 0x02;
 constexpr uchar kNotActive = 0x03;
 
-constexpr uchar kRead = 0x04;
-constexpr uchar kWrite = 0x05;
-constexpr uchar kJob = 0x01;
-constexpr uchar kDone = 0xff;
-
 uchar at(const QByteArray &frame, int index)
 {
     return index < frame.size() ? uchar(frame.at(index)) : uchar(0);
@@ -40,11 +27,6 @@ uchar at(const QByteArray &frame, int index)
 int word(const QByteArray &frame, int index)
 {
     return at(frame, index) << 8 | at(frame, index + 1);
-}
-
-QString hexByte(uchar byte)
-{
-    return QString("%1").arg(uint(byte), 2, 16, QChar('0')).toUpper();
 }
 
 bool isSound(const QByteArray &frame, int first, int last)
@@ -69,29 +51,9 @@ QString shortFrameWords(const QByteArray &frame)
     }
 }
 
-QString elementName(uchar transportSize)
+QString orUnknown(const QString &name, const QString &what, uchar code)
 {
-    static const QHash<uchar, QString> names = {{0x01, "bit"},
-                                                {0x02, "byte"},
-                                                {0x04, "word"},
-                                                {0x06, "dword"},
-                                                {0x1e, "counter"},
-                                                {0x1f, "timer"},
-                                                {0x20, "high-speed counter"}};
-    return names.value(transportSize, "element of kind " + hexByte(transportSize));
-}
-
-QString areaName(uchar code)
-{
-    static const QHash<uchar, QString> names = {{0x81, "I"}, {0x82, "Q"},  {0x83, "M"},  {0x84, "V"},
-                                                {0x04, "S"}, {0x05, "SM"}, {0x06, "AI"}, {0x07, "AQ"},
-                                                {0x1e, "C"}, {0x1f, "T"},  {0x20, "HC"}};
-    return names.value(code, "area " + hexByte(code));
-}
-
-bool isObjectArea(uchar code)
-{
-    return code == 0x1e || code == 0x1f || code == 0x20;
+    return name.isEmpty() ? what + ' ' + hexByte(code) : name;
 }
 
 // An item := 12 0A 10 kind count(2) DB(2) area address(3)
@@ -101,12 +63,14 @@ QString itemWords(const QByteArray &frame, int start)
     const int count = word(frame, start + 4);
     const uchar area = at(frame, start + 8);
     const int address = at(frame, start + 9) << 16 | word(frame, start + 10);
-    const QString elements = QString("%1 %2%3").arg(count).arg(elementName(kind), count == 1 ? "" : "s");
+    const QString element = orUnknown(elementName(kind), "element of kind", kind);
+    const QString elements = QString("%1 %2%3").arg(count).arg(element, count == 1 ? "" : "s");
+    const QString letters = orUnknown(areaLetters(area), "area", area);
     if (isObjectArea(area))
-        return QString("%1 at %2%3").arg(elements, areaName(area)).arg(address);
-    const QString place = QString("%1 byte %2").arg(areaName(area)).arg(address / 8);
-    return kind == 0x01 ? QString("%1 at %2 bit %3").arg(elements, place).arg(address % 8)
-                        : QString("%1 at %2").arg(elements, place);
+        return QString("%1 at %2%3").arg(elements, letters).arg(address);
+    const QString place = QString("%1 byte %2").arg(letters).arg(address / 8);
+    return kind == kBitElement ? QString("%1 at %2 bit %3").arg(elements, place).arg(address % 8)
+                               : QString("%1 at %2").arg(elements, place);
 }
 
 QString requestWords(const QByteArray &frame)
@@ -114,9 +78,9 @@ QString requestWords(const QByteArray &frame)
     const uchar function = at(frame, kPduStart + kHeaderSize);
     const int items = at(frame, kPduStart + kHeaderSize + 1);
     QString words = QString("request %1 to station %2: ").arg(word(frame, kPduStart + 4)).arg(at(frame, 4));
-    if (function != kRead && function != kWrite)
+    if (function != kReadVariable && function != kWriteVariable)
         return words + "function " + hexByte(function);
-    words += function == kRead ? "read " : "write ";
+    words += function == kReadVariable ? "read " : "write ";
     for (int i = 0; i < items && kItemStart + (i + 1) * kItemSize <= frame.size(); ++i)
         words += (i ? ", " : "") + itemWords(frame, kItemStart + i * kItemSize);
     return words;
@@ -124,13 +88,7 @@ QString requestWords(const QByteArray &frame)
 
 QString returnCodeWords(uchar code)
 {
-    static const QHash<uchar, QString> names = {{0x01, "hardware fault"},
-                                                {0x03, "access not allowed"},
-                                                {0x05, "no such address"},
-                                                {0x06, "type not supported"},
-                                                {0x0a, "no such object, or wrong length"},
-                                                {kDone, "done"}};
-    return names.value(code, "unknown reason") + " (" + hexByte(code) + ')';
+    return returnCodeName(code) + " (" + hexByte(code) + ')';
 }
 
 QString readAnswerWords(const QByteArray &frame, int item)
@@ -160,9 +118,9 @@ QString answerWords(const QByteArray &frame)
         return words + QString("not taken, error class %1, code %2")
                            .arg(hexByte(uchar(error >> 8)), hexByte(uchar(error)));
     switch (at(frame, parameters)) {
-    case kRead:
+    case kReadVariable:
         return words + readAnswerWords(frame, parameters + 2);
-    case kWrite:
+    case kWriteVariable:
         return words + writeAnswerWords(frame, parameters + 2);
     default:
         return words + "function " + hexByte(at(frame, parameters));

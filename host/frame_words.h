@@ -6,13 +6,12 @@
 #ifndef HOST_FRAME_WORDS_H
 #define HOST_FRAME_WORDS_H
 
+#include "wire.h"
+
 #include <QByteArray>
 #include <QString>
 
 namespace host {
-
-// The short acknowledgement is a frame of one byte.
-constexpr uchar kAcknowledgement = 0xe5;
 
 // Bytes that a frame beginning so has in all, 0 while that cannot be told yet. A byte that begins no
 // frame stands alone.

@@ -26,6 +26,17 @@ struct Options
     std::optional<int> dataBits;
     std::optional<int> stopBits;
 
+    bool rs485 = false;     // the kernel's driver switches the transceiver
+    bool echo = false;      // the adapter hears what it sends
+    bool reconnect = false; // wait for a lost port to come back
+
+    std::optional<std::string> config; // a file with more of these
+    std::optional<std::string> format; // text, json, ndjson, csv, tsv or raw; text unless given
+    std::optional<std::string> output; // a file instead of stdout
+
+    std::optional<std::string> trace; // a file with every frame
+
+    bool quiet = false;
     bool verbose = false;
 };
 

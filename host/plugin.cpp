@@ -63,7 +63,7 @@ std::unique_ptr<DriverSetting> Plugin::driverDefaults() const
 QStringList pluginPlaces(const QString &programDirectory)
 {
     QStringList places;
-    for (const char *directory : {".", "../lib", "../lib/s7ppi"})
+    for (const char *directory : {".", "../lib", S7PPI_DRIVER_DIR})
         places << QDir::cleanPath(programDirectory + '/' + directory + '/' + kLibrary);
     return places;
 }

@@ -3,39 +3,95 @@
 
 #include "read_command.h"
 
+#include "command_line.h"
 #include "connection.h"
 #include "outcome.h"
+#include "output.h"
 #include "read_plan.h"
-#include "text_output.h"
+#include "tag_file.h"
+#include "text_lines.h"
+
+#include <CLI/CLI.hpp>
 
 namespace host {
 
 namespace {
 
-void readAndPrint(const Item &item, Connection &connection, const TextOutput &output)
+const Layout kLayout = {
+    "read", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}, true};
+
+const char kFooter[] = R"(
+
+@FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
+the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
+@FILE:NAME is one of them.)";
+
+class Reader
 {
-    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
-    output.write(item, decodeValues(item, readItem(item, read)));
+public:
+    Reader(const Options &options, const std::vector<Tag> &tags)
+        : output(options, kLayout), lines(tags), connection(options)
+    {
+    }
+
+    void read(const Tag &tag);
+    void noteFailure(const Tag &tag, const Failure &failure)
+    {
+        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
+    }
+    void finish() { output.finish(); }
+
+private:
+    Output output;
+    TextLines lines;
+    Connection connection;
+};
+
+void Reader::read(const Tag &tag)
+{
+    const ReadFunction run = [&](const CommunicatorCommand &command) { return connection.read(command); };
+    const QByteArray data = readItem(tag.item, run);
+    if (output.format() == Format::Raw) {
+        output.writeRaw(data);
+        return;
+    }
+    const std::vector<Value> values = decodeValues(tag.item, data);
+    output.write(tagRecord(tag, values), lines.line(tag, values));
+}
+
+// An item that fails is reported and the next one read, as long as there is a port and a stdout; the exit
+// code is that of the first failure.
+int readItems(const Options &options, const Texts &texts)
+{
+    Outcome outcome;
+    const std::vector<Tag> tags = parseTags(texts, outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+
+    Reader reader(options, tags);
+    for (const Tag &tag : tags) {
+        const auto failure = outcome.attempt(tag.label(), [&] { reader.read(tag); });
+        if (failure && failure->code() == ExitCode::OutputLost)
+            return outcome.exitCode();
+        if (failure)
+            reader.noteFailure(tag, *failure);
+        if (failure && failure->isFinal())
+            break;
+    }
+    reader.finish();
+    return outcome.exitCode();
 }
 
 } // namespace
 
-int readCommand(const Options &options, const std::vector<std::string> &texts)
+void declareRead(CLI::App &app, CommandLine &line)
 {
-    Outcome outcome;
-    const std::vector<Item> items = outcome.parseAll(texts, parseItem);
-    if (!outcome.isSuccess())
-        return outcome.exitCode();
-
-    Connection connection(options);
-    const TextOutput output(items);
-    for (const Item &item : items) {
-        const auto failure =
-            outcome.attempt(item.address.text(), [&] { readAndPrint(item, connection, output); });
-        if (failure && failure->code() == ExitCode::PortLost)
-            break;
-    }
-    return outcome.exitCode();
+    const auto items = std::make_shared<Texts>();
+    CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
+                                [items](const Options &options) { return readItems(options, *items); });
+    addItems(*read, *items,
+             "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
+    read->footer(std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host

@@ -3,34 +3,29 @@
 
 #include "rehearsal.h"
 
-#include "driver_fault.h"
-#include "driver_log.h"
-#include "rehearsal_port.h"
-#include "report.h"
+#include "frame_words.h"
 
 namespace host {
 
-// What the driver logs here is only that nobody answers its poll.
-Rehearsal::Rehearsal(const Options &options)
-    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid))
-{
-    installDriverLog(false);
-}
+const Layout kFramesLayout = {"frames", 1, "frames", {"meaning", "bytes"}};
+
+Rehearsal::Rehearsal(const Options &options, Output &output_) : output(output_), requests(options) {}
 
 void Rehearsal::write(const WriteRequest &request) const
 {
-    RehearsalPort port(station, printData);
-    plugin.driver().write(&port, request.command, request.data);
-    if (!port.hasSent())
-        throw driverFailure(plugin.driver().getLastError());
+    print(requests.ofWrite(request));
 }
 
 void Rehearsal::read(const ReadRequest &request) const
 {
-    RehearsalPort port(station, printData);
-    plugin.driver().read(&port, request.command);
-    if (!port.hasSent())
-        throw driverFailure(plugin.driver().getLastError());
+    print(requests.ofRead(request.command));
+}
+
+void Rehearsal::print(const QList<QByteArray> &frames) const
+{
+    for (const QByteArray &frame : frames)
+        output.write({{"meaning", jsonText(frameWords(frame))}, {"bytes", frame.toHex(' ').toStdString()}},
+                     frameLine(frame));
 }
 
 } // namespace host

@@ -7,8 +7,8 @@
 
 namespace host {
 
-RehearsalPort::RehearsalPort(int station_, const WriteLine &writeLine_)
-    : station(station_), writeLine(writeLine_)
+RehearsalPort::RehearsalPort(int station_, const TakeFrame &takeFrame_)
+    : station(station_), takeFrame(takeFrame_)
 {
 }
 
@@ -24,7 +24,7 @@ int RehearsalPort::receive(unsigned char *buffer, int maxLength)
 int RehearsalPort::send(const unsigned char *data, int length)
 {
     sent = true;
-    writeLine(frameLine(QByteArray(reinterpret_cast<const char *>(data), length)));
+    takeFrame(QByteArray(reinterpret_cast<const char *>(data), length));
     return length;
 }
 

@@ -8,21 +8,21 @@
 
 #include "abstract_device_interface.h"
 
-#include <QString>
+#include <QByteArray>
 
 #include <functional>
 
 namespace host {
 
-// Writes one line per frame, meaning and bytes. The first receive finds the acknowledgement, without
+// Hands over what is sent, frame by frame. The first receive finds the acknowledgement, without
 // which a driver would not go on to its poll; the answer to that never comes, and nothing is repeated.
 // One port serves one request.
 class RehearsalPort : public AbstractDeviceInterface
 {
 public:
-    using WriteLine = std::function<void(const QString &)>;
+    using TakeFrame = std::function<void(const QByteArray &)>;
 
-    RehearsalPort(int station, const WriteLine &writeLine);
+    RehearsalPort(int station, const TakeFrame &takeFrame);
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
@@ -35,7 +35,7 @@ public:
 
 private:
     int station;
-    WriteLine writeLine;
+    TakeFrame takeFrame;
     bool sent = false;
     bool acknowledged = false;
 };

@@ -3,21 +3,51 @@
 
 #include "report.h"
 
+#include "colour.h"
 #include "failure.h"
+#include "interruption.h"
 
+#include <cerrno>
 #include <iostream>
+#include <system_error>
 
 namespace host {
 
+namespace {
+
+constexpr int kStderr = 2;
+const char kProgramLabel[] = "s7ppi:";
+const char kHintLabel[] = "hint:";
+
+bool isQuiet = false;
+
+void printNotice(const QByteArray &label, const char *colour, const QString &text)
+{
+    std::cerr << coloured(label, colour, kStderr).constData() << ' ' << qUtf8Printable(text) << std::endl;
+}
+
+} // namespace
+
+void setQuiet(bool quiet)
+{
+    isQuiet = quiet;
+}
+
 void reportNote(const QString &text)
 {
-    std::cerr << "s7ppi: " << qUtf8Printable(text) << std::endl;
+    if (!isQuiet)
+        printNotice(kProgramLabel, kPlain, text);
+}
+
+void reportWarning(const QString &text)
+{
+    printNotice(kProgramLabel, kYellow, text);
 }
 
 void reportFailure(const Failure &failure)
 {
-    reportNote(failure.text());
-    std::cerr << "hint: " << qUtf8Printable(failure.hint()) << std::endl;
+    printNotice(kProgramLabel, kRed, failure.text());
+    printNotice(kHintLabel, kCyan, failure.hint());
 }
 
 void reportFailure(const QString &subject, const Failure &failure)
@@ -32,7 +62,20 @@ void reportTrace(const QString &line)
 
 void printData(const QString &line)
 {
-    std::cout << qUtf8Printable(line) << std::endl;
+    printBytes(line.toUtf8() + '\n');
+}
+
+void printBytes(const QByteArray &bytes)
+{
+    std::cout.write(bytes.constData(), bytes.size()).flush();
+    if (std::cout)
+        return;
+    const int reason = errno;
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+    const std::string cause = std::generic_category().message(reason);
+    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + QString::fromStdString(cause),
+                  "the rest was not printed: make room, or send the output elsewhere");
 }
 
 } // namespace host

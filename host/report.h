@@ -6,13 +6,19 @@
 #ifndef HOST_REPORT_H
 #define HOST_REPORT_H
 
+#include <QByteArray>
 #include <QString>
 
 namespace host {
 
 class Failure;
 
+// What may be left out, with -q.
+void setQuiet(bool quiet);
 void reportNote(const QString &text);
+
+// What stays with -q, though it is no failure of the command.
+void reportWarning(const QString &text);
 
 // Two lines: the error, and the hint that goes with it.
 void reportFailure(const Failure &failure);
@@ -22,7 +28,11 @@ void reportFailure(const QString &subject, const Failure &failure);
 void reportTrace(const QString &line);
 
 // A line of data. It is out when this returns: what was read is seen even if the program is stopped then.
+// A Failure when stdout does not take it.
 void printData(const QString &line);
+
+// The same for bytes of any kind.
+void printBytes(const QByteArray &bytes);
 
 } // namespace host
 

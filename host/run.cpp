@@ -32,6 +32,7 @@ int outcomeOf(const std::function<int()> &command)
 int run(const Options &options, const std::function<int()> &command)
 {
     catchInterruptions();
+    setQuiet(options.quiet);
     installDriverLog(options.verbose);
     const int exitCode = outcomeOf(command);
     const int signalNumber = interruptingSignal();

@@ -3,8 +3,9 @@
 
 #include "serial_port.h"
 
-#include "failure.h"
 #include "interruption.h"
+#include "port_details.h"
+#include "port_holder.h"
 #include "terminal.h"
 
 #include <QDeadlineTimer>
@@ -12,8 +13,10 @@
 
 #include <algorithm>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
+#include <unistd.h>
 
 namespace host {
 
@@ -25,9 +28,14 @@ constexpr int kPurgeOption = 12;
 // Waits are cut into slices so that a signal is seen soon; milliseconds.
 constexpr int kSlice = 50;
 
-bool isPseudoTerminal(const QString &name)
+// Looked at without waiting for a carrier.
+bool isTerminal(const QString &name)
 {
-    return QFileInfo(name).canonicalFilePath().startsWith("/dev/pts/");
+    const int descriptor = ::open(qPrintable(name), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    const bool terminal = descriptor >= 0 && isatty(descriptor);
+    if (descriptor >= 0)
+        close(descriptor);
+    return terminal;
 }
 
 // QSerialPort takes names without a path for devices below /dev.
@@ -64,11 +72,13 @@ LineSettings settable(LineSettings line, const QString &name)
     return line;
 }
 
+const char kBusyHint[] = "another program has the port open: end it, or use another port";
+
 QString permissionHint(const QString &name)
 {
     const QFileInfo file(name);
     if (file.isReadable() && file.isWritable())
-        return "another program has the port open: end it, or use another port";
+        return kBusyHint;
     return "this user may not use the port: join its group, " + file.group();
 }
 
@@ -91,30 +101,67 @@ int slice(const QDeadlineTimer &deadline)
 
 } // namespace
 
-SerialPort::SerialPort(const QString &name_, const LineSettings &line, const Timing &timing_)
-    : name(fullName(name_)), timing(timing_)
+SerialPort::SerialPort(const QString &name_, const LineSettings &line_, const Timing &timing_,
+                       Direction direction_)
+    : name(fullName(name_)), line(line_), timing(timing_), direction(direction_)
 {
     port.setPortName(name);
-    open(settable(line, name));
-    checkLine(line);
+    open();
 }
 
-void SerialPort::open(const LineSettings &line)
+void SerialPort::reopen()
 {
-    port.setBaudRate(line.baud);
-    port.setParity(qtParity(line.parity));
-    port.setDataBits(QSerialPort::DataBits(line.dataBits));
-    port.setStopBits(line.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
-    port.setFlowControl(QSerialPort::NoFlowControl);
+    port.close();
+    open();
+    lost = false;
+}
+
+void SerialPort::open()
+{
+    refuseSharing();
+    configure();
     if (!port.open(QIODevice::ReadWrite))
-        throw Failure(ExitCode::PortUnusable, name + " cannot be opened: " + port.errorString(),
-                      openHint(port.error(), name));
+        throw openFailure();
     if (!dropBadParity(port.handle()))
         throw Failure(ExitCode::PortUnusable, name + " cannot be told to drop bytes with bad parity",
                       openHint(QSerialPort::UnsupportedOperationError, name));
+    checkLine();
+    checkDirection();
 }
 
-void SerialPort::checkLine(const LineSettings &line)
+void SerialPort::configure()
+{
+    const LineSettings possible = settable(line, name);
+    port.setBaudRate(possible.baud);
+    port.setParity(qtParity(possible.parity));
+    port.setDataBits(QSerialPort::DataBits(possible.dataBits));
+    port.setStopBits(possible.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+    port.setFlowControl(QSerialPort::NoFlowControl);
+}
+
+Failure SerialPort::openFailure() const
+{
+    QString reason = port.errorString();
+    if (port.error() == QSerialPort::PermissionError)
+        if (const QString holders = holderText(portHolders(name)); !holders.isEmpty())
+            reason = "it is in use by " + holders;
+    return Failure(ExitCode::PortUnusable, name + " cannot be opened: " + reason,
+                   openHint(port.error(), name));
+}
+
+// Not every program locks a port that it uses, and two of them take each other's bytes. What holds the port's
+// end of a pseudo-terminal may be its maker, so that only a lock counts there.
+void SerialPort::refuseSharing() const
+{
+    if (isPseudoTerminal(name) || !isTerminal(name))
+        return;
+    const QString holders = holderText(portHolders(name));
+    if (!holders.isEmpty())
+        throw Failure(ExitCode::PortUnusable, name + " cannot be opened: it is in use by " + holders,
+                      kBusyHint);
+}
+
+void SerialPort::checkLine()
 {
     const LineSettings achieved = settingsInForce(port.handle());
     const QString refused = lineDifference(settable(line, name), achieved);
@@ -122,6 +169,15 @@ void SerialPort::checkLine(const LineSettings &line)
         throw Failure(ExitCode::PortUnusable, name + " keeps " + refused,
                       "this adapter cannot do that; use another adapter or other line settings");
     note = lineDifference(line, achieved);
+}
+
+void SerialPort::checkDirection()
+{
+    const char *obstacle = direction == Direction::ByKernel ? switchRs485(port.handle()) : nullptr;
+    if (obstacle)
+        throw Failure(ExitCode::PortUnusable,
+                      QString("%1 cannot be switched to RS-485: %2").arg(name, obstacle),
+                      "its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
 }
 
 int SerialPort::receive(unsigned char *buffer, int maxLength)
@@ -177,8 +233,8 @@ int SerialPort::delay()
 // Asked for no event at all, poll() tells only of hang-ups and errors.
 void SerialPort::idle(int milliseconds)
 {
-    pollfd line = {int(port.handle()), 0, 0};
-    lost = lost || poll(&line, 1, milliseconds) > 0;
+    pollfd device = {int(port.handle()), 0, 0};
+    lost = lost || poll(&device, 1, milliseconds) > 0;
 }
 
 bool SerialPort::goesOn() const

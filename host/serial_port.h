@@ -7,6 +7,7 @@
 #define HOST_SERIAL_PORT_H
 
 #include "abstract_device_interface.h"
+#include "failure.h"
 #include "line_settings.h"
 
 #include <QSerialPort>
@@ -23,13 +24,20 @@ struct Timing
     int delay;
 };
 
+// Who switches between sending and receiving on two wires: the adapter by itself, or the kernel's driver.
+enum class Direction { ByAdapter, ByKernel };
+
 class SerialPort : public AbstractDeviceInterface
 {
 public:
     // Opens the port for this program alone. Fails when that does not work or when the port does not
     // take the settings. A pseudo-terminal has no parity and always 8 data bits; there the two are not
     // insisted on.
-    SerialPort(const QString &name, const LineSettings &line, const Timing &timing);
+    SerialPort(const QString &name, const LineSettings &line, const Timing &timing,
+               Direction direction = Direction::ByAdapter);
+
+    // Opens a lost port once more, with the same settings. Fails as long as it is not there.
+    void reopen();
 
     // Waits for up to maxLength bytes until the time-out, counted from the call, has run out. Below 0
     // at once when the port is lost or the program is interrupted.
@@ -51,6 +59,11 @@ public:
 
     QString portName() const { return name; }
 
+    // The kernel's descriptor of the open port.
+    int handle() const { return int(port.handle()); }
+
+    void setStation(int station) { timing.station = station; }
+
     // Whether the port went away since it was opened.
     bool isLost() const { return lost; }
 
@@ -58,14 +71,20 @@ public:
     QString lineNote() const { return note; }
 
 private:
-    void open(const LineSettings &line);
-    void checkLine(const LineSettings &line);
+    void open();
+    void configure();
+    Failure openFailure() const;
+    void refuseSharing() const;
+    void checkLine();
+    void checkDirection();
     bool goesOn() const;
     void noteError();
 
     QSerialPort port;
     QString name;
+    LineSettings line;
     Timing timing;
+    Direction direction;
     QString note;
     bool lost = false;
 };

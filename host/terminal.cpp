@@ -8,7 +8,11 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 
+#include <linux/serial.h>
 #include <sys/ioctl.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace host {
 
@@ -19,8 +23,8 @@ Parity parityOf(tcflag_t flags)
     if (!(flags & PARENB))
         return Parity::None;
     if (flags & CMSPAR)
-        return flags & PARODD ? Parity::Mark : Parity::Space;
-    return flags & PARODD ? Parity::Odd : Parity::Even;
+        return (flags & PARODD) ? Parity::Mark : Parity::Space;
+    return (flags & PARODD) ? Parity::Odd : Parity::Even;
 }
 
 int dataBitsOf(tcflag_t flags)
@@ -45,7 +49,7 @@ LineSettings settingsInForce(int descriptor)
     if (ioctl(descriptor, TCGETS2, &state) != 0)
         return {0, Parity::None, 0, 0};
     return {int(state.c_ospeed), parityOf(state.c_cflag), dataBitsOf(state.c_cflag),
-            state.c_cflag & CSTOPB ? 2 : 1};
+            (state.c_cflag & CSTOPB) ? 2 : 1};
 }
 
 bool dropBadParity(int descriptor)
@@ -55,6 +59,17 @@ bool dropBadParity(int descriptor)
         return false;
     state.c_iflag = (state.c_iflag & ~tcflag_t(PARMRK | ISTRIP)) | INPCK | IGNPAR;
     return ioctl(descriptor, TCSETS2, &state) == 0;
+}
+
+// A driver clears the flags that it cannot do.
+const char *switchRs485(int descriptor)
+{
+    serial_rs485 mode = {};
+    mode.flags = SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND;
+    serial_rs485 achieved = {};
+    if (ioctl(descriptor, TIOCSRS485, &mode) != 0 || ioctl(descriptor, TIOCGRS485, &achieved) != 0)
+        return std::strerror(errno);
+    return (achieved.flags & SER_RS485_ENABLED) ? nullptr : "the driver leaves it switched off";
 }
 
 } // namespace host

@@ -17,6 +17,10 @@ LineSettings settingsInForce(int descriptor);
 // Makes the kernel throw away bytes that arrive with bad parity; false when it does not.
 bool dropBadParity(int descriptor);
 
+// Makes the port's driver switch an RS-485 transceiver by RTS: active while it sends. What stands in its
+// way, null when nothing does.
+const char *switchRs485(int descriptor);
+
 } // namespace host
 
 #endif

@@ -112,7 +112,7 @@ void TerminalScreen::show(const QStringList &lines)
     werase(stdscr);
     const int count = std::min(int(lines.size()), rows());
     for (int row = 0; row < count; ++row)
-        mvwaddnstr(stdscr, row, 0, qUtf8Printable(lines.at(row)), columns());
+        mvwaddnstr(stdscr, row, 0, lines.at(row).left(columns()).toLocal8Bit().constData(), -1);
     wrefresh(stdscr);
 }
 

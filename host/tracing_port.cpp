@@ -7,40 +7,43 @@
 
 namespace host {
 
-TracingPort::TracingPort(AbstractDeviceInterface &port_, const WriteLine &writeLine_)
-    : ForwardingPort(port_), writeLine(writeLine_)
+TracingPort::TracingPort(AbstractDeviceInterface &port_, const std::vector<FrameListener *> &listeners_)
+    : ForwardingPort(port_), listeners(listeners_)
 {
 }
 
 TracingPort::~TracingPort()
 {
-    showReceived();
+    tellReceived();
 }
 
 int TracingPort::receive(unsigned char *buffer, int maxLength)
 {
     const int length = ForwardingPort::receive(buffer, maxLength);
     if (length > 0)
-        received += QByteArray(reinterpret_cast<const char *>(buffer), length);
-    if (length < maxLength || int(received.size()) == frameSize(received))
-        showReceived();
+        pieces += QByteArray(reinterpret_cast<const char *>(buffer), length);
+    if (length < maxLength || int(pieces.size()) == frameSize(pieces))
+        tellReceived();
     if (length <= 0)
-        writeLine(length < 0 ? "<- nothing more" : "<- silence");
+        for (FrameListener *listener : listeners)
+            listener->heardNothing(length < 0);
     return length;
 }
 
 int TracingPort::send(const unsigned char *data, int length)
 {
-    showReceived();
-    writeLine("-> " + frameLine(QByteArray(reinterpret_cast<const char *>(data), length)));
+    tellReceived();
+    for (FrameListener *listener : listeners)
+        listener->sent(QByteArray(reinterpret_cast<const char *>(data), length));
     return ForwardingPort::send(data, length);
 }
 
-void TracingPort::showReceived()
+void TracingPort::tellReceived()
 {
-    if (!received.isEmpty())
-        writeLine("<- " + frameLine(received));
-    received.clear();
+    if (!pieces.isEmpty())
+        for (FrameListener *listener : listeners)
+            listener->received(pieces);
+    pieces.clear();
 }
 
 } // namespace host

@@ -7,37 +7,31 @@
 #define HOST_TRACING_PORT_H
 
 #include "forwarding_port.h"
+#include "frame_listener.h"
 
 #include <QByteArray>
-#include <QString>
 
-#include <functional>
+#include <vector>
 
 namespace host {
 
-// Passes everything on to another port and writes one line per frame: direction, meaning, bytes.
-//
-//   -> poll of station 2: 10 02 00 5c 5e 16
-//   <- acknowledgement: e5
-//
-// Frames are received in pieces and shown whole. What stays incomplete is shown when a receive falls
-// short or the next frame is sent; a receive that brought nothing is shown as silence.
+// Passes everything on to another port and tells its listeners of every frame. Frames are received in pieces
+// and told whole. What stays incomplete is told when a receive falls short or the next frame is sent.
 class TracingPort : public ForwardingPort
 {
 public:
-    using WriteLine = std::function<void(const QString &)>;
-
-    TracingPort(AbstractDeviceInterface &port, const WriteLine &writeLine);
+    // The listeners must outlive the port.
+    TracingPort(AbstractDeviceInterface &port, const std::vector<FrameListener *> &listeners);
     ~TracingPort() override;
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
 
 private:
-    void showReceived();
+    void tellReceived();
 
-    WriteLine writeLine;
-    QByteArray received;
+    std::vector<FrameListener *> listeners;
+    QByteArray pieces;
 };
 
 } // namespace host

@@ -32,7 +32,7 @@ QString firstLine(const Watch &watch)
 
 } // namespace
 
-WatchedItem::WatchedItem(const Item &item_) : item(item_) {}
+WatchedItem::WatchedItem(const Tag &tag_) : tag(tag_) {}
 
 WatchNews WatchedItem::answered(const QString &newValues, WatchTime now)
 {
@@ -68,20 +68,22 @@ WatchDuration AnswerTimes::mean() const
     return answers ? total / answers : WatchDuration();
 }
 
-Watch::Watch(const std::vector<Item> &watched)
+Watch::Watch(const std::vector<Tag> &watched)
 {
-    for (const Item &item : watched)
-        items.emplace_back(item);
+    for (const Tag &tag : watched)
+        items.emplace_back(tag);
 }
 
 QStringList watchSummary(const Watch &watch)
 {
     QStringList lines = {firstLine(watch)};
     for (const WatchedItem &item : watch.items)
-        lines << item.item.address.text() + ": " + counted(item.attempts, "attempt") + ", " +
+        lines << item.tag.label() + ": " + counted(item.attempts, "attempt") + ", " +
                      counted(item.errors, "error");
     for (auto cause = watch.errors.begin(); cause != watch.errors.end(); ++cause)
         lines << counted(cause.value(), "time") + ": " + cause.key();
+    if (watch.returns)
+        lines << "the port was lost and came back " + counted(watch.returns, "time");
     return lines;
 }
 

@@ -6,7 +6,7 @@
 #ifndef HOST_WATCH_H
 #define HOST_WATCH_H
 
-#include "item.h"
+#include "tag.h"
 
 #include <QMap>
 #include <QStringList>
@@ -26,7 +26,7 @@ enum class WatchNews { None, Changed, Recovered };
 class WatchedItem
 {
 public:
-    explicit WatchedItem(const Item &item);
+    explicit WatchedItem(const Tag &tag);
 
     // A poll that brought values. The first values count as changed.
     WatchNews answered(const QString &values, WatchTime now);
@@ -34,7 +34,7 @@ public:
     // A poll that failed. True when that is news: the poll before did not fail, or with another error.
     bool failed(const QString &error);
 
-    Item item;
+    Tag tag;
     QString values;                     // as text; empty until there are any
     std::optional<WatchTime> changedAt; // none until other values came than the first
     bool hasJustChanged = false;        // with the last answer
@@ -62,12 +62,20 @@ private:
 
 struct Watch
 {
-    explicit Watch(const std::vector<Item> &watched);
+    explicit Watch(const std::vector<Tag> &watched);
 
     std::vector<WatchedItem> items;
     int polls = 0;
     AnswerTimes answerTimes; // of one request, from the call of the driver to its data, repetitions included
     QMap<QString, int> errors; // failed polls of an item by their cause
+    int returns = 0;           // how often the port was lost and came back
+};
+
+// What a poll of an item brought.
+struct Reading
+{
+    std::vector<Value> values;
+    WatchDuration answerTime; // of its slowest request
 };
 
 // Polls, answer times, attempts and errors per item, errors per cause.

@@ -3,35 +3,67 @@
 
 #include "watch_command.h"
 
+#include "command_line.h"
 #include "connection.h"
 #include "interruption.h"
 #include "outcome.h"
 #include "read_plan.h"
-#include "value.h"
-#include "watch_lines.h"
+#include "tag_file.h"
+#include "watch_notes.h"
+#include "watch_plot.h"
+#include "watch_record.h"
 #include "watch_table.h"
+
+#include <CLI/CLI.hpp>
 
 #include <QDeadlineTimer>
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace host {
 
 namespace {
+
+struct WatchOptions
+{
+    Texts items;
+    std::optional<int> interval;       // milliseconds from the start of one poll to that of the next
+    std::optional<int> polls;          // without a number until interrupted
+    bool all = false;                  // plain lines for every poll, not only for changes
+    bool plot = false;                 // curves instead of the table
+    std::optional<std::string> select; // which of the items the curves show
+    std::optional<int> span;           // minutes that they show
+};
+
+const char kFooter[] = R"(
+
+On a terminal: a table in place. CHANGED is * when the last answer brought another value,
+otherwise the time since then. Values in parentheses are old: the last poll failed.
+Elsewhere, or with --verbose: lines TIME ADDRESS VALUES, for the first values, for every
+change and after errors; the errors on stderr. With -o FILE both: the table on the terminal,
+the data in the file, as its name ends: .csv .tsv .json .ndjson.
+
+With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
+
+Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
+repetitions included), attempts and errors. The exit code after --count polls is that of
+the first error.)";
 
 using Clock = std::chrono::steady_clock;
 
 // Milliseconds; pauses are cut into slices so that signals and new terminal sizes are seen soon.
 constexpr qint64 kSlice = 50;
 constexpr int kDefaultInterval = 500;
+constexpr int kDefaultSpan = 5; // minutes
+
+using Views = std::vector<WatchView *>;
 
 class Watcher
 {
 public:
-    Watcher(Connection &connection_, Watch &watch_, WatchView &view_)
-        : connection(connection_), watch(watch_), view(view_)
-    {
-    }
+    Watcher(Connection &connection, Watch &watch, const Views &views);
 
     void poll();
     void pauseUntil(const QDeadlineTimer &due);
@@ -40,14 +72,24 @@ public:
 
 private:
     void poll(WatchedItem &item);
-    QByteArray read(const CommunicatorCommand &command, WatchedItem &item);
+    Reading readingOf(WatchedItem &item);
+    QByteArray read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest);
     void noteFailure(WatchedItem &item, const Failure &failure);
 
     Connection &connection;
     Watch &watch;
-    WatchView &view;
+    const Views &views;
     ExitCode first = ExitCode::Success;
+    const Connection::Telling telling;
 };
+
+Watcher::Watcher(Connection &connection_, Watch &watch_, const Views &views_)
+    : connection(connection_), watch(watch_), views(views_), telling(connection, [this](const QString &text) {
+          for (WatchView *view : views)
+              view->tell(watch, text);
+      })
+{
+}
 
 void Watcher::poll()
 {
@@ -58,16 +100,29 @@ void Watcher::poll()
 
 void Watcher::poll(WatchedItem &item)
 {
+    Reading reading = {};
     try {
-        const ReadFunction function = [&](const CommunicatorCommand &command) { return read(command, item); };
-        const QString values = valuesText(decodeValues(item.item, readItem(item.item, function)));
-        view.answered(watch, item, item.answered(values, Clock::now()));
+        reading = readingOf(item);
     } catch (const Failure &failure) {
         noteFailure(item, failure);
+        return;
     }
+    const WatchNews news = item.answered(shownText(item.tag, reading.values), Clock::now());
+    for (WatchView *view : views)
+        view->answered(watch, item, reading, news);
 }
 
-QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item)
+Reading Watcher::readingOf(WatchedItem &item)
+{
+    Reading reading = {};
+    const ReadFunction function = [&](const CommunicatorCommand &command) {
+        return read(command, item, reading.answerTime);
+    };
+    reading.values = decodeValues(item.tag.item, readItem(item.tag.item, function));
+    return reading;
+}
+
+QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest)
 {
     struct AttemptCount
     {
@@ -80,7 +135,9 @@ QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item)
     const AttemptCount count = {connection, item, connection.requestCount()};
     const Clock::time_point start = Clock::now();
     QByteArray data = connection.read(command);
-    watch.answerTimes.add(Clock::now() - start);
+    const WatchDuration time = Clock::now() - start;
+    slowest = std::max(slowest, time);
+    watch.answerTimes.add(time);
     return data;
 }
 
@@ -88,18 +145,20 @@ void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
 {
     ++watch.errors[failure.text()];
     const bool isNews = item.failed(failure.text());
-    if (failure.code() == ExitCode::PortLost)
+    if (failure.isFinal())
         throw failure;
     if (first == ExitCode::Success)
         first = failure.code();
-    view.failed(watch, item, failure, isNews);
+    for (WatchView *view : views)
+        view->failed(watch, item, failure, isNews);
 }
 
 void Watcher::pauseUntil(const QDeadlineTimer &due)
 {
     while (!due.hasExpired()) {
         connection.idle(int(std::min(due.remainingTime(), kSlice)));
-        view.attend(watch);
+        for (WatchView *view : views)
+            view->attend(watch);
     }
 }
 
@@ -108,13 +167,38 @@ int intervalOf(const WatchOptions &options)
     return options.interval.value_or(kDefaultInterval);
 }
 
-std::unique_ptr<WatchView> makeView(const Options &options, const WatchOptions &watchOptions,
-                                    const Connection &connection)
+// People follow on a terminal, unless the data or the frames go there.
+bool showsTable(const Options &options)
 {
-    if (options.verbose || !TerminalScreen::isThere())
-        return std::make_unique<WatchLines>(watchOptions.all);
-    return std::make_unique<WatchTable>(
-        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(watchOptions)));
+    const bool isData = options.format && *options.format != "text" && !options.output;
+    return !options.verbose && !isData && TerminalScreen::isThere();
+}
+
+// The items that --plot draws; none without it.
+std::vector<Tag> plottedTags(const Options &options, const WatchOptions &watchOptions,
+                             const std::vector<Tag> &tags)
+{
+    if (!watchOptions.plot)
+        return {};
+    if (!showsTable(options))
+        throw Failure(
+            ExitCode::Usage, "--plot needs the terminal to itself",
+            "leave out --verbose and --format, or write the data with -o FILE.csv and make a page of it "
+            "with s7ppi report");
+    const QString names = QString::fromStdString(watchOptions.select.value_or(""));
+    return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
+}
+
+std::unique_ptr<WatchView> peoplesView(const Options &options, const WatchOptions &watchOptions,
+                                       const std::vector<Tag> &plotted, const Connection &connection)
+{
+    if (!showsTable(options))
+        return std::make_unique<WatchNotes>(watchOptions.all);
+    const QString title =
+        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(watchOptions));
+    if (plotted.empty())
+        return std::make_unique<WatchTable>(title);
+    return std::make_unique<WatchPlot>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
 }
 
 void pollOnAndOn(Watcher &watcher, const Watch &watch, const WatchOptions &options)
@@ -131,14 +215,17 @@ void pollOnAndOn(Watcher &watcher, const Watch &watch, const WatchOptions &optio
 struct End
 {
     ExitCode code;
-    std::optional<Failure> loss; // of the port
+    std::optional<Failure> loss; // of the port or of the output
 };
 
-// Until there is nothing more to poll; the view is gone and the terminal as before when this returns.
-End watchItems(Connection &connection, Watch &watch, const Options &options, const WatchOptions &watchOptions)
+// Until there is nothing more to poll; the terminal is as before when this returns.
+End watchItems(Connection &connection, Watch &watch, std::unique_ptr<WatchView> people, WatchRecord *record,
+               const WatchOptions &watchOptions)
 {
-    const std::unique_ptr<WatchView> view = makeView(options, watchOptions, connection);
-    Watcher watcher(connection, watch, *view);
+    Views views = {people.get()};
+    if (record)
+        views.push_back(record);
+    Watcher watcher(connection, watch, views);
     try {
         pollOnAndOn(watcher, watch, watchOptions);
     } catch (const Interrupted &) { // the usual end
@@ -148,24 +235,50 @@ End watchItems(Connection &connection, Watch &watch, const Options &options, con
     return {watcher.firstFailure(), std::nullopt};
 }
 
-} // namespace
-
-int watchCommand(const Options &options, const WatchOptions &watchOptions,
-                 const std::vector<std::string> &texts)
+// Shows a table in place on a terminal, unless verbose, and plain lines otherwise; at the end a summary on
+// stderr. Items that fail are polled on; the exit code is that of the first failure. A lost port ends it.
+int watchAll(const Options &options, const WatchOptions &watchOptions)
 {
     Outcome outcome;
-    const std::vector<Item> items = outcome.parseAll(texts, parseItem);
+    const std::vector<Tag> tags = parseTags(watchOptions.items, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
 
+    const std::vector<Tag> plotted = plottedTags(options, watchOptions, tags);
+    std::optional<WatchRecord> record;
+    if (options.output || !showsTable(options))
+        record.emplace(options, watchOptions.all);
     Connection connection(options);
-    Watch watch(items);
-    const End end = watchItems(connection, watch, options, watchOptions);
+    Watch watch(tags);
+    const End end = watchItems(connection, watch, peoplesView(options, watchOptions, plotted, connection),
+                               record ? &*record : nullptr, watchOptions);
+    watch.returns = connection.returnCount();
     for (const QString &line : watchSummary(watch))
         reportNote(line);
+    if (record && end.code != ExitCode::OutputLost)
+        record->finish();
     if (end.loss)
         throw Failure(*end.loss);
     return int(end.code);
+}
+
+} // namespace
+
+void declareWatch(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<WatchOptions>();
+    CLI::App *watch = addCommand(app, line, "watch", "Read items again and again",
+                                 [own](const Options &options) { return watchAll(options, *own); });
+    addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
+    addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
+    addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
+    watch->add_flag("--all", own->all, "A line for every poll, not only for changes");
+    CLI::Option *plot = watch->add_flag("--plot", own->plot, "Curves of the last minutes, on a terminal");
+    watch->add_option("--select", own->select, "Draw these only: names or addresses, commas between")
+        ->type_name("ITEMS")
+        ->needs(plot);
+    addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5")->needs(plot);
+    watch->footer(std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host

@@ -9,7 +9,7 @@ namespace host {
 
 namespace {
 
-constexpr int kTitleRows = 2; // the title and a blank line
+constexpr int kTitleRows = 2; // the title, and a line that is mostly blank
 constexpr int kHeadRows = 1;
 
 // Long values leave the error so much room.
@@ -46,9 +46,12 @@ QString shownValues(const WatchedItem &item)
 
 QStringList cells(const WatchedItem &item, WatchTime now)
 {
-    return {item.item.address.text(),     shownValues(item),
-            changeText(item, now),        QString::number(item.attempts),
-            QString::number(item.errors), item.lastError};
+    return {item.tag.label(),
+            shownValues(item),
+            changeText(item, now),
+            QString::number(item.attempts),
+            QString::number(item.errors),
+            item.lastError};
 }
 
 QString cut(const QString &text, int width)
@@ -106,8 +109,10 @@ QStringList watchTable(const Watch &watch, WatchTime now, int columns, int rows)
 
 WatchTable::WatchTable(const QString &title_) : title(title_) {}
 
-void WatchTable::answered(const Watch &watch, const WatchedItem & /*item*/, WatchNews /*news*/)
+void WatchTable::answered(const Watch &watch, const WatchedItem & /*item*/, const Reading & /*reading*/,
+                          WatchNews /*news*/)
 {
+    told.clear();
     draw(watch);
 }
 
@@ -123,11 +128,17 @@ void WatchTable::attend(const Watch &watch)
         draw(watch);
 }
 
+void WatchTable::tell(const Watch &watch, const QString &text)
+{
+    told = text;
+    draw(watch);
+}
+
 void WatchTable::draw(const Watch &watch)
 {
     screen.takeResize();
     const QString polls = QString("%1, poll %2").arg(title).arg(watch.polls + 1);
-    QStringList lines = {cut(polls, screen.columns()), QString()};
+    QStringList lines = {cut(polls, screen.columns()), cut(told, screen.columns())};
     lines << watchTable(watch, std::chrono::steady_clock::now(), screen.columns(),
                         screen.rows() - kTitleRows);
     screen.show(lines);

@@ -27,15 +27,18 @@ public:
     // title: the line above the table.
     explicit WatchTable(const QString &title);
 
-    void answered(const Watch &watch, const WatchedItem &item, WatchNews news) override;
+    void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
+                  WatchNews news) override;
     void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
     void attend(const Watch &watch) override;
+    void tell(const Watch &watch, const QString &text) override;
 
 private:
     void draw(const Watch &watch);
 
     TerminalScreen screen;
     QString title;
+    QString told; // what happened last; until the next answer
 };
 
 } // namespace host

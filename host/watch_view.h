@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Where a user follows the watched items.
+// Where the watched items are followed.
 
 #ifndef HOST_WATCH_VIEW_H
 #define HOST_WATCH_VIEW_H
@@ -17,11 +17,15 @@ public:
     virtual ~WatchView() = default;
 
     // A poll of one item brought values, or failed; what of it is news.
-    virtual void answered(const Watch &watch, const WatchedItem &item, WatchNews news) = 0;
+    virtual void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
+                          WatchNews news) = 0;
     virtual void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) = 0;
 
     // Called often while nothing happens.
-    virtual void attend(const Watch &watch) = 0;
+    virtual void attend(const Watch & /*watch*/) {}
+
+    // Something happened to all of them.
+    virtual void tell(const Watch & /*watch*/, const QString & /*text*/) {}
 };
 
 } // namespace host

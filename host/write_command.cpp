@@ -4,18 +4,49 @@
 #include "write_command.h"
 
 #include "assignment.h"
+#include "command_line.h"
 #include "comparison.h"
 #include "connection.h"
 #include "interruption.h"
 #include "outcome.h"
+#include "output.h"
 #include "read_plan.h"
 #include "rehearsal.h"
-#include "text_output.h"
+#include "tag.h"
+#include "text_lines.h"
 #include "write_plan.h"
+
+#include <CLI/CLI.hpp>
 
 namespace host {
 
 namespace {
+
+struct WriteOptions
+{
+    Texts items;
+    bool verify = false; // read back what was written, print it, and fail when it is something else
+    bool dryRun = false; // print the frames on stdout and send nothing
+};
+
+// What was written, or with --verify read back.
+const Layout kLayout = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
+
+const char kFooter[] = R"(
+
+Values
+  bool             0 1 off on false true
+  u8 ... i32 bcd   10  -10  0x0a  0b1010
+  f32              1.5  -2e3  inf  nan
+  hex              digits: the bytes as they lie in the controller
+  str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
+
+@FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
+
+All items are checked before anything is sent. Nothing is printed unless --verify or
+--dry-run is given. Long items go in several requests: one that fails tells how much had
+been written. Values that do not fill whole elements of the address, as VW10:u8=1, are
+written as bytes: no byte changes that was not named.)";
 
 QString progress(const Item &item, int written)
 {
@@ -33,7 +64,8 @@ Failure partFailure(const Failure &failure, const Item &item, const WriteRequest
 // When an item takes several requests, whatever ends them early tells how far they got.
 void writeItem(const Assignment &assignment, Connection &connection)
 {
-    const QList<WriteRequest> requests = planWrite(assignment.item, assignment.data);
+    const Item &item = assignment.tag.item;
+    const QList<WriteRequest> requests = planWrite(item, assignment.data);
     const bool hasParts = requests.size() > 1;
     int written = 0;
     for (const WriteRequest &request : requests) {
@@ -41,76 +73,129 @@ void writeItem(const Assignment &assignment, Connection &connection)
             connection.write(request.command, request.data);
         } catch (const Interrupted &) {
             if (hasParts)
-                reportNote(assignment.item.address.text() + ": " + progress(assignment.item, written));
+                reportNote(assignment.tag.label() + ": " + progress(item, written));
             throw;
         } catch (const Failure &failure) {
-            throw hasParts ? partFailure(failure, assignment.item, request, written) : failure;
+            throw hasParts ? partFailure(failure, item, request, written) : failure;
         }
         written += request.command.count;
     }
 }
 
-void readBack(const Assignment &assignment, Connection &connection, const TextOutput &output)
+class Writer
 {
+public:
+    Writer(const Options &options_, const std::vector<Tag> &tags, bool verify_)
+        : options(options_), verify(verify_), output(options, kLayout), lines(tags), connection(options)
+    {
+    }
+
+    void write(const Assignment &assignment);
+    void noteFailure(const Tag &tag, const Failure &failure)
+    {
+        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
+    }
+    void finish() { output.finish(); }
+
+private:
+    void readBack(const Assignment &assignment);
+
+    const Options &options;
+    bool verify;
+    Output output;
+    TextLines lines;
+    Connection connection;
+};
+
+void Writer::write(const Assignment &assignment)
+{
+    const Tag &tag = assignment.tag;
+    writeItem(assignment, connection);
+    if (options.verbose)
+        reportNote(tag.label() + ": " + progress(tag.item, tag.item.count));
+    if (verify)
+        readBack(assignment);
+    else
+        output.writeUnlessText(tagRecord(tag, decodeValues(tag.item, assignment.data)));
+}
+
+void Writer::readBack(const Assignment &assignment)
+{
+    const Tag &tag = assignment.tag;
     const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
-    const QByteArray data = readItem(assignment.item, read);
+    const QByteArray data = readItem(tag.item, read);
     checkReadBack(assignment, data);
-    output.write(assignment.item, decodeValues(assignment.item, data));
+    const std::vector<Value> values = decodeValues(tag.item, data);
+    output.write(tagRecord(tag, values), lines.line(tag, values));
 }
 
 int writeAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
-    std::vector<Item> items;
-    items.reserve(assignments.size());
+    std::vector<Tag> tags;
+    tags.reserve(assignments.size());
     for (const Assignment &assignment : assignments)
-        items.push_back(assignment.item);
-    const TextOutput output(items);
+        tags.push_back(assignment.tag);
 
-    Connection connection(options);
+    Writer writer(options, tags, verify);
     Outcome outcome;
     for (const Assignment &assignment : assignments) {
-        const QString address = assignment.item.address.text();
-        const auto failure = outcome.attempt(address, [&] {
-            writeItem(assignment, connection);
-            if (options.verbose)
-                reportNote(address + ": " + progress(assignment.item, assignment.item.count));
-            if (verify)
-                readBack(assignment, connection, output);
-        });
-        if (failure && failure->code() == ExitCode::PortLost)
+        const auto failure = outcome.attempt(assignment.tag.label(), [&] { writer.write(assignment); });
+        if (failure && failure->code() == ExitCode::OutputLost)
+            return outcome.exitCode();
+        if (failure)
+            writer.noteFailure(assignment.tag, *failure);
+        if (failure && failure->isFinal())
             break;
     }
+    writer.finish();
     return outcome.exitCode();
 }
 
 int rehearseAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
-    const Rehearsal rehearsal(options);
+    Output output(options, kFramesLayout);
+    const Rehearsal rehearsal(options, output);
     Outcome outcome;
     for (const Assignment &assignment : assignments) {
-        outcome.attempt(assignment.item.address.text(), [&] {
-            for (const WriteRequest &request : planWrite(assignment.item, assignment.data))
+        const auto failure = outcome.attempt(assignment.tag.label(), [&] {
+            for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
                 rehearsal.write(request);
             if (!verify)
                 return;
-            for (const ReadRequest &request : planRead(assignment.item).requests)
+            for (const ReadRequest &request : planRead(assignment.tag.item).requests)
                 rehearsal.read(request);
         });
+        if (failure && failure->isFinal())
+            return outcome.exitCode();
     }
+    output.finish();
     return outcome.exitCode();
 }
 
-} // namespace
-
-int writeCommand(const Options &options, const WriteOptions &writeOptions,
-                 const std::vector<std::string> &texts)
+// All items must be right before the first is written. An item that fails is reported and the next one
+// written, as long as the port is there; the exit code is that of the first failure.
+int writeItems(const Options &options, const WriteOptions &writeOptions)
 {
     Outcome outcome;
-    const std::vector<Assignment> assignments = outcome.parseAll(texts, parseAssignment);
+    const std::vector<Assignment> assignments = outcome.parseAll(writeOptions.items, parseAssignment);
     if (!outcome.isSuccess())
         return outcome.exitCode();
     return writeOptions.dryRun ? rehearseAll(assignments, options, writeOptions.verify)
                                : writeAll(assignments, options, writeOptions.verify);
+}
+
+} // namespace
+
+void declareWrite(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<WriteOptions>();
+    CLI::App *write = addCommand(app, line, "write", "Write values to items",
+                                 [own](const Options &options) { return writeItems(options, *own); });
+    addItems(*write, own->items,
+             "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
+    write->add_flag("--verify", own->verify, "Read back and print; exit with 8 when it is different");
+    write->add_flag("--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    write->footer(std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host

@@ -6,23 +6,15 @@
 #ifndef HOST_WRITE_COMMAND_H
 #define HOST_WRITE_COMMAND_H
 
-#include "options.h"
-
-#include <string>
-#include <vector>
+namespace CLI {
+class App;
+}
 
 namespace host {
 
-struct WriteOptions
-{
-    bool verify = false; // read back what was written, print it, and fail when it is something else
-    bool dryRun = false; // print the frames on stdout and send nothing
-};
+struct CommandLine;
 
-// Writes the items in order, after all of them were found right. An item that fails is reported and the
-// next one written, as long as the port is there; the exit code is that of the first failure.
-int writeCommand(const Options &options, const WriteOptions &writeOptions,
-                 const std::vector<std::string> &items);
+void declareWrite(CLI::App &app, CommandLine &line);
 
 } // namespace host
 

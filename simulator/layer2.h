@@ -64,6 +64,9 @@ public:
     // Skips a frame that has begun and not ended, for use when the line has fallen silent.
     void abandon();
 
+    // Whether a frame has begun and not ended.
+    bool hasBegun() const { return !m_buffer.empty(); }
+
 private:
     enum class Start { NoFrame, Incomplete, Whole };
 

@@ -7,20 +7,19 @@
 #define SIMULATOR_LINE_H
 
 #include "simulator/bytes.h"
+#include "simulator/user_error.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 
-#include <stdexcept>
-
 namespace sim {
 
-// A line that cannot be opened. Its text is for the user to read.
-class LineError : public std::runtime_error
+// A line that cannot be opened.
+class LineError : public UserError
 {
 public:
-    explicit LineError(const QString &text) : std::runtime_error(text.toStdString()) {}
+    LineError(const QString &text, const QString &hint) : UserError(text.toStdString(), hint.toStdString()) {}
 };
 
 class Line : public QObject

@@ -1,135 +1,68 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// s7ppi-sim: a simulated S7-200 at the end of a pseudo-terminal or a serial port.
+// s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
 
+#include "simulator/complaint.h"
 #include "simulator/memory_file.h"
+#include "simulator/options.h"
 #include "simulator/port_link.h"
 #include "simulator/pty_line.h"
 #include "simulator/serial_line.h"
 #include "simulator/server.h"
 #include "simulator/stop_signals.h"
 #include "simulator/trace.h"
+#include "simulator/trace_file.h"
 
-#include <CLI/CLI.hpp>
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <random>
 #include <string>
-#include <string_view>
 #include <vector>
+
+#include <csignal>
 
 namespace {
 
-enum ExitCode { kDone = 0, kFailed = 1, kBadUsage = 2, kPortProblem = 3 };
-
-const char *const kFooter = R"(
-Prints the port's name as the first line on stdout and is ready from then on.
-SIGINT and SIGTERM end it.
-
-Memory without --memory:
-  VB100..VB103  11 22 33 44
-  SMB0          01
-  T37           value 300, preset 100, status bit on
-  C5            value 5, preset 10, status bit off
-  HC0           100000
-  all else zero
-Memory file: {"V": {"100": "11223344"}, "T": {"37": {"value": 300, "preset": 100,
-  "status": true}}, "HC": {"0": 100000}}; what it leaves out is zero.
-A write to a timer or counter sets its current value and nothing else.
-
-Exit status: 0 ended by a signal, 1 memory could not be saved, 2 bad usage or memory
-file, 3 the port could not be opened or was lost.)";
-
-struct Options
+sim::Time timeOfDay()
 {
-    int station = 2;
-    std::string port;
-    std::string link;
-    std::string memoryFile;
-    std::string saveFile;
-    int baudRate = 9600;
-    std::string parity = "even";
-    std::vector<std::string> refusals;
-    std::vector<std::string> faults;
-    bool verbose = false;
-};
-
-std::string faultHelp()
-{
-    std::string text = "Misbehave with every request, or with the N-th only (repeatable):";
-    for (const sim::FaultName &fault : sim::faultNames())
-        text += std::string("\n") + fault.name + ": " + fault.meaning;
-    return text;
+    return std::chrono::duration_cast<sim::Time>(std::chrono::system_clock::now().time_since_epoch());
 }
 
-std::string checkFault(const std::string &text)
+// The live values of the command line come behind those of the file, and never get into it.
+sim::StoredMemory addStation(sim::Simulator &simulator, const sim::StationOption &option,
+                             const std::vector<std::string> &live)
 {
-    return sim::parseFault(text) ? "" : text + " is not a known kind, with @N or without";
-}
-
-std::string checkRefusal(const std::string &text)
-{
-    const auto fault = sim::parseFault(text);
-    const bool negative =
-        fault && (fault->kind == sim::FaultKind::NoResource || fault->kind == sim::FaultKind::NotActive);
-    return negative ? "" : text + " is neither no-resource nor not-active, with @N or without";
-}
-
-void declareOptions(CLI::App &app, Options &options)
-{
-    app.set_version_flag("--version", "s7ppi-sim " S7PPI_VERSION);
-    app.footer(kFooter);
-    app.add_option("--station", options.station, "Station number, 1 to 126")
-        ->type_name("N")
-        ->check(CLI::Range(1, 126), "")
-        ->capture_default_str();
-    auto *port = app.add_option("--port", options.port, "Serial port to use (a new pseudo-terminal)");
-    port->type_name("DEVICE");
-    app.add_option("--link", options.link, "Symbolic link to make to the pseudo-terminal")
-        ->type_name("PATH")
-        ->excludes(port);
-    app.add_option("--memory", options.memoryFile, "Memory to begin with")->type_name("FILE.json");
-    app.add_option("--save", options.saveFile, "Where to save the memory at the end")->type_name("FILE.json");
-    app.add_option("--baud", options.baudRate, "Baud rate of the serial port")
-        ->type_name("RATE")
-        ->check(CLI::Range(50, 4000000), "")
-        ->capture_default_str()
-        ->needs(port);
-    app.add_option("--parity", options.parity, "Parity of the serial port: even, odd or none")
-        ->type_name("PARITY")
-        ->check(CLI::IsMember({"even", "odd", "none"}), "")
-        ->capture_default_str()
-        ->needs(port);
-    app.add_option("--refuse", options.refusals,
-                   "Refuse every request, or the N-th only: no-resource, not-active")
-        ->type_name("KIND[@N]")
-        ->allow_extra_args(false)
-        ->check(checkRefusal, "");
-    app.add_option("--fault", options.faults, faultHelp())
-        ->type_name("KIND[@N]")
-        ->allow_extra_args(false)
-        ->check(checkFault, "");
-    app.add_flag("-v,--verbose", options.verbose, "Show the frames on stderr");
-}
-
-sim::Station makeStation(const Options &options)
-{
-    const bool given = !options.memoryFile.empty();
-    sim::Station station(static_cast<uint8_t>(options.station),
-                         given ? sim::loadMemory(options.memoryFile) : sim::exampleMemory());
-    for (const std::string &refusal : options.refusals)
-        station.addFault(*sim::parseFault(refusal));
-    for (const std::string &fault : options.faults)
-        station.addFault(*sim::parseFault(fault));
-    if (options.verbose) {
-        station.setListener([](sim::Traffic traffic, const sim::Bytes &bytes) {
-            std::cerr << sim::traceLine(traffic, bytes) << std::endl;
-        });
+    sim::StoredMemory stored{sim::exampleMemory(), {}};
+    if (!option.memoryFile.empty())
+        stored = sim::loadMemory(option.memoryFile);
+    sim::Station &station = simulator.addStation(option.address, stored.memory);
+    for (const sim::LiveValue &value : stored.live)
+        station.addLiveValue(value);
+    for (const std::string &text : live) {
+        for (const sim::LiveValue &value : sim::parseLiveValues(text))
+            station.addLiveValue(value);
     }
-    return station;
+    return stored;
+}
+
+void addFaults(sim::Simulator &simulator, const sim::Options &options)
+{
+    bool random = false;
+    for (const std::string &text : options.faults) {
+        const sim::Fault fault = sim::parseFault(text);
+        random = random || sim::isRandom(fault);
+        simulator.addFault(fault);
+    }
+    if (!random)
+        return;
+    const uint32_t seed = options.seed ? *options.seed : std::random_device()();
+    simulator.setSeed(seed);
+    sim::note("faults by chance; --seed " + std::to_string(seed) + " repeats them");
 }
 
 QSerialPort::Parity parityNamed(const std::string &name)
@@ -139,7 +72,7 @@ QSerialPort::Parity parityNamed(const std::string &name)
     return name == "none" ? QSerialPort::NoParity : QSerialPort::EvenParity;
 }
 
-std::unique_ptr<sim::Line> openLine(const Options &options)
+std::unique_ptr<sim::Line> openLine(const sim::Options &options)
 {
     if (options.port.empty())
         return std::make_unique<sim::PtyLine>();
@@ -147,60 +80,109 @@ std::unique_ptr<sim::Line> openLine(const Options &options)
                                              parityNamed(options.parity));
 }
 
-void complain(std::string_view text)
+// The simulator as the command line wants it.
+class Program
 {
-    std::cerr << "s7ppi-sim: " << text << std::endl;
+public:
+    explicit Program(const sim::Options &options);
+
+    // Until a signal ends it or the line is lost. Returns the exit code.
+    int run();
+
+private:
+    int serve();
+    void listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes);
+    bool save();
+
+    const sim::Options m_options;
+    sim::Simulator m_simulator{timeOfDay()};
+    std::vector<sim::StoredMemory> m_stored; // one for each station of the options
+    std::unique_ptr<sim::TraceFile> m_trace;
+};
+
+Program::Program(const sim::Options &options) : m_options(options)
+{
+    for (const sim::StationOption &station : m_options.stations)
+        m_stored.push_back(addStation(m_simulator, station, m_options.live));
+    m_simulator.setPace(m_options.pace);
+    m_simulator.setTurnaround(std::chrono::milliseconds(m_options.turnaround));
+    m_simulator.setListener([this](sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes) {
+        listen(time, traffic, bytes);
+    });
 }
 
-// Until a signal ends it or the line is lost.
-int serve(sim::Station &station, const Options &options)
+void Program::listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes)
+{
+    if (m_options.verbose)
+        std::cerr << sim::traceLine(traffic, bytes) << std::endl;
+    if (m_trace && !m_trace->write(time, traffic, bytes))
+        sim::complain(m_options.trace + ": cannot write, the trace ends here",
+                      "make room and start again; the line is served on");
+}
+
+int Program::run()
+{
+    const int result = serve();
+    const bool saved = save();
+    const bool traced = !m_trace || m_trace->isGood();
+    return result == sim::kDone && !(saved && traced) ? sim::kOutputLost : result;
+}
+
+int Program::serve()
 {
     const sim::StopSignals stopSignals;
-    const auto line = openLine(options);
-    const auto link = options.link.empty()
-                          ? nullptr
-                          : std::make_unique<sim::PortLink>(options.link, line->name().toStdString());
-    const sim::Server server(*line, station);
-    QObject::connect(&stopSignals, &sim::StopSignals::received, [] { QCoreApplication::exit(kDone); });
-    QObject::connect(line.get(), &sim::Line::lost, [&line] {
-        complain(line->name().toStdString() + " is lost");
-        QCoreApplication::exit(kPortProblem);
+    const auto line = openLine(m_options);
+    const std::string name = line->name().toStdString();
+    if (!m_options.trace.empty())
+        m_trace = std::make_unique<sim::TraceFile>(m_options.trace, "s7ppi-sim " S7PPI_VERSION " on " + name);
+    const auto link =
+        m_options.link.empty() ? nullptr : std::make_unique<sim::PortLink>(m_options.link, name);
+    addFaults(m_simulator, m_options);
+    const sim::Server server(*line, m_simulator);
+    QObject::connect(&stopSignals, &sim::StopSignals::received, [] { QCoreApplication::exit(sim::kDone); });
+    QObject::connect(line.get(), &sim::Line::lost, [&name] {
+        sim::complain(name + " is lost",
+                      "plug the adapter in again, look for its name with s7ppi ports, and start again");
+        QCoreApplication::exit(sim::kPortLost);
     });
-    std::cout << line->name().toStdString() << std::endl;
+    if (!(std::cout << name << std::endl))
+        throw sim::UserError("stdout does not take the port's name",
+                             "make room, or send the output elsewhere");
     return QCoreApplication::exec();
 }
 
-int run(const Options &options)
+// Every station that can be saved is, even when another one cannot.
+bool Program::save()
 {
-    sim::Station station = makeStation(options);
-    const int result = serve(station, options);
-    if (options.saveFile.empty())
-        return result;
-    try {
-        sim::saveMemory(station.memory(), options.saveFile);
-    } catch (const sim::MemoryFileError &error) {
-        complain(error.what());
-        return kFailed;
+    bool good = true;
+    for (size_t i = 0; i < m_stored.size(); ++i) {
+        const sim::StationOption &option = m_options.stations[i];
+        if (option.saveFile.empty())
+            continue;
+        m_stored[i].memory = m_simulator.station(option.address)->memory();
+        try {
+            sim::saveMemory(m_stored[i], option.saveFile);
+        } catch (const sim::MemoryFileError &error) {
+            sim::complain(error.what(), error.hint());
+            good = false;
+        }
     }
-    return result;
+    return good;
 }
 
-int parseAndRun(int argc, char *argv[])
+int runProgram(const sim::Options &options)
 {
-    CLI::App app("A simulated S7-200 controller: a PPI station with memory.", "s7ppi-sim");
-    Options options;
-    declareOptions(app, options);
     try {
-        app.parse(argc, argv);
-        return run(options);
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? kDone : kBadUsage;
+        return Program(options).run();
     } catch (const sim::MemoryFileError &error) {
-        complain(error.what());
-        return kBadUsage;
+        sim::complain(error.what(), error.hint());
+        return sim::kBadUsage;
     } catch (const sim::LineError &error) {
-        complain(error.what());
-        return kPortProblem;
+        sim::complain(error.what(), error.hint());
+        return sim::kPortProblem;
+    } catch (const sim::UserError &error) {
+        sim::complain(error.what(), error.hint());
+        return sim::kOutputLost;
     }
 }
 
@@ -208,11 +190,16 @@ int parseAndRun(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
+    // Whoever reads the frames of -v may go: the memory is saved all the same.
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         const QCoreApplication application(argc, argv);
-        return parseAndRun(argc, argv);
-    } catch (const std::exception &error) { // no memory, say
-        complain(error.what());
-        return kFailed;
+        int exitCode = sim::kDone;
+        const std::optional<sim::Options> options = sim::parseOptions(argc, argv, exitCode);
+        return options ? runProgram(*options) : exitCode;
+    } catch (const std::exception &error) {
+        sim::complain(std::string("internal failure: ") + error.what(),
+                      "free some memory; it may be a bug, too");
+        return sim::kInternal;
     }
 }

@@ -19,8 +19,10 @@ PortLink::PortLink(const std::string &path, const std::string &target) : m_path(
         fs::remove(m_path, error);
     fs::create_symlink(m_target, m_path, error);
     if (error)
-        throw LineError(QString::fromLatin1("cannot make the link %1: %2")
-                            .arg(QString::fromStdString(path), QString::fromStdString(error.message())));
+        throw LineError(
+            QString::fromLatin1("cannot make the link %1: %2")
+                .arg(QString::fromStdString(path), QString::fromStdString(error.message())),
+            QString::fromLatin1("choose a name that is free, in a folder that may be written to"));
 }
 
 PortLink::~PortLink()

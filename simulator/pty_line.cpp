@@ -28,7 +28,8 @@ QString errorText(const char *what)
 void check(bool good, const char *what)
 {
     if (!good)
-        throw LineError(errorText(what));
+        throw LineError(errorText(what),
+                        QString::fromLatin1("mount /dev/pts, or name a serial port with --port"));
 }
 
 // No echo, no line editing, no translation of any byte.

@@ -11,7 +11,9 @@ SerialLine::SerialLine(const QString &device, qint32 baudRate, QSerialPort::Pari
     m_port.setBaudRate(baudRate);
     m_port.setParity(parity);
     if (!m_port.open(QIODevice::ReadWrite))
-        throw LineError(QString::fromLatin1("cannot open %1: %2").arg(device, m_port.errorString()));
+        throw LineError(
+            QString::fromLatin1("cannot open %1: %2").arg(device, m_port.errorString()),
+            QString::fromLatin1("s7ppi ports lists the ports that there are, and who may use them"));
     connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });
     connect(&m_port, &QSerialPort::errorOccurred, this, &SerialLine::reportError);
 }

@@ -1,14 +1,16 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Connects a station to a line: what the line brings goes to the station, what the station says goes back.
+// Runs a simulator in real time on a line: what the line brings goes to the simulator, what the simulator
+// sends goes back when it is due.
 
 #ifndef SIMULATOR_SERVER_H
 #define SIMULATOR_SERVER_H
 
 #include "simulator/line.h"
-#include "simulator/station.h"
+#include "simulator/simulator.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 namespace sim {
@@ -18,15 +20,20 @@ class Server : public QObject
     Q_OBJECT
 
 public:
-    // Both must outlive the server.
-    Server(Line &line, Station &station);
+    // Both must outlive the server. The simulator's clock runs on from where it stands.
+    Server(Line &line, Simulator &simulator);
 
 private:
     void take(const QByteArray &bytes);
+    void keepTime();
+    void send(const Bytes &bytes);
+    void setTimer();
 
     Line &m_line;
-    Station &m_station;
-    QTimer m_silence;
+    Simulator &m_simulator;
+    const Time m_start;
+    QElapsedTimer m_elapsed;
+    QTimer m_timer;
 };
 
 } // namespace sim

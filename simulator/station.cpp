@@ -9,114 +9,126 @@
 
 namespace sim {
 
+namespace {
+
+// The code with which all items are refused; nothing when no fault asks for that.
+std::optional<uint8_t> refusalCode(const Faults &faults)
+{
+    for (const Fault &fault : faults) {
+        if (fault.kind == FaultKind::HardwareFault)
+            return kHardwareFault;
+        if (fault.kind == FaultKind::ItemRefused)
+            return static_cast<uint8_t>(fault.argument.value_or(kInvalidAddress));
+    }
+    return std::nullopt;
+}
+
+// address, or that which a fault of the kind puts in its place: its argument or the next one.
+uint8_t addressWith(const Faults &faults, FaultKind kind, uint8_t address)
+{
+    const Fault *fault = faults.find(kind);
+    return fault ? static_cast<uint8_t>(fault->argument.value_or(address + 1u)) : address;
+}
+
+} // namespace
+
 Station::Station(uint8_t address, Memory memory) : m_address(address), m_memory(std::move(memory)) {}
 
-Bytes Station::receive(const uint8_t *data, size_t size)
-{
-    Bytes sent;
-    for (size_t i = 0; i < size; ++i) {
-        m_reader.push(data[i]);
-        while (const std::optional<Frame> frame = m_reader.next()) {
-            tell(Traffic::Skipped, m_reader.takeSkipped());
-            tell(Traffic::Received, frame->wire);
-            const Bytes reply = handle(*frame);
-            tell(Traffic::Sent, reply);
-            append(sent, reply);
-        }
-    }
-    tell(Traffic::Skipped, m_reader.takeSkipped());
-    return sent;
-}
-
-void Station::lineFellSilent()
-{
-    m_reader.abandon();
-    tell(Traffic::Skipped, m_reader.takeSkipped());
-}
-
-Bytes Station::handle(const Frame &frame)
+Reply Station::handle(const Frame &frame, FaultPlan &plan)
 {
     if (frame.destination != m_address || !isRequest(frame))
         return {};
+    Reply reply;
     if (!isSendAndRequestData(frame))
-        return sd1(frame.source, m_address, kServiceNotActive);
-    return frame.hasPdu ? takeRequest(frame) : answerPoll(frame);
+        reply.bytes = sd1(frame.source, m_address, kServiceNotActive);
+    else
+        reply = frame.hasPdu ? takeRequest(frame, plan) : answerPoll(frame);
+    if (m_echoing)
+        reply.echo = frame.wire;
+    return reply;
 }
 
-Bytes Station::takeRequest(const Frame &frame)
+Bytes Station::receive(const uint8_t *data, size_t size)
 {
+    FaultPlan noFaults;
+    Bytes sent;
+    for (size_t i = 0; i < size; ++i) {
+        m_reader.push(data[i]);
+        while (const std::optional<Frame> frame = m_reader.next())
+            append(sent, handle(*frame, noFaults).bytes);
+    }
+    m_reader.takeSkipped();
+    return sent;
+}
+
+void Station::storeLiveValues(Time now, Time start)
+{
+    for (const LiveValue &value : m_live)
+        value.store(m_memory, now, start);
+}
+
+Reply Station::takeRequest(const Frame &frame, FaultPlan &plan)
+{
+    const Faults faults = plan.ofNextRequest();
     m_master = frame.source;
+    m_echoing = faults.has(FaultKind::Echo);
     m_owed.clear();
-    const FaultKind fault = faultOfRequest(++m_requests);
-    if (const std::optional<Bytes> refusal = insteadOfAcknowledgement(fault, m_master, m_address))
-        return *refusal;
-    if (fault == FaultKind::NotReady)
-        m_owed.push_back({kShortAcknowledgement});
-    m_owed.push_back(answerFrame(frame, fault));
-    return {kShortAcknowledgement};
+    if (std::optional<Bytes> refusal = insteadOfAcknowledgement(faults, m_master, m_address)) {
+        Reply reply;
+        reply.bytes = std::move(*refusal);
+        return reply;
+    }
+    if (faults.has(FaultKind::NotReady))
+        m_owed.push_back(acknowledgement({}, plan.random()));
+    m_owed.push_back(answer(answerFrame(frame, faults), faults, plan.random()));
+    return acknowledgement(faults, plan.random());
 }
 
-Bytes Station::answerPoll(const Frame &frame)
+Reply Station::answerPoll(const Frame &frame)
 {
-    if (m_owed.empty() || frame.source != m_master)
-        return {kShortAcknowledgement};
-    Bytes answer = std::move(m_owed.front());
+    if (m_owed.empty() || frame.source != m_master) {
+        Reply nothingOwed;
+        nothingOwed.bytes = {kShortAcknowledgement};
+        return nothingOwed;
+    }
+    Reply reply = std::move(m_owed.front());
     m_owed.pop_front();
-    return answer;
+    return reply;
 }
 
-// Does the job; empty when the master is to get no answer.
-Bytes Station::answerFrame(const Frame &request, FaultKind fault)
+// Does the job.
+Bytes Station::answerFrame(const Frame &request, const Faults &faults)
 {
     Job job = decodeJob(request.pdu);
-    if (fault == FaultKind::StaleReference)
+    if (faults.has(FaultKind::StaleReference))
         --job.reference;
-    const Bytes pdu = doJob(job, fault);
-    if (fault == FaultKind::NoAnswer)
-        return {};
-    const auto source = static_cast<uint8_t>(m_address + (fault == FaultKind::WrongSource ? 1 : 0));
-    return damagedFrame(fault, sd2(request.source, source, kAnswer, pdu));
+    return sd2(addressWith(faults, FaultKind::WrongDestination, request.source),
+               addressWith(faults, FaultKind::WrongSource, m_address), kAnswer, doJob(job, faults));
 }
 
-Bytes Station::doJob(const Job &job, FaultKind fault)
+Bytes Station::doJob(const Job &job, const Faults &faults)
 {
-    if (fault == FaultKind::ErrorClass)
+    if (faults.has(FaultKind::ErrorClass))
         return encodeRefusal(job.reference, kServiceNotImplemented);
     if (job.error)
         return encodeRefusal(job.reference, *job.error);
-    const bool broken = fault == FaultKind::HardwareFault;
-    if (job.function == Function::Read) {
-        const std::vector<ReadResult> refused(job.items.size(), ReadResult{kHardwareFault, {}});
-        return encodeReadAnswer(job.reference, broken ? refused : readItems(m_memory, job.items));
-    }
-    const Bytes refused(job.items.size(), kHardwareFault);
-    return encodeWriteAnswer(job.reference, broken ? refused : writeItems(job, fault));
+    const std::optional<uint8_t> code = refusalCode(faults);
+    if (job.function == Function::Write)
+        return encodeWriteAnswer(job.reference,
+                                 code ? Bytes(job.items.size(), *code) : writeItems(job, faults));
+    const std::vector<ReadResult> refused(job.items.size(), ReadResult{code.value_or(kSuccess), {}});
+    return encodeReadAnswer(job.reference, code ? refused : readItems(m_memory, job.items));
 }
 
 // The return code of each item.
-Bytes Station::writeItems(const Job &job, FaultKind fault)
+Bytes Station::writeItems(const Job &job, const Faults &faults)
 {
     Memory discarded = m_memory;
-    Memory &memory = fault == FaultKind::IgnoreWrites ? discarded : m_memory;
+    Memory &memory = faults.has(FaultKind::IgnoreWrites) ? discarded : m_memory;
     Bytes codes;
     for (size_t i = 0; i < job.items.size(); ++i)
         codes.push_back(writeItem(memory, job.items[i], job.data[i]));
     return codes;
-}
-
-FaultKind Station::faultOfRequest(unsigned request) const
-{
-    for (const Fault &fault : m_faults) {
-        if (fault.request == 0 || fault.request == request)
-            return fault.kind;
-    }
-    return FaultKind::None;
-}
-
-void Station::tell(Traffic traffic, const Bytes &bytes) const
-{
-    if (m_listener && !bytes.empty())
-        m_listener(traffic, bytes);
 }
 
 } // namespace sim

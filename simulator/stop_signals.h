@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Turns SIGINT and SIGTERM into an event of the event loop. One object at a time.
+// Turns SIGINT, SIGTERM and SIGHUP (its terminal is closed) into an event of the event loop. One object at a
+// time; the signals stay blocked after it, so that none cuts short what is done at the end.
 
 #ifndef SIMULATOR_STOP_SIGNALS_H
 #define SIMULATOR_STOP_SIGNALS_H

@@ -4,24 +4,11 @@
 #include "simulator/trace.h"
 
 #include "simulator/cursor.h"
+#include "simulator/hex_text.h"
 
 namespace sim {
 
 namespace {
-
-std::string hexByte(unsigned byte)
-{
-    const char *digits = "0123456789abcdef";
-    return {digits[byte >> 4 & 0xF], digits[byte & 0xF]};
-}
-
-std::string hexBytes(const Bytes &bytes)
-{
-    std::string text;
-    for (const uint8_t byte : bytes)
-        text += (text.empty() ? "" : " ") + hexByte(byte);
-    return text;
-}
 
 std::string unitOf(uint8_t transport)
 {
@@ -39,14 +26,14 @@ std::string unitOf(uint8_t transport)
     case kTransportHighSpeedCounter:
         return "objects";
     default:
-        return "elements of kind " + hexByte(transport);
+        return "elements of kind " + hexText(transport);
     }
 }
 
 std::string placeOf(const Item &item)
 {
     const Area *area = findArea(item.area);
-    const std::string name = area ? area->name : "area " + hexByte(item.area) + " ";
+    const std::string name = area ? area->name : "area " + hexText(item.area) + " ";
     if (area && area->holdsObjects())
         return name + std::to_string(item.address);
     const std::string byte = name + std::to_string(item.address / 8);
@@ -75,10 +62,10 @@ std::string meaningOfAnswer(const Bytes &pdu)
     const uint8_t errorClass = cursor.take8();
     const uint8_t errorCode = cursor.take8();
     if (errorClass != 0 || errorCode != 0)
-        return name + ": error " + hexByte(errorClass) + " " + hexByte(errorCode);
+        return name + ": error " + hexText(errorClass) + " " + hexText(errorCode);
     cursor.takeBytes(2);
     const uint8_t code = cursor.take8();
-    return cursor.ok() ? name + ": first item's code " + hexByte(code) : name;
+    return cursor.ok() ? name + ": first item's code " + hexText(code) : name;
 }
 
 std::string meaningOfShortFrame(uint8_t function)
@@ -87,7 +74,7 @@ std::string meaningOfShortFrame(uint8_t function)
         return "refused, no resource";
     if (function == kServiceNotActive)
         return "refused, service not active";
-    return "function code " + hexByte(function);
+    return "function code " + hexText(function);
 }
 
 std::string meaningOf(const Frame &frame)
@@ -118,9 +105,9 @@ std::string meaningOf(const Bytes &bytes)
 std::string traceLine(Traffic traffic, const Bytes &bytes)
 {
     if (traffic == Traffic::Skipped)
-        return "? " + hexBytes(bytes) + "  skipped";
-    const char *direction = traffic == Traffic::Received ? "< " : "> ";
-    return direction + hexBytes(bytes) + "  " + meaningOf(bytes);
+        return "? " + hexText(bytes) + "  skipped";
+    const char *direction = traffic == Traffic::Sent ? "< " : "> ";
+    return direction + hexText(bytes) + "  " + meaningOf(bytes);
 }
 
 } // namespace sim

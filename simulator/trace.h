@@ -2,19 +2,20 @@
 // SPDX-License-Identifier: MIT
 //
 // The traffic in words, for people who watch the line:
-//    < 10 02 00 5c 5e 16  0 to 2: poll
-//    > e5  acknowledged
+//    > 10 02 00 5c 5e 16  0 to 2: poll
+//    < e5  acknowledged
 
 #ifndef SIMULATOR_TRACE_H
 #define SIMULATOR_TRACE_H
 
-#include "simulator/station.h"
+#include "simulator/simulator.h"
 
 #include <string>
 
 namespace sim {
 
-// One line, without a line end. "<" was received, ">" was sent, "?" was received and made no frame.
+// One line, without a line end. ">" is what a master sends, "<" what it receives, "?" what came from it and
+// made no frame.
 std::string traceLine(Traffic traffic, const Bytes &bytes);
 
 } // namespace sim

@@ -12,7 +12,7 @@
 //   silence       nothing
 //   hang-up       goes away
 //
-// After the last reaction it stays silent until it is ended.
+// After the last reaction it only tells of each frame on stdout, until it is ended.
 
 #include <chrono>
 #include <cstdio>
@@ -87,6 +87,9 @@ int main(int argc, char *argv[])
         receiveFrame(line);
         react(line, argv[i]);
     }
-    while (true)
+    while (true) {
         receiveFrame(line);
+        std::puts("unanswered");
+        std::fflush(stdout);
+    }
 }

@@ -5,10 +5,19 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 #include <poll.h>
 #include <pty.h>
 #include <termios.h>
 #include <unistd.h>
+
+namespace {
+
+// Milliseconds.
+constexpr int kPatience = 2000;
+
+} // namespace
 
 PseudoLine::PseudoLine()
 {
@@ -35,13 +44,22 @@ QByteArray PseudoLine::read(int count) const
 {
     QByteArray bytes;
     pollfd readable = {master, POLLIN, 0};
-    while (bytes.size() < count && poll(&readable, 1, 2000) > 0) {
+    while (bytes.size() < count && poll(&readable, 1, kPatience) > 0) {
         char byte = 0;
         if (::read(master, &byte, 1) != 1)
             break;
         bytes += byte;
     }
     return bytes;
+}
+
+QByteArray PseudoLine::readSome() const
+{
+    char bytes[4096];
+    pollfd readable = {master, POLLIN, 0};
+    if (poll(&readable, 1, kPatience) <= 0)
+        return QByteArray();
+    return QByteArray(bytes, int(std::max<ssize_t>(0, ::read(master, bytes, sizeof bytes))));
 }
 
 void PseudoLine::readAll() const

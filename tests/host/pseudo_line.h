@@ -28,6 +28,9 @@ public:
     // What the port sent, as soon as there are that many bytes; fewer after two seconds.
     QByteArray read(int count) const;
 
+    // What the port has sent by now, waited for; nothing after two seconds.
+    QByteArray readSome() const;
+
     // Takes away what the port sent, until it is quiet.
     void readAll() const;
 

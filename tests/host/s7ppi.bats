@@ -37,7 +37,8 @@ impatient() {
 @test "help and version go to stdout" {
     run --separate-stderr s7ppi --help
     [ "$status" -eq 0 ]
-    [[ "$output" == *"describe"*"read"*"write"*"watch"*"Exit codes: 0 done, "*"8 read back is not what was"* ]]
+    [[ "$output" == *"read"*"write"*"watch"*"dump"*"load"*"scan"*"ports"*"doctor"*"describe"*"Exit codes: 0 done, "*"8 read back is not what was"* ]]
+    [[ "$output" == *"70 internal failure, 74 output takes no more data; after a signal 128 and its number." ]]
     [ -z "$stderr" ]
     run --separate-stderr s7ppi read --help
     [ "$status" -eq 0 ]
@@ -232,7 +233,7 @@ VB101   34" ]
     start fake_controller
     s7ppi read --port "$port" --timeout 5000 VB0 3>&- 2>/dev/null &
     background+=($!)
-    sleep 0.3
+    eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
     impatient VB0
     [ "$status" -eq 3 ]
     [ "${stderr_lines[1]}" = "hint: another program has the port open: end it, or use another port" ]
@@ -312,6 +313,47 @@ REACTIONS
     [[ "${stderr_lines[0]}" == *"its interface is org.example.Foreign/1.0, not "*".drivers.DriverInterface/1.1" ]]
 }
 
+@test "74: a full stdout ends it at once, whatever prints" {
+    local arguments
+    for arguments in --version --help "read --help" describe "read --port sim VB100 VB101" \
+        "write --port sim --verify VB100=1 VB101=2" "write --dry-run VB100=1 VB101=2" \
+        "watch --port sim --interval 1 VB100 VB101"; do
+        # shellcheck disable=SC2086
+        run --separate-stderr on_full_stdout s7ppi $arguments
+        [ "$status" -eq 74 ]
+        [ "$(grep -c ': No space left on device$' <<<"$stderr")" -eq 1 ]
+        [ "${stderr_lines[-1]}" = "hint: the rest was not printed: make room, or send the output elsewhere" ]
+    done
+}
+on_full_stdout() {
+    "$@" >/dev/full
+}
+
+@test "74: a stdout that became full leaves what fitted, and the error names the item" {
+    run --separate-stderr bash -c "trap '' XFSZ; ulimit -f 1; s7ppi read --port sim VB0*600 VB100 >'$BATS_TEST_TMPDIR/values'"
+    [ "$status" -eq 74 ]
+    [ "$(stat -c %s "$BATS_TEST_TMPDIR/values")" -eq 1024 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: stdout takes no more data: File too large" ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+}
+
+@test "74: a watch whose stdout is full still sums up" {
+    run --separate-stderr on_full_stdout s7ppi watch --port sim VB100
+    [ "$status" -eq 74 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: 0 polls, 1 answer: "* ]]
+    [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
+    [ "${stderr_lines[2]}" = "s7ppi: stdout takes no more data: No space left on device" ]
+}
+
+@test "70: what nobody expected is told, and the embedded simulator ends" {
+    run --separate-stderr s7ppi read --port sim --plugin "$S7PPI_TEST_DIR/libthrowing_plugin.so" VB0 VB1
+    [ "$status" -eq 70 ]
+    [ -z "$output" ]
+    [ "${stderr_lines[0]}" = "s7ppi: internal failure: std::bad_alloc" ]
+    [ "${stderr_lines[1]}" = "hint: run it again with --verbose, and report what that shows" ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+}
+
 @test "the plug-in is found by option, then by environment, then beside the program" {
     export S7PPI_PLUGIN=/no/such/file.so
     run --separate-stderr s7ppi describe
@@ -352,7 +394,7 @@ interrupt() {
         >"$BATS_TEST_TMPDIR/values" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
     local reader=$!
     background+=("$reader")
-    sleep 0.5
+    eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
     kill "-$1" "$reader"
     status=0
     wait "$reader" || status=$?

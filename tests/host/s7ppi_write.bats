@@ -280,7 +280,7 @@ hint: T37 can be taken as bool u16 i16 hex" ]
         2>"$BATS_TEST_TMPDIR/errors" 3>&- &
     local writer=$!
     background+=("$writer")
-    sleep 0.5
+    eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
     kill -INT "$writer"
     status=0
     wait "$writer" || status=$?

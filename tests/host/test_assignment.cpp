@@ -50,9 +50,9 @@ void TestAssignment::thereAreAsManyValuesAsAreNamed_data()
 void TestAssignment::thereAreAsManyValuesAsAreNamed()
 {
     const Assignment assignment = parseAssignment(QTest::currentDataTag());
-    QTEST(assignment.item.address.text(), "address");
-    QTEST(typeName(assignment.item.type), "type");
-    QTEST(assignment.item.count, "count");
+    QTEST(assignment.tag.item.address.text(), "address");
+    QTEST(typeName(assignment.tag.item.type), "type");
+    QTEST(assignment.tag.item.count, "count");
     QTEST(hex(assignment.data), "data");
 }
 

@@ -1,15 +1,16 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// docs/failures.md against the driver's sources, and against the exit codes of the host.
+// docs/failures.md against the driver's sources, and against the exit codes of the host; docs/exit-codes.md
+// against those, too.
 
 #include "driver_fault.h"
+
+#include "document.h"
 
 #include <QtTest>
 
 #include <QDir>
-#include <QFile>
-#include <QRegularExpression>
 
 using namespace host;
 
@@ -24,12 +25,6 @@ struct Row
 };
 
 const QString kAddress = "ADDRESS";
-
-QString contentOf(const QString &file)
-{
-    QFile source(file);
-    return source.open(QIODevice::ReadOnly) ? QString::fromUtf8(source.readAll()) : QString();
-}
 
 Row rowOf(const QRegularExpressionMatch &match)
 {
@@ -52,11 +47,7 @@ QList<Row> rows()
 QStringList textsIn(QString source)
 {
     static const QRegularExpression comment("//[^\n]*");
-    static const QRegularExpression literal("\"([^\"\n]*)\"");
-    QStringList literals;
-    auto matches = literal.globalMatch(source.remove(comment));
-    while (matches.hasNext())
-        literals += matches.next().captured(1);
+    QStringList literals = captured("\"([^\"\n]*)\"", source.remove(comment));
     literals.removeAll("Simatic S7-200 PPI");
     return literals.filter(" ");
 }
@@ -96,6 +87,7 @@ private slots:
     void exitCodeIsTheHosts();
     void everyTextHasItsCauseAndWhatToCheck_data();
     void everyTextHasItsCauseAndWhatToCheck();
+    void everyExitCodeIsDocumented();
 };
 
 void TestFailuresDocument::everyTextOfTheDriverIsDocumentedOnceAndNoOther()
@@ -141,6 +133,14 @@ void TestFailuresDocument::everyTextHasItsCauseAndWhatToCheck()
 {
     QFETCH(QStringList, explanations);
     QVERIFY(!explanations.contains(QString()));
+}
+
+void TestFailuresDocument::everyExitCodeIsDocumented()
+{
+    const QStringList codes =
+        captured("^    [A-Z][A-Za-z]+ = (\\d+)", contentOf(SOURCE_DIR "/host/exit_code.h"));
+    QVERIFY(codes.contains("8"));
+    QCOMPARE(captured("^\\| (\\d+) \\|", contentOf(SOURCE_DIR "/docs/exit-codes.md")), codes);
 }
 
 QTEST_APPLESS_MAIN(TestFailuresDocument)

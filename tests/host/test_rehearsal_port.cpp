@@ -16,25 +16,25 @@ class TestRehearsalPort : public QObject
     Q_OBJECT
 
 private slots:
-    void framesAreShownAndCountAsSent();
+    void framesAreHandedOverAndCountAsSent();
     void onlyTheAcknowledgementIsReceived();
     void nothingIsRepeatedOrWaitedFor();
 };
 
-void TestRehearsalPort::framesAreShownAndCountAsSent()
+void TestRehearsalPort::framesAreHandedOverAndCountAsSent()
 {
-    QStringList lines;
-    RehearsalPort port(2, [&](const QString &line) { lines << line; });
+    QStringList frames;
+    RehearsalPort port(2, [&](const QByteArray &sent) { frames << hex(sent); });
     QVERIFY(!port.hasSent());
     const QByteArray frame = bytes("10 02 00 5c 5e 16");
     QCOMPARE(port.send(reinterpret_cast<const unsigned char *>(frame.constData()), 6), 6);
     QVERIFY(port.hasSent());
-    QCOMPARE(lines, QStringList({"poll of station 2: 10 02 00 5c 5e 16"}));
+    QCOMPARE(frames, QStringList({"1002005c5e16"}));
 }
 
 void TestRehearsalPort::onlyTheAcknowledgementIsReceived()
 {
-    RehearsalPort port(2, [](const QString &) {});
+    RehearsalPort port(2, [](const QByteArray &) {});
     unsigned char buffer[7] = {};
     QCOMPARE(port.receive(buffer, 1), 1);
     QCOMPARE(int(buffer[0]), 0xe5);
@@ -44,7 +44,7 @@ void TestRehearsalPort::onlyTheAcknowledgementIsReceived()
 
 void TestRehearsalPort::nothingIsRepeatedOrWaitedFor()
 {
-    RehearsalPort port(7, [](const QString &) {});
+    RehearsalPort port(7, [](const QByteArray &) {});
     QCOMPARE(port.retry(), 0);
     QCOMPARE(port.delay(), 0);
     QCOMPARE(port.stationId(), 7);

@@ -5,6 +5,7 @@
 
 #include "tracing_port.h"
 
+#include "frame_lines.h"
 #include "hex.h"
 #include "prepared_port.h"
 
@@ -47,7 +48,8 @@ void TestTracingPort::anExchangeIsFourLines()
     PreparedPort prepared({bytes("e5"), bytes("68 12 12 68 00 02 08"),
                            bytes("32 03 00 00 00 01 00 02 00 01 00 00 05 01 ff 48 16")});
     QStringList lines;
-    TracingPort port(prepared, [&](const QString &line) { lines << line; });
+    FrameLines shown([&](const QString &line) { lines << line; });
+    TracingPort port(prepared, {&shown});
     send(port, "10 02 00 5c 5e 16");
     receive(port, 1);
     send(port, "10 02 00 5c 5e 16");
@@ -65,7 +67,8 @@ void TestTracingPort::silenceAndLossAreShown()
 {
     PreparedPort prepared({QByteArray()});
     QStringList lines;
-    TracingPort port(prepared, [&](const QString &line) { lines << line; });
+    FrameLines shown([&](const QString &line) { lines << line; });
+    TracingPort port(prepared, {&shown});
     receive(port, 1);
     receive(port, 1);
     QCOMPARE(lines, QStringList({"<- silence", "<- nothing more"}));
@@ -75,7 +78,8 @@ void TestTracingPort::aReceiveThatFallsShortIsShownAtOnce()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
-    TracingPort port(prepared, [&](const QString &line) { lines << line; });
+    FrameLines shown([&](const QString &line) { lines << line; });
+    TracingPort port(prepared, {&shown});
     receive(port, 6);
     QCOMPARE(lines, QStringList({"<- incomplete frame: 10 00 02"}));
 }
@@ -84,7 +88,8 @@ void TestTracingPort::anIncompleteFrameIsShownBeforeTheNextOneIsSent()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
-    TracingPort port(prepared, [&](const QString &line) { lines << line; });
+    FrameLines shown([&](const QString &line) { lines << line; });
+    TracingPort port(prepared, {&shown});
     receive(port, 3);
     QCOMPARE(lines, QStringList());
     send(port, "10 02 00 5c 5e 16");
@@ -96,8 +101,9 @@ void TestTracingPort::whatIsLeftIsShownAtTheEnd()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
+    FrameLines shown([&](const QString &line) { lines << line; });
     {
-        TracingPort port(prepared, [&](const QString &line) { lines << line; });
+        TracingPort port(prepared, {&shown});
         receive(port, 3);
     }
     QCOMPARE(lines, QStringList({"<- incomplete frame: 10 00 02"}));
@@ -106,7 +112,7 @@ void TestTracingPort::whatIsLeftIsShownAtTheEnd()
 void TestTracingPort::everythingIsPassedOn()
 {
     PreparedPort prepared({bytes("e5")});
-    TracingPort port(prepared, [](const QString &) {});
+    TracingPort port(prepared, {});
     unsigned char buffer[1] = {};
     QCOMPARE(port.receive(buffer, 1), 1);
     QCOMPARE(int(buffer[0]), 0xe5);

@@ -7,7 +7,7 @@
 
 #include "failure_of.h"
 #include "hex.h"
-#include "text_output.h"
+#include "text_lines.h"
 
 #include <QtTest>
 
@@ -93,9 +93,9 @@ void TestValue::valuesOfSeveralItemsStandInOneColumn()
 {
     const Item shortItem = parseItem("T1");
     const Item longItem = parseItem("V100.3*2");
-    const TextOutput output({shortItem, longItem});
-    QCOMPARE(output.line(shortItem, decodeValues(shortItem, bytes("01 2c"))), QString("T1     300"));
-    QCOMPARE(output.line(longItem, decodeValues(longItem, bytes("01 00"))), QString("V100.3 1 0"));
+    const TextLines lines({shortItem, longItem});
+    QCOMPARE(lines.line(shortItem, decodeValues(shortItem, bytes("01 2c"))), QString("T1     300"));
+    QCOMPARE(lines.line(longItem, decodeValues(longItem, bytes("01 00"))), QString("V100.3 1 0"));
 }
 
 QTEST_APPLESS_MAIN(TestValue)

@@ -81,7 +81,7 @@ void TestWritePlan::valuesGoInTheOrderThatTheAddressAsksFor_data()
 void TestWritePlan::valuesGoInTheOrderThatTheAddressAsksFor()
 {
     const Assignment assignment = parseAssignment(QTest::currentDataTag());
-    QTEST(planText(assignment.item, assignment.data), "plan");
+    QTEST(planText(assignment.tag.item, assignment.data), "plan");
 }
 
 void TestWritePlan::longItemsAreSplitIntoWhatOneFrameCarries_data()
@@ -141,7 +141,7 @@ void TestWritePlan::noByteIsLostOrDoubledWhereItemsAreSplit()
 void TestWritePlan::bitsGoOnAcrossBytesAndRequests()
 {
     const Assignment assignment = parseAssignment("M0.7=1,0,0,0,0,0,0,0,0,0,0,1,1,0");
-    QCOMPARE(planText(assignment.item, assignment.data),
+    QCOMPARE(planText(assignment.tag.item, assignment.data),
              QString("bits M0.7*12 = 010000000000000000000001, bits M2.3*2 = 0100"));
 }
 

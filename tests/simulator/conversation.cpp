@@ -15,13 +15,13 @@ int byteCount(const QString &hexText)
     return int(plain(hexText).size()) / 2;
 }
 
-QString jobAnswer(sim::Station &station, int function, const QString &items, const QString &data)
+QString jobAnswer(const Partner &partner, int function, const QString &items, const QString &data)
 {
     const int count = byteCount(items) / 12;
     const QString call = number(function, 1) + number(count, 1);
     const QString pdu =
         "320100000001" + number(2 + byteCount(items), 2) + number(byteCount(data), 2) + call + items + data;
-    const QString answer = answerTo(station, pdu);
+    const QString answer = answerTo(partner, pdu);
     const QString content = answer.mid(28);
     const QString head = "320300000001"
                          "0002" +
@@ -47,17 +47,17 @@ QString hex(const sim::Bytes &frame)
     return hex(QByteArray(reinterpret_cast<const char *>(frame.data()), int(frame.size())));
 }
 
-QString say(sim::Station &station, const QString &hexText)
+QString say(const Partner &partner, const QString &hexText)
 {
-    return hex(station.receive(frameBytes(hexText)));
+    return hex(partner.hear(frameBytes(hexText)));
 }
 
-QString answerTo(sim::Station &station, const QString &pdu)
+QString answerTo(const Partner &partner, const QString &pdu)
 {
-    const QString acknowledgement = hex(station.receive(sim::sd2(2, 0, 0x6C, frameBytes(pdu))));
+    const QString acknowledgement = hex(partner.hear(sim::sd2(2, 0, 0x6C, frameBytes(pdu))));
     if (acknowledgement != "e5")
         return "instead of the acknowledgement: " + acknowledgement;
-    const QString answer = say(station, "10 02 00 5c 5e 16");
+    const QString answer = say(partner, "10 02 00 5c 5e 16");
     sim::FrameReader reader;
     for (const uint8_t byte : frameBytes(answer))
         reader.push(byte);
@@ -67,12 +67,12 @@ QString answerTo(sim::Station &station, const QString &pdu)
     return good ? hex(frame->pdu) : "instead of the answer: " + answer;
 }
 
-QString readItems(sim::Station &station, const QString &items)
+QString readItems(const Partner &partner, const QString &items)
 {
-    return jobAnswer(station, 0x04, items, QString());
+    return jobAnswer(partner, 0x04, items, QString());
 }
 
-QString writeItems(sim::Station &station, const QString &items, const QString &data)
+QString writeItems(const Partner &partner, const QString &items, const QString &data)
 {
-    return jobAnswer(station, 0x05, items, data);
+    return jobAnswer(partner, 0x05, items, data);
 }

@@ -1,28 +1,40 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Misbehaviour that can be asked for.
+// Misbehaviour that can be asked for: what each kind does to a conversation.
 
 #include "conversation.h"
 
 #include <QtTest>
 
+#include <set>
+
+using namespace std::chrono_literals;
+
 namespace {
 
-const QString kReadVB100 = "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                           "04 01 12 0a 10 02 00 01 00 01 84 00 03 20 8c 16";
 const QString kWriteMB0 = "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
                           "05 01 12 0a 10 02 00 01 00 00 83 00 00 00"
                           "00 04 00 08 5a d3 16";
-const QString kPoll = "10 02 00 5c 5e 16";
-const QString kAnswerVB100 =
-    "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 16";
 
-sim::Station faultyStation(const char *fault)
+sim::Simulator lineWith(std::initializer_list<const char *> faults, uint32_t seed = 1)
 {
-    sim::Station station(2);
-    station.addFault(sim::parseFault(fault).value());
-    return station;
+    sim::Simulator line;
+    line.addStation(2);
+    line.setSeed(seed);
+    for (const char *fault : faults)
+        line.addFault(sim::parseFault(fault));
+    return line;
+}
+
+// All that many requests with a poll each bring back.
+QStringList conversation(const char *fault, uint32_t seed)
+{
+    sim::Simulator line = lineWith({fault}, seed);
+    QStringList heard;
+    for (int i = 0; i < 200; ++i)
+        heard << say(line, kReadVB100) << say(line, kPoll);
+    return heard;
 }
 
 } // namespace
@@ -38,15 +50,23 @@ private slots:
     void onlyARefusedRequestIsNotDone();
     void unansweredPollTakesTheAnswer();
     void notReadyStationAnswersTheSecondPoll();
-    void hardwareFaultConcernsEveryItem();
+    void everyItemIsRefused();
     void ignoredWritesAreAnsweredAsTheOthers();
+    void lateAnswerComesWhenItsTimeIsUp();
+    void lateAcknowledgementComesWhenItsTimeIsUp();
+    void lateAnswerMeetsTheNextRequest();
+    void echoOfEveryFrameComesFirst();
+    void noiseStandsInFrontOfTheAnswer();
+    void noiseStandsInFrontOfTheAcknowledgement();
+    void noiseStandsWithinTheAnswer();
+    void corruptAnswerDiffersInOneByte();
     void faultConcernsTheNumberedRequestOnly();
-    void onlyRequestsForTheStationCount();
-    void firstFaultOfARequestWins();
-    void everyFaultHasAName();
-    void faultTextIsRead();
-    void badFaultTextIsRefused_data();
-    void badFaultTextIsRefused();
+    void onlyRequestsForTheStationsCount();
+    void faultsOfARequestAddUp();
+    void firstOfExclusiveFaultsWins();
+    void percentageIsKept();
+    void sameSeedGivesTheSameRun_data();
+    void sameSeedGivesTheSameRun();
 };
 
 void TestSimulatorFaults::faultChangesTheConversation_data()
@@ -61,13 +81,32 @@ void TestSimulatorFaults::faultChangesTheConversation_data()
                             << "e5";
     QTest::newRow("wrong-ack") << "00"
                                << "e5";
+    QTest::newRow("late-ack") << "" << kAnswerVB100;
     QTest::newRow("no-answer") << "e5"
                                << "";
     QTest::newRow("not-ready") << "e5"
                                << "e5";
+    QTest::newRow("late") << "e5"
+                          << "";
     QTest::newRow("truncated")
         << "e5"
         << "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08";
+    QTest::newRow("truncated=1")
+        << "e5"
+        << "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68";
+    QTest::newRow("truncated=200") << "e5"
+                                   << "";
+    QTest::newRow("short") << "e5"
+                           << "68 16 16 68 00 02";
+    QTest::newRow("short=1") << "e5"
+                             << "68";
+    QTest::newRow("short=200") << "e5" << kAnswerVB100;
+    QTest::newRow("corrupt=6")
+        << "e5"
+        << "68 16 16 68 00 02 f7 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 16";
+    QTest::newRow("corrupt=200")
+        << "e5"
+        << "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 e9";
     QTest::newRow("bad-checksum")
         << "e5"
         << "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16";
@@ -77,6 +116,15 @@ void TestSimulatorFaults::faultChangesTheConversation_data()
     QTest::newRow("wrong-source")
         << "e5"
         << "68 16 16 68 00 03 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16";
+    QTest::newRow("wrong-source=9")
+        << "e5"
+        << "68 16 16 68 00 09 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 6f 16";
+    QTest::newRow("wrong-destination")
+        << "e5"
+        << "68 16 16 68 01 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16";
+    QTest::newRow("wrong-destination=5")
+        << "e5"
+        << "68 16 16 68 05 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 6d 16";
     QTest::newRow("stale-reference")
         << "e5"
         << "68 16 16 68 00 02 08 32 03 00 00 00 00 00 02 00 05 00 00 04 01 ff 04 00 08 11 67 16";
@@ -85,128 +133,241 @@ void TestSimulatorFaults::faultChangesTheConversation_data()
     QTest::newRow("hardware-fault")
         << "e5"
         << "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 01 00 00 00 4c 16";
+    QTest::newRow("item-refused")
+        << "e5"
+        << "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 05 00 00 00 50 16";
+    QTest::newRow("item-refused=0A")
+        << "e5"
+        << "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 0a 00 00 00 55 16";
+    QTest::newRow("ignore-writes") << "e5" << kAnswerVB100;
+    QTest::newRow("echo") << kReadVB100 + "e5" << kPoll + kAnswerVB100;
 }
 
 void TestSimulatorFaults::faultChangesTheConversation()
 {
     QFETCH(QString, afterRequest);
     QFETCH(QString, afterPoll);
-    sim::Station station = faultyStation(QTest::currentDataTag());
-    QCOMPARE(say(station, kReadVB100), plain(afterRequest));
-    QCOMPARE(say(station, kPoll), plain(afterPoll));
+    sim::Simulator line = lineWith({QTest::currentDataTag()});
+    QCOMPARE(say(line, kReadVB100), plain(afterRequest));
+    QCOMPARE(say(line, kPoll), plain(afterPoll));
 }
 
 void TestSimulatorFaults::onlyARefusedRequestIsNotDone_data()
 {
     QTest::addColumn<int>("mb0");
     for (const char *name : {"no-resource", "not-active", "silent", "wrong-ack", "error-class",
-                             "hardware-fault", "ignore-writes"})
+                             "hardware-fault", "item-refused", "ignore-writes"})
         QTest::newRow(name) << 0;
-    for (const char *name : {"no-answer", "not-ready", "truncated", "bad-checksum", "bad-end", "wrong-source",
-                             "stale-reference"})
+    for (const char *name : {"late-ack", "noise-ack", "no-answer", "not-ready", "late", "truncated", "short",
+                             "corrupt", "noise", "noise-inside", "bad-checksum", "bad-end", "wrong-source",
+                             "wrong-destination", "stale-reference", "echo"})
         QTest::newRow(name) << 0x5A;
 }
 
 void TestSimulatorFaults::onlyARefusedRequestIsNotDone()
 {
     QFETCH(int, mb0);
-    sim::Station station = faultyStation(QTest::currentDataTag());
-    say(station, kWriteMB0);
-    QCOMPARE(int(station.memory().bytes(sim::kAreaM)[0]), mb0);
+    sim::Simulator line = lineWith({QTest::currentDataTag()});
+    say(line, kWriteMB0);
+    QCOMPARE(int(line.station(2)->memory().bytes(sim::kAreaM)[0]), mb0);
 }
 
 void TestSimulatorFaults::unansweredPollTakesTheAnswer()
 {
-    sim::Station station = faultyStation("no-answer");
-    say(station, kReadVB100);
-    QCOMPARE(say(station, kPoll), QString());
-    QCOMPARE(say(station, kPoll), plain("e5"));
+    sim::Simulator line = lineWith({"no-answer"});
+    say(line, kReadVB100);
+    QCOMPARE(say(line, kPoll), QString());
+    QCOMPARE(say(line, kPoll), plain("e5"));
 }
 
 void TestSimulatorFaults::notReadyStationAnswersTheSecondPoll()
 {
-    sim::Station station = faultyStation("not-ready");
-    say(station, kReadVB100);
-    QCOMPARE(say(station, kPoll), plain("e5"));
-    QCOMPARE(say(station, kPoll), plain(kAnswerVB100));
-    QCOMPARE(say(station, kPoll), plain("e5"));
+    sim::Simulator line = lineWith({"not-ready"});
+    say(line, kReadVB100);
+    QCOMPARE(say(line, kPoll), plain("e5"));
+    QCOMPARE(say(line, kPoll), plain(kAnswerVB100));
+    QCOMPARE(say(line, kPoll), plain("e5"));
 }
 
-void TestSimulatorFaults::hardwareFaultConcernsEveryItem()
+void TestSimulatorFaults::everyItemIsRefused()
 {
-    sim::Station station = faultyStation("hardware-fault");
     const QString items = "12 0a 10 01 0001 0000 83 000000"
                           "12 0a 10 01 0001 0000 83 000001";
-    QCOMPARE(writeItems(station, items, "00 03 0001 01 00  00 03 0001 01"), plain("01 01"));
-    QCOMPARE(readItems(station, items), plain("01 00 0000  01 00 0000"));
+    sim::Simulator broken = lineWith({"hardware-fault"});
+    QCOMPARE(writeItems(broken, items, "00 03 0001 01 00  00 03 0001 01"), plain("01 01"));
+    QCOMPARE(readItems(broken, items), plain("01 00 0000  01 00 0000"));
+    sim::Simulator refusing = lineWith({"item-refused=0a"});
+    QCOMPARE(writeItems(refusing, items, "00 03 0001 01 00  00 03 0001 01"), plain("0a 0a"));
+    QCOMPARE(readItems(refusing, items), plain("0a 00 0000  0a 00 0000"));
 }
 
 void TestSimulatorFaults::ignoredWritesAreAnsweredAsTheOthers()
 {
-    sim::Station station = faultyStation("ignore-writes");
+    sim::Simulator line = lineWith({"ignore-writes"});
     const QString items = "12 0a 10 01 0001 0000 83 000000"
                           "12 0a 10 01 0001 0000 83 000800";
-    QCOMPARE(writeItems(station, items, "00 03 0001 01 00  00 03 0001 01"), plain("ff 05"));
-    QCOMPARE(readItems(station, items.left(31)), plain("ff 03 0001 00"));
-    QCOMPARE(say(station, kReadVB100), plain("e5"));
-    QCOMPARE(say(station, kPoll), plain(kAnswerVB100));
+    QCOMPARE(writeItems(line, items, "00 03 0001 01 00  00 03 0001 01"), plain("ff 05"));
+    QCOMPARE(readItems(line, items.left(31)), plain("ff 03 0001 00"));
+}
+
+void TestSimulatorFaults::lateAnswerComesWhenItsTimeIsUp()
+{
+    sim::Simulator line = lineWith({"late=300"});
+    QCOMPARE(say(line, kReadVB100), plain("e5"));
+    QCOMPARE(say(line, kPoll), QString());
+    QCOMPARE(hex(line.advance(299ms)), QString());
+    QCOMPARE(hex(line.advance(1ms)), plain(kAnswerVB100));
+    QCOMPARE(hex(line.advance(1h)), QString());
+}
+
+void TestSimulatorFaults::lateAcknowledgementComesWhenItsTimeIsUp()
+{
+    sim::Simulator line = lineWith({"late-ack"});
+    QCOMPARE(say(line, kReadVB100), QString());
+    QCOMPARE(hex(line.advance(999ms)), QString());
+    QCOMPARE(hex(line.advance(1ms)), plain("e5"));
+}
+
+// A master that has given up and asks again hears the old answer where it waits for the new one.
+void TestSimulatorFaults::lateAnswerMeetsTheNextRequest()
+{
+    sim::Simulator line = lineWith({"late=300@1"});
+    say(line, kReadVB100);
+    QCOMPARE(say(line, kPoll), QString());
+    line.advance(200ms);
+    QCOMPARE(say(line, kReadVB100), plain("e5"));
+    QCOMPARE(hex(line.advance(100ms)), plain(kAnswerVB100));
+    QCOMPARE(say(line, kPoll), plain(kAnswerVB100));
+}
+
+void TestSimulatorFaults::echoOfEveryFrameComesFirst()
+{
+    sim::Simulator line = lineWith({"echo@1"});
+    line.setTurnaround(20ms);
+    QCOMPARE(say(line, kReadVB100), plain(kReadVB100));
+    QCOMPARE(hex(line.advance(20ms)), plain("e5"));
+    QCOMPARE(say(line, kPoll), plain(kPoll));
+    QCOMPARE(hex(line.advance(20ms)), plain(kAnswerVB100));
+    QCOMPARE(say(line, kReadVB100), QString());
+    QCOMPARE(hex(line.advance(20ms)), plain("e5"));
+}
+
+void TestSimulatorFaults::noiseStandsInFrontOfTheAnswer()
+{
+    sim::Simulator line = lineWith({"noise=5"});
+    QCOMPARE(say(line, kReadVB100), plain("e5"));
+    const QString heard = say(line, kPoll);
+    QCOMPARE(heard.mid(10), plain(kAnswerVB100));
+    say(line, kReadVB100);
+    QVERIFY(say(line, kPoll) != heard);
+}
+
+void TestSimulatorFaults::noiseStandsInFrontOfTheAcknowledgement()
+{
+    sim::Simulator line = lineWith({"noise-ack"});
+    const QString heard = say(line, kReadVB100);
+    QCOMPARE(heard.mid(6), plain("e5"));
+    QCOMPARE(say(line, kPoll), plain(kAnswerVB100));
+    QVERIFY(say(line, kReadVB100) != heard);
+}
+
+void TestSimulatorFaults::noiseStandsWithinTheAnswer()
+{
+    const QString good = plain(kAnswerVB100);
+    sim::Simulator line = lineWith({"noise-inside=2"});
+    std::set<int> places;
+    for (int i = 0; i < 500; ++i) {
+        say(line, kReadVB100);
+        const QString heard = say(line, kPoll);
+        QCOMPARE(heard.size(), good.size() + 4);
+        int place = 2;
+        while (place < good.size() && heard.left(place) + heard.mid(place + 4) != good)
+            place += 2;
+        QVERIFY2(place < good.size(), qPrintable(heard));
+        places.insert(place);
+    }
+    QVERIFY2(places.size() > 20, qPrintable(QString::number(places.size())));
+}
+
+void TestSimulatorFaults::corruptAnswerDiffersInOneByte()
+{
+    const sim::Bytes good = frameBytes(kAnswerVB100);
+    sim::Simulator line = lineWith({"corrupt"});
+    std::set<size_t> places;
+    for (int i = 0; i < 500; ++i) {
+        say(line, kReadVB100);
+        sim::Bytes heard = line.feed(frameBytes(kPoll));
+        QCOMPARE(heard.size(), good.size());
+        const auto place =
+            size_t(std::mismatch(good.begin(), good.end(), heard.begin()).first - good.begin());
+        QVERIFY(place < good.size());
+        heard[place] = uint8_t(heard[place] ^ 0xFF);
+        QCOMPARE(hex(heard), hex(good));
+        places.insert(place);
+    }
+    QVERIFY2(places.size() > 20, qPrintable(QString::number(places.size())));
 }
 
 void TestSimulatorFaults::faultConcernsTheNumberedRequestOnly()
 {
-    sim::Station station = faultyStation("no-resource@2");
-    QCOMPARE(say(station, kReadVB100), plain("e5"));
-    QCOMPARE(say(station, kReadVB100), plain("10 00 02 02 04 16"));
-    QCOMPARE(say(station, kReadVB100), plain("e5"));
+    sim::Simulator line = lineWith({"no-resource@2"});
+    QCOMPARE(say(line, kReadVB100), plain("e5"));
+    QCOMPARE(say(line, kReadVB100), plain("10 00 02 02 04 16"));
+    QCOMPARE(say(line, kReadVB100), plain("e5"));
 }
 
-void TestSimulatorFaults::onlyRequestsForTheStationCount()
+void TestSimulatorFaults::onlyRequestsForTheStationsCount()
 {
-    sim::Station station = faultyStation("no-resource@2");
-    say(station, kReadVB100);
-    say(station, kPoll);
-    say(station, "68 07 07 68 03 00 6c 32 01 00 00 a2 16");
-    say(station, plain(kReadVB100).replace("8c16", "8d16"));
-    QCOMPARE(say(station, kReadVB100), plain("10 00 02 02 04 16"));
+    sim::Simulator line = lineWith({"no-resource@3"});
+    line.addStation(4);
+    say(line, kReadVB100);
+    say(line, kPoll);
+    say(line, "68 07 07 68 03 00 6c 32 01 00 00 a2 16");
+    say(line, plain(kReadVB100).replace("8c16", "8d16"));
+    QCOMPARE(say(line, "68 07 07 68 04 00 6c 32 01 00 00 a3 16"), plain("e5"));
+    QCOMPARE(say(line, kReadVB100), plain("10 00 02 02 04 16"));
 }
 
-void TestSimulatorFaults::firstFaultOfARequestWins()
+void TestSimulatorFaults::faultsOfARequestAddUp()
 {
-    sim::Station station = faultyStation("not-active@2");
-    station.addFault(sim::parseFault("no-resource").value());
-    QCOMPARE(say(station, kReadVB100), plain("10 00 02 02 04 16"));
-    QCOMPARE(say(station, kReadVB100), plain("10 00 02 03 05 16"));
+    sim::Simulator line = lineWith({"late=50", "bad-end", "short=4@2", "wrong-source=9", "echo"});
+    QCOMPARE(say(line, kReadVB100), plain(kReadVB100 + "e5"));
+    QCOMPARE(say(line, kPoll), plain(kPoll));
+    QCOMPARE(hex(line.advance(50ms)),
+             plain("68 16 16 68 00 09 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 6f 17"));
+    QCOMPARE(say(line, kReadVB100), plain(kReadVB100 + "e5"));
+    QCOMPARE(say(line, kPoll), plain(kPoll));
+    QCOMPARE(hex(line.advance(50ms)), plain("68 16 16 68"));
 }
 
-void TestSimulatorFaults::everyFaultHasAName()
+void TestSimulatorFaults::firstOfExclusiveFaultsWins()
 {
-    QCOMPARE(int(sim::faultNames().size()), int(sim::FaultKind::IgnoreWrites));
-    for (const sim::FaultName &name : sim::faultNames())
-        QVERIFY(sim::parseFault(name.name)->kind == name.kind);
+    sim::Simulator line = lineWith({"not-active@2", "no-resource"});
+    QCOMPARE(say(line, kReadVB100), plain("10 00 02 02 04 16"));
+    QCOMPARE(say(line, kReadVB100), plain("10 00 02 03 05 16"));
 }
 
-void TestSimulatorFaults::faultTextIsRead()
+void TestSimulatorFaults::percentageIsKept()
 {
-    const std::optional<sim::Fault> always = sim::parseFault("silent");
-    QVERIFY(always && always->kind == sim::FaultKind::Silent);
-    QCOMPARE(always->request, 0u);
-    const std::optional<sim::Fault> third = sim::parseFault("stale-reference@3");
-    QVERIFY(third && third->kind == sim::FaultKind::StaleReference);
-    QCOMPARE(third->request, 3u);
+    sim::Simulator line = lineWith({"silent%25"});
+    int silent = 0;
+    for (int i = 0; i < 4000; ++i)
+        silent += say(line, kReadVB100).isEmpty() ? 1 : 0;
+    QVERIFY2(silent > 850 && silent < 1150, qPrintable(QString::number(silent)));
 }
 
-void TestSimulatorFaults::badFaultTextIsRefused_data()
+void TestSimulatorFaults::sameSeedGivesTheSameRun_data()
 {
-    QTest::addColumn<QString>("text");
-    for (const char *text : {"", "@1", "loud", "Silent", "silent ", "silent@", "silent@0", "silent@-1",
-                             "silent@x", "silent@1x", "silent@1@2", "silent@99999999999"})
-        QTest::newRow(text) << text;
+    QTest::addColumn<QString>("fault");
+    for (const char *fault : {"silent%50", "noise", "noise-ack", "noise-inside", "corrupt"})
+        QTest::newRow(fault) << fault;
 }
 
-void TestSimulatorFaults::badFaultTextIsRefused()
+void TestSimulatorFaults::sameSeedGivesTheSameRun()
 {
-    QFETCH(QString, text);
-    QVERIFY(!sim::parseFault(text.toStdString()));
+    const char *fault = QTest::currentDataTag();
+    QCOMPARE(conversation(fault, 7), conversation(fault, 7));
+    QVERIFY(conversation(fault, 7) != conversation(fault, 8));
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorFaults)

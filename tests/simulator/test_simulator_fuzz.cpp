@@ -13,6 +13,8 @@
 
 #include <random>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr int kRounds = 20000;
@@ -23,7 +25,7 @@ const QString kReadMB0 = "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
 // Frames that the mutations start from: reads, writes of every kind, several items, a poll.
 std::vector<sim::Bytes> goodFrames()
 {
-    std::vector<sim::Bytes> frames = {frameBytes("10 02 00 5c 5e 16")};
+    std::vector<sim::Bytes> frames = {frameBytes(kPoll)};
     for (const char *pdu : {
              "320100000001000e0000 0401 120a1002000400018400 0320",
              "320100000001000e0000 0401 120a101f000200001f00 0025",
@@ -130,6 +132,7 @@ class TestSimulatorFuzz : public QObject
 private slots:
     void startingFramesAreGood();
     void stationSurvivesAnyBytes();
+    void everyFaultSurvivesAnyBytes();
 };
 
 void TestSimulatorFuzz::startingFramesAreGood()
@@ -137,7 +140,7 @@ void TestSimulatorFuzz::startingFramesAreGood()
     for (const sim::Bytes &frame : goodFrames()) {
         sim::Station station(2);
         QCOMPARE(hex(station.receive(frame)), plain("e5"));
-        const QString answer = say(station, "10 02 00 5c 5e 16");
+        const QString answer = say(station, kPoll);
         QVERIFY2(answer == "e5" || answer.mid(14).startsWith("3203"), qPrintable(answer));
     }
 }
@@ -145,26 +148,50 @@ void TestSimulatorFuzz::startingFramesAreGood()
 void TestSimulatorFuzz::stationSurvivesAnyBytes()
 {
     Fuzzer fuzzer(chooseSeed());
-    sim::Station station(2);
-    const sim::Bytes poll = frameBytes("10 02 00 5c 5e 16");
+    sim::Simulator line;
+    sim::Station &station = line.addStation(2);
+    const sim::Bytes poll = frameBytes(kPoll);
     size_t told = 0;
-    station.setListener([&told](sim::Traffic traffic, const sim::Bytes &bytes) {
+    line.setListener([&told](sim::Time, sim::Traffic traffic, const sim::Bytes &bytes) {
         told += sim::traceLine(traffic, bytes).size();
     });
     for (int round = 0; round < kRounds; ++round) {
         const sim::Bytes heard = fuzzer.next();
-        sim::Bytes sent = station.receive(heard);
-        sim::append(sent, station.receive(poll));
+        sim::Bytes sent = line.feed(heard);
+        sim::append(sent, line.feed(poll));
         QVERIFY2(consistsOfGoodFrames(sent), qPrintable(hex(heard) + " gave " + hex(sent)));
     }
     QVERIFY(told > 0);
     QVERIFY(areasKeepTheirSizes(station.memory()));
 
-    station.lineFellSilent();
+    line.advance(1s);
     station.memory() = sim::Memory();
-    QCOMPARE(say(station, kReadMB0), plain("e5"));
-    QCOMPARE(say(station, "10 02 00 5c 5e 16"),
+    QCOMPARE(say(line, kReadMB0), plain("e5"));
+    QCOMPARE(say(line, kPoll),
              plain("68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 00 57 16"));
+}
+
+// All faults at once, every one of them now and then, and pieces of time between the bytes.
+void TestSimulatorFuzz::everyFaultSurvivesAnyBytes()
+{
+    const unsigned seed = chooseSeed();
+    Fuzzer fuzzer(seed);
+    sim::Simulator line;
+    line.addStation(2);
+    line.addStation(3);
+    line.setSeed(seed);
+    line.setPace(187500);
+    for (const sim::FaultName &name : sim::faultNames())
+        line.addFault(sim::parseFault(std::string(name.name) + "%20"));
+    size_t heard = 0;
+    for (int round = 0; round < kRounds / 4; ++round) {
+        heard += line.feed(fuzzer.next()).size() + line.advance(5ms).size();
+        heard += line.feed(frameBytes(kPoll)).size() + line.advance(20ms).size();
+    }
+    QVERIFY(heard > 1000);
+    line.advance(1h);
+    QVERIFY(!line.nextDue());
+    QVERIFY(areasKeepTheirSizes(line.station(2)->memory()));
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorFuzz)

@@ -9,7 +9,6 @@
 
 namespace {
 
-const QString kPoll = "10 02 00 5c 5e 16";
 const QString kRequest = "68 07 07 68 02 00 6c 32 01 00 00 a1 16";
 
 sim::FrameReader readerOf(const QString &hexText)

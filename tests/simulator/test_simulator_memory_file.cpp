@@ -8,6 +8,7 @@
 #include "simulator/memory_file.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -38,7 +39,7 @@ QString errorLoading(const QString &path)
 QString errorSaving(const QString &path)
 {
     try {
-        sim::saveMemory(sim::exampleMemory(), path.toStdString());
+        sim::saveMemory({sim::exampleMemory(), {}}, path.toStdString());
     } catch (const sim::MemoryFileError &error) {
         return QString::fromStdString(error.what());
     }
@@ -92,8 +93,11 @@ private slots:
     void badTextIsRefusedWithItsPlace_data();
     void badTextIsRefusedWithItsPlace();
     void largestValuesAreTaken();
+    void errorsNameTheLine_data();
+    void errorsNameTheLine();
     void textThatIsNotJsonIsRefused_data();
     void textThatIsNotJsonIsRefused();
+    void liveValuesAreReadAndWritten();
     void fileIsSavedAndLoaded();
     void savingReplacesTheFileAndLeavesNothingBeside();
     void loadErrorsNameTheFile();
@@ -110,7 +114,8 @@ void TestSimulatorMemoryFile::everyAreaIsRead()
         "T": { "37": { "value": 300, "status": true, "preset": 500 } },
         "C": { "5": { "value": 7 } },
         "HC": { "0": 100000, "5": 4294967295 }
-    })");
+    })")
+                                   .memory;
     QCOMPARE(int(memory.bytes(sim::kAreaI)[0]), 0x01);
     QCOMPARE(int(memory.bytes(sim::kAreaQ)[1]), 0x02);
     QCOMPARE(int(memory.bytes(sim::kAreaV)[100]), 0x11);
@@ -130,13 +135,13 @@ void TestSimulatorMemoryFile::everyAreaIsRead()
 
 void TestSimulatorMemoryFile::whatTheFileLeavesOutIsZero()
 {
-    QVERIFY(sim::parseMemory("{}") == sim::Memory());
-    QVERIFY(sim::parseMemory(R"({ "V": {}, "T": { "1": {} }, "M": { "0": "" } })") == sim::Memory());
+    QVERIFY(sim::parseMemory("{}").memory == sim::Memory());
+    QVERIFY(sim::parseMemory(R"({ "V": {}, "T": { "1": {} }, "M": { "0": "" } })").memory == sim::Memory());
 }
 
 void TestSimulatorMemoryFile::exampleIsWrittenAsPeopleWouldWriteIt()
 {
-    QCOMPARE(QString::fromStdString(sim::formatMemory(sim::exampleMemory())), QString(R"({
+    QCOMPARE(QString::fromStdString(sim::formatMemory({sim::exampleMemory(), {}})), QString(R"({
     "V": {
         "100": "11223344"
     },
@@ -166,7 +171,7 @@ void TestSimulatorMemoryFile::exampleIsWrittenAsPeopleWouldWriteIt()
 
 void TestSimulatorMemoryFile::emptyMemoryIsAnEmptyObject()
 {
-    QCOMPARE(QString::fromStdString(sim::formatMemory(sim::Memory())), QString("{}\n"));
+    QCOMPARE(QString::fromStdString(sim::formatMemory({})), QString("{}\n"));
 }
 
 void TestSimulatorMemoryFile::writtenMemoryReadsBackAsItWas()
@@ -174,7 +179,8 @@ void TestSimulatorMemoryFile::writtenMemoryReadsBackAsItWas()
     std::mt19937 random(chooseSeed());
     for (int i = 0; i < 20; ++i) {
         const sim::Memory memory = randomMemory(random);
-        QVERIFY2(sim::parseMemory(sim::formatMemory(memory)) == memory, qPrintable(QString::number(i)));
+        QVERIFY2(sim::parseMemory(sim::formatMemory({memory, {}})).memory == memory,
+                 qPrintable(QString::number(i)));
     }
 }
 
@@ -188,7 +194,7 @@ void TestSimulatorMemoryFile::edgesOfAreasReadBack()
     memory.timers.front().status = true;
     memory.timers.back().preset = 1;
     memory.counters.back().value = 65535;
-    QVERIFY(sim::parseMemory(sim::formatMemory(memory)) == memory);
+    QVERIFY(sim::parseMemory(sim::formatMemory({memory, {}})).memory == memory);
 }
 
 void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace_data()
@@ -197,10 +203,12 @@ void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace_data()
     QTest::addColumn<QString>("error");
     QTest::newRow("not an object") << R"([1])"
                                    << "the whole file: must be an object in braces";
-    QTest::newRow("unknown area") << R"({ "X": {} })"
-                                  << "\"X\": is not a memory area; there are I Q V M SM S AI AQ T C HC";
-    QTest::newRow("lower case area") << R"({ "v": {} })"
-                                     << "\"v\": is not a memory area; there are I Q V M SM S AI AQ T C HC";
+    QTest::newRow("unknown area")
+        << R"({ "X": {} })"
+        << "\"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
+    QTest::newRow("lower case area")
+        << R"({ "v": {} })"
+        << "\"v\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
     QTest::newRow("area without braces") << R"({ "V": "00" })"
                                          << "V: must be an object in braces";
     QTest::newRow("area twice") << R"({ "V": {}, "V": {} })"
@@ -253,6 +261,12 @@ void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace_data()
                                                         << "HC: \"6\" is too large, the last one is 5";
     QTest::newRow("high-speed counter too large") << R"({ "HC": { "0": 4294967296 } })"
                                                   << "HC0: must be a whole number from 0 to 4294967295";
+    QTest::newRow("live without braces") << R"({ "live": [] })"
+                                         << "live: must be an object in braces";
+    QTest::newRow("live number") << R"({ "live": { "VW0": 5 } })"
+                                 << "live: VW0 must be a text, as \"ramp:0..1000/10s\"";
+    QTest::newRow("live kind") << R"({ "live": { "VW0": "rmp:0..1/1s" } })"
+                               << "live: \"rmp\" is no kind of live value; the nearest is ramp";
     QTest::newRow("high-speed counter as a text") << R"({ "HC": { "0": "1" } })"
                                                   << "HC0: must be a whole number from 0 to 4294967295";
 }
@@ -261,13 +275,56 @@ void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace()
 {
     QFETCH(QString, text);
     QFETCH(QString, error);
-    QCOMPARE(errorIn(text.toUtf8().constData()), error);
+    QCOMPARE(errorIn(text.toUtf8().constData()), "line 1: " + error);
 }
 
 void TestSimulatorMemoryFile::largestValuesAreTaken()
 {
     QCOMPARE(errorIn(R"({ "T": { "255": { "value": 65535, "preset": 65535 } }, "HC": { "5": 4294967295 } })"),
              QString("none"));
+}
+
+void TestSimulatorMemoryFile::errorsNameTheLine_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("area")
+        << QByteArray("{\n  \"V\": {},\n  \"X\": {}\n}")
+        << "line 3: \"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
+    QTest::newRow("byte behind others")
+        << QByteArray("{\n\"V\": {\n\"1\": \"00\",\n\"2\": \"0\"\n},\n\"M\": {}\n}")
+        << "line 4: V2: \"0\" is not a text of hexadecimal bytes";
+    QTest::newRow("field behind other objects")
+        << QByteArray("{ \"T\": {\n\"1\": { \"value\": 1 },\n\"2\": {\n\"preset\": -1 } } }")
+        << "line 4: T2 preset: must be a whole number from 0 to 65535";
+    QTest::newRow("twin") << QByteArray("{\n\"M\": {},\n\n\"M\": {}\n}") << "line 4: \"M\": comes twice";
+    QTest::newRow("syntax") << QByteArray("{\n  \"V\": ,\n}")
+                            << "line 2, column 8: not JSON: syntax error while parsing value - unexpected "
+                               "','; expected '[', '{', or a literal";
+    QTest::newRow("number beyond all numbers") << QByteArray("{ \"HC\": {\n \"0\": 1e9999 } }")
+                                               << "line 2: not JSON: number overflow parsing '1e9999'";
+}
+
+void TestSimulatorMemoryFile::errorsNameTheLine()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, error);
+    QCOMPARE(errorIn(text.constData()), error);
+}
+
+void TestSimulatorMemoryFile::liveValuesAreReadAndWritten()
+{
+    const std::string text = R"({
+    "live": {
+        "VW200": "ramp:0..1000/10s",
+        "V210.3": "blink:1s"
+    }
+}
+)";
+    const sim::StoredMemory stored = sim::parseMemory(text);
+    QCOMPARE(int(stored.live.size()), 2);
+    QVERIFY(stored.memory == sim::Memory());
+    QCOMPARE(QString::fromStdString(sim::formatMemory(stored)), QString::fromStdString(text));
 }
 
 void TestSimulatorMemoryFile::textThatIsNotJsonIsRefused_data()
@@ -286,15 +343,16 @@ void TestSimulatorMemoryFile::textThatIsNotJsonIsRefused()
 {
     QFETCH(QByteArray, text);
     const QString error = errorIn(text.constData());
-    QVERIFY2(error.startsWith("not JSON: "), qPrintable(error));
+    QVERIFY2(QRegularExpression("^line 1(, column [0-9]+)?: not JSON: ").match(error).hasMatch(),
+             qPrintable(error));
 }
 
 void TestSimulatorMemoryFile::fileIsSavedAndLoaded()
 {
     const QTemporaryDir folder;
     const std::string path = folder.filePath("memory.json").toStdString();
-    sim::saveMemory(sim::exampleMemory(), path);
-    QVERIFY(sim::loadMemory(path) == sim::exampleMemory());
+    sim::saveMemory({sim::exampleMemory(), {}}, path);
+    QVERIFY(sim::loadMemory(path).memory == sim::exampleMemory());
 }
 
 void TestSimulatorMemoryFile::savingReplacesTheFileAndLeavesNothingBeside()
@@ -302,7 +360,7 @@ void TestSimulatorMemoryFile::savingReplacesTheFileAndLeavesNothingBeside()
     const QTemporaryDir folder;
     const QString path = folder.filePath("memory.json");
     writeFile(path, "something longer than an empty memory");
-    sim::saveMemory(sim::Memory(), path.toStdString());
+    sim::saveMemory({}, path.toStdString());
     QCOMPARE(fileContent(path), QByteArray("{}\n"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("memory.json"));
 }
@@ -312,18 +370,19 @@ void TestSimulatorMemoryFile::loadErrorsNameTheFile()
     const QTemporaryDir folder;
     const QString path = folder.filePath("memory.json");
     QCOMPARE(errorLoading(path), path + ": cannot open: No such file or directory");
-    QCOMPARE(errorLoading(folder.path()), folder.path() + ": cannot read: Is a directory");
+    QCOMPARE(errorLoading(folder.path()), folder.path() + ": cannot open: file to open is a directory");
     writeFile(path, "{ \"M\": { \"0\": \"xx\" } }");
-    QCOMPARE(errorLoading(path), path + ": M0: \"xx\" is not a text of hexadecimal bytes");
+    QCOMPARE(errorLoading(path), path + ": line 1: M0: \"xx\" is not a text of hexadecimal bytes");
     writeFile(path, "");
-    QVERIFY2(errorLoading(path).startsWith(path + ": not JSON: "), qPrintable(errorLoading(path)));
+    QVERIFY2(errorLoading(path).startsWith(path + ": line 1, column 1: not JSON: "),
+             qPrintable(errorLoading(path)));
 }
 
 void TestSimulatorMemoryFile::saveErrorsNameTheFile()
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath("missing/memory.json");
-    QCOMPARE(errorSaving(path), path + ": cannot create a file beside it: No such file or directory");
+    QCOMPARE(errorSaving(path), path + ": cannot save: No such file or directory");
 }
 
 void TestSimulatorMemoryFile::failedSavingLeavesNothingBeside()
@@ -331,7 +390,7 @@ void TestSimulatorMemoryFile::failedSavingLeavesNothingBeside()
     const QTemporaryDir folder;
     const QString path = folder.filePath("memory.json");
     QVERIFY(QDir().mkpath(path)); // a folder cannot be replaced with a file
-    QCOMPARE(errorSaving(path), path + ": cannot replace: Is a directory");
+    QCOMPARE(errorSaving(path), path + ": cannot save: Filename refers to a directory");
     QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList("memory.json"));
 }

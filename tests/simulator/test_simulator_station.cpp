@@ -10,14 +10,9 @@
 namespace {
 
 // Reads of one byte, references 1 and 2.
-const QString kReadVB100 = "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                           "04 01 12 0a 10 02 00 01 00 01 84 00 03 20 8c 16";
 const QString kReadVB101 = "68 1b 1b 68 02 00 6c 32 01 00 00 00 02 00 0e 00 00"
                            "04 01 12 0a 10 02 00 01 00 01 84 00 03 28 95 16";
-const QString kPoll = "10 02 00 5c 5e 16";
 
-const QString kAnswerVB100 =
-    "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 16";
 const QString kAnswerVB101 =
     "68 16 16 68 00 02 08 32 03 00 00 00 02 00 02 00 05 00 00 04 01 ff 04 00 08 22 7a 16";
 
@@ -42,8 +37,6 @@ private slots:
     void otherServicesAreNotActive();
     void bytesMayComeOneByOne();
     void severalFramesMayComeAtOnce();
-    void silenceEndsABegunFrame();
-    void trafficIsTold();
 };
 
 void TestSimulatorStation::answerComesOnceAndOnlyWhenPolled()
@@ -159,33 +152,6 @@ void TestSimulatorStation::severalFramesMayComeAtOnce()
     sim::Station station(2);
     QCOMPARE(say(station, "00 ff" + kReadVB100 + kPoll + "68" + kReadVB101 + "10" + kPoll),
              plain("e5" + kAnswerVB100 + "e5" + kAnswerVB101));
-}
-
-void TestSimulatorStation::silenceEndsABegunFrame()
-{
-    sim::Station station(2);
-    QCOMPARE(say(station, "68 ff ff 68 02 00"), QString());
-    station.lineFellSilent();
-    QCOMPARE(say(station, kReadVB100), plain("e5"));
-    station.lineFellSilent();
-    QCOMPARE(say(station, kPoll), plain(kAnswerVB100));
-}
-
-void TestSimulatorStation::trafficIsTold()
-{
-    sim::Station station(2);
-    QStringList told;
-    station.setListener([&told](sim::Traffic traffic, const sim::Bytes &bytes) {
-        const char *names[] = {"received ", "sent ", "skipped "};
-        told += names[int(traffic)] + hex(bytes);
-    });
-    say(station, "00" + kPoll);
-    say(station, "10 03 00 5c 5f 16");
-    say(station, "ee");
-    say(station, "68 ff");
-    station.lineFellSilent();
-    QCOMPARE(told, QStringList({"skipped 00", "received 1002005c5e16", "sent e5", "received 1003005c5f16",
-                                "skipped ee", "skipped 68ff"}));
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorStation)

@@ -71,8 +71,8 @@ void TestSimulatorTrace::frameIsToldInWords()
 void TestSimulatorTrace::directionIsShown()
 {
     const sim::Bytes poll = frameBytes("10 02 00 5c 5e 16");
-    QCOMPARE(sim::traceLine(sim::Traffic::Received, poll), std::string("< 10 02 00 5c 5e 16  0 to 2: poll"));
-    QCOMPARE(sim::traceLine(sim::Traffic::Sent, {0xE5}), std::string("> e5  acknowledged"));
+    QCOMPARE(sim::traceLine(sim::Traffic::Received, poll), std::string("> 10 02 00 5c 5e 16  0 to 2: poll"));
+    QCOMPARE(sim::traceLine(sim::Traffic::Sent, {0xE5}), std::string("< e5  acknowledged"));
     QCOMPARE(sim::traceLine(sim::Traffic::Skipped, {0x0A, 0xFF}), std::string("? 0a ff  skipped"));
 }
 

@@ -1,0 +1,26 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "colour.h"
+
+#include <QtGlobal>
+
+#include <unistd.h>
+
+namespace host {
+
+bool wantsColour(int descriptor)
+{
+    const QByteArray terminal = qgetenv("TERM");
+    return isatty(descriptor) && qEnvironmentVariableIsEmpty("NO_COLOR") && !terminal.isEmpty() &&
+           terminal != "dumb";
+}
+
+QByteArray coloured(const QByteArray &text, const char *colour, int descriptor)
+{
+    if (!*colour || !wantsColour(descriptor))
+        return text;
+    return QByteArray("\x1b[1;") + colour + 'm' + text + "\x1b[0m";
+}
+
+} // namespace host

@@ -1,0 +1,43 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+
+namespace host {
+
+const char kTypesFooter[] = "Types: bool u8 i8 u16 i16 u32 i32 f32 hex bcd str. Options: s7ppi --help";
+
+CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, const std::string &what,
+                     const Command &command)
+{
+    CLI::App *added = app.add_subcommand(name, what);
+    added->callback([&line, command] { line.command = [&line, command] { return command(line.options); }; });
+    return added;
+}
+
+CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int> &value, int least, int most,
+                       const std::string &what)
+{
+    const std::string limits = " (" + std::to_string(least) + " to " + std::to_string(most) + ")";
+    return app.add_option(name, value, what + limits)
+        ->check(CLI::Range(least, most).description(""))
+        ->type_name("N");
+}
+
+CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std::string> &value,
+                       const Texts &words, const std::string &what)
+{
+    const std::string named = CLI::detail::join(words, std::string(1, kChoiceSeparator));
+    return app.add_option(name, value, what)
+        ->check(CLI::IsMember(words).description("").name(named))
+        ->type_name("NAME");
+}
+
+CLI::Option *addItems(CLI::App &command, Texts &items, const std::string &what)
+{
+    return command.add_option("items", items, what)->type_name("ITEM")->required();
+}
+
+} // namespace host

@@ -1,0 +1,53 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "completion_command.h"
+
+#include "command_line.h"
+#include "completion_script.h"
+#include "exit_code.h"
+#include "output_sink.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace host {
+
+namespace {
+
+const char kFooter[] = R"(
+  bash   s7ppi completion bash >~/.local/share/bash-completion/completions/s7ppi
+  zsh    s7ppi completion zsh >DIRECTORY/_s7ppi, a directory of $fpath
+  fish   s7ppi completion fish >~/.config/fish/completions/s7ppi.fish)";
+
+QString scriptFor(const std::string &shell, const Completion &completion)
+{
+    if (shell == "zsh")
+        return zshScript(completion);
+    return shell == "fish" ? fishScript(completion) : bashScript(completion);
+}
+
+int writeScript(const Options &options, const std::string &shell, const Completion &completion)
+{
+    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    sink->put(scriptFor(shell, completion).toUtf8());
+    sink->commit();
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declareCompletion(CLI::App &app, CommandLine &line)
+{
+    const auto shell = std::make_shared<std::optional<std::string>>();
+    CLI::App *completion =
+        addCommand(app, line, "completion", "Print a script with which a shell completes command lines",
+                   [shell, &app](const Options &options) {
+                       return writeScript(options, shell->value(), completionOf(app));
+                   });
+    addChoice(*completion, "shell", *shell, {"bash", "zsh", "fish"}, "bash, zsh or fish")->required();
+    completion->footer(kFooter);
+}
+
+} // namespace host

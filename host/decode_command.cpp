@@ -1,0 +1,176 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "decode_command.h"
+
+#include "command_line.h"
+#include "frame_explanation.h"
+#include "frame_words.h"
+#include "hex_text.h"
+#include "outcome.h"
+#include "output.h"
+#include "text_input.h"
+#include "trace_reader.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace host {
+
+namespace {
+
+struct DecodeOptions
+{
+    Texts bytes;
+    std::optional<std::string> trace;
+};
+
+const Layout kLayout = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
+
+const char kFooter[] = R"(
+Frames may follow each other; bytes that make none are told as such. ! marks a byte that is
+not what it should be; what is missing of a cut frame stands behind its last byte. In a trace
+the data of an answer have the addresses that the request before it named.
+
+The exit code is 0 when all frames are whole and sound, and 5 when one is not.)";
+
+class Decoder
+{
+public:
+    explicit Decoder(const Options &options) : output(options, kLayout) {}
+
+    // The frames in some bytes that passed together.
+    void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
+
+    // Fails when there was a frame with a fault, or none at all.
+    void finish();
+
+private:
+    void decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin);
+    void write(const ExplainedByte &byte);
+
+    Output output;
+    FrameExplainer explainer;
+    Json frames = Json::array();
+    int faulty = 0;
+};
+
+QString byteLine(const ExplainedByte &byte)
+{
+    constexpr int kFieldWidth = 22;
+    QString line = QString("%1  %2 %3 %4  %5")
+                       .arg(byte.offset, 4)
+                       .arg(uint(byte.byte), 2, 16, QChar('0'))
+                       .arg(byte.isFault ? '!' : ' ')
+                       .arg(byte.field.leftJustified(kFieldWidth), byte.meaning);
+    while (line.endsWith(' '))
+        line.chop(1);
+    return line;
+}
+
+void Decoder::decode(const QByteArray &bytes, const QString &heading, const Json &origin)
+{
+    for (const QByteArray &frame : splitFrames(bytes))
+        decodeFrame(frame, heading, origin);
+}
+
+void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
+{
+    const ExplainedFrame explained = explainer.explain(frame);
+    Json entry = origin;
+    entry["meaning"] = jsonText(frameWords(frame));
+    entry["size"] = frame.size();
+    entry["faults"] = Json::array();
+    for (const QString &fault : explained.faults)
+        entry["faults"].push_back(jsonText(fault));
+    if (!frames.empty())
+        output.writeText(QString());
+    frames.push_back(entry);
+    faulty += explained.faults.isEmpty() ? 0 : 1;
+
+    const QString size = QString(frame.size() == 1 ? "%1 byte" : "%1 bytes").arg(frame.size());
+    output.writeText(heading + frameWords(frame) + ", " + size);
+    for (const ExplainedByte &byte : explained.bytes)
+        write(byte);
+    for (const QString &fault : explained.faults)
+        output.writeText("         ! " + fault);
+}
+
+void Decoder::write(const ExplainedByte &byte)
+{
+    output.write({{"frame", frames.size()},
+                  {"offset", byte.offset},
+                  {"byte", QByteArray(1, char(byte.byte)).toHex().toStdString()},
+                  {"field", jsonText(byte.field)},
+                  {"meaning", jsonText(byte.meaning)},
+                  {"fault", byte.isFault}},
+                 byteLine(byte));
+}
+
+void Decoder::finish()
+{
+    output.setField("frames", frames);
+    output.finish();
+    if (frames.empty())
+        throw Failure(ExitCode::Usage, "there are no bytes to decode", "s7ppi decode --help has examples");
+    if (faulty > 0)
+        throw Failure(ExitCode::BrokenAnswer,
+                      QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(frames.size()),
+                      "the lines with ! tell what is wrong with them");
+}
+
+void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
+{
+    const QList<QByteArray> lines = readInput(fileName).split('\n');
+    for (int i = 0; i < lines.size(); ++i)
+        outcome.attempt(QString("%1:%2").arg(fileName).arg(i + 1), [&] {
+            if (const std::optional<TraceRecord> record = parseTraceLine(lines.at(i)))
+                decoder.decode(
+                    record->bytes, record->time + ' ' + record->direction + ' ',
+                    {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
+        });
+}
+
+QByteArray bytesOf(const Texts &texts)
+{
+    if (texts.size() == 1 && texts.front() == "-")
+        return parseHex(QString::fromUtf8(readInput("-")));
+    QString joined;
+    for (const std::string &text : texts)
+        joined += QString::fromStdString(text) + '\n';
+    return parseHex(joined);
+}
+
+int decode(const Options &options, const DecodeOptions &own)
+{
+    if (own.trace.has_value() != own.bytes.empty())
+        throw Failure(ExitCode::Usage, "decode takes bytes or a trace",
+                      "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
+    Outcome outcome;
+    const QByteArray bytes = bytesOf(own.bytes);
+    Decoder decoder(options);
+    if (own.trace)
+        decodeTrace(decoder, QString::fromStdString(*own.trace), outcome);
+    else
+        decoder.decode(bytes, QString(), Json::object());
+    decoder.finish();
+    return outcome.exitCode();
+}
+
+} // namespace
+
+void declareDecode(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<DecodeOptions>();
+    CLI::App *decoding = addCommand(app, line, "decode", "Explain frames byte by byte",
+                                    [own](const Options &options) { return decode(options, *own); });
+    decoding->add_option("bytes", own->bytes, "Hexadecimal text, grouped in any way; - reads it from stdin")
+        ->type_name("HEX");
+    decoding
+        ->add_option("--trace", own->trace, "The frames of a trace, as --trace of other commands writes it")
+        ->type_name("FILE");
+    decoding->footer(kFooter);
+}
+
+} // namespace host

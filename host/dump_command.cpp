@@ -1,0 +1,132 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "dump_command.h"
+
+#include "command_line.h"
+#include "connection.h"
+#include "interruption.h"
+#include "memory_range.h"
+#include "output_sink.h"
+#include "partial_dump.h"
+#include "progress.h"
+#include "read_plan.h"
+#include "report.h"
+
+#include <CLI/CLI.hpp>
+
+namespace host {
+
+namespace {
+
+struct DumpOptions
+{
+    std::string range;
+    bool restart = false; // forget what an earlier run has read
+};
+
+const char kFooter[] = R"(
+FIRST and LAST are addresses of one area, LAST or its number alone: VB0..VB4095  MB0..31
+VW0..VW98  AIW0..62  T0..T255. Both are read.
+
+The file is text, 16 bytes a line, or with --format raw the bytes alone. It appears when
+all is read. Until then FILE.part holds what was read: after Ctrl-C or an error the same
+command goes on where it stopped. s7ppi load writes the file back.
+
+Options: s7ppi --help)";
+
+bool isRaw(const Options &options)
+{
+    const std::string format = options.format.value_or("text");
+    if (format != "text" && format != "raw")
+        throw Failure(ExitCode::Usage, "dump has no " + QString::fromStdString(format) + " form",
+                      "choose --format text or raw");
+    return format == "raw";
+}
+
+// The file is looked at before the long work, not only after it.
+QString checkedFile(const Options &options, const Item &range)
+{
+    if (!options.output || *options.output == "-")
+        throw Failure(ExitCode::Usage, "a dump needs a file",
+                      QString("name it with -o FILE; s7ppi read '%1:hex*%2' prints the same memory")
+                          .arg(range.address.text())
+                          .arg(range.count));
+    outputSink(options);
+    return QString::fromStdString(*options.output);
+}
+
+QString whereabouts(const PartialDump &part)
+{
+    return QString("%1 has %2 of %3 bytes")
+        .arg(part.name())
+        .arg(part.savedSize())
+        .arg(part.dump().range.size());
+}
+
+// The rest of the range. What is under way when it fails is told as the block that it was.
+void readRest(Connection &connection, PartialDump &part, Progress &progress)
+{
+    const Item &range = part.dump().range;
+    const int index = int(part.dump().data.size()) / range.valueSize();
+    if (index == range.count)
+        return;
+    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
+    for (const Item &block : readBlocks(partOf(range, index, range.count - index))) {
+        try {
+            part.append(readItem(block, read));
+        } catch (const Failure &failure) {
+            throw failure.about(rangeText(block));
+        }
+        progress.advance(block.size());
+    }
+}
+
+void readAll(Connection &connection, PartialDump &part, const Options &options)
+{
+    const Dump &dump = part.dump();
+    const qint64 before = dump.data.size();
+    if (before > 0)
+        reportNote(whereabouts(part) + " from an earlier run; --restart begins anew");
+    Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        readRest(connection, part, progress);
+    } catch (...) {
+        progress.note(whereabouts(part) + "; the same command goes on from there");
+        throw;
+    }
+    progress.finish();
+}
+
+int dumpRange(const Options &options, const DumpOptions &own)
+{
+    const Item range = parseRange(QString::fromStdString(own.range));
+    const bool raw = isRaw(options);
+    const QString name = checkedFile(options, range);
+    Connection connection(options);
+    PartialDump part(name + ".part", range, connection.stationId(), own.restart);
+    readAll(connection, part, options);
+
+    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    sink->put(raw ? part.dump().data : dumpText(part.dump()));
+    sink->commit();
+    part.remove();
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declareDump(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<DumpOptions>();
+    CLI::App *dump = addCommand(app, line, "dump", "Read a stretch of memory into a file",
+                                [own](const Options &options) { return dumpRange(options, *own); });
+    dump->add_option("range", own->range, "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file")
+        ->type_name("RANGE")
+        ->required();
+    dump->add_flag("--restart", own->restart, "Begin anew, whatever an earlier run has read");
+    dump->footer(kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,306 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "load_command.h"
+
+#include "command_line.h"
+#include "connection.h"
+#include "dump_file.h"
+#include "load_state.h"
+#include "memory_range.h"
+#include "progress.h"
+#include "read_plan.h"
+#include "rehearsal.h"
+#include "report.h"
+#include "write_plan.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QFile>
+
+namespace host {
+
+namespace {
+
+struct LoadOptions
+{
+    std::string file;
+    std::optional<std::string> target; // an address instead of the one in the file
+    bool verify = false;               // read everything back and compare it
+    bool dryRun = false;               // print the frames on stdout and send nothing
+    bool restart = false;              // forget how far an earlier run came
+};
+
+const char kFooter[] = R"(
+FILE is what s7ppi dump makes, or with --format raw and --to plain bytes. It is checked as a
+whole before anything is sent.
+
+After Ctrl-C or an error FILE.loading tells how far it came, and the same command goes on
+from there. --verify compares everything, also what an earlier run wrote.
+
+Options: s7ppi --help)";
+
+// Bytes and the place where they go.
+struct Load
+{
+    Item target;
+    QByteArray data;
+    std::optional<int> station; // where they came from, if known
+};
+
+QByteArray contentsOf(const QString &name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure(ExitCode::Usage, name + " cannot be read: " + file.errorString(),
+                      "name a file that s7ppi dump has made");
+    return file.readAll();
+}
+
+// As many elements from an address on as the data fill.
+Item targetAt(const std::string &address, const QByteArray &data)
+{
+    const QString text = QString::fromStdString(address);
+    try {
+        const Item first = rangeFrom(parseAddress(text), 1);
+        if (data.size() % first.valueSize() != 0)
+            throw Failure(ExitCode::Usage,
+                          QString("%1 bytes are no whole number of elements").arg(data.size()),
+                          "choose an address of bytes, as VB0");
+        return rangeFrom(first.address, int(data.size()) / first.valueSize());
+    } catch (const Failure &failure) {
+        throw failure.about(text);
+    }
+}
+
+Load rawLoad(const LoadOptions &own)
+{
+    const QString name = QString::fromStdString(own.file);
+    if (!own.target)
+        throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
+                      "name the first address with --to ADDRESS");
+    const QByteArray data = contentsOf(name);
+    if (data.isEmpty())
+        throw Failure(ExitCode::Usage, name + " is empty", "name a file that has bytes in it");
+    return {targetAt(*own.target, data), data, std::nullopt};
+}
+
+Load loadOf(const Options &options, const LoadOptions &own)
+{
+    const std::string format = options.format.value_or("text");
+    if (format == "raw")
+        return rawLoad(own);
+    if (format != "text" && !own.dryRun) // then it is the form of the frames
+        throw Failure(ExitCode::Usage, "load reads no " + QString::fromStdString(format),
+                      "choose --format text or raw");
+    const QString name = QString::fromStdString(own.file);
+    const Dump dump = parseDump(contentsOf(name), name);
+    return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
+}
+
+// Elements that are not what was written.
+struct Differences
+{
+    int count = 0;
+    QString first; // "VB5 reads 00 and not 1f"
+};
+
+void addDifferences(Differences &differences, const Item &block, const QByteArray &wanted,
+                    const QByteArray &found)
+{
+    const int width = block.valueSize();
+    for (int i = 0; i < block.count; ++i) {
+        const QByteArray there = found.mid(i * width, width);
+        const QByteArray here = wanted.mid(i * width, width);
+        if (there != here && ++differences.count == 1)
+            differences.first =
+                QString("%1 reads %2 and not %3")
+                    .arg(elementText(block, i), QString(there.toHex()), QString(here.toHex()));
+    }
+}
+
+Failure failureOf(const Differences &differences)
+{
+    const int others = differences.count - 1;
+    const QString text = others ? QString(", and %1 more differ").arg(others) : QString();
+    return Failure(
+        ExitCode::Different, differences.first + text,
+        "the controller's program may have written there in between, or the place takes no writes");
+}
+
+// A load under way: what was written, and what was found to be so.
+class Loading
+{
+public:
+    Loading(Connection &connection_, const Load &load_, const LoadState &state_, const Options &options_)
+        : connection(connection_), load(load_), state(state_), options(options_)
+    {
+    }
+
+    void write(bool restart);
+    void verify();
+
+private:
+    void goOnFrom(int offset);
+    void writeRest(Progress &progress);
+    Differences compare(Progress &progress) const;
+    QByteArray readBlock(const Item &block) const;
+    void keepState();
+    int elementOf(int offset) const { return offset / load.target.valueSize(); }
+
+    Connection &connection;
+    const Load &load;
+    const LoadState &state;
+    const Options &options;
+    int written = 0;
+};
+
+void Loading::goOnFrom(int offset)
+{
+    written = offset;
+    if (offset > 0)
+        reportNote(QString("%1 of %2 bytes were written by an earlier run; --restart begins anew")
+                       .arg(offset)
+                       .arg(load.data.size()));
+}
+
+void Loading::write(bool restart)
+{
+    goOnFrom(restart ? 0 : state.written());
+    if (written == int(load.data.size()))
+        return;
+    Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        writeRest(progress);
+    } catch (...) {
+        progress.clear();
+        keepState();
+        throw;
+    }
+    progress.finish();
+}
+
+// A failed block may have been written nevertheless; it is written again when the load goes on.
+void Loading::writeRest(Progress &progress)
+{
+    const int index = elementOf(written);
+    const Item rest = partOf(load.target, index, load.target.count - index);
+    for (const WriteRequest &request : planWrite(rest, load.data.mid(written))) {
+        try {
+            connection.write(request.command, request.data);
+        } catch (const Failure &failure) {
+            const Item block = partOf(load.target, elementOf(written), request.command.count);
+            throw failure.about(rangeText(block));
+        }
+        written += int(request.data.size());
+        progress.advance(request.data.size());
+    }
+}
+
+void Loading::keepState()
+{
+    const QString place = QString("%1 of %2 bytes are written").arg(written).arg(load.data.size());
+    if (written == 0)
+        reportNote(place);
+    else if (state.save(written))
+        reportNote(place + "; the same command goes on from there");
+    else
+        reportNote(place + "; that cannot be kept beside the file, and the same command begins anew");
+}
+
+void Loading::verify()
+{
+    Progress progress(options, {rangeText(load.target) + " read back", "bytes", load.data.size(), 0, 0});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    Differences differences;
+    try {
+        differences = compare(progress);
+    } catch (...) {
+        progress.clear();
+        keepState();
+        throw;
+    }
+    if (differences.count > 0) {
+        state.forget();
+        throw failureOf(differences);
+    }
+    progress.finish();
+}
+
+Differences Loading::compare(Progress &progress) const
+{
+    Differences differences;
+    int offset = 0;
+    for (const Item &block : readBlocks(load.target)) {
+        addDifferences(differences, block, load.data.mid(offset, block.size()), readBlock(block));
+        offset += block.size();
+        progress.advance(block.size());
+    }
+    return differences;
+}
+
+QByteArray Loading::readBlock(const Item &block) const
+{
+    const ReadFunction read = [this](const CommunicatorCommand &command) { return connection.read(command); };
+    try {
+        return readItem(block, read);
+    } catch (const Failure &failure) {
+        throw failure.about(rangeText(block));
+    }
+}
+
+int rehearseLoad(Options options, const Load &load, bool verify)
+{
+    if (options.format == "raw") // says what the file is
+        options.format.reset();
+    Output output(options, kFramesLayout);
+    const Rehearsal rehearsal(options, output);
+    for (const WriteRequest &request : planWrite(load.target, load.data))
+        rehearsal.write(request);
+    if (verify)
+        for (const ReadRequest &request : planRead(load.target).requests)
+            rehearsal.read(request);
+    output.finish();
+    return int(ExitCode::Success);
+}
+
+int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
+{
+    Connection connection(options);
+    const int station = connection.stationId();
+    if (load.station && *load.station != station)
+        reportNote(
+            QString("the dump is of station %1, it goes to station %2").arg(*load.station).arg(station));
+    const LoadState state(QString::fromStdString(own.file) + ".loading", load.target, station, load.data);
+    Loading loading(connection, load, state, options);
+    loading.write(own.restart);
+    if (own.verify)
+        loading.verify();
+    state.forget();
+    return int(ExitCode::Success);
+}
+
+int loadFile(const Options &options, const LoadOptions &own)
+{
+    const Load load = loadOf(options, own);
+    return own.dryRun ? rehearseLoad(options, load, own.verify) : writeLoad(options, own, load);
+}
+
+} // namespace
+
+void declareLoad(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<LoadOptions>();
+    CLI::App *load = addCommand(app, line, "load", "Write a file of memory to a controller",
+                                [own](const Options &options) { return loadFile(options, *own); });
+    load->add_option("file", own->file, "What s7ppi dump has made")->type_name("FILE")->required();
+    load->add_option("--to", own->target, "Write it from this address on, not where it came from")
+        ->type_name("ADDRESS");
+    load->add_flag("--verify", own->verify, "Read everything back; exit with 8 when it is different");
+    load->add_flag("--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    load->add_flag("--restart", own->restart, "Begin anew, however far an earlier run came");
+    load->footer(kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,101 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A command's data, in the form that --format names, on stdout or in the file that -o names.
+//
+//   text     lines for people, from the command, or a table
+//   json     one document: {"format": "s7ppi.read/1", FIELDS, "items": [RECORDS]}
+//   ndjson   one such object per record and line, with "format" in each
+//   csv tsv  a line of column names, then one line per record; a record with a list "values" is one line per
+//            element, in the column "value", its number from 0 on in the column "index" if there is one
+//   raw      bytes as they lie in the controller
+//
+// Without --format a file is written in the form that its name ends with: .json .ndjson .csv .tsv
+//
+// Lines are out when a call returns, so that what was got is seen even if the program is stopped then. A file
+// appears when the command has come to its end, or to Ctrl-C, and never in part.
+
+#ifndef HOST_OUTPUT_H
+#define HOST_OUTPUT_H
+
+#include "options.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace host {
+
+// An object whose members keep their order.
+using Json = nlohmann::ordered_json;
+
+inline Json jsonText(const QString &text)
+{
+    return text.toStdString();
+}
+
+// As short as still tells the number apart; JSON has none for "inf", "-inf" and "nan", which are texts.
+Json jsonNumber(float number);
+
+enum class Format { Text, JsonDocument, JsonLines, Csv, Tsv, Raw };
+
+// The form of a command's data. The version grows when a reader of the old form could be led astray.
+struct Layout
+{
+    QString command; // "read": the format is "s7ppi.read/1"
+    int version;
+    QString list;        // what the records are called together; empty when there is one, the document itself
+    QStringList columns; // of tables; the members of records that they show
+    bool hasRaw = false; // whether there are bytes to give with --format raw
+};
+
+class OutputForm;
+
+class Output
+{
+public:
+    // Fails when the command has no such form, or the file cannot be written.
+    Output(const Options &options, const Layout &layout);
+
+    // After Ctrl-C finishes what was got; otherwise an output that was not finished leaves no file.
+    ~Output();
+
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+
+    Format format() const { return chosen; }
+
+    // A field of the document beside its records; only json shows it.
+    void setField(const QString &name, const Json &value);
+
+    // A record; in text a line of a table that is printed at the end.
+    void write(const Json &record);
+
+    // The same with its own line, or lines, of text, printed at once.
+    void write(const Json &record, const QString &text);
+
+    // A record that only programs need: nothing in text.
+    void writeUnlessText(const Json &record);
+
+    // Text alone, for other lines that only people need.
+    void writeText(const QString &text);
+
+    // Bytes for the format raw; nothing in others.
+    void writeRaw(const QByteArray &bytes);
+
+    // The end of the data: closes the document, puts the file in its place. Fails when that does not work.
+    void finish();
+
+private:
+    Format chosen;
+    std::unique_ptr<OutputForm> form;
+    bool isFinished = false;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,148 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "program.h"
+
+#include "command_line.h"
+#include "common_options.h"
+#include "failure.h"
+#include "report.h"
+#include "run.h"
+#include "settings.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <sstream>
+
+namespace host {
+
+namespace {
+
+const char kFooter[] =
+    R"(What is not given, the plug-in's defaults decide. Without --port the only USB serial adapter is
+used, or without any a simulated controller.
+
+Every option of the port, the line and the output can also be set in the environment, as in
+S7PPI_BAUD=19200, and in ~/.config/s7ppi/config or the file that --config or S7PPI_CONFIG names, as in
+baud = 19200. The command line comes first, then the environment, then the file; --verbose tells.
+
+Exit codes: 0 done, 1 refused by the controller, 2 usage, address or value, 3 port cannot be used,
+4 no answer, 5 broken answer, 6 port lost, 7 plug-in cannot be used, 8 read back is not what was
+written, 70 internal failure, 74 output takes no more data; after a signal 128 and its number.)";
+
+void declare(CLI::App &app, CommandLine &line, const std::vector<Declare> &commands)
+{
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.get_formatter()->column_width(28);
+    app.footer(kFooter);
+    app.set_version_flag("--version", "s7ppi " S7PPI_VERSION, "Print the version and exit");
+    declareCommonOptions(app, line.options);
+    for (const Declare declareCommand : commands)
+        declareCommand(app, line);
+}
+
+// A word that is no command would only be told as a missing one.
+std::string usageText(const CLI::App &app, const CLI::ParseError &error)
+{
+    const Texts unknown = app.remaining();
+    const bool isNoCommand = app.get_subcommands().empty() && !unknown.empty();
+    return isNoCommand ? unknown.front() + " is not a command or option" : error.what();
+}
+
+// What --help and --version ask for.
+int printAbout(const CLI::App &app, const CLI::ParseError &request)
+{
+    std::ostringstream text;
+    app.exit(request, text, text);
+    printData(QString::fromStdString(text.str()).trimmed());
+    return int(ExitCode::Success);
+}
+
+int usageError(const CLI::App &app, const CLI::ParseError &error)
+{
+    reportFailure(Failure(ExitCode::Usage, QString::fromStdString(usageText(app, error)),
+                          "s7ppi --help lists commands and options"));
+    return int(ExitCode::Usage);
+}
+
+// What one option is set to besides the command line. Help, the version, the configuration file itself and
+// the place of one command's output are nobody's habit.
+Texts settableOptions(const CLI::App &app)
+{
+    Texts names;
+    for (const CLI::Option *option : app.get_options())
+        if (!option->get_lnames().empty())
+            names.push_back(option->get_lnames().front());
+    for (const char *name : {"help", "version", "config", "output"})
+        names.erase(std::remove(names.begin(), names.end(), name), names.end());
+    return names;
+}
+
+// False when the option has its value already.
+bool apply(CLI::App &app, const Setting &setting)
+{
+    CLI::Option *option = app.get_option("--" + setting.option);
+    if (option->count() > 0)
+        return false;
+    try {
+        const bool isFlag = option->get_expected_min() == 0;
+        option->add_result(isFlag ? option->get_flag_value(setting.option, setting.value) : setting.value);
+        option->run_callback();
+        return true;
+    } catch (const CLI::ParseError &error) {
+        throw Failure(ExitCode::Usage, setting.source + ": " + error.what(),
+                      "s7ppi --help lists the options and what they take");
+    }
+}
+
+// Where they come from is told with --verbose, which may itself be one of them.
+void tell(const std::vector<Setting> &settings)
+{
+    for (const Setting &setting : settings)
+        reportNote(QString("--%1 %2, as %3 says")
+                       .arg(QString::fromStdString(setting.option), QString::fromStdString(setting.value),
+                            setting.source));
+}
+
+// The first to say something is heard: the environment before the file, and both after the command line.
+void applySettings(CLI::App &app, const Options &options)
+{
+    const Texts names = settableOptions(app);
+    std::vector<Setting> settings = environmentSettings(names);
+    const QString file = settingsFile(options.config);
+    if (!file.isEmpty())
+        for (const Setting &setting : fileSettings(file, names))
+            settings.push_back(setting);
+    std::vector<Setting> applied;
+    for (const Setting &setting : settings)
+        if (apply(app, setting))
+            applied.push_back(setting);
+    if (options.verbose)
+        tell(applied);
+}
+
+} // namespace
+
+int runProgram(int argc, char *argv[], const std::vector<Declare> &commands)
+{
+    CLI::App app("Reads and writes the memory of Simatic S7-200 controllers through their driver plug-in.",
+                 "s7ppi");
+    CommandLine line;
+    declare(app, line, commands);
+    try {
+        app.parse(argc, argv);
+        applySettings(app, line.options);
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() != 0)
+            return usageError(app, error);
+        line.command = [&app, error] { return printAbout(app, error); };
+    } catch (const Failure &failure) {
+        reportFailure(failure);
+        return int(failure.code());
+    }
+    return run(line.options, line.command);
+}
+
+} // namespace host

@@ -1,0 +1,37 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "request_frames.h"
+
+#include "driver_fault.h"
+#include "driver_log.h"
+#include "rehearsal_port.h"
+
+namespace host {
+
+// What the driver logs here is only that nobody answers its poll.
+RequestFrames::RequestFrames(const Options &options)
+    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid))
+{
+    installDriverLog(false);
+}
+
+QList<QByteArray> RequestFrames::ofRead(const CommunicatorCommand &command) const
+{
+    return framesOf([&](RehearsalPort *port) { plugin.driver().read(port, command); });
+}
+
+QList<QByteArray> RequestFrames::ofWrite(const WriteRequest &request) const
+{
+    return framesOf([&](RehearsalPort *port) { plugin.driver().write(port, request.command, request.data); });
+}
+
+QList<QByteArray> RequestFrames::framesOf(const std::function<void(RehearsalPort *)> &request) const
+{
+    QList<QByteArray> frames;
+    RehearsalPort port(station, [&frames](const QByteArray &frame) { frames += frame; });
+    request(&port);
+    return port.hasSent() ? frames : throw driverFailure(plugin.driver().getLastError());
+}
+
+} // namespace host

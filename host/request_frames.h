@@ -1,0 +1,40 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What a driver would send for a request. No port is opened.
+
+#ifndef HOST_REQUEST_FRAMES_H
+#define HOST_REQUEST_FRAMES_H
+
+#include "plugin.h"
+#include "read_plan.h"
+#include "write_plan.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <functional>
+
+namespace host {
+
+class RehearsalPort;
+
+class RequestFrames
+{
+public:
+    explicit RequestFrames(const Options &options);
+
+    // The request and the poll behind it. Both fail when the driver refuses the request and sends nothing.
+    QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
+    QList<QByteArray> ofWrite(const WriteRequest &request) const;
+
+private:
+    QList<QByteArray> framesOf(const std::function<void(RehearsalPort *)> &request) const;
+
+    Plugin plugin;
+    int station;
+};
+
+} // namespace host
+
+#endif

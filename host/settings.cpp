@@ -1,0 +1,109 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "settings.h"
+
+#include "failure.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QFile>
+#include <QStandardPaths>
+#include <QStringList>
+
+#include <algorithm>
+#include <sstream>
+
+namespace host {
+
+namespace {
+
+const char kFileVariable[] = "S7PPI_CONFIG";
+
+QString joined(const Texts &texts)
+{
+    QStringList list;
+    for (const std::string &text : texts)
+        list << QString::fromStdString(text);
+    return list.join(' ');
+}
+
+Failure wrongLine(const QString &source, const QString &text, const Texts &options)
+{
+    return Failure(ExitCode::Usage, source + ": " + text,
+                   "a line is OPTION = VALUE; options are " + joined(options));
+}
+
+bool isBlank(const QByteArray &line)
+{
+    const QByteArray text = line.trimmed();
+    return text.isEmpty() || text.startsWith('#') || text.startsWith(';');
+}
+
+// One line at a time, so that an error can name it.
+Setting settingOf(const QByteArray &line, const QString &source, const Texts &options)
+{
+    std::istringstream text(line.toStdString());
+    const std::vector<CLI::ConfigItem> items = CLI::ConfigINI().from_config(text);
+    if (items.size() != 1 || !items.front().parents.empty() || items.front().inputs.size() != 1)
+        throw wrongLine(source, QString::fromUtf8(line.trimmed()) + " is no setting", options);
+    const CLI::ConfigItem &item = items.front();
+    if (std::find(options.begin(), options.end(), item.name) == options.end())
+        throw wrongLine(source, QString::fromStdString(item.name) + " is not an option", options);
+    return {item.name, item.inputs.front(), source};
+}
+
+void add(std::vector<Setting> &settings, const Setting &setting)
+{
+    for (const Setting &earlier : settings)
+        if (earlier.option == setting.option)
+            throw Failure(ExitCode::Usage,
+                          setting.source + ": " + QString::fromStdString(setting.option) + " is set already",
+                          "see " + earlier.source + ", and leave one of the two out");
+    settings.push_back(setting);
+}
+
+} // namespace
+
+std::string variableName(const std::string &option)
+{
+    const QString name = "S7PPI_" + QString::fromStdString(option).toUpper().replace('-', '_');
+    return name.toStdString();
+}
+
+std::vector<Setting> environmentSettings(const Texts &options)
+{
+    std::vector<Setting> settings;
+    for (const std::string &option : options) {
+        const std::string variable = variableName(option);
+        if (!qEnvironmentVariableIsEmpty(variable.c_str()))
+            settings.push_back(
+                {option, qgetenv(variable.c_str()).toStdString(), QString::fromStdString(variable)});
+    }
+    return settings;
+}
+
+std::vector<Setting> fileSettings(const QString &name, const Texts &options)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure(ExitCode::Usage, name + " cannot be read: " + file.errorString(),
+                      "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
+    std::vector<Setting> settings;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (int i = 0; i < int(lines.size()); ++i)
+        if (!isBlank(lines.at(i)))
+            add(settings, settingOf(lines.at(i), QString("%1:%2").arg(name).arg(i + 1), options));
+    return settings;
+}
+
+QString settingsFile(const std::optional<std::string> &named)
+{
+    if (named)
+        return QString::fromStdString(*named);
+    if (qEnvironmentVariableIsSet(kFileVariable))
+        return qEnvironmentVariable(kFileVariable);
+    return QStandardPaths::locate(QStandardPaths::GenericConfigLocation, "s7ppi/config");
+}
+
+} // namespace host

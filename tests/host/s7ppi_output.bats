@@ -1,0 +1,190 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# The forms of the data, the file of -o, and tag files.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+load common
+
+@test "every form of what is read" {
+    run --separate-stderr s7ppi read --port sim --format json VB100 V100.0*2
+    [ "$output" = '{
+  "format": "s7ppi.read/1",
+  "items": [
+    {"address":"VB100","type":"u8","values":[17]},
+    {"address":"V100.0","type":"bool","values":[true,false]}
+  ]
+}' ]
+    run --separate-stderr s7ppi read --port sim --format ndjson VB100 VB102:str*2
+    [ "$output" = '{"format":"s7ppi.read/1","address":"VB100","type":"u8","values":[17]}
+{"format":"s7ppi.read/1","address":"VB102","type":"str","values":["3D"]}' ]
+    run --separate-stderr s7ppi read --port sim --format csv VB100*2 VB102:str*2
+    [ "$output" = 'name,address,type,index,value,unit,error
+,VB100,u8,0,17,,
+,VB100,u8,1,34,,
+,VB102,str,0,3D,,' ]
+    run --separate-stderr s7ppi read --port sim --format tsv VB100
+    [ "$output" = $'name\taddress\ttype\tindex\tvalue\tunit\terror\n\tVB100\tu8\t0\t17\t\t' ]
+    [ "$(s7ppi read --port sim --format raw VB100*4 VW100 | od -An -tx1)" = " 11 22 33 44 11 22" ]
+}
+
+@test "forms keep whatever is in a text, and numbers that JSON has not" {
+    start s7ppi-sim
+    s7ppi write --port "$port" 'VB0:str="a,b\x22c\x09d\x0a\xe4"' VD20:f32=nan,-inf,0.1
+    run --separate-stderr s7ppi read --port "$port" --format json VB0:str*9 VD20:f32*3
+    [ "$(jq -r '.items[0].values[0] | @json' <<<"$output")" = '"a,b\"c\td\nä"' ]
+    [ "$(jq -c '.items[1].values' <<<"$output")" = '["nan","-inf",0.1]' ]
+    run --separate-stderr s7ppi read --port "$port" --format csv VB0:str*9
+    [ "$(tail -n +2 <<<"$output")" = $',VB0,str,0,"a,b""c\td\nä",,' ]
+    run --separate-stderr s7ppi read --port "$port" --format tsv VB0:str*9
+    [ "${lines[1]}" = $'\tVB0\tstr\t0\ta,b"c\\td\\nä\t\t' ]
+}
+
+@test "2: a command without bytes has no raw form, and nothing is sent" {
+    start fake_controller hang-up
+    run --separate-stderr s7ppi write --port "$port" --format raw VB0=1
+    [ "$status" -eq 2 ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    run --separate-stderr s7ppi read --port "$port" --format xml VB0
+    [ "$status" -eq 2 ]
+    kill -0 "${background[0]}"
+}
+
+@test "a file takes the form that its name ends with, and stdout stays empty" {
+    local form first
+    while read -r form first; do
+        run --separate-stderr s7ppi read --port sim -o "$BATS_TEST_TMPDIR/values.$form" VB100
+        [ "$status" -eq 0 ]
+        [ -z "$output$stderr" ]
+        [[ "$(head -n 1 "$BATS_TEST_TMPDIR/values.$form")" == "$first"* ]]
+    done <<'FORMS'
+json {
+ndjson {"format":"s7ppi.read/1","address":"VB100"
+csv name,address,
+tsv name
+txt VB100 17
+raw VB100 17
+FORMS
+    s7ppi read --port sim --output "$BATS_TEST_TMPDIR/values.csv" --format text VB100
+    [ "$(cat "$BATS_TEST_TMPDIR/values.csv")" = "VB100 17" ]
+    run --separate-stderr s7ppi read --port sim -o - VB100
+    [ "$output" = "VB100 17" ]
+}
+
+@test "a file is replaced when all is read, and stays as it was when that fails" {
+    local file=$BATS_TEST_TMPDIR/directory/values
+    mkdir "${file%/*}"
+    echo before >"$file"
+    run --separate-stderr s7ppi read --port /dev/no-such-port -o "$file" VB100
+    [ "$status" -eq 3 ]
+    [ "$(cat "$file")" = before ]
+    run --separate-stderr bash -c "trap '' XFSZ; ulimit -f 1; s7ppi read --port sim -o '$file' VB0*600"
+    [ "$status" -eq 74 ]
+    [ "$(cat "$file")" = before ]
+    [ "$(ls "${file%/*}")" = values ]
+    run --separate-stderr s7ppi read --port sim -o "$file" VB100 VB20000
+    [ "$status" -eq 1 ]
+    [ "$(cat "$file")" = "VB100   17" ]
+}
+
+@test "2, 74: a file that cannot be" {
+    run --separate-stderr s7ppi read --port sim -o /dev/null VB100
+    [ "$status" -eq 2 ]
+    run --separate-stderr s7ppi read --port sim -o /no/such/directory/values VB100
+    [ "$status" -eq 74 ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+}
+
+# interrupted FILE: a read whose second item waits forever, ended by SIGTERM.
+interrupted() {
+    start fake_controller e5 "$(byte_answer 1 17)"
+    s7ppi read --port "$port" --timeout 60000 -o "$1" VB0 VB1 3>&- &
+    local reader=$!
+    background+=("$reader")
+    eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
+    [ ! -e "$1" ]
+    kill -TERM "$reader"
+    status=0
+    wait "$reader" || status=$?
+}
+
+@test "143: a signal keeps what was got, as a whole document" {
+    interrupted "$BATS_TEST_TMPDIR/values.json"
+    [ "$status" -eq 143 ]
+    [ "$(jq -c '.items' "$BATS_TEST_TMPDIR/values.json")" = '[{"address":"VB0","type":"u8","values":[17]}]' ]
+}
+
+@test "a second signal leaves no file" {
+    start fake_controller
+    s7ppi read --port "$port" --delay 4000 --timeout 60000 -o "$BATS_TEST_TMPDIR/values" VB0 3>&- &
+    local reader=$!
+    background+=("$reader")
+    eventually test -e "/proc/$reader/fd/3"
+    sleep 0.3
+    # Two that come at once are one.
+    while kill -INT "$reader" 2>/dev/null; do
+        sleep 0.05
+    done
+    status=0
+    wait "$reader" || status=$?
+    [ "$status" -eq 130 ]
+    [ ! -e "$BATS_TEST_TMPDIR/values" ]
+}
+
+# tags LINE...: a tag file of these lines, in $tags.
+tags() {
+    tags=$BATS_TEST_TMPDIR/tags.csv
+    printf '%s\n' "$@" >"$tags"
+}
+
+@test "a tag file stands for its items, by name, scaled, with their units" {
+    tags "name,address,type,scale,offset,unit" "Boiler,T37,i16,0.1,-10,°C" "Pump,V100.4" "Bytes,VB100*2"
+    run --separate-stderr s7ppi read --port sim VB101 "@$tags"
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB101  34
+Boiler 20 °C
+Pump   1
+Bytes  17 34" ]
+    run --separate-stderr s7ppi read --port sim --format csv "@$tags:Boiler"
+    [ "${lines[1]}" = "Boiler,T37,i16,0,20.0,°C," ]
+    run --separate-stderr s7ppi watch --port sim --count 1 "@$tags:Pump"
+    [[ "$output" == *" Pump 1" ]]
+}
+
+@test "a tag is written as it is shown" {
+    tags "name,address,type,scale,offset,unit" "Boiler,VW10,i16,0.1,-10,°C"
+    start s7ppi-sim
+    run --separate-stderr s7ppi write --port "$port" --verify "@$tags:Boiler=21.5"
+    [ "$status" -eq 0 ]
+    [ "$output" = "Boiler 21.5 °C" ]
+    run --separate-stderr s7ppi read --port "$port" VW10
+    [ "$output" = "VW10 315" ]
+}
+
+@test "1: an item that fails is told by its name" {
+    tags "name,address" "Nowhere,VB20000" "Bottom,VB100"
+    run --separate-stderr s7ppi read --port sim "@$tags"
+    [ "$status" -eq 1 ]
+    [ "$output" = "Bottom  17" ]
+    [[ "${stderr_lines[0]}" == "s7ppi: Nowhere: Invalid address"* ]]
+}
+
+@test "2: every wrong line of a tag file is told by its place, and nothing is sent" {
+    tags "name,address,scale" "Boiler,vb1" "Pump,Q0.3,2" "Good,VB1" "Good,VB2"
+    start fake_controller hang-up
+    run --separate-stderr s7ppi read --port "$port" "@$tags"
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $tags:2: not an address of the controller" ]
+    [ "${stderr_lines[1]}" = "hint: write VB1 instead of vb1" ]
+    [[ "${stderr_lines[2]}" == "s7ppi: $tags:3: "* ]]
+    [[ "${stderr_lines[4]}" == "s7ppi: $tags:5: "* ]]
+    [ "${#stderr_lines[@]}" -eq 6 ]
+    run --separate-stderr s7ppi write --port "$port" "@$tags:Good=1"
+    [ "$status" -eq 2 ]
+    run --separate-stderr s7ppi read --port "$port" @/no/such/tags.csv
+    [ "$status" -eq 2 ]
+    kill -0 "${background[0]}"
+}

@@ -1,0 +1,85 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# s7ppi watch --plot as a user meets it: curves on a terminal.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+load common
+
+setup_file() {
+    export TMUX_TMPDIR=$BATS_FILE_TMPDIR
+}
+
+terminal() {
+    tmux -L plot -f /dev/null "$@" 3>&-
+}
+
+teardown() {
+    terminal kill-server 2>/dev/null || true
+}
+
+# on_terminal LOCALE COMMAND: in a terminal of 80 columns and 24 rows.
+on_terminal() {
+    terminal -u new-session -d -x 80 -y 24 "LC_ALL=$1 bash --norc"
+    terminal send-keys "PS1='ready> '; clear" Enter
+    terminal send-keys "$2" Enter
+}
+
+screen() {
+    terminal capture-pane -p
+}
+
+shows() {
+    screen | grep -qE -- "$1"
+}
+
+# Characters from U+2800 to U+28FF.
+shows_dots() {
+    screen | LC_ALL=C grep -qP '\xe2[\xa0-\xa3]'
+}
+
+@test "curves are drawn in dots, with the values and the time" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100 V100.4"
+    eventually shows '^VW100  4386'
+    eventually shows '^V100.4  1'
+    eventually shows_dots
+    shows '-5 min +now$'
+}
+
+@test "without dots in the locale the curves are ASCII" {
+    on_terminal C "s7ppi watch --port sim --plot --span 1 --interval 20 VW100"
+    eventually shows '^VW100  4386'
+    shows "\\|.*[.':]"
+    shows '-60 s +now$'
+    [ "$(screen | grep -cP '[^\x00-\x7f]')" -eq 0 ]
+}
+
+@test "the curves follow the terminal's size, and Ctrl-C leaves it as it was" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100"
+    eventually shows 'now$'
+    terminal resize-window -x 60 -y 12
+    eventually shows '^.{57}now$'
+    terminal send-keys C-c
+    eventually shows '^s7ppi: VW100: [0-9]+ attempts, 0 errors$'
+    eventually shows '^ready> *$'
+    run ! shows '│'
+}
+
+@test "the items to draw can be chosen" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --select V100.4 --interval 20 VW100 V100.4"
+    eventually shows '^V100.4  1'
+    run ! shows '^VW100'
+}
+
+@test "2: without a terminal, without anything to draw, or with an unknown name it is refused" {
+    run --separate-stderr s7ppi watch --port sim --plot VB0
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: --plot needs the terminal to itself" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot VB0:str*4; s7ppi watch --port sim --plot --select X VB0"
+    eventually shows '^s7ppi: texts and hexadecimal digits cannot be drawn$'
+    eventually shows '^s7ppi: "X" is none of the watched items$'
+}

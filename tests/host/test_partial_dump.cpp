@@ -1,0 +1,135 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What is kept of a dump that was stopped.
+
+#include "partial_dump.h"
+
+#include "failure_of.h"
+#include "hex.h"
+#include "memory_range.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace host;
+
+namespace {
+
+const char kHead[] = "s7ppi-dump 1\narea VB0..VB99\nstation 2\n";
+const char kFirstLine[] = "VB0  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00\n";
+const char kSecondLine[] = "VB16 11 11 11 11 11 11 11 11 11 11 11 11 11 11 11 11\n";
+
+} // namespace
+
+class TestPartialDump : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void wholeLinesAreInTheFileAtOnce();
+    void anEarlierPartGoesOnBehindItsLastWholeLine();
+    void restartForgetsTheEarlierPart();
+    void aPartOfAnotherDumpIsRefused_data();
+    void aPartOfAnotherDumpIsRefused();
+    void removingLeavesNothing();
+    void aFileThatCannotBeWrittenIsTold();
+
+private:
+    PartialDump open(bool restart = false) { return {name, parseRange("VB0..VB99"), 2, restart}; }
+    QByteArray content() const;
+    void put(const QByteArray &text) const;
+
+    std::unique_ptr<QTemporaryDir> directory;
+    QString name;
+};
+
+void TestPartialDump::init()
+{
+    directory = std::make_unique<QTemporaryDir>();
+    name = directory->filePath("press.dump.part");
+}
+
+QByteArray TestPartialDump::content() const
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+void TestPartialDump::put(const QByteArray &text) const
+{
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+}
+
+void TestPartialDump::wholeLinesAreInTheFileAtOnce()
+{
+    PartialDump part = open();
+    QCOMPARE(content(), QByteArray(kHead));
+    part.append(QByteArray(15, '\x00'));
+    QCOMPARE(content(), QByteArray(kHead));
+    QCOMPARE(part.savedSize(), 0);
+    part.append(QByteArray(1, '\x00') + QByteArray(20, '\x11'));
+    QCOMPARE(content(), QByteArray(kHead) + kFirstLine + kSecondLine);
+    QCOMPARE(part.savedSize(), 32);
+    QCOMPARE(int(part.dump().data.size()), 36);
+}
+
+void TestPartialDump::anEarlierPartGoesOnBehindItsLastWholeLine()
+{
+    put(QByteArray(kHead) + kFirstLine + "VB16 11 1");
+    PartialDump part = open();
+    QCOMPARE(part.savedSize(), 16);
+    QCOMPARE(hex(part.dump().data), QString(32, '0'));
+    part.append(QByteArray(16, '\x11'));
+    QCOMPARE(content(), QByteArray(kHead) + kFirstLine + kSecondLine);
+}
+
+void TestPartialDump::restartForgetsTheEarlierPart()
+{
+    put(QByteArray(kHead) + kFirstLine);
+    const PartialDump part = open(true);
+    QCOMPARE(part.savedSize(), 0);
+    QCOMPARE(content(), QByteArray(kHead));
+}
+
+void TestPartialDump::aPartOfAnotherDumpIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("another range") << QByteArray("s7ppi-dump 1\narea VB0..VB9\nstation 2\n")
+                                   << QString("is a part of another dump, VB0..VB9 of station 2");
+    QTest::newRow("another station") << QByteArray("s7ppi-dump 1\narea VB0..VB99\nstation 3\n")
+                                     << QString("is a part of another dump, VB0..VB99 of station 3");
+    QTest::newRow("no dump") << QByteArray("hello\n") << QString("this is no dump");
+    QTest::newRow("nothing yet") << QByteArray("s7ppi-dump 1\nar")
+                                 << QString("the file ends before its first line of data");
+}
+
+void TestPartialDump::aPartOfAnotherDumpIsRefused()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, complaint);
+    put(text);
+    const QString failure = failureOf([this] { open(); });
+    QVERIFY2(failure.startsWith("2: " + name) && failure.contains(complaint), qPrintable(failure));
+    QVERIFY(failure.endsWith("--restart begins anew and forgets it; or name another file with -o"));
+    QCOMPARE(content(), text);
+}
+
+void TestPartialDump::removingLeavesNothing()
+{
+    PartialDump part = open();
+    part.remove();
+    QCOMPARE(content(), QByteArray("no file"));
+}
+
+void TestPartialDump::aFileThatCannotBeWrittenIsTold()
+{
+    name = directory->filePath("missing/press.dump.part");
+    QVERIFY(failureOf([this] { open(); }).startsWith("74: " + name + " cannot be written: "));
+}
+
+QTEST_APPLESS_MAIN(TestPartialDump)
+#include "test_partial_dump.moc"

@@ -1,0 +1,162 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Faults as people write them.
+
+#include "simulator/fault.h"
+#include "simulator/nearest_name.h"
+
+#include <QtTest>
+
+#include <set>
+#include <stdexcept>
+
+namespace {
+
+QString complaint(const QString &text)
+{
+    try {
+        sim::parseFault(text.toStdString());
+    } catch (const std::invalid_argument &error) {
+        return QString::fromStdString(error.what());
+    }
+    return "none";
+}
+
+} // namespace
+
+class TestSimulatorFaultText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyKindHasItsOwnName();
+    void textIsRead_data();
+    void textIsRead();
+    void percentageMayHaveAFraction();
+    void badTextIsRefused_data();
+    void badTextIsRefused();
+    void chanceIsKnown_data();
+    void chanceIsKnown();
+    void nearestNameTakesTheFewestChanges_data();
+    void nearestNameTakesTheFewestChanges();
+};
+
+void TestSimulatorFaultText::everyKindHasItsOwnName()
+{
+    QCOMPARE(int(sim::faultNames().size()), int(sim::FaultKind::Echo) + 1);
+    std::set<sim::FaultKind> kinds;
+    for (const sim::FaultName &name : sim::faultNames()) {
+        QVERIFY(sim::parseFault(name.name).kind == name.kind);
+        kinds.insert(name.kind);
+    }
+    QCOMPARE(kinds.size(), sim::faultNames().size());
+}
+
+void TestSimulatorFaultText::textIsRead_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("argument"); // -1: none
+    QTest::addColumn<int>("request");
+    QTest::addColumn<double>("percent");
+    QTest::newRow("silent") << int(sim::FaultKind::Silent) << -1 << 0 << 100.0;
+    QTest::newRow("stale-reference@3") << int(sim::FaultKind::StaleReference) << -1 << 3 << 100.0;
+    QTest::newRow("late") << int(sim::FaultKind::Late) << 1000 << 0 << 100.0;
+    QTest::newRow("late=300") << int(sim::FaultKind::Late) << 300 << 0 << 100.0;
+    QTest::newRow("late=300@2") << int(sim::FaultKind::Late) << 300 << 2 << 100.0;
+    QTest::newRow("late@2") << int(sim::FaultKind::Late) << 1000 << 2 << 100.0;
+    QTest::newRow("short=1%10") << int(sim::FaultKind::Short) << 1 << 0 << 10.0;
+    QTest::newRow("corrupt") << int(sim::FaultKind::Corrupt) << -1 << 0 << 100.0;
+    QTest::newRow("corrupt=0") << int(sim::FaultKind::Corrupt) << 0 << 0 << 100.0;
+    QTest::newRow("item-refused=0A") << int(sim::FaultKind::ItemRefused) << 10 << 0 << 100.0;
+    QTest::newRow("item-refused=fe") << int(sim::FaultKind::ItemRefused) << 254 << 0 << 100.0;
+}
+
+void TestSimulatorFaultText::textIsRead()
+{
+    QFETCH(int, kind);
+    QFETCH(int, argument);
+    QFETCH(int, request);
+    QFETCH(double, percent);
+    const sim::Fault fault = sim::parseFault(QTest::currentDataTag());
+    QCOMPARE(int(fault.kind), kind);
+    QCOMPARE(fault.argument ? int(*fault.argument) : -1, argument);
+    QCOMPARE(int(fault.request), request);
+    QCOMPARE(fault.percent, percent);
+}
+
+void TestSimulatorFaultText::percentageMayHaveAFraction()
+{
+    QCOMPARE(sim::parseFault("silent%0.5").percent, 0.5);
+}
+
+void TestSimulatorFaultText::badTextIsRefused_data()
+{
+    QTest::addColumn<QString>("error");
+    QTest::newRow("silemt") << "\"silemt\" is no kind of fault; the nearest is silent";
+    QTest::newRow("Silent") << "\"Silent\" is no kind of fault; the nearest is silent";
+    QTest::newRow("silent ") << "\"silent \" is no kind of fault; the nearest is silent";
+    QTest::newRow("bad-crc@1") << "\"bad-crc\" is no kind of fault; the nearest is bad-end";
+    QTest::newRow("wrong-station") << "\"wrong-station\" is no kind of fault; the nearest is "
+                                      "wrong-destination";
+    QTest::newRow("silent=1") << "silent takes no argument, it is given \"1\"";
+    QTest::newRow("silent=") << "silent takes no argument, it is given \"\"";
+    QTest::newRow("late=") << "late=MS: \"\" is not a number from 1 to 600000";
+    QTest::newRow("late=0") << "late=MS: \"0\" is not a number from 1 to 600000";
+    QTest::newRow("late=-1") << "late=MS: \"-1\" is not a number from 1 to 600000";
+    QTest::newRow("late=1s") << "late=MS: \"1s\" is not a number from 1 to 600000";
+    QTest::newRow("late=600001") << "late=MS: \"600001\" is not a number from 1 to 600000";
+    QTest::newRow("short=261") << "short=BYTES: \"261\" is not a number from 1 to 260";
+    QTest::newRow("corrupt=261") << "corrupt=POSITION: \"261\" is not a number from 0 to 260";
+    QTest::newRow("wrong-source=256") << "wrong-source=STATION: \"256\" is not a number from 0 to 255";
+    QTest::newRow("item-refused=ff") << "item-refused=CODE: \"ff\" is not a hexadecimal number from 0 to fe";
+    QTest::newRow("noise=99999999999") << "noise=BYTES: \"99999999999\" is not a number from 1 to 200";
+    for (const char *number : {"", "0", "-1", "x", "1x", "1@2", "99999999999", "1%2"})
+        QTest::newRow(qPrintable(QString("silent@") + number))
+            << QString("@N: \"") + number + "\" is not the number of a request, from 1 on";
+    for (const char *number : {"", "0", "-1", "x", "1x", "100.1", "nan", "1e1", "1@2"})
+        QTest::newRow(qPrintable(QString("silent%") + number))
+            << QString("%P: \"") + number + "\" is not a percentage above 0, up to 100";
+}
+
+void TestSimulatorFaultText::badTextIsRefused()
+{
+    QFETCH(QString, error);
+    QCOMPARE(complaint(QTest::currentDataTag()), error);
+}
+
+void TestSimulatorFaultText::chanceIsKnown_data()
+{
+    QTest::addColumn<bool>("random");
+    for (const char *text : {"silent%50", "corrupt", "corrupt=1%50", "noise", "noise-ack", "noise-inside@1"})
+        QTest::newRow(text) << true;
+    for (const char *text : {"silent", "silent@1", "silent%100", "corrupt=1", "late", "wrong-source"})
+        QTest::newRow(text) << false;
+}
+
+void TestSimulatorFaultText::chanceIsKnown()
+{
+    QFETCH(bool, random);
+    QCOMPARE(sim::isRandom(sim::parseFault(QTest::currentDataTag())), random);
+}
+
+void TestSimulatorFaultText::nearestNameTakesTheFewestChanges_data()
+{
+    QTest::addColumn<QString>("nearest");
+    QTest::newRow("one") << "one";
+    QTest::newRow("oen") << "one"; // two characters changed, any other name takes more
+    QTest::newRow("thre") << "three";
+    QTest::newRow("tthree") << "three";
+    QTest::newRow("two four") << "four";
+    QTest::newRow("x") << "one"; // no nearer than two, but the first of them
+}
+
+void TestSimulatorFaultText::nearestNameTakesTheFewestChanges()
+{
+    QFETCH(QString, nearest);
+    const std::vector<std::string> names = {"one", "two", "three", "four"};
+    QCOMPARE(QString::fromStdString(sim::nearestName(QTest::currentDataTag(), names)), nearest);
+}
+
+QTEST_APPLESS_MAIN(TestSimulatorFaultText)
+#include "test_simulator_fault_text.moc"
