@@ -6,12 +6,15 @@
 #
 #   s7ppi_startable(TARGET)    makes TARGET, of the same directory, startable as ${S7PPI_START_DIR}/TARGET
 #   S7PPI_TEST_TIMEOUT         seconds for one test program; the emulator makes them ten times slower
+#   S7PPI_LONG_TEST_TIMEOUT    the same for one that tries every value or starts many programs
 
 set(S7PPI_START_DIR ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 set(S7PPI_TEST_TIMEOUT 120)
+set(S7PPI_LONG_TEST_TIMEOUT 600)
 if(BUILD_TESTING AND CMAKE_CROSSCOMPILING_EMULATOR)
   set(S7PPI_START_DIR ${PROJECT_BINARY_DIR}/run)
-  set(S7PPI_TEST_TIMEOUT 1200)
+  set(S7PPI_TEST_TIMEOUT 600)
+  set(S7PPI_LONG_TEST_TIMEOUT 1800)
   add_library(emulated_kernel MODULE ${PROJECT_SOURCE_DIR}/tests/support/emulated_kernel.cpp)
   set_target_properties(emulated_kernel PROPERTIES CXX_STANDARD 11)
   target_link_libraries(emulated_kernel PRIVATE s7ppi_options ${CMAKE_DL_LIBS})

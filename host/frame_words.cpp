@@ -98,7 +98,8 @@ QString readAnswerWords(const QByteArray &frame, int item)
         return "refused, " + returnCodeWords(code);
     const bool lengthInBits = at(frame, item + 1) == 0x04;
     const int length = word(frame, item + 2);
-    return QString("%1 bytes of data").arg(lengthInBits ? length / 8 : length);
+    const int bytes = lengthInBits ? length / 8 : length;
+    return QString("%1 byte%2 of data").arg(bytes).arg(bytes == 1 ? "" : "s");
 }
 
 QString writeAnswerWords(const QByteArray &frame, int item)

@@ -24,7 +24,7 @@ own, so that a library that crashes takes nothing with it. One for another machi
 
 The exit code is 0 when nothing is missing, and 7 when something is.)";
 
-QString findingLine(const Finding &finding)
+QString findingLine(const PluginFinding &finding)
 {
     constexpr int kWhatWidth = 34;
     return (finding.isGood ? "  " : "! ") + finding.what.leftJustified(kWhatWidth) + ' ' + finding.text;
@@ -35,7 +35,7 @@ int examine(const Options &options, const QString &fileName)
     Output output(options, kLayout);
     const Examination examination = examinePlugin(fileName);
     QStringList bad;
-    for (const Finding &finding : examination.findings) {
+    for (const PluginFinding &finding : examination.findings) {
         output.write(
             {{"what", jsonText(finding.what)}, {"good", finding.isGood}, {"text", jsonText(finding.text)}},
             findingLine(finding));

@@ -26,20 +26,20 @@ constexpr std::chrono::seconds kLoadingTime(10);
 const char *const kEntryPoints[] = {"CreateDriver", "qt_plugin_instance",
                                     "qt_plugin_query_verification_data"};
 
-Finding entryPoint(const QString &name, const ElfFile &file)
+PluginFinding entryPoint(const QString &name, const ElfFile &file)
 {
     const bool isThere = file.exports.contains(name);
     return {name, isThere, isThere ? "exported" : "missing"};
 }
 
-Finding verification(const QByteArray &bytes)
+PluginFinding verification(const QByteArray &bytes)
 {
     const QStringList lines = verificationLines(bytes);
     return {"verification text", !lines.isEmpty(), lines.isEmpty() ? "missing" : lines.join(", ")};
 }
 
 // As Qt's loader finds it in the file, without loading it.
-Finding interfaceOf(const QString &fileName)
+PluginFinding interfaceOf(const QString &fileName)
 {
     const QJsonObject metaData = QPluginLoader(QFileInfo(fileName).absoluteFilePath()).metaData();
     const QString identifier = metaData.value("IID").toString();
@@ -134,13 +134,13 @@ void addTrial(Examination &examination, const QString &fileName)
 {
     const IsolatedEnd end = runIsolated([&] { return Trial(fileName).run(); }, kLoadingTime);
     if (!end.fault.isEmpty()) {
-        examination.findings << Finding{"loading", false, end.fault};
+        examination.findings << PluginFinding{"loading", false, end.fault};
         return;
     }
     const Json result = Json::parse(end.result.toStdString());
     for (const Json &finding : result.at("findings"))
-        examination.findings << Finding{textOf(finding.at("what")), finding.at("good").get<bool>(),
-                                        textOf(finding.at("text"))};
+        examination.findings << PluginFinding{textOf(finding.at("what")), finding.at("good").get<bool>(),
+                                              textOf(finding.at("text"))};
     examination.driver = result.at("driver");
     for (const Json &line : result.at("lines"))
         examination.driverLines << textOf(line);
@@ -159,15 +159,16 @@ Examination examinePlugin(const QString &fileName)
     const ElfFile file = parseElf(bytes);
     Examination examination;
     if (!file.fault.isEmpty()) {
-        examination.findings << Finding{"file", false, "no shared library: " + file.fault};
+        examination.findings << PluginFinding{"file", false, "no shared library: " + file.fault};
         return examination;
     }
-    examination.findings << Finding{"file", true, QString("shared library, %1 bytes").arg(bytes.size())};
+    examination.findings << PluginFinding{"file", true,
+                                          QString("shared library, %1 bytes").arg(bytes.size())};
     const ElfFile own = parseElf(readInput("/proc/self/exe"));
     const bool isOurMachine = isSameMachine(file, own);
     const QString machine = machineText(file);
-    examination.findings << Finding{"machine", isOurMachine,
-                                    isOurMachine ? machine : machine + "; this one is " + machineText(own)};
+    examination.findings << PluginFinding{
+        "machine", isOurMachine, isOurMachine ? machine : machine + "; this one is " + machineText(own)};
     for (const char *name : kEntryPoints)
         examination.findings << entryPoint(name, file);
     examination.findings << verification(bytes);

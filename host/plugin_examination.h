@@ -14,7 +14,7 @@
 
 namespace host {
 
-struct Finding
+struct PluginFinding
 {
     QString what;
     bool isGood;
@@ -23,7 +23,7 @@ struct Finding
 
 struct Examination
 {
-    QList<Finding> findings;
+    QList<PluginFinding> findings;
     Json driver = Json::object(); // what the driver says about itself, as far as it does
     QStringList driverLines;
 };

@@ -28,7 +28,7 @@ const char kProgram[] = "s7ppi-sim";
 const char kHint[] = "s7ppi-sim must lie beside s7ppi or in PATH; or name a port with --port";
 
 // Milliseconds.
-constexpr int kStartTime = 5000;
+constexpr int kStartTime = 30000;
 constexpr int kStopTime = 2000;
 constexpr int kStopCheck = 10;
 

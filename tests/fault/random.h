@@ -39,4 +39,7 @@ private:
 // The seed of this run, also printed: S7PPI_SEED of the environment, 1 when there is none.
 quint32 seedOfRun();
 
+// How often this run draws what a test usually draws that often: S7PPI_DRAWS of the environment is percent.
+int drawsOfRun(int usual);
+
 #endif

@@ -26,7 +26,7 @@ start() {
     "$@" >>"$BATS_TEST_TMPDIR/output" 3>&- &
     background+=($!)
     local i
-    for ((i = 0; i < 100; i++)); do
+    for ((i = 0; i < 600; i++)); do
         port=$(head -n 1 "$BATS_TEST_TMPDIR/output")
         [ -n "$port" ] && return
         sleep 0.05
@@ -34,10 +34,10 @@ start() {
     return 1
 }
 
-# eventually COMMAND...: waits until it succeeds, for some seconds.
+# eventually COMMAND...: waits until it succeeds, for half a minute at most.
 eventually() {
     local i
-    for ((i = 0; i < 100; i++)); do
+    for ((i = 0; i < 600; i++)); do
         "$@" && return
         sleep 0.05
     done

@@ -418,7 +418,7 @@ read_on_simulator() {
     reader=$!
     background+=("$reader")
     local i
-    for ((i = 0; i < 100; i++)); do
+    for ((i = 0; i < 600; i++)); do
         simulator=$(pgrep -x -P "$reader" s7ppi-sim) && return
         sleep 0.05
     done
@@ -428,7 +428,7 @@ read_on_simulator() {
 # A process that nobody has waited for yet counts as ended.
 has_ended() {
     local i
-    for ((i = 0; i < 100; i++)); do
+    for ((i = 0; i < 600; i++)); do
         [[ ! -d "/proc/$1" || $(ps -o stat= -p "$1") == Z* ]] && return
         sleep 0.05
     done

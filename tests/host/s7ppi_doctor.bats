@@ -20,7 +20,8 @@ checks() {
 }
 
 @test "all is well with the simulated controller" {
-    run --separate-stderr s7ppi doctor --port sim
+    # More time than the default, of which a busy machine takes more than half.
+    run --separate-stderr s7ppi doctor --port sim --timeout 10000
     [ "$status" -eq 0 ]
     [ -z "$stderr" ]
     [ "$(checks)" = "plug-in:ok port:ok line:ok echo:ok line errors:ok answers:ok retries:ok time-out:ok " ]
@@ -30,7 +31,7 @@ checks() {
 
 @test "a port is looked at from adapter to answers" {
     start s7ppi-sim
-    doctor --reads 3
+    doctor --reads 3 --timeout 10000
     [ "$status" -eq 0 ]
     [ "$(checks)" = "plug-in:ok port:ok adapter:ok rights:ok lock:ok line:ok echo:ok line errors:ok answers:ok retries:ok time-out:ok " ]
     [[ "$output" == *"no other program has the port open"* ]]

@@ -14,7 +14,7 @@ setup_file() {
 }
 
 terminal() {
-    tmux -L plot -f /dev/null "$@" 3>&-
+    tmux -L "plot-$BATS_TEST_NUMBER" -f /dev/null "$@" 3>&-
 }
 
 teardown() {

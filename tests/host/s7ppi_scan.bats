@@ -100,14 +100,14 @@ await_scanner() {
     local option
     for option in "--baud 19200,9600" "--baud 19200"; do
         # shellcheck disable=SC2086
-        scan --stations 2 $option
+        scan --timeout 5000 --stations 2 $option
         [ "$status" -eq 0 ]
         [[ "${lines[0]}" == "station 2 at 19200 baud: "* ]]
         [ "${#lines[@]}" -eq 1 ]
     done
-    scan --stations 2 --baud all
+    scan --timeout 5000 --stations 2 --baud all
     [[ "${lines[0]}" == "station 2 at 9600 baud: "* ]]
-    S7PPI_BAUD=187500 scan --stations 2
+    S7PPI_BAUD=187500 scan --timeout 5000 --stations 2
     [[ "${lines[0]}" == "station 2 at 187500 baud: "* ]]
 }
 

@@ -48,6 +48,8 @@ void TestFrameWords::framesAreToldInWords_data()
         "request 1 to station 2: function F0");
     row("68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00 04 01 ff 04 00 20 11 22 33 44 1c 16",
         "answer to request 1 from station 2: 4 bytes of data");
+    row("68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 16",
+        "answer to request 1 from station 2: 1 byte of data");
     row("68 18 18 68 00 02 08 32 03 00 00 00 01 00 02 00 07 00 00 04 01 ff 09 00 03 10 00 05 6e 16",
         "answer to request 1 from station 2: 3 bytes of data");
     row("68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 05 00 00 00 50 16",

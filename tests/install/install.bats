@@ -40,7 +40,8 @@ teardown() {
 # start_simulator: in the background; its port is then in $port.
 start_simulator() {
     local i
-    s7ppi-sim >port 3>&- &
+    : >port
+    s7ppi-sim >>port 3>&- &
     simulator=$!
     for ((i = 0; i < 100; i++)); do
         port=$(head -n 1 port)
@@ -98,6 +99,7 @@ build_example() {
 
 @test "the example driver's test fails when the driver is another one" {
     build_example weighing_terminal
+    [ -x build/test_weighing_terminal ]
     run build/test_weighing_terminal "$drivers/libs7_200_ppi.so"
     [ "$status" -ne 0 ]
 }

@@ -50,5 +50,6 @@ rc::Gen<uint32_t> lots::doubleWord()
 void lots::useSeedOfRun()
 {
     if (qEnvironmentVariableIsEmpty("RC_PARAMS"))
-        qputenv("RC_PARAMS", "seed=" + QByteArray::number(seedOfRun()) + " max_success=1000");
+        qputenv("RC_PARAMS", "seed=" + QByteArray::number(seedOfRun()) +
+                                 " max_success=" + QByteArray::number(drawsOfRun(1000)));
 }

@@ -69,7 +69,7 @@ void TestModel::count(const Record &record)
 void TestModel::driverDoesAsTheModel()
 {
     Random random(seedOfRun());
-    for (int i = 0; i < kScenes; ++i) {
+    for (int i = drawsOfRun(kScenes); i > 0; --i) {
         const Scene scene = drawScene(random);
         const quint32 seed = quint32(random.below(INT_MAX));
         const int honesty = random.between(2, 8);

@@ -32,7 +32,7 @@ start() {
     s7ppi-sim "$@" >>output 2>messages 3>&- &
     simulator=$!
     local i
-    for ((i = 0; i < 200; i++)); do
+    for ((i = 0; i < 600; i++)); do
         port=$(head -n 1 output)
         [ -n "$port" ] && break
         sleep 0.05
@@ -422,7 +422,7 @@ milliseconds() {
     local reader=$!
     s7ppi-sim -v --link plc --save saved.json >output 2>frames 3>&- &
     simulator=$!
-    for ((i = 0; i < 200; i++)); do
+    for ((i = 0; i < 600; i++)); do
         [ -s output ] && break
         sleep 0.05
     done

@@ -4,15 +4,17 @@
 // What Debian 12's qemu-arm lacks of the panel's kernel. Loaded before every program that runs in it; not
 // part of any program, and of no use on a panel.
 //
-//   process descriptors   waitid() is asked for them to learn whether clone() makes them; it says yes, and
-//                         Qt starts no process. Says no.
-//   TCGETS2, TCSETS2,     are unknown: perl, a program of the build machine, makes them there, on the same
-//   TIOCGEXCL             descriptor.
-//   RLIMIT_AS             is ignored: the address space is filled up instead, but for some megabytes. The
-//                         limit's value is of no use, as it comes from counting the emulator's memory, too.
+//   process descriptors     waitid() is asked for them to learn whether clone() makes them; it says yes, and
+//                           Qt starts no process. Says no.
+//   TCGETS2, TCSETS2,       are unknown: perl, a program of the build machine, makes them there, on the same
+//   TIOCGEXCL, TIOCGRS485,  descriptor.
+//   TIOCSRS485
+//   RLIMIT_AS               is ignored: the address space is filled up instead, but for some megabytes. The
+//                           limit's value is of no use, as it comes from counting the emulator's memory, too.
 
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
+#include <linux/serial.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -47,8 +49,6 @@ template <typename Function> Function *next(const char *name)
 }
 
 const long kProcessDescriptor = 3; // P_PIDFD
-
-typedef int Ioctl(int, unsigned long, ...);
 
 const char kPerl[] = "/usr/bin/perl";
 const char kMakeIoctl[] = "my $data = pack('H*', $ARGV[1]);"
@@ -104,6 +104,22 @@ int makeOnBuildMachine(int descriptor, unsigned long request, void *data, size_t
     return done ? 0 : -1;
 }
 
+int controlDevice(int descriptor, unsigned long request, void *argument)
+{
+    switch (request) {
+    case TCGETS2:
+    case TCSETS2:
+        return makeOnBuildMachine(descriptor, request, argument, sizeof(termios2));
+    case TIOCGRS485:
+    case TIOCSRS485:
+        return makeOnBuildMachine(descriptor, request, argument, sizeof(serial_rs485));
+    case TIOCGEXCL:
+        return makeOnBuildMachine(descriptor, request, argument, sizeof(int));
+    default:
+        return next<int(int, unsigned long, ...)>("ioctl")(descriptor, request, argument);
+    }
+}
+
 const size_t kSpare = 64 * 1024 * 1024; // bytes
 const size_t kLargest = 1024 * 1024 * 1024;
 const size_t kSmallest = 1024 * 1024;
@@ -154,6 +170,9 @@ EXPORTED long syscall(long number, ...)
         errno = EINVAL;
         return -1;
     }
+    if (number == SYS_ioctl)
+        return controlDevice(int(argument[0]), static_cast<unsigned long>(argument[1]),
+                             reinterpret_cast<void *>(argument[2]));
     return next<long(long, ...)>("syscall")(number, argument[0], argument[1], argument[2], argument[3],
                                             argument[4], argument[5]);
 }
@@ -164,15 +183,7 @@ EXPORTED int ioctl(int descriptor, unsigned long request, ...)
     va_start(arguments, request);
     void *argument = va_arg(arguments, void *);
     va_end(arguments);
-    switch (request) {
-    case TCGETS2:
-    case TCSETS2:
-        return makeOnBuildMachine(descriptor, request, argument, sizeof(termios2));
-    case TIOCGEXCL:
-        return makeOnBuildMachine(descriptor, request, argument, sizeof(int));
-    default:
-        return next<Ioctl>("ioctl")(descriptor, request, argument);
-    }
+    return controlDevice(descriptor, request, argument);
 }
 
 EXPORTED int setrlimit(__rlimit_resource_t resource, const rlimit *limit)

@@ -16,6 +16,7 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <climits>
 #include <cstddef>
 #include <cstring>
 
@@ -144,6 +145,7 @@ class TestLayout : public QObject
     Q_OBJECT
 
 private slots:
+    void theMachineIsOneOfTheTwo();
     void typesHaveTheirSizes_data();
     void typesHaveTheirSizes();
     void fieldsOfTheRecordsStandAtTheirOffsets_data();
@@ -155,6 +157,14 @@ private slots:
     void noExportedNameEverGoes();
     void everyExportedNameIsListed();
 };
+
+// What code for one of them gets wrong on the other.
+void TestLayout::theMachineIsOneOfTheTwo()
+{
+    QCOMPARE(CHAR_MIN, sizeof(void *) == 4 ? 0 : -128);
+    QCOMPARE(int(sizeof(long)), bytes(4, 8, 8));
+    QCOMPARE(int(sizeof(size_t)), bytes(4, 8, 8));
+}
 
 void TestLayout::typesHaveTheirSizes_data()
 {
