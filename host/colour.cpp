@@ -9,11 +9,15 @@
 
 namespace host {
 
-bool wantsColour(int descriptor)
+bool takesControls(int descriptor)
 {
     const QByteArray terminal = qgetenv("TERM");
-    return isatty(descriptor) && qEnvironmentVariableIsEmpty("NO_COLOR") && !terminal.isEmpty() &&
-           terminal != "dumb";
+    return isatty(descriptor) && !terminal.isEmpty() && terminal != "dumb";
+}
+
+bool wantsColour(int descriptor)
+{
+    return takesControls(descriptor) && qEnvironmentVariableIsEmpty("NO_COLOR");
 }
 
 QByteArray coloured(const QByteArray &text, const char *colour, int descriptor)

@@ -16,6 +16,8 @@ constexpr const char *kRed = "31";
 constexpr const char *kYellow = "33";
 constexpr const char *kCyan = "36";
 
+// Whether it is a terminal, and one that is more than a printer: it takes colours and moves its cursor.
+bool takesControls(int descriptor);
 bool wantsColour(int descriptor);
 
 // The text as the descriptor's terminal shows it in that colour; the text alone where none is wanted.

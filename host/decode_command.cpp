@@ -4,6 +4,7 @@
 #include "decode_command.h"
 
 #include "command_line.h"
+#include "counted.h"
 #include "frame_explanation.h"
 #include "frame_words.h"
 #include "hex_text.h"
@@ -89,8 +90,7 @@ void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const
     frames.push_back(entry);
     faulty += explained.faults.isEmpty() ? 0 : 1;
 
-    const QString size = QString(frame.size() == 1 ? "%1 byte" : "%1 bytes").arg(frame.size());
-    output.writeText(heading + frameWords(frame) + ", " + size);
+    output.writeText(heading + frameWords(frame) + ", " + counted(frame.size(), "byte"));
     for (const ExplainedByte &byte : explained.bytes)
         write(byte);
     for (const QString &fault : explained.faults)

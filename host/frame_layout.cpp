@@ -3,6 +3,7 @@
 
 #include "frame_layout.h"
 
+#include "counted.h"
 #include "wire.h"
 
 namespace host {
@@ -11,7 +12,6 @@ namespace {
 
 constexpr int kStationMax = 126;
 constexpr int kBroadcast = 127;
-constexpr int kHeaderSize = 10;
 constexpr int kErrorSize = 2;
 constexpr int kAddressesSize = 3; // destination, source, function code
 
@@ -93,11 +93,6 @@ template <size_t Size> Meaning named(const Named (&names)[Size], int code)
     return {"not known", false};
 }
 
-QString counted(int count, const QString &what)
-{
-    return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
-}
-
 Meaning number(const FrameFacts & /*facts*/, int value)
 {
     return {QString::number(value), false};
@@ -144,12 +139,10 @@ Meaning lengthAgain(const FrameFacts &facts, int value)
 
 Meaning checkSum(const FrameFacts &facts, int value)
 {
-    uint sum = 0;
-    for (int i = facts.checkedFrom; i < facts.offset; ++i)
-        sum += uchar(facts.frame.at(i));
-    if (int(sum & 0xff) == value)
+    const uchar right = checkByte(facts.frame, facts.checkedFrom, facts.offset);
+    if (right == value)
         return {"right", false};
-    return {"should be " + hexByte(uchar(sum)), true};
+    return {"should be " + hexByte(right), true};
 }
 
 Meaning messageType(const FrameFacts & /*facts*/, int value)

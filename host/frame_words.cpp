@@ -3,12 +3,13 @@
 
 #include "frame_words.h"
 
+#include "counted.h"
+
 namespace host {
 
 namespace {
 
 constexpr int kPduStart = 7;
-constexpr int kHeaderSize = 10; // of a request; an answer's has two bytes of error class and code more
 constexpr int kAnswerHeaderSize = 12;
 constexpr int kItemStart = kPduStart + kHeaderSize + 2; // behind function and number of items
 constexpr int kItemSize = 12;
@@ -31,10 +32,7 @@ int word(const QByteArray &frame, int index)
 
 bool isSound(const QByteArray &frame, int first, int last)
 {
-    uint sum = 0;
-    for (int i = first; i < last; ++i)
-        sum += at(frame, i);
-    return (sum & 0xff) == at(frame, last) && at(frame, last + 1) == kEndOfFrame;
+    return checkByte(frame, first, last) == at(frame, last) && at(frame, last + 1) == kEndOfFrame;
 }
 
 QString shortFrameWords(const QByteArray &frame)
@@ -64,7 +62,7 @@ QString itemWords(const QByteArray &frame, int start)
     const uchar area = at(frame, start + 8);
     const int address = at(frame, start + 9) << 16 | word(frame, start + 10);
     const QString element = orUnknown(elementName(kind), "element of kind", kind);
-    const QString elements = QString("%1 %2%3").arg(count).arg(element, count == 1 ? "" : "s");
+    const QString elements = counted(count, element);
     const QString letters = orUnknown(areaLetters(area), "area", area);
     if (isObjectArea(area))
         return QString("%1 at %2%3").arg(elements, letters).arg(address);
@@ -98,8 +96,7 @@ QString readAnswerWords(const QByteArray &frame, int item)
         return "refused, " + returnCodeWords(code);
     const bool lengthInBits = at(frame, item + 1) == 0x04;
     const int length = word(frame, item + 2);
-    const int bytes = lengthInBits ? length / 8 : length;
-    return QString("%1 byte%2 of data").arg(bytes).arg(bytes == 1 ? "" : "s");
+    return counted(lengthInBits ? length / 8 : length, "byte") + " of data";
 }
 
 QString writeAnswerWords(const QByteArray &frame, int item)

@@ -3,6 +3,8 @@
 
 #include "line_errors.h"
 
+#include "counted.h"
+
 #include <QStringList>
 
 #include <linux/serial.h>
@@ -15,7 +17,7 @@ namespace {
 void add(QStringList &texts, int count, const char *name)
 {
     if (count != 0)
-        texts << QString("%1 %2%3").arg(count).arg(name).arg(count == 1 ? "" : "s");
+        texts << counted(count, name);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "line_settings.h"
 
+#include "counted.h"
 #include "device_setting.h"
 #include "failure.h"
 
@@ -46,11 +47,6 @@ int stopBitsOfCode(int code)
 Parity parityOfName(const std::string &name)
 {
     return Parity(kParityNames.indexOf(QString::fromStdString(name)));
-}
-
-QString counted(int count, const char *unit)
-{
-    return QString("%1 %2%3").arg(count).arg(unit).arg(count == 1 ? "" : "s");
 }
 
 QString parityText(Parity parity)

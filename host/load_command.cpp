@@ -12,15 +12,16 @@
 #include "read_plan.h"
 #include "rehearsal.h"
 #include "report.h"
+#include "text_input.h"
 #include "write_plan.h"
 
 #include <CLI/CLI.hpp>
 
-#include <QFile>
-
 namespace host {
 
 namespace {
+
+const char kFileHint[] = "name a file that s7ppi dump has made";
 
 struct LoadOptions
 {
@@ -48,15 +49,6 @@ struct Load
     std::optional<int> station; // where they came from, if known
 };
 
-QByteArray contentsOf(const QString &name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(ExitCode::Usage, name + " cannot be read: " + file.errorString(),
-                      "name a file that s7ppi dump has made");
-    return file.readAll();
-}
-
 // As many elements from an address on as the data fill.
 Item targetAt(const std::string &address, const QByteArray &data)
 {
@@ -79,7 +71,7 @@ Load rawLoad(const LoadOptions &own)
     if (!own.target)
         throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
                       "name the first address with --to ADDRESS");
-    const QByteArray data = contentsOf(name);
+    const QByteArray data = readFile(name, kFileHint);
     if (data.isEmpty())
         throw Failure(ExitCode::Usage, name + " is empty", "name a file that has bytes in it");
     return {targetAt(*own.target, data), data, std::nullopt};
@@ -94,7 +86,7 @@ Load loadOf(const Options &options, const LoadOptions &own)
         throw Failure(ExitCode::Usage, "load reads no " + QString::fromStdString(format),
                       "choose --format text or raw");
     const QString name = QString::fromStdString(own.file);
-    const Dump dump = parseDump(contentsOf(name), name);
+    const Dump dump = parseDump(readFile(name, kFileHint), name);
     return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
 }
 

@@ -3,6 +3,7 @@
 
 #include "progress.h"
 
+#include "colour.h"
 #include "report.h"
 
 #include <algorithm>
@@ -23,12 +24,6 @@ constexpr qint64 kLineInterval = 5000;
 constexpr qint64 kFirstRate = 1000;
 
 const char kEraseLine[] = "\r\x1b[K";
-
-bool canMoveCursor(int descriptor)
-{
-    const QByteArray terminal = qgetenv("TERM");
-    return isatty(descriptor) && !terminal.isEmpty() && terminal != "dumb";
-}
 
 // A line that wraps could not be drawn over.
 QString fitted(const QString &text)
@@ -102,7 +97,7 @@ Progress::Style Progress::styleFor(const Options &options)
 {
     if (options.quiet)
         return Style::None;
-    return canMoveCursor(STDERR_FILENO) && !options.verbose ? Style::InPlace : Style::Lines;
+    return takesControls(STDERR_FILENO) && !options.verbose ? Style::InPlace : Style::Lines;
 }
 
 void Progress::advance(qint64 amount)

@@ -3,6 +3,7 @@
 
 #include "report_page.h"
 
+#include "counted.h"
 #include "driver_fault.h"
 #include "failure.h"
 #include "short_number.h"
@@ -92,11 +93,6 @@ const char kEnd[] = R"(</main>
 QString milliseconds(double number)
 {
     return QString::number(number, 'f', number < 10 ? 1 : 0) + " ms";
-}
-
-QString counted(qint64 count, const QString &what)
-{
-    return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
 }
 
 // "1 h 5 min", "12 s", "0.4 s"

@@ -4,10 +4,10 @@
 #include "settings.h"
 
 #include "failure.h"
+#include "text_input.h"
 
 #include <CLI/CLI.hpp>
 
-#include <QFile>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -85,12 +85,10 @@ std::vector<Setting> environmentSettings(const Texts &options)
 
 std::vector<Setting> fileSettings(const QString &name, const Texts &options)
 {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(ExitCode::Usage, name + " cannot be read: " + file.errorString(),
-                      "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
+    const QByteArray text =
+        readFile(name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
     std::vector<Setting> settings;
-    const QList<QByteArray> lines = file.readAll().split('\n');
+    const QList<QByteArray> lines = text.split('\n');
     for (int i = 0; i < int(lines.size()); ++i)
         if (!isBlank(lines.at(i)))
             add(settings, settingOf(lines.at(i), QString("%1:%2").arg(name).arg(i + 1), options));

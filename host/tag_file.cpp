@@ -4,8 +4,8 @@
 #include "tag_file.h"
 
 #include "csv.h"
+#include "text_input.h"
 
-#include <QFile>
 #include <QSet>
 #include <QStringList>
 
@@ -144,17 +144,9 @@ QString fileIn(const QString &reference)
     return reference.mid(1).section(':', 0, 0);
 }
 
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        throw wrong(name + " cannot be read: " + file.errorString(), "check the file's name and rights");
-    return file.readAll();
-}
-
 std::vector<Tag> readTagFile(const QString &name, Outcome &outcome)
 {
-    return parseTagFile(name, contentOf(name), outcome);
+    return parseTagFile(name, readFile(name, "check the file's name and rights"), outcome);
 }
 
 Failure unknownTag(const QString &name, const std::vector<Tag> &tags)

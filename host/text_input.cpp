@@ -18,9 +18,11 @@ namespace host {
 
 namespace {
 
-Failure unreadable(const QString &name, const QString &reason)
+const char kHint[] = "check the file's name and rights";
+
+Failure unreadable(const QString &name, const QString &reason, const QString &hint)
 {
-    return Failure(ExitCode::Usage, name + " cannot be read: " + reason, "check the file's name and rights");
+    return Failure(ExitCode::Usage, name + " cannot be read: " + reason, hint);
 }
 
 // QFile would begin a read again that a signal ended.
@@ -37,25 +39,30 @@ QByteArray readStdin()
         else if (count == 0)
             return bytes;
         else if (errno != EINTR)
-            throw unreadable("stdin", std::strerror(errno));
+            throw unreadable("stdin", std::strerror(errno), kHint);
     }
 }
 
 } // namespace
+
+QByteArray readFile(const QString &name, const QString &hint)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        throw unreadable(name, file.errorString(), hint);
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw unreadable(name, file.errorString(), hint);
+    return bytes;
+}
 
 QByteArray readInput(const QString &fileName)
 {
     if (fileName == "-")
         return readStdin();
     if (QFileInfo(fileName).isDir())
-        throw unreadable(fileName, "it is a directory");
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throw unreadable(fileName, file.errorString());
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw unreadable(fileName, file.errorString());
-    return bytes;
+        throw unreadable(fileName, "it is a directory", kHint);
+    return readFile(fileName, kHint);
 }
 
 } // namespace host

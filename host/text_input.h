@@ -11,7 +11,10 @@
 
 namespace host {
 
-// The whole file; "-" is stdin. Fails when it cannot be read.
+// The whole file. Fails with the hint when it cannot be read.
+QByteArray readFile(const QString &name, const QString &hint);
+
+// The same; "-" is stdin.
 QByteArray readInput(const QString &fileName);
 
 } // namespace host

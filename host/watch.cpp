@@ -3,6 +3,8 @@
 
 #include "watch.h"
 
+#include "counted.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -13,11 +15,6 @@ namespace {
 QString milliseconds(WatchDuration time)
 {
     return QString("%1 ms").arg(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
-}
-
-QString counted(int count, const QString &what)
-{
-    return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
 }
 
 QString firstLine(const Watch &watch)

@@ -7,6 +7,14 @@
 
 namespace host {
 
+uchar checkByte(const QByteArray &frame, int first, int last)
+{
+    uint sum = 0;
+    for (int i = first; i < last; ++i)
+        sum += uchar(frame.at(i));
+    return uchar(sum & 0xff);
+}
+
 QString hexByte(uchar byte)
 {
     return QString("%1").arg(uint(byte), 2, 16, QChar('0')).toUpper();

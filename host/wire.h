@@ -6,6 +6,7 @@
 #ifndef HOST_WIRE_H
 #define HOST_WIRE_H
 
+#include <QByteArray>
 #include <QString>
 
 namespace host {
@@ -17,6 +18,8 @@ constexpr uchar kEndOfFrame = 0x16;
 
 constexpr int kShortFrameSize = 6;
 constexpr int kLongFrameFixed = 6; // four bytes before and two behind what the length counts
+
+constexpr int kHeaderSize = 10; // of a request; an answer's has two bytes of error class and code more
 
 constexpr uchar kJob = 0x01;
 constexpr uchar kReadVariable = 0x04;
@@ -32,6 +35,10 @@ constexpr uchar kDoubleWordElement = 0x06;
 constexpr uchar kCounterArea = 0x1e;
 constexpr uchar kTimerArea = 0x1f;
 constexpr uchar kHighSpeedCounterArea = 0x20;
+
+// The check byte of these bytes of a frame, the last one not included: their sum, modulo 256. They must be
+// there.
+uchar checkByte(const QByteArray &frame, int first, int last);
 
 // "6C"
 QString hexByte(uchar byte);
