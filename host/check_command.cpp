@@ -11,8 +11,6 @@
 #include "request_frames.h"
 #include "write_plan.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QHash>
 
 #include <memory>
@@ -211,7 +209,7 @@ void declareCheck(CLI::App &app, CommandLine &line)
         addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
                    [items](const Options &options) { return checkAll(options, *items); });
     addItems(*check, *items, "ADDRESS[:TYPE][*COUNT], as for read");
-    check->footer(std::string(kTypesFooter) + '\n' + kFooter);
+    setFooter(*check, std::string(kTypesFooter) + '\n' + kFooter);
 }
 
 } // namespace host

@@ -17,6 +17,34 @@ CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, 
     return added;
 }
 
+void setFooter(CLI::App &command, const std::string &text)
+{
+    command.footer(text);
+}
+
+CLI::Option *addText(CLI::App &app, const std::string &name, std::string &value, const std::string &type,
+                     const std::string &what)
+{
+    return app.add_option(name, value, what)->type_name(type)->required();
+}
+
+CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<std::string> &value,
+                     const std::string &type, const std::string &what)
+{
+    return app.add_option(name, value, what)->type_name(type);
+}
+
+CLI::Option *addTexts(CLI::App &app, const std::string &name, Texts &values, const std::string &type,
+                      const std::string &what)
+{
+    return app.add_option(name, values, what)->type_name(type);
+}
+
+CLI::Option *addFlag(CLI::App &app, const std::string &name, bool &value, const std::string &what)
+{
+    return app.add_flag(name, value, what);
+}
+
 CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int> &value, int least, int most,
                        const std::string &what)
 {
@@ -37,7 +65,19 @@ CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std
 
 CLI::Option *addItems(CLI::App &command, Texts &items, const std::string &what)
 {
-    return command.add_option("items", items, what)->type_name("ITEM")->required();
+    CLI::Option *option = addTexts(command, "items", items, "ITEM", what);
+    require(*option);
+    return option;
+}
+
+void require(CLI::Option &option)
+{
+    option.required();
+}
+
+void tie(CLI::Option &option, CLI::Option &other)
+{
+    option.needs(&other);
 }
 
 } // namespace host

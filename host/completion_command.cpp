@@ -8,8 +8,6 @@
 #include "exit_code.h"
 #include "output_sink.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace host {
@@ -46,8 +44,8 @@ void declareCompletion(CLI::App &app, CommandLine &line)
                    [shell, &app](const Options &options) {
                        return writeScript(options, shell->value(), completionOf(app));
                    });
-    addChoice(*completion, "shell", *shell, {"bash", "zsh", "fish"}, "bash, zsh or fish")->required();
-    completion->footer(kFooter);
+    require(*addChoice(*completion, "shell", *shell, {"bash", "zsh", "fish"}, "bash, zsh or fish"));
+    setFooter(*completion, kFooter);
 }
 
 } // namespace host

@@ -13,8 +13,6 @@
 #include "text_input.h"
 #include "trace_reader.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace host {
@@ -165,12 +163,11 @@ void declareDecode(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<DecodeOptions>();
     CLI::App *decoding = addCommand(app, line, "decode", "Explain frames byte by byte",
                                     [own](const Options &options) { return decode(options, *own); });
-    decoding->add_option("bytes", own->bytes, "Hexadecimal text, grouped in any way; - reads it from stdin")
-        ->type_name("HEX");
-    decoding
-        ->add_option("--trace", own->trace, "The frames of a trace, as --trace of other commands writes it")
-        ->type_name("FILE");
-    decoding->footer(kFooter);
+    addTexts(*decoding, "bytes", own->bytes, "HEX",
+             "Hexadecimal text, grouped in any way; - reads it from stdin");
+    addText(*decoding, "--trace", own->trace, "FILE",
+            "The frames of a trace, as --trace of other commands writes it");
+    setFooter(*decoding, kFooter);
 }
 
 } // namespace host

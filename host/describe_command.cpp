@@ -9,8 +9,6 @@
 #include "plugin.h"
 #include "plugin_description.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -37,7 +35,7 @@ void declareDescribe(CLI::App &app, CommandLine &line)
     const auto asJson = std::make_shared<bool>(false);
     CLI::App *command = addCommand(app, line, "describe", "Show what the plug-in says about itself",
                                    [asJson](const Options &options) { return describe(options, *asJson); });
-    command->add_flag("--json", *asJson, "The same as --format json");
+    addFlag(*command, "--json", *asJson, "The same as --format json");
 }
 
 } // namespace host

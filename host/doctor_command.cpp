@@ -12,8 +12,6 @@
 #include "port_details.h"
 #include "request_form.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QElapsedTimer>
 
 namespace host {
@@ -245,7 +243,7 @@ void declareDoctor(CLI::App &app, CommandLine &line)
         app, line, "doctor", "Look for what is wrong with plug-in, port and line",
         [reads](const Options &options) { return Doctor(options, reads->value_or(kDefaultReads)).run(); });
     addNumber(*doctor, "--reads", *reads, 1, 100000, "How many reads to measure, else 20");
-    doctor->footer(kFooter);
+    setFooter(*doctor, kFooter);
 }
 
 } // namespace host

@@ -13,8 +13,6 @@
 #include "read_plan.h"
 #include "report.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -122,11 +120,9 @@ void declareDump(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<DumpOptions>();
     CLI::App *dump = addCommand(app, line, "dump", "Read a stretch of memory into a file",
                                 [own](const Options &options) { return dumpRange(options, *own); });
-    dump->add_option("range", own->range, "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file")
-        ->type_name("RANGE")
-        ->required();
-    dump->add_flag("--restart", own->restart, "Begin anew, whatever an earlier run has read");
-    dump->footer(kFooter);
+    addText(*dump, "range", own->range, "RANGE", "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file");
+    addFlag(*dump, "--restart", own->restart, "Begin anew, whatever an earlier run has read");
+    setFooter(*dump, kFooter);
 }
 
 } // namespace host

@@ -15,8 +15,6 @@
 #include "text_input.h"
 #include "write_plan.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -286,13 +284,12 @@ void declareLoad(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<LoadOptions>();
     CLI::App *load = addCommand(app, line, "load", "Write a file of memory to a controller",
                                 [own](const Options &options) { return loadFile(options, *own); });
-    load->add_option("file", own->file, "What s7ppi dump has made")->type_name("FILE")->required();
-    load->add_option("--to", own->target, "Write it from this address on, not where it came from")
-        ->type_name("ADDRESS");
-    load->add_flag("--verify", own->verify, "Read everything back; exit with 8 when it is different");
-    load->add_flag("--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
-    load->add_flag("--restart", own->restart, "Begin anew, however far an earlier run came");
-    load->footer(kFooter);
+    addText(*load, "file", own->file, "FILE", "What s7ppi dump has made");
+    addText(*load, "--to", own->target, "ADDRESS", "Write it from this address on, not where it came from");
+    addFlag(*load, "--verify", own->verify, "Read everything back; exit with 8 when it is different");
+    addFlag(*load, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    addFlag(*load, "--restart", own->restart, "Begin anew, however far an earlier run came");
+    setFooter(*load, kFooter);
 }
 
 } // namespace host

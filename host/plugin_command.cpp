@@ -8,8 +8,6 @@
 #include "output.h"
 #include "plugin_examination.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace host {
@@ -62,10 +60,8 @@ void declarePlugin(CLI::App &app, CommandLine &line)
     CLI::App *plugin = addCommand(
         app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
         [file](const Options &options) { return examine(options, QString::fromStdString(*file)); });
-    plugin->add_option("file", *file, "The library, for this machine or another")
-        ->type_name("FILE")
-        ->required();
-    plugin->footer(kFooter);
+    addText(*plugin, "file", *file, "FILE", "The library, for this machine or another");
+    setFooter(*plugin, kFooter);
 }
 
 } // namespace host

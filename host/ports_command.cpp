@@ -11,8 +11,6 @@
 #include "port_details.h"
 #include "report.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -97,7 +95,7 @@ void declarePorts(CLI::App &app, CommandLine &line)
     const auto names = std::make_shared<Texts>();
     CLI::App *ports = addCommand(app, line, "ports", "List serial ports, their adapters and who uses them",
                                  [names](const Options &options) { return listPorts(options, *names); });
-    ports->add_option("ports", *names, "These instead of all")->type_name("PORT");
+    addTexts(*ports, "ports", *names, "PORT", "These instead of all");
 }
 
 } // namespace host

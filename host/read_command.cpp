@@ -11,8 +11,6 @@
 #include "tag_file.h"
 #include "text_lines.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -91,7 +89,7 @@ void declareRead(CLI::App &app, CommandLine &line)
                                 [items](const Options &options) { return readItems(options, *items); });
     addItems(*read, *items,
              "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
-    read->footer(std::string(kTypesFooter) + kFooter);
+    setFooter(*read, std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host

@@ -9,8 +9,6 @@
 #include "report_page.h"
 #include "text_input.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QFileInfo>
 
 #include <memory>
@@ -43,10 +41,8 @@ void declareReport(CLI::App &app, CommandLine &line)
     CLI::App *command =
         addCommand(app, line, "report", "Make a page of what watch -o FILE.csv recorded",
                    [file](const Options &options) { return report(options, QString::fromStdString(*file)); });
-    command->add_option("file", *file, "The record, as watch writes it; - reads it from stdin")
-        ->type_name("FILE")
-        ->required();
-    command->footer(kFooter);
+    addText(*command, "file", *file, "FILE", "The record, as watch writes it; - reads it from stdin");
+    setFooter(*command, kFooter);
 }
 
 } // namespace host

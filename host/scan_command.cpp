@@ -15,8 +15,6 @@
 #include "report.h"
 #include "request_form.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QElapsedTimer>
 
 namespace host {
@@ -25,7 +23,7 @@ namespace {
 
 struct ScanOptions
 {
-    std::string stations = "0..126";
+    std::optional<std::string> stations;
     std::optional<std::string> bauds;
 };
 
@@ -39,6 +37,7 @@ What is found is printed at once. The exit code is 4 when no station answered.
 
 Options: s7ppi --help)";
 
+const char kAllStations[] = "0..126";
 const char kAllBauds[] = "9600,19200,187500"; // what the controllers can be set to
 const NumberKind kStation = {"station", 0, 126, true};
 const NumberKind kBaud = {"baud rate", 50, 4000000, false};
@@ -127,7 +126,8 @@ private:
 };
 
 Scan::Scan(const Options &options_, const ScanOptions &own)
-    : options(options_), stations(parseNumbers(QString::fromStdString(own.stations), kStation)),
+    : options(options_),
+      stations(parseNumbers(QString::fromStdString(own.stations.value_or(kAllStations)), kStation)),
       bauds(baudsOf(options_, own)),
       output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
       progress(options_, {"scan", "stations", qint64(stations.size()) * bauds.size(), 0, 0})
@@ -240,9 +240,9 @@ void declareScan(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<ScanOptions>();
     CLI::App *command = addCommand(app, line, "scan", "Find the stations on a line",
                                    [own](const Options &options) { return scan(options, *own); });
-    command->add_option("--stations", own->stations, "Which, as 2 or 2,5..9, else 0..126")->type_name("LIST");
-    command->add_option("--baud", own->bauds, "At which rates, as 9600,19200 or all")->type_name("LIST");
-    command->footer(kFooter);
+    addText(*command, "--stations", own->stations, "LIST", "Which, as 2 or 2,5..9, else 0..126");
+    addText(*command, "--baud", own->bauds, "LIST", "At which rates, as 9600,19200 or all");
+    setFooter(*command, kFooter);
 }
 
 } // namespace host

@@ -14,8 +14,6 @@
 #include "watch_record.h"
 #include "watch_table.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QDeadlineTimer>
 
 #include <algorithm>
@@ -272,13 +270,15 @@ void declareWatch(CLI::App &app, CommandLine &line)
     addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
     addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
     addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
-    watch->add_flag("--all", own->all, "A line for every poll, not only for changes");
-    CLI::Option *plot = watch->add_flag("--plot", own->plot, "Curves of the last minutes, on a terminal");
-    watch->add_option("--select", own->select, "Draw these only: names or addresses, commas between")
-        ->type_name("ITEMS")
-        ->needs(plot);
-    addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5")->needs(plot);
-    watch->footer(std::string(kTypesFooter) + kFooter);
+    addFlag(*watch, "--all", own->all, "A line for every poll, not only for changes");
+    CLI::Option *plot = addFlag(*watch, "--plot", own->plot, "Curves of the last minutes, on a terminal");
+    CLI::Option *select = addText(*watch, "--select", own->select, "ITEMS",
+                                  "Draw these only: names or addresses, commas between");
+    CLI::Option *span =
+        addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5");
+    tie(*select, *plot);
+    tie(*span, *plot);
+    setFooter(*watch, std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host

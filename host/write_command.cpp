@@ -16,8 +16,6 @@
 #include "text_lines.h"
 #include "write_plan.h"
 
-#include <CLI/CLI.hpp>
-
 namespace host {
 
 namespace {
@@ -193,9 +191,9 @@ void declareWrite(CLI::App &app, CommandLine &line)
                                  [own](const Options &options) { return writeItems(options, *own); });
     addItems(*write, own->items,
              "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
-    write->add_flag("--verify", own->verify, "Read back and print; exit with 8 when it is different");
-    write->add_flag("--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
-    write->footer(std::string(kTypesFooter) + kFooter);
+    addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
+    addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    setFooter(*write, std::string(kTypesFooter) + kFooter);
 }
 
 } // namespace host
