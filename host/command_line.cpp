@@ -12,7 +12,7 @@ const char kTypesFooter[] = "Types: bool u8 i8 u16 i16 u32 i32 f32 hex bcd str. 
 CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, const std::string &what,
                      const Command &command)
 {
-    CLI::App *added = app.add_subcommand(name, what);
+    CLI::App *added = app.add_subcommand(name, what)->group("Commands");
     added->callback([&line, command] { line.command = [&line, command] { return command(line.options); }; });
     return added;
 }

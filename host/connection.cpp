@@ -9,6 +9,7 @@
 #include "report.h"
 
 #include <QDeadlineTimer>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -184,6 +185,7 @@ void Connection::awaitPort()
     if (!reconnects || simulator)
         checkPort();
     tell(portName() + " is gone: waiting for it to come back");
+    hindrance.clear();
     if (traceFile)
         traceFile->comment("the port is gone");
     if (echo)
@@ -203,9 +205,19 @@ bool Connection::comesBack()
     try {
         port->reopen();
         return true;
-    } catch (const Failure &) { // not yet
+    } catch (const Failure &failure) {
+        tellHindrance(failure.text());
         return false;
     }
+}
+
+// Why a port that is there again cannot be opened, once for each reason.
+void Connection::tellHindrance(const QString &reason)
+{
+    if (reason == hindrance || !QFileInfo::exists(portName()))
+        return;
+    hindrance = reason;
+    tell(reason + "; still trying");
 }
 
 } // namespace host

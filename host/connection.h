@@ -88,12 +88,14 @@ private:
     void checkOutcome();
     void awaitPort();
     bool comesBack();
+    void tellHindrance(const QString &reason);
 
     Plugin plugin;
     Timing timing;
     FrameListener *watcher;
     bool reconnects;
     int nextPause = 0; // milliseconds before the next try to open a lost port
+    QString hindrance; // why the lost port could not be opened, as last told
     int returns = 0;
     Tell tell;
     std::unique_ptr<SimulatorProcess> simulator;

@@ -36,19 +36,24 @@ void declare(CLI::App &app, CommandLine &line, const std::vector<Declare> &comma
     app.require_subcommand(1);
     app.fallthrough();
     app.get_formatter()->column_width(28);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.set_help_flag("-h,--help", "Show this and end");
     app.footer(kFooter);
-    app.set_version_flag("--version", "s7ppi " S7PPI_VERSION, "Print the version and exit");
+    app.set_version_flag("--version", "s7ppi " S7PPI_VERSION, "Show the version and end");
     declareCommonOptions(app, line.options);
     for (const Declare declareCommand : commands)
         declareCommand(app, line);
 }
 
-// A word that is no command would only be told as a missing one.
+// The parser tells a word that is no command as a missing one, and calls commands by another name.
 std::string usageText(const CLI::App &app, const CLI::ParseError &error)
 {
     const Texts unknown = app.remaining();
-    const bool isNoCommand = app.get_subcommands().empty() && !unknown.empty();
-    return isNoCommand ? unknown.front() + " is not a command or option" : error.what();
+    const bool hasCommand = !app.get_subcommands().empty();
+    if (!hasCommand && !unknown.empty())
+        return unknown.front() + " is not a command or option";
+    const bool lacksCommand = !hasCommand && error.get_exit_code() == int(CLI::ExitCodes::RequiredError);
+    return lacksCommand ? "a command is missing" : error.what();
 }
 
 // What --help and --version ask for.
@@ -60,10 +65,19 @@ int printAbout(const CLI::App &app, const CLI::ParseError &request)
     return int(ExitCode::Success);
 }
 
+std::string usageHint(const CLI::App &app)
+{
+    const std::string hint = "s7ppi --help lists commands and options";
+    if (app.get_subcommands().empty())
+        return hint;
+    const std::string command = app.get_subcommands().front()->get_name();
+    return hint + ", s7ppi " + command + " --help what " + command + " takes";
+}
+
 int usageError(const CLI::App &app, const CLI::ParseError &error)
 {
     reportFailure(Failure(ExitCode::Usage, QString::fromStdString(usageText(app, error)),
-                          "s7ppi --help lists commands and options"));
+                          QString::fromStdString(usageHint(app))));
     return int(ExitCode::Usage);
 }
 

@@ -37,4 +37,11 @@ Faults FaultPlan::ofNextRequest()
     return faults;
 }
 
+bool FaultPlan::isPermanent(FaultKind kind) const
+{
+    return std::any_of(m_faults.begin(), m_faults.end(), [kind](const Fault &fault) {
+        return fault.kind == kind && fault.request == 0 && fault.percent >= 100;
+    });
+}
+
 } // namespace sim

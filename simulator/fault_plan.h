@@ -43,6 +43,9 @@ public:
 
     Faults ofNextRequest();
 
+    // Whether the fault is with every request.
+    bool isPermanent(FaultKind kind) const;
+
     // For what the faults do at random.
     Random &random() { return m_random; }
 

@@ -53,7 +53,7 @@ Memory file; what it leaves out is 0:
 
 A write to a timer or counter sets its current value and nothing else.
 
-Exit status: 0 ended by a signal, 2 bad usage or memory file, 3 the port could not be
+Exit codes: 0 ended by a signal, 2 bad usage or memory file, 3 the port could not be
 opened, 6 the port was lost, 70 internal failure, 74 a file could not be written.)";
 
 constexpr size_t kKindWidth = 29; // of the table of faults

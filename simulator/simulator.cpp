@@ -81,6 +81,8 @@ void Simulator::take(const Frame &frame)
     tell(m_now, Traffic::Received, frame.wire);
     if (Station *addressed = station(frame.destination))
         send(addressed->handle(frame, m_plan));
+    else if (m_plan.isPermanent(FaultKind::Echo)) // an adapter hears itself, whoever it speaks to
+        m_outbox.post(frame.wire, m_now, Time::zero());
 }
 
 // A late reply leaves the line free until it begins: what the master sends meanwhile is answered at once.

@@ -206,10 +206,17 @@ VB101   34" ]
         [ "$status" -eq 2 ]
         [ -z "$output" ]
         [[ "${stderr_lines[0]}" == "s7ppi: "* ]]
-        [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options" ]
+        [[ "${stderr_lines[1]}" == "hint: s7ppi --help lists commands and options"* ]]
     done
+    run --separate-stderr s7ppi
+    [ "${stderr_lines[0]}" = "s7ppi: a command is missing" ]
     run --separate-stderr s7ppi rread
     [ "${stderr_lines[0]}" = "s7ppi: rread is not a command or option" ]
+    [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options" ]
+    run --separate-stderr s7ppi read
+    [ "${stderr_lines[0]}" = "s7ppi: items is required" ]
+    [ "${stderr_lines[1]}" = \
+        "hint: s7ppi --help lists commands and options, s7ppi read --help what read takes" ]
 }
 
 @test "2: memory that is no BCD cannot be read as such" {

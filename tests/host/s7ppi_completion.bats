@@ -25,7 +25,7 @@ listed() {
 
 @test "bash: every command that --help lists is completed" {
     local command
-    mapfile -t commands < <(s7ppi --help | listed Subcommands:)
+    mapfile -t commands < <(s7ppi --help | listed Commands:)
     [ "${#commands[@]}" -gt 8 ]
     for command in "${commands[@]}"; do
         [ "$(completed "${command%?}" | grep -cx -- "$command")" -eq 1 ]
@@ -34,7 +34,7 @@ listed() {
 
 @test "bash: every option of every command that --help lists is completed" {
     local command option
-    mapfile -t commands < <(s7ppi --help | listed Subcommands:)
+    mapfile -t commands < <(s7ppi --help | listed Commands:)
     for command in "${commands[@]}"; do
         completed "$command" -- >"$BATS_TEST_TMPDIR/completed"
         mapfile -t options < <(s7ppi "$command" --help | grep -oE '^ +(-.,)?--[a-z0-9-]+' | sed 's/.*--/--/')
@@ -71,7 +71,7 @@ listed() {
     local shell option command
     for shell in zsh fish; do
         s7ppi completion "$shell" >"$BATS_TEST_TMPDIR/$shell"
-        mapfile -t commands < <(s7ppi --help | listed Subcommands:)
+        mapfile -t commands < <(s7ppi --help | listed Commands:)
         for command in "${commands[@]}"; do
             grep -qw -- "$command" "$BATS_TEST_TMPDIR/$shell"
         done

@@ -212,6 +212,25 @@ ticks() {
     [ "$(grep -c ' VB100 17$' "$BATS_TEST_TMPDIR/values")" -eq 100 ]
 }
 
+@test "what keeps a port that is there again from being opened is told once" {
+    plug
+    s7ppi watch --port "$BATS_TEST_TMPDIR/plc" --reconnect --interval 10 --count 100 \
+        VB100 >"$BATS_TEST_TMPDIR/values" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    local watcher=$!
+    background+=("$watcher")
+    eventually test -s "$BATS_TEST_TMPDIR/values"
+    kill "$plug"
+    wait "$plug" || true
+    echo "no port" >"$BATS_TEST_TMPDIR/plc"
+    eventually grep -q "plc.*; still trying" "$BATS_TEST_TMPDIR/errors"
+    sleep 2
+    rm "$BATS_TEST_TMPDIR/plc"
+    plug
+    wait "$watcher"
+    [ "$(grep -c "; still trying" "$BATS_TEST_TMPDIR/errors")" -eq 1 ]
+    grep -q "plc is back" "$BATS_TEST_TMPDIR/errors"
+}
+
 @test "130: Ctrl-C ends the waiting for a lost port" {
     plug
     s7ppi read --port "$BATS_TEST_TMPDIR/plc" --reconnect --timeout 60000 VB100 'VB0*2000' \

@@ -204,7 +204,7 @@ void TestOutputDocument::everyMemberIsExplained()
 
 void TestOutputDocument::everyCommandHasItsShape()
 {
-    const QString help = outputOf("s7ppi --help").section("Subcommands:\n", 1).section("\n\n", 0, 0);
+    const QString help = outputOf("s7ppi --help").section("Commands:\n", 1).section("\n\n", 0, 0);
     const QStringList commands = captured("^  (\\S+) ", help);
     QVERIFY(commands.contains("read"));
     const QString overview = document().section("\n## s7ppi.", 0, 0).section("| command |", 1);

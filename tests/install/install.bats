@@ -192,7 +192,7 @@ page_tells() {
 
 @test "the manual pages tell of every option" {
     local command commands
-    commands=$(s7ppi --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+    commands=$(s7ppi --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
     [[ "$commands" == *read* ]]
     page_tells man1/s7ppi.1 s7ppi
     for command in $commands; do
