@@ -25,6 +25,8 @@ endif()
 check_cxx_compiler_flag(-fmacro-prefix-map=a=b S7PPI_HAVE_MACRO_PREFIX_MAP)
 if(S7PPI_HAVE_MACRO_PREFIX_MAP)
   target_compile_options(s7ppi_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=../../../)
+else()
+  message(WARNING "This compiler is too old for -fmacro-prefix-map: log lines will carry the path of this tree.")
 endif()
 
 # Against what gets past the driver's own checks. Only in optimised builds, which the checked C functions need;

@@ -156,6 +156,8 @@ int Item::valueSize() const
 
 Item parseItem(const QString &text)
 {
+    if (text.contains(".."))
+        throw Failure(ExitCode::Usage, "a range, which only dump takes", "write a count, as VB100*4");
     const QString beforeCount = text.section('*', 0, 0);
     const QString type = beforeCount.section(':', 1);
     Item item = {parseAddress(beforeCount.section(':', 0, 0)), ValueType::Bool, 1};

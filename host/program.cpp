@@ -67,7 +67,7 @@ int printAbout(const CLI::App &app, const CLI::ParseError &request)
 
 std::string usageHint(const CLI::App &app)
 {
-    const std::string hint = "s7ppi --help lists commands and options";
+    std::string hint = "s7ppi --help lists commands and options";
     if (app.get_subcommands().empty())
         return hint;
     const std::string command = app.get_subcommands().front()->get_name();

@@ -8,8 +8,6 @@
 #ifndef MESSAGE_LINE_H
 #define MESSAGE_LINE_H
 
-#include "qt_compat.h"
-
 #include <QString>
 #include <QtDebug>
 
@@ -27,7 +25,7 @@ public:
     }
 
     /// Writes the line as one message of the debug level.
-    void write() const { qDebug("%s", messageText(text).constData()); }
+    void write() const { qDebug("%s", text.toUtf8().constData()); }
 
 private:
     MessageLine &append(const char *label, const QString &value)

@@ -21,6 +21,7 @@ private slots:
     void areaTableHasACodeForEveryPrefix_data();
     void areaTableHasACodeForEveryPrefix();
     void areaTableHas29Prefixes();
+    void areaCodeIsThatOfTheTable();
     void prefixesThatAreNotInTheAreaTable_data();
     void prefixesThatAreNotInTheAreaTable();
     void lookingUpAnUnknownPrefixDoesNotInsertIt();
@@ -91,6 +92,16 @@ void TestRequests::areaTableHasACodeForEveryPrefix()
     const QByteArray prefix(QTest::currentDataTag());
     QVERIFY(g_s7_200_ppi_area_table.contains(prefix));
     QCOMPARE(int(g_s7_200_ppi_area_table.value(prefix)), code);
+}
+
+void TestRequests::areaCodeIsThatOfTheTable()
+{
+    QHash<QByteArray, unsigned char> table;
+    table.swap(g_s7_200_ppi_area_table);
+    const int emptied = S7_200_PPIAreaCode("VB");
+    table.swap(g_s7_200_ppi_area_table);
+    QCOMPARE(emptied, 0);
+    QCOMPARE(int(S7_200_PPIAreaCode("VB")), 0x84);
 }
 
 void TestRequests::areaTableHas29Prefixes()

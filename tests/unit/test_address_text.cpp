@@ -162,7 +162,7 @@ void TestAddressText::numberEndsWithItsArray()
                                                 "3",
                                                 5),
                                      10),
-             0);
+             12);
 }
 
 void TestAddressText::otherCharactersAreNoDigits()

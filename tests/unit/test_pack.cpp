@@ -105,6 +105,7 @@ private slots:
     void unpackingStoresOnlyTheWidthOfTheValue();
     void unpackingNeedsNoAlignment();
     void emptyFormatDoesNothing();
+    void nothingNeedsNoBuffer();
     void unknownLetterEndsPackingWithZeroAndUnpackingWithMinusOne();
     void letterNotAcceptedAfterACountIsAnError();
     void countErrors_data();
@@ -424,6 +425,13 @@ void TestPack::unpackingNeedsNoAlignment()
     QCOMPARE(stored.hex(8), QString("ee34127856bc9aee"));
     QCOMPARE(DataUnpack(data(source) + 1, "1N", place), 4);
     QCOMPARE(stored.hex(8), QString("ee78563412bc9aee"));
+}
+
+void TestPack::nothingNeedsNoBuffer()
+{
+    QCOMPARE(DataPack(nullptr, ""), 0);
+    QCOMPARE(DataPack(nullptr, "0x"), 0);
+    QCOMPARE(DataPack(nullptr, "0X"), 0);
 }
 
 void TestPack::emptyFormatDoesNothing()

@@ -226,7 +226,14 @@ PpiBytes S7_200_PPIPackLayer7ReadObjectsReqPDU(unsigned short &pduReference, con
 
 PpiBytes S7_200_PPIPackReadBytesReq(unsigned short &pduReference, unsigned char destination,
                                     unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
-                                    unsigned int byteCount)
+                                    unsigned short byteCount)
+{
+    return S7_200_PPIPackReadMemoryReq(pduReference, destination, source, prefix, byteAddress, byteCount);
+}
+
+PpiBytes S7_200_PPIPackReadMemoryReq(unsigned short &pduReference, unsigned char destination,
+                                     unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
+                                     unsigned int byteCount)
 {
     return S7_200_PPIPackLayer2SD2Request(destination, source,
                                           packReadMemoryPDU(pduReference, prefix, byteAddress, byteCount));

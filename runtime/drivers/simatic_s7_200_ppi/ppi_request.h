@@ -46,10 +46,16 @@ PpiBytes S7_200_PPIPackLayer7ReadObjectsReqPDU(unsigned short &pduReference, con
                                                unsigned int objectNumber, unsigned short count);
 
 // The whole frame of a read of byteCount bytes of memory. They are asked for in the elements of the
-// prefix, so rounded up to whole words or double words; the count of elements carries 16 bits.
+// prefix, so rounded up to whole words or double words.
 PpiBytes S7_200_PPIPackReadBytesReq(unsigned short &pduReference, unsigned char destination,
                                     unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
-                                    unsigned int byteCount);
+                                    unsigned short byteCount);
+
+// The same for the reads of words and double words: up to 65535 of them, the count of elements
+// carries 16 bits.
+PpiBytes S7_200_PPIPackReadMemoryReq(unsigned short &pduReference, unsigned char destination,
+                                     unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
+                                     unsigned int byteCount);
 
 // The whole frame of a read of count objects.
 PpiBytes S7_200_PPIPackReadObjectsReq(unsigned short &pduReference, unsigned char destination,

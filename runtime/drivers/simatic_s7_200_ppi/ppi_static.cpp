@@ -31,28 +31,27 @@ const Area kAreas[] = {
     {"S", 0x04},   {"SB", 0x04},  {"SW", 0x04},  {"SD", 0x04},  // sequence-control relays
 };
 
-// The table's entries by their letters.
-QHash<quint32, QHash<QByteArray, unsigned char>::const_iterator> g_entries;
+// The table's prefixes by their letters.
+QHash<quint32, QByteArray> g_prefixes;
 
 } // namespace
 
 S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
 
-const QHash<QByteArray, unsigned char>::const_iterator *S7_200_PPIAreaTableEntry(quint32 letters)
+const QByteArray *S7_200_PPIKnownPrefix(quint32 letters)
 {
-    const auto entry = g_entries.constFind(letters);
-    return entry == g_entries.constEnd() ? nullptr : &entry.value();
+    const auto prefix = g_prefixes.constFind(letters);
+    return prefix == g_prefixes.constEnd() ? nullptr : &prefix.value();
 }
 
 S7_200_PPI_AreaTableInitializer::S7_200_PPI_AreaTableInitializer()
 {
-    for (const Area &area : kAreas)
-        g_s7_200_ppi_area_table[area.prefix] = area.code;
-    const auto end = g_s7_200_ppi_area_table.constEnd();
-    for (auto entry = g_s7_200_ppi_area_table.constBegin(); entry != end; ++entry) {
+    for (const Area &area : kAreas) {
+        const QByteArray prefix(area.prefix);
+        g_s7_200_ppi_area_table[prefix] = area.code;
         quint32 letters = kNoLetters;
-        for (int i = 0; i < entry.key().size(); ++i)
-            letters = ppiAppendLetter(letters, static_cast<unsigned char>(entry.key().at(i)));
-        g_entries[letters] = entry;
+        for (int i = 0; i < prefix.size(); ++i)
+            letters = ppiAppendLetter(letters, static_cast<unsigned char>(prefix.at(i)));
+        g_prefixes[letters] = prefix;
     }
 }

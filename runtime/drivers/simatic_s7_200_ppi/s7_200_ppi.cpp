@@ -23,7 +23,7 @@
 #include <vector>
 
 // Writes the recorded error with the line at which it was found; always, whatever the debug mode.
-#define LOG_FAILURE() qDebug("%s:%d:%s", __FILE__, __LINE__, messageText(driver.getLastError()).constData())
+#define LOG_FAILURE() qDebug("%s:%d:%s", __FILE__, __LINE__, driver.getLastError().toUtf8().constData())
 
 namespace {
 
@@ -288,8 +288,8 @@ QByteArray Attempt::readMemory(const CommunicatorCommand &cmd, const QByteArray 
     const unsigned int byteCount =
         static_cast<unsigned int>(kind.unit) * static_cast<unsigned short>(cmd.count);
     const PpiBytes frame =
-        S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix,
-                                   S7_200_PPIExtractByteAddress(cmd.address), byteCount);
+        S7_200_PPIPackReadMemoryReq(ReferenceCounter(pduReference), station(), source(), prefix,
+                                    S7_200_PPIExtractByteAddress(cmd.address), byteCount);
     Answer answer;
     if (!exchange(frame, kind.headerFault, answer) || !itemFits(answer, kLengthInBits))
         return QByteArray();

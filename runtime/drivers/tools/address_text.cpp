@@ -42,9 +42,10 @@ template <class Text> QByteArray prefixOf(const Text &text)
 }
 
 // QByteArray::toInt takes blanks behind the digits with one Qt and not with another, so they never convert.
+// A zero byte ends the text for all of them.
 bool hasBlank(const QByteArray &text)
 {
-    for (int i = 0; i < text.size(); ++i) {
+    for (int i = 0; i < text.size() && text.at(i) != '\0'; ++i) {
         if (codeAt(text, i) <= ' ')
             return true;
     }

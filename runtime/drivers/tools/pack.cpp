@@ -84,7 +84,7 @@ public:
     bool pad(char letter, int count)
     {
         unsigned char *place = room(count);
-        if (letter == 'x')
+        if (letter == 'x' && count > 0)
             std::memset(place, 0, static_cast<size_t>(count));
         return true;
     }

@@ -10,6 +10,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -26,6 +27,12 @@ qint64 sumOf(const QList<int> &sizes, int count)
     for (int i = 0; i < count; ++i)
         sum += sizes.at(i);
     return sum;
+}
+
+bool liesIn(const QByteArray &array, const char *byte)
+{
+    const std::less<const char *> isBefore;
+    return !isBefore(byte, array.constData()) && isBefore(byte, array.constData() + array.size());
 }
 
 } // namespace
@@ -176,6 +183,8 @@ bool TxPackage::append(const char *section, int size)
     if (size > INT_MAX - totalSize())
         return false;
     const int sectionsBefore = numberOfSections();
+    // A section may be a raw view of the frame, whose bytes would move while it grows.
+    const QByteArray viewed = liesIn(*frame, section) ? *frame : QByteArray();
     try {
         sectionSizes.append(size);
         frame->append(section, size);
