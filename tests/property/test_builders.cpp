@@ -125,8 +125,9 @@ void TestBuilders::memoryReads()
         const auto number = *lots::doubleWord();
         const int bytes = *lots::word();
         auto reference = static_cast<unsigned short>(head.before);
-        const QByteArray frame = S7_200_PPIPackReadBytesReq(reference, head.destination(), head.source(),
-                                                            prefixBytes(prefix), number, unsigned(bytes));
+        const QByteArray frame =
+            S7_200_PPIPackReadBytesReq(reference, head.destination(), head.source(), prefixBytes(prefix),
+                                       number, static_cast<unsigned short>(bytes));
         const int width = widthOf(prefix);
         const int count = bytes / width + (bytes % width ? 1 : 0);
         const std::string text = item(prefix, transportSizeOf(width), count, wireAddress(prefix, number));
