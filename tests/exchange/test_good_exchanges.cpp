@@ -59,6 +59,9 @@ private slots:
     void pauseCutShortByASignalIsResumed();
     void onlyTheLowByteOfTheStationIsSent_data();
     void onlyTheLowByteOfTheStationIsSent();
+    void stationMinus1IsStation255OnTheLine();
+    void pollGoesToTheStationThatThePortHasThen_data();
+    void pollGoesToTheStationThatThePortHasThen();
     void referenceAdvancesWithEveryCall();
     void readsAndWritesShareTheReference();
     void referenceIsThatOfTheObject();
@@ -249,6 +252,7 @@ void TestGoodExchanges::onlyTheLowByteOfTheStationIsSent_data()
     for (const Sample &good : samples()) {
         sampleRow(good, "station 258") << 258;
         sampleRow(good, "station 32514") << 32514;
+        sampleRow(good, "station -254") << -254;
     }
 }
 
@@ -262,6 +266,35 @@ void TestGoodExchanges::onlyTheLowByteOfTheStationIsSent()
     port.expects(request).answers("e5").expects(kPoll).answers(Answer(good.item));
     QCOMPARE(outcomeOf(good, port).result, QString(good.result));
     QCOMPARE(hex(port.frames().value(0).mid(4, 3)), QString("02006c"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::stationMinus1IsStation255OnTheLine()
+{
+    ScriptedPort port(-1);
+    port.expects("68 1b 1b 68 ff 00 6c 32 01 00 00 00 01 00 0e 00 00"
+                 "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8c 16")
+        .answers("e5")
+        .expects("10 ff 00 5c 5b 16")
+        .answers("68 19 19 68 00 ff 08 32 03 00 00 00 01 00 02 00 08 00 00"
+                 "04 01 ff 04 00 20 11 22 33 44 19 16");
+    QCOMPARE(outcomeOfRead(byteCommand("VB100", 4), port).result, QString("11223344"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestGoodExchanges::pollGoesToTheStationThatThePortHasThen_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::pollGoesToTheStationThatThePortHasThen()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    ScriptedPort port(2);
+    port.expects(requestToStation2(good)).answers("e5").thenHasStation(3);
+    port.expects("10 03 00 5c 5f 16").answers(Answer(good.item).from(3).sealed());
+    QCOMPARE(outcomeOf(good, port).result, QString(good.result));
     QVERIFY(port.scriptIsFinished());
 }
 

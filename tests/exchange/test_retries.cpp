@@ -61,6 +61,12 @@ private slots:
     void everyAttemptFollowsThePortsPause();
     void delay0MakesNoPause_data();
     void delay0MakesNoPause();
+    void negativePauseIsCountedIn32BitsOfNanoseconds_data();
+    void negativePauseIsCountedIn32BitsOfNanoseconds();
+    void everyAttemptAsksThePortForItsStation_data();
+    void everyAttemptAsksThePortForItsStation();
+    void everyFailureAsksThePortForItsRetries_data();
+    void everyFailureAsksThePortForItsRetries();
     void everyAttemptHasANewReference_data();
     void everyAttemptHasANewReference();
     void successEndsTheAttemptsAndClearsTheError_data();
@@ -81,6 +87,7 @@ private slots:
     void typesThatAreNotServedUseNoReference_data();
     void typesThatAreNotServedUseNoReference();
 
+    void readHandlersMakeOneAttempt();
     void newDriverHasNoErrorAndANullText();
     void errorStateIsSetAndCleared();
     void pauseBeforeAFrameIs12Milliseconds();
@@ -149,6 +156,78 @@ void TestRetries::delay0MakesNoPause()
     expectSilentRequests(port, 2);
     outcomeOf(::sample(sample), port);
     QCOMPARE(port.events(), silentAttempt(port.frames().value(0)) + silentAttempt(port.frames().value(1)));
+}
+
+// -1 ms are 2^32 - 1000000 ns; the lowest int is a multiple of 2^32 ns.
+void TestRetries::negativePauseIsCountedIn32BitsOfNanoseconds_data()
+{
+    QTest::addColumn<int>("delay");
+    QTest::addColumn<QStringList>("pauses");
+    QTest::newRow("-1 ms") << -1 << QStringList("pause 4293967296 ns");
+    QTest::newRow("-5 ms") << -5 << QStringList("pause 4289967296 ns");
+    QTest::newRow("-5000 ms") << -5000 << QStringList("pause 3589934592 ns");
+    QTest::newRow("lowest") << INT_MIN << QStringList();
+}
+
+void TestRetries::negativePauseIsCountedIn32BitsOfNanoseconds()
+{
+    QFETCH(int, delay);
+    QFETCH(QStringList, pauses);
+    const char *const calls[] = {"read bytes of VB100", "write bytes of VB100"};
+    for (const char *call : calls) {
+        ScriptedPort port;
+        port.delays(delay).expectsRequest();
+        outcomeOf(sample(call), port);
+        QCOMPARE(port.events().filter("pause"), pauses + QStringList("pause 12 ms"));
+    }
+}
+
+void TestRetries::everyAttemptAsksThePortForItsStation_data()
+{
+    addSampleRows();
+}
+
+void TestRetries::everyAttemptAsksThePortForItsStation()
+{
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
+    ScriptedPort port(2);
+    port.retries(1).expectsRequest().thenHasStation(3);
+    port.expectsRequest()
+        .answers("e5")
+        .expects("10 03 00 5c 5f 16")
+        .answers(Answer(call.item, 2).from(3).sealed());
+    QCOMPARE(outcomeOf(call, port).result, QString(call.result));
+    QCOMPARE(hex(port.frames().value(0).mid(4, 3)), QString("02006c"));
+    QCOMPARE(hex(port.frames().value(1).mid(4, 3)), QString("03006c"));
+    QVERIFY(port.scriptIsFinished());
+}
+
+void TestRetries::everyFailureAsksThePortForItsRetries_data()
+{
+    addSampleColumn();
+    QTest::addColumn<int>("atFirst");
+    QTest::addColumn<int>("fromTheSecondAttemptOn");
+    QTest::addColumn<int>("requests");
+    for (const Sample &call : samples()) {
+        sampleRow(call, "1, then 3") << 1 << 3 << 4;
+        sampleRow(call, "3, then 1") << 3 << 1 << 2;
+        sampleRow(call, "3, then 0") << 3 << 0 << 2;
+    }
+}
+
+void TestRetries::everyFailureAsksThePortForItsRetries()
+{
+    QFETCH(QString, sample);
+    QFETCH(int, atFirst);
+    QFETCH(int, fromTheSecondAttemptOn);
+    QFETCH(int, requests);
+    ScriptedPort port;
+    port.retries(atFirst).expectsRequest().expectsRequest().thenRetries(fromTheSecondAttemptOn);
+    expectSilentRequests(port, requests - 2);
+    outcomeOf(::sample(sample), port);
+    QCOMPARE(port.requestsSent(), requests);
+    QVERIFY(port.scriptIsFinished());
 }
 
 void TestRetries::everyAttemptHasANewReference_data()
@@ -317,6 +396,24 @@ void TestRetries::typesThatAreNotServedUseNoReference()
     DriverS7_200_PPI driver;
     resultOf(driver, port, withType(call, dataType));
     QCOMPARE(resultOf(driver, port, call), QString(call.result));
+}
+
+void TestRetries::readHandlersMakeOneAttempt()
+{
+    typedef QByteArray (DriverS7_200_PPI::*Handler)(AbstractDeviceInterface *, const CommunicatorCommand &);
+    const Handler handlers[] = {&DriverS7_200_PPI::readBits, &DriverS7_200_PPI::readBytes,
+                                &DriverS7_200_PPI::readWords, &DriverS7_200_PPI::readDWords};
+    for (Handler handler : handlers) {
+        ScriptedPort port;
+        port.retries(3).delays(30).expectsRequest();
+        DriverS7_200_PPI driver;
+        LogCapture log;
+        QCOMPARE(hex((driver.*handler)(&port, byteCommand("VD10", 1))), QString());
+        QCOMPARE(log.texts(), QStringList() << "plc no response");
+        QVERIFY(driver.hasError());
+        QVERIFY(!port.events().contains("delay"));
+        QVERIFY(port.scriptIsFinished());
+    }
 }
 
 void TestRetries::newDriverHasNoErrorAndANullText()

@@ -84,6 +84,18 @@ ScriptedPort &ScriptedPort::answersLate(const QByteArray &received)
     return *this;
 }
 
+ScriptedPort &ScriptedPort::thenHasStation(int number)
+{
+    laterStations[int(script.size()) - 1] = number;
+    return *this;
+}
+
+ScriptedPort &ScriptedPort::thenRetries(int times)
+{
+    laterRepetitions[int(script.size()) - 1] = times;
+    return *this;
+}
+
 ScriptedPort &ScriptedPort::serves(const QByteArray &answer)
 {
     return expectsRequest().answers("e5").expectsPoll().answers(answer);
@@ -158,6 +170,8 @@ int ScriptedPort::send(const unsigned char *data, int length)
         input += script.at(number).answer;
         lateInput = script.at(number).lateAnswer;
     }
+    station = laterStations.value(number, station);
+    repetitions = laterRepetitions.value(number, repetitions);
     return length;
 }
 

@@ -27,7 +27,7 @@ public:
     ~ScriptedPort() override;
 
     // The script. The driver's next frame must be this one, bytes or hex text; some request; the poll
-    // of the station.
+    // of the station that the port has at first.
     ScriptedPort &expects(const char *hexText);
     ScriptedPort &expects(const QByteArray &frame);
     ScriptedPort &expectsRequest();
@@ -40,6 +40,10 @@ public:
     // What comes after a receive() has given up waiting.
     ScriptedPort &answersLate(const char *hexText);
     ScriptedPort &answersLate(const QByteArray &received);
+
+    // What the port says of itself from the moment that frame is sent.
+    ScriptedPort &thenHasStation(int number);
+    ScriptedPort &thenRetries(int times);
 
     // A whole exchange: some request, its acknowledgement, the poll, the answer.
     ScriptedPort &serves(const QByteArray &answer);
@@ -95,6 +99,8 @@ private:
     bool purges;
     QList<Step> script;
     QMap<int, int> claims;
+    QMap<int, int> laterStations;
+    QMap<int, int> laterRepetitions;
     QByteArray input;
     QByteArray lateInput;
     QList<QByteArray> sentFrames;

@@ -125,6 +125,11 @@ void TestAddressText::numberBeginsAtTheFirstDigitOfTheBase_data()
     QTest::newRow("highest") << "V2147483647" << 10 << INT_MAX;
     QTest::newRow("one more") << "V2147483648" << 10 << 0;
     QTest::newRow("hexadecimal, no int") << "V80000000" << 16 << 0;
+    QTest::newRow("0x in front of hexadecimal digits") << "V0x1F" << 16 << 0x1F;
+    QTest::newRow("0x without hexadecimal digits") << "V0x" << 16 << 0;
+    QTest::newRow("0x in front of decimal digits") << "V0x1F" << 10 << 0;
+    QTest::newRow("highest, octal") << "V17777777777" << 8 << INT_MAX;
+    QTest::newRow("one more, octal") << "V20000000000" << 8 << 0;
 }
 
 void TestAddressText::numberBeginsAtTheFirstDigitOfTheBase()

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <climits>
+
 namespace {
 
 DeviceSetting serialDefault()
@@ -22,18 +24,42 @@ DeviceSetting withAddresses(int count)
     return setting;
 }
 
-QByteArray streamed(const DeviceSetting &setting)
+// Every field has a value, and another one than the streams that are read into it.
+DeviceSetting filled()
+{
+    DeviceSetting setting(device_type(9), "COM9", 9, 9, 9, 9, 9, "mine");
+    setting.linkID = 9;
+    setting.socketList = withAddresses(3).socketList;
+    setting.currentIPIndex = 2;
+    return setting;
+}
+
+QByteArray streamed(const DeviceSetting &setting, QDataStream::ByteOrder order = QDataStream::BigEndian)
 {
     QByteArray data;
     QDataStream stream(&data, QIODevice::WriteOnly);
+    stream.setByteOrder(order);
     stream << setting;
     return data;
 }
 
-void read(const QByteArray &data, DeviceSetting &setting)
+void read(const QByteArray &data, DeviceSetting &setting,
+          QDataStream::ByteOrder order = QDataStream::BigEndian)
 {
     QDataStream stream(data);
+    stream.setByteOrder(order);
     stream >> setting;
+}
+
+// The first nine fields of the stream.
+QString fields(const DeviceSetting &setting)
+{
+    const int numbers[] = {setting.baudrate,   setting.databits, setting.stopbits,      setting.parity,
+                           setting.extraValue, setting.linkID,   setting.currentIPIndex};
+    QString text = QString("%1 \"%2\"").arg(int(setting.type)).arg(setting.string);
+    for (int number : numbers)
+        text += QString(" %1").arg(number);
+    return text;
 }
 
 QString addresses(const DeviceSetting &setting)
@@ -57,22 +83,37 @@ private slots:
     void withoutAddressesTheCurrentOneIsEmpty();
     void theCurrentIndexOnlyTakesValidOnes();
     void anIndexOutsideTheListReadsAsEmpty();
+    void minusOneReadsTheCurrentAddress();
     void oneHalfOfAnAddressIsReplaced();
+    void minusOneReplacesTheIpOfTheCurrentAddress();
     void aSetterOutsideTheListChangesNothing();
     void minusOneOnAnEmptyListChangesNothing();
+    void minusOneBehindAShortenedListChangesNothing();
     void portTextsThatAreNotPortsGiveZero_data();
     void portTextsThatAreNotPortsGiveZero();
     void newSocketDataReplaceTheListAndKeepTheIndex();
+    void newSocketDataKeepTheirOrderAndTheirIps();
+    void emptySocketDataEmptyTheList();
     void theDefaultRecordIsFortyEightBytes();
     void aRecordWithAddressesIsStreamedWhole();
+    void theStreamsByteOrderIsKept();
+    void aNullTextStaysNull();
     void readingTwiceRestoresTheIndex();
+    void anIndexOutsideTheOldListIsDropped_data();
+    void anIndexOutsideTheOldListIsDropped();
+    void anIndexOutsideTheListReadStays();
     void theExtraTextIsNotStreamed();
     void unknownKindsOfPortPassThrough();
+    void fieldsBehindTheEndOfTheStreamAreEmpty_data();
+    void fieldsBehindTheEndOfTheStreamAreEmpty();
+    void aStreamWithoutADeviceReadsAsEmpty();
     void aListCutShortKeepsTheEntriesRead();
     void aListThatEndsAfterItsCountYieldsOneEmptyEntry();
     void anAbsurdCountReservesNothing();
     void dumpIsOneMessage();
     void dumpEscapesNothing();
+    void dumpShowsOtherLettersThanAscii();
+    void dumpShowsNegativeNumbers();
 };
 
 void TestDeviceSetting::theShortConstructorSetsSixFieldsAndDefaults()
@@ -126,6 +167,15 @@ void TestDeviceSetting::anIndexOutsideTheListReadsAsEmpty()
     QCOMPARE(setting.socketIP(2), QString());
     QCOMPARE(int(setting.port(2)), 0);
     QCOMPARE(setting.socketIP(-2), QString());
+    QCOMPARE(int(setting.port(-2)), 0);
+}
+
+void TestDeviceSetting::minusOneReadsTheCurrentAddress()
+{
+    DeviceSetting setting = withAddresses(3);
+    setting.setCurrentIPIndex(2);
+    QCOMPARE(setting.socketIP(-1), QString("10.0.0.2"));
+    QCOMPARE(int(setting.port(-1)), 102);
 }
 
 void TestDeviceSetting::oneHalfOfAnAddressIsReplaced()
@@ -135,6 +185,14 @@ void TestDeviceSetting::oneHalfOfAnAddressIsReplaced()
     setting.setPort(502, -1);
     setting.setSocketIP("192.168.0.1", 0);
     QCOMPARE(addresses(setting), QString("192.168.0.1:100 10.0.0.1:502"));
+}
+
+void TestDeviceSetting::minusOneReplacesTheIpOfTheCurrentAddress()
+{
+    DeviceSetting setting = withAddresses(3);
+    setting.setCurrentIPIndex(2);
+    setting.setSocketIP("1.2.3.4", -1);
+    QCOMPARE(addresses(setting), QString("10.0.0.0:100 10.0.0.1:101 1.2.3.4:102"));
 }
 
 void TestDeviceSetting::aSetterOutsideTheListChangesNothing()
@@ -156,12 +214,25 @@ void TestDeviceSetting::minusOneOnAnEmptyListChangesNothing()
     QVERIFY(setting.socketList.isEmpty());
 }
 
+void TestDeviceSetting::minusOneBehindAShortenedListChangesNothing()
+{
+    DeviceSetting setting = withAddresses(3);
+    setting.setCurrentIPIndex(2);
+    setting.socketList.removeLast();
+    setting.setPort(502, -1);
+    setting.setSocketIP("1.2.3.4", -1);
+    QCOMPARE(addresses(setting), QString("10.0.0.0:100 10.0.0.1:101"));
+}
+
 void TestDeviceSetting::portTextsThatAreNotPortsGiveZero_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("port");
     QTest::newRow("a port") << "102" << 102;
     QTest::newRow("the largest") << "65535" << 65535;
+    QTest::newRow("plus sign") << "+102" << 102;
+    QTest::newRow("leading zero, not octal") << "0102" << 102;
+    QTest::newRow("separator of thousands") << "1,024" << 0;
     QTest::newRow("letters") << "abc" << 0;
     QTest::newRow("too large") << "70000" << 0;
     QTest::newRow("negative") << "-1" << 0;
@@ -186,6 +257,26 @@ void TestDeviceSetting::newSocketDataReplaceTheListAndKeepTheIndex()
     QCOMPARE(addresses(setting), QString("a:1"));
     QCOMPARE(setting.currentIPIndex, 2);
     QCOMPARE(setting.socketIP(-1), QString());
+}
+
+void TestDeviceSetting::newSocketDataKeepTheirOrderAndTheirIps()
+{
+    DeviceSetting setting = withAddresses(1);
+    setting.setSocketData(QList<QPair<QString, QString>>() << qMakePair(QString("plc.example"), QString("3"))
+                                                           << qMakePair(QString(" 10.0.0.1"), QString("1"))
+                                                           << qMakePair(QString(), QString("2"))
+                                                           << qMakePair(QString(" 10.0.0.1"), QString("1")));
+    QCOMPARE(addresses(setting), QString("plc.example:3  10.0.0.1:1 :2  10.0.0.1:1"));
+}
+
+void TestDeviceSetting::emptySocketDataEmptyTheList()
+{
+    DeviceSetting setting = withAddresses(3);
+    setting.setCurrentIPIndex(2);
+    setting.setSocketData(QList<QPair<QString, QString>>());
+    QVERIFY(setting.socketList.isEmpty());
+    QCOMPARE(setting.currentIPIndex, 2);
+    QCOMPARE(int(setting.port(-1)), 0);
 }
 
 void TestDeviceSetting::theDefaultRecordIsFortyEightBytes()
@@ -213,6 +304,44 @@ void TestDeviceSetting::aRecordWithAddressesIsStreamedWhole()
                           "0102"));
 }
 
+void TestDeviceSetting::theStreamsByteOrderIsKept()
+{
+    DeviceSetting from = serialDefault();
+    from.socketList.append(qMakePair(QString("a"), quint16(0x0102)));
+    const QByteArray data = streamed(from, QDataStream::LittleEndian);
+    QCOMPARE(hex(data), QString("40000000"
+                                "08000000"
+                                "43004f004d003200"
+                                "80250000"
+                                "08000000"
+                                "00000000"
+                                "02000000"
+                                "00000000"
+                                "ffffffff"
+                                "00000000"
+                                "01000000"
+                                "020000006100"
+                                "0201"));
+    DeviceSetting to = filled();
+    read(data, to, QDataStream::LittleEndian);
+    QCOMPARE(fields(to), QString("64 \"COM2\" 9600 8 0 2 0 -1 0"));
+    QCOMPARE(addresses(to), QString("a:258"));
+}
+
+void TestDeviceSetting::aNullTextStaysNull()
+{
+    DeviceSetting from(kRs485Port, QString(), 0, 0, 0, 0);
+    from.socketList.append(qMakePair(QString(), quint16(1)));
+    const QByteArray data = streamed(from);
+    QCOMPARE(hex(data.mid(4, 4)), QString("ffffffff"));
+    QCOMPARE(hex(data.right(6)), QString("ffffffff0001"));
+    DeviceSetting to = filled();
+    read(data, to);
+    QVERIFY(to.string.isNull());
+    QCOMPARE(int(to.socketList.size()), 1);
+    QVERIFY(to.socketList.at(0).first.isNull());
+}
+
 void TestDeviceSetting::readingTwiceRestoresTheIndex()
 {
     DeviceSetting from = withAddresses(3);
@@ -225,6 +354,39 @@ void TestDeviceSetting::readingTwiceRestoresTheIndex()
     QCOMPARE(to.currentIPIndex, 0);
     read(data, to);
     QCOMPARE(to.currentIPIndex, 2);
+}
+
+void TestDeviceSetting::anIndexOutsideTheOldListIsDropped_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::newRow("one more") << 3;
+    QTest::newRow("-1") << -1;
+    QTest::newRow("highest") << INT_MAX;
+    QTest::newRow("lowest") << INT_MIN;
+}
+
+void TestDeviceSetting::anIndexOutsideTheOldListIsDropped()
+{
+    QFETCH(int, index);
+    DeviceSetting from = withAddresses(5);
+    from.currentIPIndex = index;
+    DeviceSetting to = withAddresses(3);
+    to.setCurrentIPIndex(1);
+    read(streamed(from), to);
+    QCOMPARE(to.currentIPIndex, 1);
+    QCOMPARE(int(to.socketList.size()), 5);
+}
+
+void TestDeviceSetting::anIndexOutsideTheListReadStays()
+{
+    DeviceSetting from = withAddresses(1);
+    from.currentIPIndex = 2;
+    DeviceSetting to = withAddresses(3);
+    read(streamed(from), to);
+    QCOMPARE(addresses(to), QString("10.0.0.0:100"));
+    QCOMPARE(to.currentIPIndex, 2);
+    QCOMPARE(to.socketIP(-1), QString());
+    QCOMPARE(int(to.port(-1)), 0);
 }
 
 void TestDeviceSetting::theExtraTextIsNotStreamed()
@@ -240,6 +402,54 @@ void TestDeviceSetting::unknownKindsOfPortPassThrough()
     DeviceSetting to = serialDefault();
     read(streamed(DeviceSetting(device_type(-5), "x", 1, 2, 3, 4)), to);
     QCOMPARE(int(to.type), -5);
+}
+
+// The old list takes the index 0 that a short stream gives.
+void TestDeviceSetting::fieldsBehindTheEndOfTheStreamAreEmpty_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QString>("kept");
+    QTest::newRow("nothing") << 0 << "0 \"\" 0 0 0 0 0 0 0";
+    QTest::newRow("within type") << 3 << "0 \"\" 0 0 0 0 0 0 0";
+    QTest::newRow("within the size of the name") << 7 << "64 \"\" 0 0 0 0 0 0 0";
+    QTest::newRow("within the name") << 14 << "64 \"\" 0 0 0 0 0 0 0";
+    QTest::newRow("within a character of the name") << 15 << "64 \"\" 0 0 0 0 0 0 0";
+    QTest::newRow("within baudrate") << 19 << "64 \"COM1\" 0 0 0 0 0 0 0";
+    QTest::newRow("within databits") << 23 << "64 \"COM1\" 19200 0 0 0 0 0 0";
+    QTest::newRow("within stopbits") << 27 << "64 \"COM1\" 19200 7 0 0 0 0 0";
+    QTest::newRow("within parity") << 31 << "64 \"COM1\" 19200 7 1 0 0 0 0";
+    QTest::newRow("within extraValue") << 35 << "64 \"COM1\" 19200 7 1 3 0 0 0";
+    QTest::newRow("within linkID") << 39 << "64 \"COM1\" 19200 7 1 3 5 0 0";
+    QTest::newRow("within currentIPIndex") << 43 << "64 \"COM1\" 19200 7 1 3 5 4 0";
+    QTest::newRow("within the count") << 47 << "64 \"COM1\" 19200 7 1 3 5 4 1";
+}
+
+void TestDeviceSetting::fieldsBehindTheEndOfTheStreamAreEmpty()
+{
+    QFETCH(int, size);
+    QFETCH(QString, kept);
+    DeviceSetting from(kRs485Port, "COM1", 19200, 7, 1, 3, 5, QString());
+    from.linkID = 4;
+    from.currentIPIndex = 1;
+    from.socketList = withAddresses(2).socketList;
+    QDataStream stream(streamed(from).left(size));
+    DeviceSetting to = filled();
+    stream >> to;
+    QCOMPARE(fields(to), kept);
+    QVERIFY(to.socketList.isEmpty());
+    QCOMPARE(to.extraText, QString("mine"));
+    QCOMPARE(int(stream.status()), int(QDataStream::ReadPastEnd));
+}
+
+void TestDeviceSetting::aStreamWithoutADeviceReadsAsEmpty()
+{
+    const LogCapture warnings;
+    QDataStream stream;
+    DeviceSetting to = filled();
+    stream >> to;
+    QCOMPARE(fields(to), QString("0 \"\" 0 0 0 0 0 0 0"));
+    QVERIFY(to.socketList.isEmpty());
+    QCOMPARE(to.extraText, QString("mine"));
 }
 
 void TestDeviceSetting::aListCutShortKeepsTheEntriesRead()
@@ -287,6 +497,26 @@ void TestDeviceSetting::dumpEscapesNothing()
     setting.dump();
     QCOMPARE(log.lines(), QStringList("type: 64 string: \"a\"b\\%1%s\" baudrate: 1 databits: 2 stopbits: 3 "
                                       "parity: 4 linkID: -1 current ip: \"10.0.0.1\" current port: 502 "));
+}
+
+void TestDeviceSetting::dumpShowsOtherLettersThanAscii()
+{
+    const LogCapture log;
+    const QString name = QString::fromUtf8("B\xC3\xBCro");
+    DeviceSetting(kRs485Port, name, 1, 2, 3, 4).dump();
+    QCOMPARE(log.lines(), QStringList("type: 64 string: \"" + name +
+                                      "\" baudrate: 1 databits: 2 stopbits: 3 parity: 4 linkID: -1 "
+                                      "current ip: \"\" current port: 0 "));
+}
+
+void TestDeviceSetting::dumpShowsNegativeNumbers()
+{
+    const LogCapture log;
+    DeviceSetting setting(device_type(-5), "x", -1, -2, -3, INT_MIN);
+    setting.linkID = -4;
+    setting.dump();
+    QCOMPARE(log.lines(), QStringList("type: -5 string: \"x\" baudrate: -1 databits: -2 stopbits: -3 "
+                                      "parity: -2147483648 linkID: -4 current ip: \"\" current port: 0 "));
 }
 
 QTEST_APPLESS_MAIN(TestDeviceSetting)

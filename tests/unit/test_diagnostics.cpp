@@ -15,16 +15,20 @@
 
 namespace {
 
-int g_killError = 0; // what kill() fails with; 0 asks the system
+const int kAskTheSystem = -1;
+
+int g_killError = kAskTheSystem; // or what kill() fails with, 0 for its success
+pid_t g_killPid = INT_MAX;       // what kill() was last asked for
 
 } // namespace
 
 extern "C" int kill(pid_t pid, int signal) noexcept
 {
-    if (g_killError == 0)
+    g_killPid = pid;
+    if (g_killError == kAskTheSystem)
         return static_cast<int>(syscall(SYS_kill, pid, signal));
     errno = g_killError;
-    return -1;
+    return g_killError == 0 ? 0 : -1;
 }
 
 class TestDiagnostics : public QObject
@@ -40,6 +44,9 @@ private slots:
     void anyOtherFailureMeansNotRunning_data();
     void anyOtherFailureMeansNotRunning();
     void earlierErrorDoesNotCount();
+    void ownGroupIsRunningAsProcess0();
+    void groupsAreAskedForAsTheyAre_data();
+    void groupsAreAskedForAsTheyAre();
     void dumpShowsBytesAndText_data();
     void dumpShowsBytesAndText();
     void emptyListOfSizesIsEmpty();
@@ -47,7 +54,7 @@ private slots:
 
 void TestDiagnostics::cleanup()
 {
-    g_killError = 0;
+    g_killError = kAskTheSystem;
 }
 
 void TestDiagnostics::ownProcessIsRunning()
@@ -95,6 +102,32 @@ void TestDiagnostics::earlierErrorDoesNotCount()
 {
     errno = EPERM;
     QVERIFY(!ProcessIsRunning(INT_MAX));
+}
+
+void TestDiagnostics::ownGroupIsRunningAsProcess0()
+{
+    QVERIFY(ProcessIsRunning(0));
+}
+
+// To kill(), 0 is the caller's group and -1 is every process.
+void TestDiagnostics::groupsAreAskedForAsTheyAre_data()
+{
+    QTest::addColumn<int>("pid");
+    QTest::newRow("0") << 0;
+    QTest::newRow("-1") << -1;
+    QTest::newRow("lowest") << INT_MIN;
+}
+
+void TestDiagnostics::groupsAreAskedForAsTheyAre()
+{
+    QFETCH(int, pid);
+    g_killError = 0;
+    QVERIFY(ProcessIsRunning(pid));
+    QCOMPARE(int(g_killPid), pid);
+    g_killError = EPERM;
+    QVERIFY(ProcessIsRunning(pid));
+    g_killError = ESRCH;
+    QVERIFY(!ProcessIsRunning(pid));
 }
 
 void TestDiagnostics::dumpShowsBytesAndText_data()

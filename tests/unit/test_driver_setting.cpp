@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <climits>
+
 namespace {
 
 QByteArray streamed(const DriverSetting &setting, QDataStream::ByteOrder order = QDataStream::BigEndian)
@@ -29,11 +31,15 @@ private slots:
     void theSixArgumentConstructorIgnoresItsLastTwo();
     void theLongConstructorKeepsTextAndFlagOnly();
     void copyTakesEverythingButTheFlag();
+    void copyLeavesAFlagThatIsSet();
     void theDefaultRecordIsSixteenBytes();
     void theStreamsByteOrderIsKept();
     void readingLeavesTextAndFlag();
     void aShortStreamSetsTheStatus();
+    void fieldsBehindTheEndOfTheStreamAreZero_data();
+    void fieldsBehindTheEndOfTheStreamAreZero();
     void dumpIsOneMessageWithABlankAtItsEnd();
+    void dumpShowsNegativeNumbers();
 };
 
 void TestDriverSetting::theShortConstructorLeavesTextEmptyAndFlagFalse()
@@ -76,6 +82,15 @@ void TestDriverSetting::copyTakesEverythingButTheFlag()
     QVERIFY(!to.flag);
 }
 
+void TestDriverSetting::copyLeavesAFlagThatIsSet()
+{
+    DriverSetting to(9, 9, 9, 9, QString(), 0, QString("mine"), true);
+    to.copy(DriverSetting(1, 2, 3, 4));
+    QCOMPARE(hex(streamed(to)), QString("00000001000000020000000300000004"));
+    QVERIFY(to.text.isEmpty());
+    QVERIFY(to.flag);
+}
+
 void TestDriverSetting::theDefaultRecordIsSixteenBytes()
 {
     QCOMPARE(hex(streamed(DriverSetting(500, 3, 2, 0))), QString("000001f4000000030000000200000000"));
@@ -109,11 +124,42 @@ void TestDriverSetting::aShortStreamSetsTheStatus()
     QCOMPARE(int(stream.status()), int(QDataStream::ReadPastEnd));
 }
 
+void TestDriverSetting::fieldsBehindTheEndOfTheStreamAreZero_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QString>("fields");
+    QTest::newRow("nothing") << 0 << "00000000 00000000 00000000 00000000";
+    QTest::newRow("within timeout") << 3 << "00000000 00000000 00000000 00000000";
+    QTest::newRow("behind timeout") << 4 << "01020304 00000000 00000000 00000000";
+    QTest::newRow("within retry") << 7 << "01020304 00000000 00000000 00000000";
+    QTest::newRow("within stationid") << 11 << "01020304 05060708 00000000 00000000";
+    QTest::newRow("within delay") << 15 << "01020304 05060708 090a0b0c 00000000";
+}
+
+void TestDriverSetting::fieldsBehindTheEndOfTheStreamAreZero()
+{
+    QFETCH(int, size);
+    QFETCH(QString, fields);
+    QDataStream stream(bytes("01020304 05060708 090a0b0c 0d0e0f10").left(size));
+    DriverSetting setting(9, 9, 9, 9, QString(), 0, QString("mine"), true);
+    stream >> setting;
+    QCOMPARE(hex(streamed(setting)), fields.remove(QLatin1Char(' ')));
+    QCOMPARE(setting.text, QString("mine"));
+    QVERIFY(setting.flag);
+}
+
 void TestDriverSetting::dumpIsOneMessageWithABlankAtItsEnd()
 {
     const LogCapture log;
     DriverSetting(500, 3, 2, 0).dump();
     QCOMPARE(log.lines(), QStringList("timeout: 500 retry: 3 stationid: 2 delay: 0 "));
+}
+
+void TestDriverSetting::dumpShowsNegativeNumbers()
+{
+    const LogCapture log;
+    DriverSetting(-1, -2, -3, INT_MIN).dump();
+    QCOMPARE(log.lines(), QStringList("timeout: -1 retry: -2 stationid: -3 delay: -2147483648 "));
 }
 
 QTEST_APPLESS_MAIN(TestDriverSetting)

@@ -10,6 +10,8 @@
 #include "driver_setting.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "tools/project_database.h"
+#include "tools/tx_package.h"
 
 #include <QFile>
 #include <QProcess>
@@ -82,9 +84,9 @@ public:
     int delay() override { return 0; }
 };
 
-template <typename Field> const Field &fieldAt(const DriverS7_200_PPI &driver, int offset)
+template <typename Field, typename Object> const Field &fieldAt(const Object &object, int offset)
 {
-    return *reinterpret_cast<const Field *>(reinterpret_cast<const char *>(&driver) + offset);
+    return *reinterpret_cast<const Field *>(reinterpret_cast<const char *>(&object) + offset);
 }
 
 QStringList linesOf(const QByteArray &text)
@@ -151,6 +153,7 @@ private slots:
     void fieldsOfTheRecordsStandAtTheirOffsets_data();
     void fieldsOfTheRecordsStandAtTheirOffsets();
     void fieldsOfTheDriverStandBehindItsBases();
+    void fieldsOfAPackageAreBytesSectionsAndCounter();
     void operationsStandInTheirSlots_data();
     void operationsStandInTheirSlots();
     void aDriverIsCalledByTheSlots();
@@ -178,6 +181,8 @@ void TestLayout::typesHaveTheirSizes_data()
     newRow(SIZE_OF(DriverInterface), bytes(4, 8, 8));
     newRow(SIZE_OF(AbstractDeviceInterface), bytes(4, 8, 8));
     newRow(SIZE_OF(DriverS7_200_PPI), bytes(24, 48, 64));
+    newRow(SIZE_OF(TxPackage), bytes(12, 24, 40));
+    newRow(SIZE_OF(LinkIdStationId), 8);
 }
 
 void TestLayout::typesHaveTheirSizes()
@@ -218,6 +223,9 @@ void TestLayout::fieldsOfTheRecordsStandAtTheirOffsets_data()
 
     newRow(OFFSET_OF(S7_200_PPI_Timer, value), 0);
     newRow(OFFSET_OF(S7_200_PPI_Timer, status), 2);
+
+    newRow(OFFSET_OF(LinkIdStationId, linkId), 0);
+    newRow(OFFSET_OF(LinkIdStationId, stationId), 4);
 }
 
 void TestLayout::fieldsOfTheRecordsStandAtTheirOffsets()
@@ -250,6 +258,19 @@ void TestLayout::fieldsOfTheDriverStandBehindItsBases()
     driver.setDebugMode(true);
     QCOMPARE(fieldAt<bool>(driver, bytes(12, 24, 24)), false);
     QCOMPARE(fieldAt<bool>(driver, bytes(13, 25, 25)), true);
+}
+
+void TestLayout::fieldsOfAPackageAreBytesSectionsAndCounter()
+{
+    TxPackage package;
+    package.appendByte(0x10);
+    package.appendWord(0x0201);
+    package.setSectionSize(QList<int>() << 1 << 1);
+    QCOMPARE(*fieldAt<QByteArray *>(package, 0), QByteArray("\x10\x01"));
+    QCOMPARE(fieldAt<QList<int>>(package, bytes(4, 8, 8)), QList<int>() << 1 << 1);
+    QCOMPARE(fieldAt<int>(package, bytes(8, 16, 32)), 3);
+    package.clearAll();
+    QCOMPARE(fieldAt<int>(package, bytes(8, 16, 32)), 0);
 }
 
 // The destructor has the first two.

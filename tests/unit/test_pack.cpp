@@ -77,6 +77,7 @@ class TestPack : public QObject
 private slots:
     void packsOneValue_data();
     void packsOneValue();
+    void packsNegativeValuesByTheirLowBits();
     void packsCountedElements_data();
     void packsCountedElements();
     void paddingIsAZeroByte();
@@ -105,6 +106,7 @@ private slots:
     void unpackingStoresOnlyTheWidthOfTheValue();
     void unpackingNeedsNoAlignment();
     void emptyFormatDoesNothing();
+    void emptyFormatWithAnArgumentListDoesNothing();
     void nothingNeedsNoBuffer();
     void unknownLetterEndsPackingWithZeroAndUnpackingWithMinusOne();
     void letterNotAcceptedAfterACountIsAnError();
@@ -150,6 +152,18 @@ void TestPack::packsOneValue()
     QCOMPARE(DataPack(buffer, letters.constData(), value), int(packed.size()) / 2);
     QCOMPARE(buffer.hex(5), packed.leftJustified(10, QLatin1Char('e')));
     QCOMPARE(hex(ByteArrayPack(letters.constData(), value)), packed);
+}
+
+void TestPack::packsNegativeValuesByTheirLowBits()
+{
+    Buffer buffer;
+    QCOMPARE(DataPack(buffer, "CnN", -1, -2, -3), 7);
+    QCOMPARE(buffer.hex(8), QString("fffffefffffffdee"));
+    QCOMPARE(hex(ByteArrayPack("CnN", -1, -2, -3)), QString("fffffefffffffd"));
+    Buffer littleEndian;
+    QCOMPARE(DataPack(littleEndian, "vV", -2, -3), 6);
+    QCOMPARE(littleEndian.hex(7), QString("fefffdffffffee"));
+    QCOMPARE(hex(ByteArrayPack("vV", -2, -3)), QString("fefffdffffff"));
 }
 
 void TestPack::packsCountedElements_data()
@@ -441,6 +455,17 @@ void TestPack::emptyFormatDoesNothing()
     QCOMPARE(buffer.hex(1), QString("ee"));
     QVERIFY(ByteArrayPack("").isEmpty());
     QCOMPARE(DataUnpack(buffer, ""), 0);
+}
+
+void TestPack::emptyFormatWithAnArgumentListDoesNothing()
+{
+    Buffer buffer;
+    QCOMPARE(packThroughVaList(buffer, "", 1), 0);
+    QCOMPARE(buffer.hex(1), QString("ee"));
+    QVERIFY(packArrayThroughVaList("", 1).isEmpty());
+    unsigned char stored = 0x77;
+    QCOMPARE(unpackThroughVaList(buffer, "", &stored), 0);
+    QCOMPARE(int(stored), 0x77);
 }
 
 void TestPack::unknownLetterEndsPackingWithZeroAndUnpackingWithMinusOne()

@@ -32,6 +32,8 @@ const char *const kRows[] = {"INSERT INTO LINK VALUES (7, 1001)",
                              "INSERT INTO LINK VALUES (9, 2000)",
                              "INSERT INTO LINK VALUES (-3, 1005)",
                              "INSERT INTO LINK VALUES (11, 1006)",
+                             "INSERT INTO LINK VALUES (12, 1007)",
+                             "INSERT INTO LINK VALUES (13, 1008)",
                              "INSERT INTO NODE VALUES (7, 3, '', 0, 0)",
                              "INSERT INTO NODE VALUES (7, 2, '', 0, 1)",
                              "INSERT INTO NODE VALUES (9, 4, '192.168.0.1', 102, 1)",
@@ -40,7 +42,9 @@ const char *const kRows[] = {"INSERT INTO LINK VALUES (7, 1001)",
                              "INSERT INTO NODE VALUES (9, 6, '192.168.0.1', 102, 0)",
                              "INSERT INTO NODE VALUES (9, 8, '192.168.0.1', 102, 1)",
                              "INSERT INTO NODE VALUES (-3, 258, '', 500, 1)",
-                             "INSERT INTO NODE VALUES (11, NULL, '', 0, 1)"};
+                             "INSERT INTO NODE VALUES (11, NULL, '', 0, 1)",
+                             "INSERT INTO NODE VALUES (12, -1, '10.0.0.1', 102, 1)",
+                             "INSERT INTO NODE VALUES (13, 'two', '10.0.0.2', 102, 1)"};
 
 // Opens a file of its own under a name, and closes it again.
 class Connection
@@ -136,13 +140,15 @@ Answer ask(const QString &program, const QStringList &question)
     return answer;
 }
 
-// What the program answers from a directory of its own, in which these directories stand. The answer begins
-// behind that directory.
-QString answerBeside(const QStringList &directories, const char *question)
+// What the program answers from a directory of its own, in which these directories, and perhaps an empty
+// file, stand. The answer begins behind that directory.
+QString answerBeside(const QStringList &directories, const char *question, const QString &file = QString())
 {
     const TemporaryDirectory place;
     foreach (const QString &directory, directories)
         QDir(place.path()).mkpath(directory);
+    if (!file.isEmpty() && !QFile(place.path(file)).open(QIODevice::WriteOnly))
+        return "no file " + file;
     QFile::copy(QLatin1String(PROBE_FILE), place.path("probe"));
     const QString answer = ask(place.path("probe"), QStringList(QString::fromLatin1(question))).text;
     return answer.startsWith(place.path()) ? answer.mid(int(place.path().size())) : "elsewhere: " + answer;
@@ -161,6 +167,9 @@ private slots:
     void compilePathIsBesideTheProgram();
     void databaseNameNeedsNoDirectories_data();
     void databaseNameNeedsNoDirectories();
+    void fileIsNoCompilePath();
+    void fileIsNoDirectoryOfTheDatabase_data();
+    void fileIsNoDirectoryOfTheDatabase();
     void deviceStringsHavePorts_data();
     void deviceStringsHavePorts();
     void malformedDeviceStringStopsTheProcess_data();
@@ -168,6 +177,8 @@ private slots:
     void linkAndDefaultStationOfAPort_data();
     void linkAndDefaultStationOfAPort();
     void stationOfAPortIsCutTo8Bits();
+    void stationMinus1HasAllBitsSet();
+    void stationThatIsNoNumberIs0();
     void defaultStationsOfASocket_data();
     void defaultStationsOfASocket();
     void nullAddressIsAnEmptyOne();
@@ -236,6 +247,34 @@ void TestProjectDatabase::databaseNameNeedsNoDirectories()
     QFETCH(QStringList, directories);
     QFETCH(QString, name);
     QCOMPARE(answerBeside(directories, "database-name"), name);
+}
+
+void TestProjectDatabase::fileIsNoCompilePath()
+{
+    QCOMPARE(answerBeside(QStringList(), "compile-path", "compile"), QString());
+}
+
+void TestProjectDatabase::fileIsNoDirectoryOfTheDatabase_data()
+{
+    QTest::addColumn<QStringList>("directories");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("compile") << QStringList() << "compile"
+                             << "/database";
+    QTest::newRow("compile, database beside the program") << QStringList("database") << "compile"
+                                                          << "/database/database";
+    QTest::newRow("compile/database") << QStringList("compile") << "compile/database"
+                                      << "/compile/database";
+    QTest::newRow("database beside the program") << QStringList() << "database"
+                                                 << "/database";
+}
+
+void TestProjectDatabase::fileIsNoDirectoryOfTheDatabase()
+{
+    QFETCH(QStringList, directories);
+    QFETCH(QString, file);
+    QFETCH(QString, name);
+    QCOMPARE(answerBeside(directories, "database-name", file), name);
 }
 
 void TestProjectDatabase::deviceStringsHavePorts_data()
@@ -317,6 +356,20 @@ void TestProjectDatabase::stationOfAPortIsCutTo8Bits()
 {
     QCOMPARE(defaultOfPort(kProject, 1005), QString("-3/2"));
     QCOMPARE(defaultsOfLink(kProject, -3), QString("-3/258"));
+}
+
+void TestProjectDatabase::stationMinus1HasAllBitsSet()
+{
+    QCOMPARE(defaultOfPort(kProject, 1007), QString("12/255"));
+    QCOMPARE(defaultsOfSocket(kProject, 1007, "10.0.0.1", 102), QString("12/4294967295"));
+    QCOMPARE(defaultsOfLink(kProject, 12), QString("12/4294967295"));
+}
+
+void TestProjectDatabase::stationThatIsNoNumberIs0()
+{
+    QCOMPARE(defaultOfPort(kProject, 1008), QString("13/0"));
+    QCOMPARE(defaultsOfSocket(kProject, 1008, "10.0.0.2", 102), QString("13/0"));
+    QCOMPARE(defaultsOfLink(kProject, 13), QString("13/0"));
 }
 
 void TestProjectDatabase::defaultStationsOfASocket_data()

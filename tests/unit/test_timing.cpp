@@ -81,6 +81,9 @@ void TestTiming::sleepAsksForOnePause_data()
     QTest::newRow("4295 ms wrap") << Q_UINT64_C(4295) << Q_INT64_C(32704);
     QTest::newRow("5000 ms wrap") << Q_UINT64_C(5000) << Q_INT64_C(705032704);
     QTest::newRow("-1 ms in 32 bits") << Q_UINT64_C(0xFFFFFFFF) << Q_INT64_C(4293967296);
+    QTest::newRow("-1 ms in 64 bits") << Q_UINT64_C(0xFFFFFFFFFFFFFFFF) << Q_INT64_C(4293967296);
+    QTest::newRow("1 ms more than 32 bits hold") << Q_UINT64_C(0x100000001) << Q_INT64_C(1000000);
+    QTest::newRow("5000 ms above bit 63") << Q_UINT64_C(0x8000000000001388) << Q_INT64_C(705032704);
 }
 
 void TestTiming::sleepAsksForOnePause()
@@ -96,6 +99,7 @@ void TestTiming::sleepOfNothingMakesNoCall()
 {
     HRSleep(0);
     HRSleep(0x4000000);
+    HRSleep(static_cast<unsigned long>(Q_UINT64_C(0x100000000)));
     QVERIFY(FakeSleep::pauses().isEmpty());
 }
 
