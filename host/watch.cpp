@@ -79,6 +79,8 @@ QStringList watchSummary(const Watch &watch)
                      counted(item.errors, "error");
     for (auto cause = watch.errors.begin(); cause != watch.errors.end(); ++cause)
         lines << counted(cause.value(), "time") + ": " + cause.key();
+    if (watch.latePolls)
+        lines << counted(watch.latePolls, "poll") + " took longer than the interval";
     if (watch.returns)
         lines << "the port was lost and came back " + counted(watch.returns, "time");
     return lines;

@@ -68,6 +68,7 @@ struct Watch
     int polls = 0;
     AnswerTimes answerTimes; // of one request, from the call of the driver to its data, repetitions included
     QMap<QString, int> errors; // failed polls of an item by their cause
+    int latePolls = 0;         // took longer than the interval
     int returns = 0;           // how often the port was lost and came back
 };
 

@@ -46,8 +46,8 @@ the data in the file, as its name ends: .csv .tsv .json .ndjson.
 With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
 
 Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
-repetitions included), attempts and errors. The exit code after --count polls is that of
-the first error.)";
+repetitions included), attempts, errors, and polls that took longer than the interval. The
+exit code after --count polls is that of the first error.)";
 
 using Clock = std::chrono::steady_clock;
 
@@ -199,11 +199,13 @@ std::unique_ptr<WatchView> peoplesView(const Options &options, const WatchOption
     return std::make_unique<WatchPlot>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
 }
 
-void pollOnAndOn(Watcher &watcher, const Watch &watch, const WatchOptions &options)
+void pollOnAndOn(Watcher &watcher, Watch &watch, const WatchOptions &options)
 {
     while (true) {
         const QDeadlineTimer due(intervalOf(options));
         watcher.poll();
+        if (due.hasExpired())
+            ++watch.latePolls;
         if (options.polls && watch.polls >= *options.polls)
             return;
         watcher.pauseUntil(due);

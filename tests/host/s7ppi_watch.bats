@@ -45,7 +45,8 @@ VB0 2
 VB0 1" ]
     [[ "${stderr_lines[0]}" =~ ^"s7ppi: 6 polls, 6 answers: "[0-9]+" ms on average, "[0-9]+" ms at most"$ ]]
     [ "${stderr_lines[1]}" = "s7ppi: VB0: 6 attempts, 0 errors" ]
-    [ "${#stderr_lines[@]}" -eq 2 ]
+    [ "${stderr_lines[2]}" = "s7ppi: 6 polls took longer than the interval" ]
+    [ "${#stderr_lines[@]}" -eq 3 ]
 }
 
 @test "with --all every poll is a line" {
@@ -79,7 +80,8 @@ VB102 \"3D\"" ]
     [ "${stderr_lines[3]}" = "s7ppi: VB20000: 12 attempts, 3 errors" ]
     [ "${stderr_lines[4]}" = "s7ppi: VB100: 3 attempts, 0 errors" ]
     [ "${stderr_lines[5]}" = "s7ppi: 3 times: Invalid address (incorrect variable address)" ]
-    [ "${#stderr_lines[@]}" -eq 6 ]
+    [ "${stderr_lines[6]}" = "s7ppi: 3 polls took longer than the interval" ]
+    [ "${#stderr_lines[@]}" -eq 7 ]
     run --separate-stderr s7ppi watch --port sim --interval 1 --count 3 --all VB20000
     [ "$(grep -c '^s7ppi: VB20000: Invalid address' <<<"$stderr")" -eq 3 ]
 }

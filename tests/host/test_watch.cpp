@@ -113,12 +113,16 @@ void TestWatch::theSummaryCountsPollsAnswersAndErrors()
     watch.items[1].attempts = 8;
     watch.items[1].errors = 1;
     watch.errors = {{"plc no response", 1}, {"packet loss", 2}};
+    watch.latePolls = 1;
+    watch.returns = 2;
     QCOMPARE(watchSummary(watch), QStringList({
                                       "2 polls, 2 answers: 22 ms on average, 25 ms at most",
                                       "VB100: 2 attempts, 0 errors",
                                       "T37: 8 attempts, 1 error",
                                       "2 times: packet loss",
                                       "1 time: plc no response",
+                                      "1 poll took longer than the interval",
+                                      "the port was lost and came back 2 times",
                                   }));
 }
 
