@@ -21,7 +21,7 @@ void addPortOptions(CLI::App &app, Options &options)
     addNumber(app, "--timeout", options.timeout, 1, 600000, "Wait for an answer, in ms")->group(group);
     addNumber(app, "--retries", options.retries, 0, 1000, "How often to repeat what failed")->group(group);
     addNumber(app, "--delay", options.delay, 0, 4294, "Pause before each attempt, in ms")->group(group);
-    app.add_flag("--reconnect", options.reconnect, "Wait for a lost port to come back, and go on reading")
+    app.add_flag("--reconnect", options.reconnect, "Wait for a port that is not there or gets lost, and go on reading")
         ->group(group);
 }
 

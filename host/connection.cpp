@@ -78,6 +78,8 @@ QString Connection::startSimulator()
 
 void Connection::openPort(const QString &name, const Options &options)
 {
+    if (reconnects)
+        awaitArrival(name);
     const LineSettings line = withOptions(lineSettings(*plugin.serialDefaults()), options);
     port = std::make_unique<SerialPort>(name, line, timing,
                                         options.rs485 ? Direction::ByKernel : Direction::ByAdapter);
@@ -198,6 +200,17 @@ void Connection::awaitPort()
     tell(portName() + " is back");
     if (traceFile)
         traceFile->comment("the port is back");
+}
+
+// A service may start before the adapter is plugged in. The rights of a new device are not there at once.
+void Connection::awaitArrival(const QString &name)
+{
+    if (QFileInfo::exists(name))
+        return;
+    tell(name + " is not there: waiting for it");
+    while (!QFileInfo::exists(name))
+        pauseFor(kFirstPause);
+    pauseFor(kFirstPause);
 }
 
 bool Connection::comesBack()

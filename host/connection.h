@@ -86,6 +86,7 @@ private:
     void checkPort() const;
     void checkTrace() const;
     void checkOutcome();
+    void awaitArrival(const QString &name);
     void awaitPort();
     bool comesBack();
     void tellHindrance(const QString &reason);

@@ -231,6 +231,17 @@ ticks() {
     grep -q "plc is back" "$BATS_TEST_TMPDIR/errors"
 }
 
+@test "a port that is not there yet is waited for with --reconnect" {
+    s7ppi read --port "$BATS_TEST_TMPDIR/plc" --reconnect VB100 \
+        >"$BATS_TEST_TMPDIR/values" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    local reader=$!
+    background+=("$reader")
+    eventually grep -q "plc is not there: waiting for it" "$BATS_TEST_TMPDIR/errors"
+    plug
+    wait "$reader"
+    [ "$(cat "$BATS_TEST_TMPDIR/values")" = "VB100 17" ]
+}
+
 @test "130: Ctrl-C ends the waiting for a lost port" {
     plug
     s7ppi read --port "$BATS_TEST_TMPDIR/plc" --reconnect --timeout 60000 VB100 'VB0*2000' \
