@@ -9,11 +9,16 @@
 
 namespace host {
 
-// What the driver logs here is only that nobody answers its poll.
 RequestFrames::RequestFrames(const Options &options)
-    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid))
+    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid)),
+      showsLog(options.verbose)
 {
     installDriverLog(false);
+}
+
+RequestFrames::~RequestFrames()
+{
+    installDriverLog(showsLog);
 }
 
 QList<QByteArray> RequestFrames::ofRead(const CommunicatorCommand &command) const

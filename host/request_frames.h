@@ -22,17 +22,22 @@ class RehearsalPort;
 class RequestFrames
 {
 public:
+    // While it lives the driver's messages are not shown: here they say only that nobody answers.
     explicit RequestFrames(const Options &options);
+    ~RequestFrames();
 
     // The request and the poll behind it. Both fail when the driver refuses the request and sends nothing.
     QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
     QList<QByteArray> ofWrite(const WriteRequest &request) const;
 
 private:
+    Q_DISABLE_COPY(RequestFrames)
+
     QList<QByteArray> framesOf(const std::function<void(RehearsalPort *)> &request) const;
 
     Plugin plugin;
     int station;
+    bool showsLog; // before and after
 };
 
 } // namespace host

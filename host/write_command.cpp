@@ -12,6 +12,7 @@
 #include "output.h"
 #include "read_plan.h"
 #include "rehearsal.h"
+#include "request_frames.h"
 #include "tag.h"
 #include "text_lines.h"
 #include "write_plan.h"
@@ -41,8 +42,8 @@ Values
 
 @FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
 
-All items are checked before anything is sent. Nothing is printed unless --verify or
---dry-run is given. Long items go in several requests: one that fails tells how much had
+All items are checked before anything is sent, and when the driver refuses one nothing is.
+Nothing is printed unless --verify or --dry-run is given. Long items go in several requests: one that fails tells how much had
 been written. Values that do not fill whole elements of the address, as VW10:u8=1, are
 written as bytes: no byte changes that was not named.)";
 
@@ -127,6 +128,16 @@ void Writer::readBack(const Assignment &assignment)
     output.write(tagRecord(tag, values), lines.line(tag, values));
 }
 
+// What the driver refuses without a frame it refuses here. The first request of a long item is enough: the
+// others differ in number and count.
+void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
+{
+    const RequestFrames frames(options);
+    for (const Assignment &assignment : assignments)
+        outcome.attempt(assignment.tag.label(),
+                        [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
+}
+
 int writeAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
     std::vector<Tag> tags;
@@ -178,8 +189,10 @@ int writeItems(const Options &options, const WriteOptions &writeOptions)
     const std::vector<Assignment> assignments = outcome.parseAll(writeOptions.items, parseAssignment);
     if (!outcome.isSuccess())
         return outcome.exitCode();
-    return writeOptions.dryRun ? rehearseAll(assignments, options, writeOptions.verify)
-                               : writeAll(assignments, options, writeOptions.verify);
+    if (writeOptions.dryRun)
+        return rehearseAll(assignments, options, writeOptions.verify);
+    checkWritable(assignments, options, outcome);
+    return outcome.isSuccess() ? writeAll(assignments, options, writeOptions.verify) : outcome.exitCode();
 }
 
 } // namespace

@@ -148,18 +148,31 @@ poll of station 2: 10 02 00 5c 5e 16" ]
     [ "${stderr_lines[0]}" = "s7ppi: HC0: can not write data to HC0" ]
 }
 
-@test "1: what the driver does not write is refused with a hint, the others are written" {
-    start s7ppi-sim
-    put HC0=1 AIW0=1 T37:bool=1 C5:bool=0 VB0=7
+@test "1: what the driver does not write is refused with a hint, and nothing is sent" {
+    start fake_controller hang-up
+    put VB1=9 HC0=1 AIW0=1 T37:bool=1 C5:bool=0 VB0=7
     [ "$status" -eq 1 ]
+    [ -z "$output" ]
     local i=0 address
     for address in HC0 AIW0 T37 C5; do
         [ "${stderr_lines[i]}" = "s7ppi: $address: can not write data to $address" ]
         [[ "${stderr_lines[i + 1]}" == "hint: the driver writes no "* ]]
         i=$((i + 2))
     done
-    get VB0
-    [ "$output" = "VB0 7" ]
+    [ "${#stderr_lines[@]}" -eq 8 ]
+    kill -0 "${background[0]}"
+    start s7ppi-sim
+    put VB100=9 HC0=1 VB101=9
+    [ "$status" -eq 1 ]
+    get 'VB100*2'
+    [ "$output" = "VB100 17 34" ]
+}
+
+@test "the driver's messages are shown with -v, not those of the look at what it would send" {
+    start fake_controller
+    impatient -v VB0=1
+    [ "$status" -eq 4 ]
+    [ "$(grep -c '^driver: .*plc no response' <<<"$stderr")" -eq 1 ]
 }
 
 @test "1: the controller refuses an item; of a long one the failing part is told" {
