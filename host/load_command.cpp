@@ -35,7 +35,8 @@ FILE is what s7ppi dump makes, or with --format raw and --to plain bytes. It is 
 whole before anything is sent.
 
 After Ctrl-C or an error FILE.loading tells how far it came, and the same command goes on
-from there. --verify compares everything, also what an earlier run wrote.
+from there: what is written is read back first, and from a difference on it is written anew.
+--verify compares everything when all is written.
 
 Options: s7ppi --help)";
 
@@ -92,20 +93,23 @@ Load loadOf(const Options &options, const LoadOptions &own)
 struct Differences
 {
     int count = 0;
-    QString first; // "VB5 reads 00 and not 1f"
+    int offset = 0; // of the first, in bytes
+    QString first;  // "VB5 reads 00 and not 1f"
 };
 
-void addDifferences(Differences &differences, const Item &block, const QByteArray &wanted,
+// offset: where the block lies.
+void addDifferences(Differences &differences, const Item &block, int offset, const QByteArray &wanted,
                     const QByteArray &found)
 {
     const int width = block.valueSize();
     for (int i = 0; i < block.count; ++i) {
         const QByteArray there = found.mid(i * width, width);
         const QByteArray here = wanted.mid(i * width, width);
-        if (there != here && ++differences.count == 1)
-            differences.first =
-                QString("%1 reads %2 and not %3")
-                    .arg(elementText(block, i), QString(there.toHex()), QString(here.toHex()));
+        if (there == here || ++differences.count > 1)
+            continue;
+        differences.offset = offset + i * width;
+        differences.first = QString("%1 reads %2 and not %3")
+                                .arg(elementText(block, i), QString(there.toHex()), QString(here.toHex()));
     }
 }
 
@@ -131,9 +135,10 @@ public:
     void verify();
 
 private:
-    void goOnFrom(int offset);
+    void goOn();
+    Differences compareEarlier(const Item &earlier) const;
     void writeRest(Progress &progress);
-    Differences compare(Progress &progress) const;
+    Differences compare(const Item &range, Progress &progress, bool onlyFirst) const;
     QByteArray readBlock(const Item &block) const;
     void keepState();
     int elementOf(int offset) const { return offset / load.target.valueSize(); }
@@ -145,18 +150,39 @@ private:
     int written = 0;
 };
 
-void Loading::goOnFrom(int offset)
+// It goes on behind what an earlier run wrote, as far as that is still there: another controller may be
+// behind the port by now, or its program has written, too.
+void Loading::goOn()
 {
-    written = offset;
-    if (offset > 0)
-        reportNote(QString("%1 of %2 bytes were written by an earlier run; --restart begins anew")
-                       .arg(offset)
-                       .arg(load.data.size()));
+    const int count = elementOf(state.written());
+    if (count == 0)
+        return;
+    const Item earlier = partOf(load.target, 0, count);
+    reportNote(QString("%1 of %2 bytes were written by an earlier run; --restart begins anew")
+                   .arg(earlier.size())
+                   .arg(load.data.size()));
+    const Differences differences = compareEarlier(earlier);
+    written = differences.count > 0 ? differences.offset : earlier.size();
+    if (differences.count > 0)
+        reportNote(differences.first + "; from there on it is written anew");
+}
+
+Differences Loading::compareEarlier(const Item &earlier) const
+{
+    Progress progress(options, {rangeText(earlier) + " compared", "bytes", earlier.size(), 0, 0});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        return compare(earlier, progress, true);
+    } catch (...) {
+        progress.note("nothing more is written; the same command begins with the comparison");
+        throw;
+    }
 }
 
 void Loading::write(bool restart)
 {
-    goOnFrom(restart ? 0 : state.written());
+    if (!restart)
+        goOn();
     if (written == int(load.data.size()))
         return;
     Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
@@ -171,7 +197,7 @@ void Loading::write(bool restart)
     progress.finish();
 }
 
-// A failed block may have been written nevertheless; it is written again when the load goes on.
+// A failed block is written again when the load goes on.
 void Loading::writeRest(Progress &progress)
 {
     const int index = elementOf(written);
@@ -205,7 +231,7 @@ void Loading::verify()
     const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
     Differences differences;
     try {
-        differences = compare(progress);
+        differences = compare(load.target, progress, false);
     } catch (...) {
         progress.clear();
         keepState();
@@ -218,12 +244,14 @@ void Loading::verify()
     progress.finish();
 }
 
-Differences Loading::compare(Progress &progress) const
+Differences Loading::compare(const Item &range, Progress &progress, bool onlyFirst) const
 {
     Differences differences;
     int offset = 0;
-    for (const Item &block : readBlocks(load.target)) {
-        addDifferences(differences, block, load.data.mid(offset, block.size()), readBlock(block));
+    for (const Item &block : readBlocks(range)) {
+        addDifferences(differences, block, offset, load.data.mid(offset, block.size()), readBlock(block));
+        if (onlyFirst && differences.count > 0)
+            break;
         offset += block.size();
         progress.advance(block.size());
     }
