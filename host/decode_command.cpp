@@ -133,7 +133,7 @@ void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
 QByteArray bytesOf(const Texts &texts)
 {
     if (texts.size() == 1 && texts.front() == "-")
-        return parseHex(QString::fromUtf8(readInput("-")));
+        return parseHex(utf8Text(readInput("-")));
     QString joined;
     for (const std::string &text : texts)
         joined += QString::fromStdString(text) + '\n';

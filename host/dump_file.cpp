@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "memory_range.h"
+#include "text_input.h"
 
 #include <QList>
 
@@ -102,7 +103,7 @@ const QByteArray &DumpParser::fieldOf(const QList<QByteArray> &words, const char
 
 void DumpParser::takeArea(const QList<QByteArray> &words)
 {
-    const QString text = QString::fromUtf8(fieldOf(words, "area"));
+    const QString text = utf8Text(fieldOf(words, "area"));
     try {
         range = parseRange(text);
     } catch (const Failure &failure) {

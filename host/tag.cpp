@@ -44,7 +44,11 @@ struct JsonWriter
     Json operator()(bool bit) const { return bit; }
     Json operator()(qint64 number) const { return number; }
     Json operator()(float number) const { return jsonNumber(number); }
-    Json operator()(const Characters &text) const { return jsonText(QString::fromLatin1(text.bytes)); }
+    Json operator()(const Characters &text) const
+    {
+        const QByteArray &bytes = text.bytes;
+        return jsonText(QString::fromLatin1(bytes.constData(), int(bytes.size()))); // Qt 5 would end at a NUL
+    }
     Json operator()(const HexDigits &hex) const { return jsonText(hex.digits); }
 };
 

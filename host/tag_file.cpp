@@ -159,12 +159,11 @@ Failure unknownTag(const QString &name, const std::vector<Tag> &tags)
 
 } // namespace
 
-// What follows a wrong head means nothing. fromUtf8() takes away the mark that some editors begin a file
-// with.
+// What follows a wrong head means nothing.
 std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome)
 {
     TagFileParser parser;
-    const QStringList lines = QString::fromUtf8(text).split('\n');
+    const QStringList lines = utf8Text(text).split('\n');
     bool hasHead = false;
     for (int i = 0; i < int(lines.size()); ++i) {
         if (isNothing(lines.at(i)))

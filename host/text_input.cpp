@@ -65,4 +65,9 @@ QByteArray readInput(const QString &fileName)
     return readFile(fileName, kHint);
 }
 
+QString utf8Text(const QByteArray &bytes)
+{
+    return QString::fromUtf8(bytes.constData(), int(bytes.size()));
+}
+
 } // namespace host

@@ -17,6 +17,10 @@ QByteArray readFile(const QString &name, const QString &hint);
 // The same; "-" is stdin.
 QByteArray readInput(const QString &fileName);
 
+// All of it: Qt 5's own conversion of a byte array ends at the first NUL. Takes away the mark that some
+// editors begin a file with.
+QString utf8Text(const QByteArray &bytes);
+
 } // namespace host
 
 #endif

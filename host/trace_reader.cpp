@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "hex_text.h"
+#include "text_input.h"
 
 #include <QStringList>
 
@@ -12,7 +13,7 @@ namespace host {
 
 std::optional<TraceRecord> parseTraceLine(const QByteArray &line)
 {
-    const QString text = QString::fromUtf8(line).simplified();
+    const QString text = utf8Text(line).simplified();
     if (text.isEmpty() || text.startsWith('#'))
         return std::nullopt;
     const QString direction = text.section(' ', 1, 1);

@@ -5,6 +5,7 @@
 
 #include "csv.h"
 #include "failure.h"
+#include "text_input.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -222,7 +223,7 @@ WatchLog LogParser::parse(const QString &text)
 
 WatchLog parseWatchLog(const QString &fileName, const QByteArray &text)
 {
-    return LogParser(fileName).parse(QString::fromUtf8(text));
+    return LogParser(fileName).parse(utf8Text(text));
 }
 
 } // namespace host

@@ -43,9 +43,9 @@ Values
 @FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
 
 All items are checked before anything is sent, and when the driver refuses one nothing is.
-Nothing is printed unless --verify or --dry-run is given. Long items go in several requests: one that fails tells how much had
-been written. Values that do not fill whole elements of the address, as VW10:u8=1, are
-written as bytes: no byte changes that was not named.)";
+Nothing is printed unless --verify or --dry-run is given. Long items go in several requests:
+one that fails tells how much had been written. Values that do not fill whole elements of the
+address, as VW10:u8=1, are written as bytes: no byte changes that was not named.)";
 
 QString progress(const Item &item, int written)
 {
