@@ -15,6 +15,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -27,6 +28,10 @@ constexpr int kPurgeOption = 12;
 
 // Waits are cut into slices so that a signal is seen soon; milliseconds.
 constexpr int kSlice = 50;
+
+// What ends a stretch of bytes that nobody asked for: adapters hand over what they received up to 16 ms late.
+constexpr int kSilence = 20;
+constexpr int kLongestClearing = 1000;
 
 // Looked at without waiting for a carrier.
 bool isTerminal(const QString &name)
@@ -114,6 +119,7 @@ void SerialPort::reopen()
     port.close();
     open();
     lost = false;
+    isSettled = false;
 }
 
 void SerialPort::open()
@@ -209,10 +215,31 @@ bool SerialPort::setOption(int key, const QVariant & /*value*/)
 {
     if (key != kPurgeOption || !goesOn())
         return false;
-    if (port.clear(QSerialPort::Input))
-        return true;
+    isSettled = isSettled && !hasReceived();
+    if (!port.clear(QSerialPort::Input)) {
+        noteError();
+        return false;
+    }
+    if (!isSettled)
+        clearUntilSilent();
+    isSettled = true;
+    return goesOn();
+}
+
+bool SerialPort::hasReceived() const
+{
+    int waiting = 0; // in the kernel
+    return port.bytesAvailable() > 0 || (ioctl(handle(), FIONREAD, &waiting) == 0 && waiting > 0);
+}
+
+// The answer to what an earlier program, or an attempt that was given up, asked for may still be under way.
+// In front of the next answer it would be taken for that, and so would every answer after it.
+void SerialPort::clearUntilSilent()
+{
+    const QDeadlineTimer deadline(kLongestClearing);
+    while (goesOn() && !deadline.hasExpired() && port.waitForReadyRead(kSilence))
+        port.clear(QSerialPort::Input);
     noteError();
-    return false;
 }
 
 int SerialPort::retry()

@@ -46,11 +46,14 @@ int send(SerialPort &port, const char *frame)
     return port.send(reinterpret_cast<const unsigned char *>(data.constData()), int(data.size()));
 }
 
-// A controller that dribbles one byte every 30 ms until it is told to stop.
+// A controller that dribbles one byte every so many milliseconds until it is told to stop.
 class Dribble
 {
 public:
-    explicit Dribble(const PseudoLine &line) : thread([this, &line] { run(line); }) {}
+    explicit Dribble(const PseudoLine &line, int pause = 30)
+        : thread([this, &line, pause] { run(line, pause); })
+    {
+    }
     ~Dribble()
     {
         stopped = true;
@@ -58,17 +61,60 @@ public:
     }
 
 private:
-    void run(const PseudoLine &line)
+    void run(const PseudoLine &line, int pause)
     {
         while (!stopped) {
             line.write("x");
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            std::this_thread::sleep_for(std::chrono::milliseconds(pause));
         }
     }
 
     std::atomic<bool> stopped{false};
     std::thread thread;
 };
+
+// An answer to an older request that is still under way: a byte every 10 ms, the first one after 10 ms.
+class StaleAnswer
+{
+public:
+    StaleAnswer(const PseudoLine &line, int size) : thread([this, &line, size] { run(line, size); }) {}
+
+    // To its end. Whether its bytes came without a gap that looks like its end; on a busy machine they may
+    // not.
+    bool cameInTime()
+    {
+        thread.join();
+        return longestGap < kSilence;
+    }
+
+private:
+    static constexpr int kSilence = 18; // a little less than the port takes for the end, milliseconds
+
+    void run(const PseudoLine &line, int size)
+    {
+        QElapsedTimer gap;
+        gap.start();
+        for (int i = 0; i < size; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            line.write("x");
+            longestGap = std::max(longestGap, gap.restart());
+        }
+    }
+
+    qint64 longestGap = 0;
+    std::thread thread;
+};
+
+// One purge during such an answer, and what is received after both: nothing when it was in time.
+bool purgesWhatIsUnderWay(const PseudoLine &line, SerialPort &port, QString &received)
+{
+    StaleAnswer answer(line, 10);
+    const bool isPurged = port.setOption(kPurge, 0);
+    const bool inTime = answer.cameInTime();
+    received = isPurged ? receive(port, 1) : "not purged";
+    port.setOption(kPurge, 0);
+    return inTime;
+}
 
 } // namespace
 
@@ -85,6 +131,10 @@ private slots:
     void theRestOfAFrameThatDidNotGetAwayIsForgotten();
     void purgeForgetsWhatWasBufferedAndWhatIsStillInTheKernel();
     void aLateAnswerDoesNotShiftTheNext();
+    void aPurgeWaitsForTheEndOfWhatIsUnderWay();
+    void theFirstPurgeWaitsForWhatIsUnderWay();
+    void aPurgeDoesNotWaitForeverForALineToFallSilent();
+    void aPurgeOfACleanLineLeavesWhatComesThen();
     void otherOptionsAreRefused();
     void tellsRetriesStationAndDelay();
     void aPortThatGoesAwayWhileWaitingIsLostAtOnce();
@@ -186,6 +236,54 @@ void TestSerialPort::aLateAnswerDoesNotShiftTheNext()
     QVERIFY(port.setOption(kPurge, 0));
     line.write(bytes("e5"));
     QCOMPARE(receive(port, 1), QString("e5"));
+}
+
+void TestSerialPort::aPurgeWaitsForTheEndOfWhatIsUnderWay()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, kImpatient);
+    QVERIFY(port.setOption(kPurge, 0));
+    QString received;
+    const auto isInTime = [&] {
+        line.write("x");
+        return purgesWhatIsUnderWay(line, port, received);
+    };
+    QTRY_VERIFY(isInTime());
+    QCOMPARE(received, QString());
+}
+
+void TestSerialPort::theFirstPurgeWaitsForWhatIsUnderWay()
+{
+    QString received;
+    const auto isInTime = [&] {
+        const PseudoLine line;
+        SerialPort port(line.name(), kLine, kImpatient);
+        return purgesWhatIsUnderWay(line, port, received);
+    };
+    QTRY_VERIFY(isInTime());
+    QCOMPARE(received, QString());
+}
+
+void TestSerialPort::aPurgeDoesNotWaitForeverForALineToFallSilent()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, kImpatient);
+    const Dribble dribble(line, 5);
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(timer.elapsed() < 10000);
+}
+
+void TestSerialPort::aPurgeOfACleanLineLeavesWhatComesThen()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, kPatient);
+    QVERIFY(port.setOption(kPurge, 0));
+    StaleAnswer answer(line, 1);
+    QVERIFY(port.setOption(kPurge, 0));
+    answer.cameInTime();
+    QCOMPARE(receive(port, 1), QString("78"));
 }
 
 void TestSerialPort::otherOptionsAreRefused()
