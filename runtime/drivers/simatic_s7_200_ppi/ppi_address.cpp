@@ -24,8 +24,8 @@ QByteArray S7_200_PPIExtractPrefix(const QString &text)
     const QChar *const end = next + qMin(int(text.size()), int(kLongestPrefix) + 1);
     for (; next != end && isPrefixCharacter(next->unicode()); ++next)
         letters = ppiAppendLetter(letters, next->unicode());
-    const QByteArray *known = S7_200_PPIKnownPrefix(letters);
-    return known ? *known : ExtractPrefixSymbol(text);
+    const auto *entry = S7_200_PPIAreaTableEntry(letters);
+    return entry ? entry->key() : ExtractPrefixSymbol(text);
 }
 
 unsigned int S7_200_PPIExtractByteAddress(const QString &text)
@@ -50,5 +50,13 @@ bool S7_200_PPIExtractAddress(const QString &text, unsigned int &byteAddress, un
 
 unsigned char S7_200_PPIAreaCode(const QByteArray &prefix)
 {
-    return g_s7_200_ppi_area_table.value(prefix, 0);
+    if (!S7_200_PPIAreaTableIsAsFilled())
+        return g_s7_200_ppi_area_table.value(prefix, 0);
+    if (prefix.size() > kLongestPrefix)
+        return 0;
+    quint32 letters = kNoLetters;
+    for (const char *next = prefix.constData(), *end = next + prefix.size(); next != end; ++next)
+        letters = ppiAppendLetter(letters, static_cast<unsigned char>(*next));
+    const auto *entry = S7_200_PPIAreaTableEntry(letters);
+    return entry ? entry->value() : 0;
 }

@@ -15,10 +15,13 @@ extern const QString VERSION_STRING;
 // Area prefix of an address text to the area code on the wire. Keys are case-sensitive.
 extern QHash<QByteArray, unsigned char> g_s7_200_ppi_area_table;
 
-// The text of one of the table's prefixes by its letters, null for any other. It is found by a number
-// instead of a text, and a prefix copied from it shares it and allocates nothing. The letters
-// stand in the number behind kNoLetters as they do in the text, the last one lowest.
-const QByteArray *S7_200_PPIKnownPrefix(quint32 letters);
+// An entry of the table as it was filled by the letters of its prefix, null when there is none. It is
+// found by a number instead of a text, and a prefix copied from its key shares it and allocates nothing.
+// The letters stand in the number behind kNoLetters as they do in the text, the last one lowest.
+const QHash<QByteArray, unsigned char>::const_iterator *S7_200_PPIAreaTableEntry(quint32 letters);
+
+// Whether nobody has changed the table since.
+bool S7_200_PPIAreaTableIsAsFilled();
 
 enum PpiLetters {
     kNoLetters = 1,
