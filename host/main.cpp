@@ -17,6 +17,7 @@
 #include "read_command.h"
 #include "report_command.h"
 #include "scan_command.h"
+#include "standard_streams.h"
 #include "watch_command.h"
 #include "write_command.h"
 
@@ -38,6 +39,7 @@ const std::vector<host::Declare> kCommands = {
 
 int main(int argc, char *argv[])
 {
+    host::keepClosedStreams();
     try {
         const QCoreApplication application(argc, argv);
         return host::runProgram(argc, argv, kCommands);

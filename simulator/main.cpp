@@ -10,6 +10,7 @@
 #include "simulator/pty_line.h"
 #include "simulator/serial_line.h"
 #include "simulator/server.h"
+#include "simulator/standard_streams.h"
 #include "simulator/stop_signals.h"
 #include "simulator/trace.h"
 #include "simulator/trace_file.h"
@@ -190,6 +191,7 @@ int runProgram(const sim::Options &options)
 
 int main(int argc, char *argv[])
 {
+    sim::keepClosedStreams();
     // Whoever reads the frames of -v may go: the memory is saved all the same.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {

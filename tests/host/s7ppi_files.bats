@@ -1,0 +1,28 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# What s7ppi reads and writes besides the line: stdin, stdout and stderr, and files.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+load common
+
+# Every file of a test lies in a directory of its own.
+enter_directory() {
+    cd "$BATS_TEST_TMPDIR" || return 1
+}
+
+@test "nothing but frames goes to the line when stdin, stdout and stderr are closed" {
+    enter_directory
+    start s7ppi-sim --trace sim.trace
+    run -1 bash -c "s7ppi --port '$port' read VB20000 VB100 <&- 2>&-"
+    [ "$output" = "VB100   17" ]
+    run -74 bash -c "s7ppi --port '$port' read VB100 VB20000 <&- >&- 2>&-"
+    run -74 --separate-stderr bash -c "s7ppi --port '$port' read VB100 <&- >&-"
+    [ "${stderr_lines[0]}" = "s7ppi: stdout takes no more data: Bad file descriptor" ]
+    run -2 --separate-stderr bash -c "s7ppi --port '$port' read @- <&-"
+    [ "${stderr_lines[0]}" = "s7ppi: stdin cannot be read: Bad file descriptor" ]
+    run ! grep -vE '^#| < | > (68 1b 1b 68 02 00 6c 32 01|10 02 00 5c 5e 16)' sim.trace
+}
