@@ -177,7 +177,12 @@ _s7ppi() {
     esac
 }
 
-compdef _s7ppi s7ppi
+# The first completion loads this file as the function's body.
+if [ "$funcstack[1]" = _s7ppi ]; then
+    _s7ppi "$@"
+else
+    compdef _s7ppi s7ppi
+fi
 )";
 
 QString fishValue(const CompletedOption &option)

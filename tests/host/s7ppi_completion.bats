@@ -67,7 +67,7 @@ listed() {
     s7ppi completion bash | bash -n
 }
 
-@test "zsh and fish: every command and option is in the script, and the shells take it if they are there" {
+@test "zsh and fish: every command and option is in the script, and the shells take it" {
     local shell option command
     for shell in zsh fish; do
         s7ppi completion "$shell" >"$BATS_TEST_TMPDIR/$shell"
@@ -78,10 +78,28 @@ listed() {
         for option in port interval format verify; do
             grep -qE -- "(--|-l )$option\\b" "$BATS_TEST_TMPDIR/$shell"
         done
-        if command -v "$shell" >/dev/null; then
-            "$shell" -n "$BATS_TEST_TMPDIR/$shell"
-        fi
+        "$shell" -n "$BATS_TEST_TMPDIR/$shell"
     done
+}
+
+@test "zsh: the script completes from the first time on, loaded as a function or run" {
+    local stubs='compdef() { print -r -- "$@"; }; _arguments() { print -r -- asked; }; '
+    s7ppi completion zsh -o "$BATS_TEST_TMPDIR/_s7ppi"
+    run zsh -fc "$stubs fpath=('$BATS_TEST_TMPDIR' \$fpath); autoload -Uz _s7ppi; _s7ppi; _s7ppi"
+    [ "$output" = "asked
+asked" ]
+    run zsh -fc "$stubs source '$BATS_TEST_TMPDIR/_s7ppi'"
+    [ "$output" = "_s7ppi s7ppi" ]
+}
+
+@test "fish: commands, options and choices are completed" {
+    s7ppi completion fish -o "$BATS_TEST_TMPDIR/s7ppi.fish"
+    fish_completions() {
+        HOME=$BATS_TEST_TMPDIR fish --no-config -c "source '$BATS_TEST_TMPDIR/s7ppi.fish'; complete -C '$1'" | cut -f 1
+    }
+    [ "$(fish_completions "s7ppi dec")" = decode ]
+    [ "$(fish_completions "s7ppi watch --pl" | sort | paste -sd " ")" = "--plot --plugin" ]
+    [ "$(fish_completions "s7ppi --parity e")" = even ]
 }
 
 @test "a file is written with -o" {
