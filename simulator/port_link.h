@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A symbolic link that gives a pseudo-terminal a lasting name. It goes when this object goes.
+// A symbolic link that gives a pseudo-terminal a lasting name. It goes when this object goes,
+// unless it leads elsewhere by then.
 
 #ifndef SIMULATOR_PORT_LINK_H
 #define SIMULATOR_PORT_LINK_H
@@ -13,8 +14,8 @@ namespace sim {
 class PortLink
 {
 public:
-    // Replaces a link that is already there, left behind by a program that was killed, but nothing else.
-    // Throws LineError.
+    // Replaces a link that leads nowhere, left behind by a program that was killed, but nothing else. Throws
+    // LineError.
     PortLink(const std::string &path, const std::string &target);
     ~PortLink();
 

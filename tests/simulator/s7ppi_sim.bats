@@ -470,6 +470,10 @@ milliseconds() {
     fails 3 --link plc
     [ "$output" = "s7ppi-sim: cannot make the link plc: File exists" ]
     [ "$(cat plc)" = precious ]
+    ln -s plc twin
+    run -3 --separate-stderr s7ppi-sim --link twin
+    [ "${stderr_lines[1]}" = "hint: end the other simulator, or remove the link" ]
+    [ "$(readlink twin)" = plc ]
 }
 
 @test "options that do not go together are wrong usage" {

@@ -131,7 +131,9 @@ private slots:
     void failedSavingIsToldAndIsStatus74();
     void linkLeadsToThePortAndGoesAtTheEnd();
     void staleLinkIsReplaced();
-    void linkThatAnotherProgramTookOverStays();
+    void linkOfARunningSimulatorIsNotReplaced();
+    void linkToAFileIsNotReplaced();
+    void linkThatLeadsElsewhereAtTheEndStays();
     void fileIsNoLinkToReplace();
     void framesAreShownOnDemand();
     void serialPortIsServedAndItsLossEndsTheProgram();
@@ -334,16 +336,40 @@ void TestSimulatorProgram::staleLinkIsReplaced()
     QCOMPARE(QFile::symLinkTarget(link), simulator.portName());
 }
 
-void TestSimulatorProgram::linkThatAnotherProgramTookOverStays()
+void TestSimulatorProgram::linkOfARunningSimulatorIsNotReplaced()
 {
     const QTemporaryDir folder;
     const QString link = folder.filePath("plc");
     Simulator first({"--link", link});
+    QVERIFY(!first.portName().isEmpty());
     Simulator second({"--link", link});
+    QCOMPARE(second.waitForEnd(), 3);
+    QCOMPARE(second.complaint(), "s7ppi-sim: cannot make the link " + link + ": File exists");
+    QCOMPARE(QFile::symLinkTarget(link), first.portName());
     QCOMPARE(first.stop(), 0);
-    QCOMPARE(QFile::symLinkTarget(link), second.portName());
-    QCOMPARE(second.stop(), 0);
     QVERIFY(!QFileInfo(link).isSymLink());
+}
+
+void TestSimulatorProgram::linkToAFileIsNotReplaced()
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    writeFile(folder.filePath("recipe"), "precious");
+    QVERIFY(QFile::link(folder.filePath("recipe"), link));
+    Simulator simulator({"--link", link});
+    QCOMPARE(simulator.waitForEnd(), 3);
+    QCOMPARE(QFile::symLinkTarget(link), folder.filePath("recipe"));
+}
+
+void TestSimulatorProgram::linkThatLeadsElsewhereAtTheEndStays()
+{
+    const QTemporaryDir folder;
+    const QString link = folder.filePath("plc");
+    Simulator simulator({"--link", link});
+    QVERIFY(!simulator.portName().isEmpty());
+    QVERIFY(QFile::remove(link) && QFile::link("/dev/null", link));
+    QCOMPARE(simulator.stop(), 0);
+    QCOMPARE(QFile::symLinkTarget(link), QString("/dev/null"));
 }
 
 void TestSimulatorProgram::fileIsNoLinkToReplace()
