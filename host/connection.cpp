@@ -76,6 +76,11 @@ QString Connection::startSimulator()
     return simulator->portName();
 }
 
+QString Connection::portLabel() const
+{
+    return simulator ? QString(kSimulatorName) : portName();
+}
+
 void Connection::openPort(const QString &name, const Options &options)
 {
     if (reconnects)

@@ -43,6 +43,9 @@ public:
 
     QString portName() const { return port->portName(); }
 
+    // The name that stays: the embedded simulator has another port in every run.
+    QString portLabel() const;
+
     // The open port, for questions to the kernel.
     int portHandle() const { return port->handle(); }
 

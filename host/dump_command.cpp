@@ -29,7 +29,7 @@ VW0..VW98  AIW0..62  T0..T255. Both are read.
 
 The file is text, 16 bytes a line, or with --format raw the bytes alone. It appears when
 all is read. Until then FILE.part holds what was read: after Ctrl-C or an error the same
-command goes on where it stopped. s7ppi load writes the file back.
+command goes on where it stopped, also with another LAST. s7ppi load writes the file back.
 
 Options: s7ppi --help)";
 
@@ -54,12 +54,26 @@ QString checkedFile(const Options &options, const Item &range)
     return QString::fromStdString(*options.output);
 }
 
-QString whereabouts(const PartialDump &part)
+QString sizesOf(const PartialDump &part)
 {
-    return QString("%1 has %2 of %3 bytes")
-        .arg(part.name())
-        .arg(part.savedSize())
-        .arg(part.dump().range.size());
+    return QString("%1 of %2 bytes").arg(part.savedSize()).arg(part.dump().range.size());
+}
+
+void tellEarlierPart(const PartialDump &part)
+{
+    const QString time = part.earlierTime().toString("yyyy-MM-dd HH:mm:ss");
+    reportNote(QString("%1 of %2 has %3 from an earlier run; --restart begins anew")
+                   .arg(part.name(), time, sizesOf(part)));
+}
+
+// What goes on: the same command, say.
+void leave(PartialDump &part, Progress &progress, const QString &what)
+{
+    part.removeIfEmpty();
+    if (part.savedSize() == 0)
+        progress.note(sizesOf(part) + " were read, no part of the dump is kept");
+    else
+        progress.note(part.name() + " has " + sizesOf(part) + "; " + what + " goes on from there");
 }
 
 // The rest of the range. What is under way when it fails is told as the block that it was.
@@ -85,13 +99,17 @@ void readAll(Connection &connection, PartialDump &part, const Options &options)
     const Dump &dump = part.dump();
     const qint64 before = dump.data.size();
     if (before > 0)
-        reportNote(whereabouts(part) + " from an earlier run; --restart begins anew");
+        tellEarlierPart(part);
     Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
     const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
     try {
         readRest(connection, part, progress);
+    } catch (const Failure &failure) {
+        const bool isRefused = failure.code() == ExitCode::Refused;
+        leave(part, progress, isRefused ? "a range that ends earlier" : "the same command");
+        throw;
     } catch (...) {
-        progress.note(whereabouts(part) + "; the same command goes on from there");
+        leave(part, progress, "the same command");
         throw;
     }
     progress.finish();
@@ -103,7 +121,7 @@ int dumpRange(const Options &options, const DumpOptions &own)
     const bool raw = isRaw(options);
     const QString name = checkedFile(options, range);
     Connection connection(options);
-    PartialDump part(name + ".part", range, connection.stationId(), own.restart);
+    PartialDump part(name + ".part", {range, connection.stationId(), connection.portLabel()}, own.restart);
     readAll(connection, part, options);
 
     const std::unique_ptr<OutputSink> sink = outputSink(options);

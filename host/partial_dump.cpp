@@ -5,29 +5,62 @@
 
 #include "memory_range.h"
 
+#include <QFileInfo>
+
+#include <cerrno>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
 namespace host {
 
 namespace {
 
 const char kRestartHint[] = "--restart begins anew and forgets it; or name another file with -o";
+const QByteArray kPortComment = "# port ";
 
-QString dumpName(const Item &range, int station)
+QString dumpName(const Item &range, int station, const QString &port)
 {
-    return QString("%1 of station %2").arg(rangeText(range)).arg(station);
+    const QString name = QString("%1 of station %2").arg(rangeText(range)).arg(station);
+    return port.isEmpty() ? name : name + " on " + port;
+}
+
+// Empty when the text names none.
+QString portOf(const QByteArray &text)
+{
+    for (const QByteArray &line : text.split('\n'))
+        if (line.startsWith(kPortComment))
+            return QString::fromUtf8(line.mid(kPortComment.size()));
+    return QString();
+}
+
+bool isRemoved(int handle)
+{
+    struct stat state = {};
+    return fstat(handle, &state) == 0 && state.st_nlink == 0;
 }
 
 } // namespace
 
-PartialDump::PartialDump(const QString &name, const Item &range, int station, bool restart)
-    : file(name), read{range, station, {}}
+PartialDump::PartialDump(const QString &name, const DumpSource &source, bool restart)
+    : file(name), port(source.port.simplified()), read{source.range, source.station, {}}
 {
-    const bool goesOn = file.exists() && !restart;
-    if (!file.open(goesOn ? QIODevice::ReadWrite : QIODevice::WriteOnly | QIODevice::Truncate))
+    if (!file.open(QIODevice::ReadWrite))
         throw lost();
-    if (goesOn)
+    lock();
+    if (file.size() > 0 && !restart)
         resume();
-    else
-        write(dumpHead(range, station));
+    writeAnew();
+}
+
+// The lock goes with the process, however that ends. A file system without locks does without. A file that
+// another process has removed meanwhile was its own up to now.
+void PartialDump::lock()
+{
+    const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (isLocked || isRemoved(file.handle()))
+        throw Failure(ExitCode::OutputLost, name() + " is being written by another s7ppi",
+                      "wait for its end, or name another file with -o");
 }
 
 // A line that was not finished is written again.
@@ -37,21 +70,35 @@ void PartialDump::resume()
     int wholeSize = 0;
     try {
         const Dump found = parsePartialDump(text, name(), wholeSize);
-        checkSame(found);
-        read.data = found.data;
-        saved = int(found.data.size());
+        checkSame(found, portOf(text.left(wholeSize)));
+        read.data = found.data.left(read.range.size());
     } catch (const Failure &failure) {
         throw Failure(failure.code(), failure.text(), kRestartHint);
     }
-    if (!file.resize(wholeSize) || !file.seek(wholeSize))
-        throw lost();
+    earlier = QFileInfo(file).lastModified();
 }
 
-void PartialDump::checkSame(const Dump &found) const
+void PartialDump::checkSame(const Dump &found, const QString &foundPort) const
 {
-    const QString foundName = dumpName(found.range, found.station);
-    if (foundName != dumpName(read.range, read.station))
-        throw Failure(ExitCode::Usage, name() + " is a part of another dump, " + foundName, kRestartHint);
+    const bool isSamePort = foundPort.isEmpty() || foundPort == port;
+    const bool isSamePlace = found.range.address.text() == read.range.address.text();
+    if (!isSamePort || !isSamePlace || found.station != read.station)
+        throw Failure(ExitCode::Usage,
+                      name() + " is a part of another dump, " +
+                          dumpName(found.range, found.station, foundPort),
+                      kRestartHint);
+}
+
+// What it goes on with stays the same bytes in the same place of the file, unless the range is another.
+void PartialDump::writeAnew()
+{
+    saved = int(read.data.size());
+    if (!file.seek(0))
+        throw lost();
+    write(dumpHead(read.range, read.station) + kPortComment + port.toUtf8() + '\n' +
+          dumpLines(read.range, 0, read.data));
+    if (!file.resize(file.pos()))
+        throw lost();
 }
 
 void PartialDump::append(const QByteArray &data)
@@ -68,6 +115,12 @@ void PartialDump::remove()
 {
     if (!file.remove())
         throw lost();
+}
+
+void PartialDump::removeIfEmpty()
+{
+    if (saved == 0)
+        file.remove();
 }
 
 void PartialDump::write(const QByteArray &text)

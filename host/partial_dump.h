@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The part of a dump that was read so far, in a file: what was read before Ctrl-C, a failure or a power cut
-// need not be read again.
+// need not be read again. It is a dump that may end early, with the port in a comment line "# port NAME".
 
 #ifndef HOST_PARTIAL_DUMP_H
 #define HOST_PARTIAL_DUMP_H
@@ -10,16 +10,26 @@
 #include "dump_file.h"
 #include "failure.h"
 
+#include <QDateTime>
 #include <QFile>
 
 namespace host {
 
+// Where a dump comes from.
+struct DumpSource
+{
+    Item range;
+    int station;
+    QString port; // as the user names it
+};
+
 class PartialDump
 {
 public:
-    // Goes on with the file when it is there, and else, or to restart, begins it anew. Fails when the file is
-    // of another dump, is none, or cannot be written.
-    PartialDump(const QString &name, const Item &range, int station, bool restart);
+    // Goes on with the file when it is there, as far as it fits the range, and else, or to restart, begins it
+    // anew. Fails when the file is of another dump, of another port or station or with another first address,
+    // is none, cannot be written, or is being written by another process.
+    PartialDump(const QString &name, const DumpSource &source, bool restart);
 
     // Whole elements, behind those that are there. In the file are whole lines: after a stop up to one line
     // less one byte is read once more.
@@ -27,8 +37,14 @@ public:
 
     void remove();
 
+    // The same when nothing of the memory is in it; that it cannot be done is no failure then.
+    void removeIfEmpty();
+
     // Bytes of memory that are in the file.
     int savedSize() const { return saved; }
+
+    // When an earlier run wrote what is gone on with; invalid when there is none.
+    QDateTime earlierTime() const { return earlier; }
 
     // All that was read.
     const Dump &dump() const { return read; }
@@ -36,14 +52,18 @@ public:
     QString name() const { return file.fileName(); }
 
 private:
+    void lock();
     void resume();
-    void checkSame(const Dump &found) const;
+    void checkSame(const Dump &found, const QString &foundPort) const;
+    void writeAnew();
     void write(const QByteArray &text);
     Failure lost() const;
 
     QFile file;
+    QString port;
     Dump read;
     int saved = 0;
+    QDateTime earlier;
 };
 
 } // namespace host

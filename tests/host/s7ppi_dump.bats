@@ -129,11 +129,12 @@ VB106 00 00" ]
     [[ "${stderr_lines[0]}" == "s7ppi: press.dump.part:"*": the dump ends before VB999: "* ]]
 
     sleep 0.2
-    local saved
+    local saved time
     saved=$(($(grep -c '^VB' press.dump.part) * 16))
+    time=$(date -r press.dump.part +"%F %T")
     dump VB0..VB999 -o press.dump --trace dump.trace
     [ "$status" -eq 0 ]
-    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part has $saved of 1000 bytes from an earlier run; --restart begins anew" ]
+    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part of $time has $saved of 1000 bytes from an earlier run; --restart begins anew" ]
     [[ "${stderr_lines[1]}" == "s7ppi: VB0..VB999: $((1000 - saved)) bytes in "* ]]
     grep -q "^VB96  00 00 00 00 11 22 33 44" press.dump
     [ "$(wc -l <press.dump)" -eq 66 ]
@@ -155,12 +156,55 @@ VB106 00 00" ]
 @test "2: a part of another dump is not gone on with" {
     enter_directory
     start s7ppi-sim
-    printf 's7ppi-dump 1\narea VB0..VB99\nstation 2\n' >press.dump.part
+    printf 's7ppi-dump 1\narea VB1..VB99\nstation 2\n' >press.dump.part
     dump VB0..VB50 -o press.dump
     [ "$status" -eq 2 ]
-    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part is a part of another dump, VB0..VB99 of station 2" ]
+    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part is a part of another dump, VB1..VB99 of station 2" ]
     [ "${stderr_lines[1]}" = "hint: --restart begins anew and forgets it; or name another file with -o" ]
     [ ! -e press.dump ]
+}
+
+@test "2: a part that was read from another port is not gone on with, unless it is the embedded simulator" {
+    enter_directory
+    start s7ppi-sim
+    printf 's7ppi-dump 1\narea VB0..VB99\nstation 2\n# port sim\nVB0 01\n' >press.dump.part
+    dump VB0..VB99 -o press.dump
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part is a part of another dump, VB0..VB99 of station 2 on sim" ]
+    run --separate-stderr s7ppi dump --port sim VB0..VB99 -o press.dump
+    [ "$status" -eq 0 ]
+    grep -q "^VB0  *01 00 " press.dump
+
+    printf 's7ppi-dump 1\narea VB0..VB99\nstation 2\n# port sim\nVB0 01\n' >press.dump.part
+    dump --restart VB0..VB99 -o press.dump
+    [ "$status" -eq 0 ]
+    grep -q "^VB0  *00 00 " press.dump
+}
+
+@test "a part goes on with another last address" {
+    enter_directory
+    start s7ppi-sim
+    local last
+    for last in 17 3; do
+        printf 's7ppi-dump 1\narea VB0..VB99\nstation 2\nVB0 01 02 03 04 05 06\n' >press.dump.part
+        dump VB0..VB$last -o press.dump
+        [ "$status" -eq 0 ]
+        grep -q "^VB0  *01 02 03 04" press.dump
+        run --separate-stderr s7ppi load --port "$port" press.dump
+        [ "$status" -eq 0 ]
+    done
+}
+
+@test "74: two dumps into the same file at once" {
+    enter_directory
+    start s7ppi-sim --turnaround 100
+    s7ppi dump -q --port "$port" VB0..VB9999 -o press.dump 3>&- &
+    background+=("$!")
+    eventually data_lines press.dump.part
+    run --separate-stderr s7ppi dump --port sim VB0..VB9 -o press.dump
+    [ "$status" -eq 74 ]
+    [ "${stderr_lines[0]}" = "s7ppi: press.dump.part is being written by another s7ppi" ]
+    [ "${stderr_lines[1]}" = "hint: wait for its end, or name another file with -o" ]
 }
 
 @test "6: a port that goes away leaves the part, and the dump goes on when it is back" {
@@ -176,7 +220,7 @@ VB106 00 00" ]
     [ "$(tail -n 1 errors)" = "hint: was the adapter unplugged? plug it in and start again, or let --reconnect wait for it" ]
     [ ! -e press.dump ]
     start s7ppi-sim --link line
-    dump VB0..VB999 -o press.dump
+    port=line dump VB0..VB999 -o press.dump
     [ "$status" -eq 0 ]
     [[ "${stderr_lines[0]}" == *" from an earlier run; --restart begins anew" ]]
 }
@@ -186,10 +230,20 @@ VB106 00 00" ]
     start s7ppi-sim
     dump VB10200..VB10500 -o press.dump
     [ "$status" -eq 1 ]
-    [[ "${stderr_lines[0]}" == "s7ppi: press.dump.part has "*" of 301 bytes; the same command goes on from there" ]]
+    [ "${stderr_lines[0]}" = "s7ppi: 0 of 301 bytes were read, no part of the dump is kept" ]
     [ "${stderr_lines[1]}" = "s7ppi: VB10200..VB10421: Invalid address (incorrect variable address)" ]
     [[ "${stderr_lines[2]}" == "hint: "* ]]
     [ ! -e press.dump ]
+    [ ! -e press.dump.part ]
+    dump VB10100..VB10500 -o press.dump
+    [ "$status" -eq 1 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: 0 of 401 bytes were read, "* ]]
+    dump VB9900..VB10500 -o press.dump
+    [ "$status" -eq 1 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: press.dump.part has 208 of 601 bytes; a range that ends earlier goes on from there" ]]
+    dump VB9900..VB10200 -o press.dump
+    [ "$status" -eq 0 ]
+    [[ "${stderr_lines[0]}" == *" has 208 of 301 bytes from an earlier run; --restart begins anew" ]]
 }
 
 @test "4: a silent controller" {
