@@ -21,8 +21,8 @@ enter_directory() {
     [ "$output" = "VB100   17" ]
     run -74 bash -c "s7ppi --port '$port' read VB100 VB20000 <&- >&- 2>&-"
     run -74 --separate-stderr bash -c "s7ppi --port '$port' read VB100 <&- >&-"
-    [ "${stderr_lines[0]}" = "s7ppi: stdout takes no more data: Bad file descriptor" ]
-    run -2 --separate-stderr bash -c "s7ppi --port '$port' read @- <&-"
+    [ "${stderr_lines[0]}" = "s7ppi: VB100: stdout takes no more data: Bad file descriptor" ]
+    run -2 --separate-stderr bash -c 's7ppi decode - <&-'
     [ "${stderr_lines[0]}" = "s7ppi: stdin cannot be read: Bad file descriptor" ]
     run ! grep -vE '^#| < | > (68 1b 1b 68 02 00 6c 32 01|10 02 00 5c 5e 16)' sim.trace
 }
