@@ -138,6 +138,7 @@ private:
     void goOn();
     Differences compareEarlier(const Item &earlier) const;
     void writeRest(Progress &progress);
+    void writeBlock(const WriteRequest &request, const Item &block);
     Differences compare(const Item &range, Progress &progress, bool onlyFirst) const;
     QByteArray readBlock(const Item &block) const;
     void keepState();
@@ -148,6 +149,7 @@ private:
     const LoadState &state;
     const Options &options;
     int written = 0;
+    std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
 };
 
 // It goes on behind what an earlier run wrote, as far as that is still there: another controller may be
@@ -197,18 +199,27 @@ void Loading::write(bool restart)
     progress.finish();
 }
 
-// A failed block is written again when the load goes on.
+// A block that failed is written again when the load goes on.
+void Loading::writeBlock(const WriteRequest &request, const Item &block)
+{
+    try {
+        connection.write(request.command, request.data);
+    } catch (const Failure &failure) {
+        if (failure.code() != ExitCode::Refused)
+            doubtful = block;
+        throw failure.about(rangeText(block));
+    } catch (...) {
+        doubtful = block;
+        throw;
+    }
+}
+
 void Loading::writeRest(Progress &progress)
 {
     const int index = elementOf(written);
     const Item rest = partOf(load.target, index, load.target.count - index);
     for (const WriteRequest &request : planWrite(rest, load.data.mid(written))) {
-        try {
-            connection.write(request.command, request.data);
-        } catch (const Failure &failure) {
-            const Item block = partOf(load.target, elementOf(written), request.command.count);
-            throw failure.about(rangeText(block));
-        }
+        writeBlock(request, partOf(load.target, elementOf(written), request.command.count));
         written += int(request.data.size());
         progress.advance(request.data.size());
     }
@@ -216,6 +227,8 @@ void Loading::writeRest(Progress &progress)
 
 void Loading::keepState()
 {
+    if (doubtful)
+        reportNote(rangeText(*doubtful) + " may have been written: no answer tells");
     const QString place = QString("%1 of %2 bytes are written").arg(written).arg(load.data.size());
     if (written == 0)
         reportNote(place);
