@@ -27,6 +27,12 @@ bool isHex(const QByteArray &digits)
     return true;
 }
 
+// Editors of some systems write one before UTF-8.
+QByteArray withoutByteOrderMark(const QByteArray &text)
+{
+    return text.startsWith("\xef\xbb\xbf") ? text.mid(3) : text;
+}
+
 QList<QByteArray> wordsOf(const QByteArray &line)
 {
     const QByteArray simplified = line.simplified();
@@ -70,7 +76,7 @@ Failure DumpParser::wrong(const QString &text, const QString &hint) const
 void DumpParser::take(const QByteArray &line)
 {
     ++lineNumber;
-    const QList<QByteArray> words = wordsOf(line);
+    const QList<QByteArray> words = wordsOf(lineNumber == 1 ? withoutByteOrderMark(line) : line);
     if (words.isEmpty())
         return;
     if (!hasMagic)
@@ -85,7 +91,11 @@ void DumpParser::take(const QByteArray &line)
 
 void DumpParser::takeMagic(const QList<QByteArray> &words)
 {
-    if (words.size() != 2 || words.first() != kMagic)
+    if (words.first().startsWith(kMagic) && (words.size() != 2 || words.first() != kMagic))
+        throw wrong("the version does not stand here",
+                    QString("the first line is \"%1 %2\" alone")
+                        .arg(QString::fromLatin1(kMagic), QString::fromLatin1(kVersion)));
+    if (words.first() != kMagic)
         throw wrong("this is no dump", "s7ppi dump writes such files; plain bytes need --format raw");
     if (words.last() != kVersion)
         throw wrong("this is a dump of version " + QString::fromUtf8(words.last()),

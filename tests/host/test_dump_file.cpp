@@ -44,8 +44,10 @@ private slots:
     void elementsOfWordsStayTogether();
     void whatWasWrittenIsReadBack();
     void commentsEmptyLinesAndOtherLineLengthsAreTaken();
+    void aByteOrderMarkAndCarriageReturnsAreTaken();
     void whatIsWrongIsToldWithItsLine_data();
     void whatIsWrongIsToldWithItsLine();
+    void aDumpWithAWrongFirstLineIsNotTakenForPlainBytes();
     void aFileCutAnywhereIsRefused();
     void ofAPartOnlyWholeLinesCount();
 };
@@ -78,6 +80,14 @@ void TestDumpFile::commentsEmptyLinesAndOtherLineLengthsAreTaken()
     QCOMPARE(hex(dump.data), QString("0a0b0c0d"));
 }
 
+void TestDumpFile::aByteOrderMarkAndCarriageReturnsAreTaken()
+{
+    const QByteArray text = "\xef\xbb\xbf" + QByteArray(kBytes).replace("\n", "\r\n");
+    QCOMPARE(hex(parseDump(text, "press.dump").data), QString("000102030405060708090a0b0c0d0e0f10ff"));
+    int wholeSize = 0;
+    QCOMPARE(int(parsePartialDump(text, "press.dump", wholeSize).data.size()), 18);
+}
+
 void TestDumpFile::whatIsWrongIsToldWithItsLine_data()
 {
     QTest::addColumn<QByteArray>("before");
@@ -87,6 +97,9 @@ void TestDumpFile::whatIsWrongIsToldWithItsLine_data()
         QTest::newRow(name) << QByteArray(before) << QByteArray(after) << QString(failure);
     };
     row("another kind of file", "s7ppi-dump 1", "{", "2: press.dump:1: this is no dump");
+    row("no version", "s7ppi-dump 1", "s7ppi-dump", "2: press.dump:1: the version does not stand here");
+    row("more than a version", "s7ppi-dump 1", "s7ppi-dump 1 of Monday",
+        "2: press.dump:1: the version does not stand here");
     row("a newer version", "s7ppi-dump 1", "s7ppi-dump 2", "2: press.dump:1: this is a dump of version 2");
     row("no area", "area VB90..VB107\n", "", "2: press.dump:2: the area does not stand here");
     row("a wrong area", "VB90..VB107", "VB90..MB3", "2: press.dump:2: VB90 and MB3 are not in the same area");
@@ -113,6 +126,13 @@ void TestDumpFile::whatIsWrongIsToldWithItsLine()
     const QString failure = failureWith(kBytes, before.constData(), after.constData());
     QTEST(failure.section(" / ", 0, 0), "failure");
     QVERIFY(!failure.section(" / ", 1).isEmpty());
+}
+
+void TestDumpFile::aDumpWithAWrongFirstLineIsNotTakenForPlainBytes()
+{
+    QVERIFY(failureWith(kBytes, "s7ppi-dump 1", "s7ppi-dump")
+                .endsWith(" / the first line is \"s7ppi-dump 1\" alone"));
+    QVERIFY(failureWith(kBytes, "s7ppi-dump 1", "12").endsWith("plain bytes need --format raw"));
 }
 
 // All but the line's own end is needed.
