@@ -7,6 +7,7 @@
 #include "connection.h"
 #include "interruption.h"
 #include "memory_range.h"
+#include "output.h"
 #include "output_sink.h"
 #include "partial_dump.h"
 #include "progress.h"
@@ -35,7 +36,9 @@ Options: s7ppi --help)";
 
 bool isRaw(const Options &options)
 {
-    const std::string format = options.format.value_or("text");
+    const std::string unasked = options.usualFormat == "raw" ? "raw" : "text";
+    const std::string format = options.format.value_or(unasked);
+    tellUnlessUsual(options, format);
     if (format != "text" && format != "raw")
         throw Failure(ExitCode::Usage, "dump has no " + QString::fromStdString(format) + " form",
                       "choose --format text or raw");

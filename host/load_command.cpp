@@ -298,6 +298,7 @@ int rehearseLoad(Options options, const Load &load, bool verify)
 
 int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 {
+    tellUnlessUsual(options, options.format.value_or("text"));
     Connection connection(options);
     const int station = connection.stationId();
     if (load.station && *load.station != station)

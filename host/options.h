@@ -30,9 +30,10 @@ struct Options
     bool echo = false;      // the adapter hears what it sends
     bool reconnect = false; // wait for a lost port to come back
 
-    std::optional<std::string> config; // a file with more of these
-    std::optional<std::string> format; // text, json, ndjson, csv, tsv or raw; text unless given
-    std::optional<std::string> output; // a file instead of stdout
+    std::optional<std::string> config;      // a file with more of these
+    std::optional<std::string> format;      // text, json, ndjson, csv, tsv or raw; text unless given
+    std::optional<std::string> usualFormat; // of environment or file, for commands that have it
+    std::optional<std::string> output;      // a file instead of stdout
 
     std::optional<std::string> trace; // a file with every frame
 

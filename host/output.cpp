@@ -20,28 +20,53 @@ namespace {
 
 const QStringList kFormatNames = {"text", "json", "ndjson", "csv", "tsv", "raw"};
 
-// Of an output file's name; text when that says nothing.
-QString formatBySuffix(const Options &options)
+Format formatNamed(const std::string &name)
+{
+    return Format(kFormatNames.indexOf(QString::fromStdString(name)));
+}
+
+// Of an output file's name, if that says anything.
+std::optional<Format> formatBySuffix(const Options &options)
 {
     const QString suffix = QFileInfo(QString::fromStdString(options.output.value_or(""))).suffix();
-    return suffix != "raw" && kFormatNames.contains(suffix) ? suffix : "text";
+    if (suffix == "txt")
+        return Format::Text;
+    if (suffix == "raw" || !kFormatNames.contains(suffix))
+        return std::nullopt;
+    return formatNamed(suffix.toStdString());
 }
+
+// What is nobody's wish for this command.
+Format unaskedFormat(const Options &options, const Layout &layout)
+{
+    const Format format = formatNamed(options.usualFormat.value_or("text"));
+    return format == Format::Raw && !layout.hasRaw ? Format::Text : format;
+}
+
+} // namespace
 
 Format formatOf(const Options &options, const Layout &layout)
 {
-    const QString name = options.format ? QString::fromStdString(*options.format) : formatBySuffix(options);
-    const auto format = Format(kFormatNames.indexOf(name));
+    if (!options.format)
+        return formatBySuffix(options).value_or(unaskedFormat(options, layout));
+    const Format format = formatNamed(*options.format);
     if (format == Format::Raw && !layout.hasRaw)
         throw Failure(ExitCode::Usage, layout.command + " has no raw form",
                       "choose --format text, json, ndjson, csv or tsv");
     return format;
 }
 
-} // namespace
+void tellUnlessUsual(const Options &options, const std::string &format)
+{
+    if (options.verbose && options.usualFormat && *options.usualFormat != format)
+        reportNote(QString("the usual format %1 is left out: the data are %2")
+                       .arg(QString::fromStdString(*options.usualFormat), QString::fromStdString(format)));
+}
 
 Output::Output(const Options &options, const Layout &layout)
     : chosen(formatOf(options, layout)), form(outputForm(chosen, layout, outputSink(options)))
 {
+    tellUnlessUsual(options, kFormatNames.at(int(chosen)).toStdString());
 }
 
 Output::~Output()

@@ -10,7 +10,9 @@
 //            element, in the column "value", its number from 0 on in the column "index" if there is one
 //   raw      bytes as they lie in the controller
 //
-// Without --format a file is written in the form that its name ends with: .json .ndjson .csv .tsv
+// Without --format a file is written in the form that its name ends with: .json .ndjson .csv .tsv .txt
+// Otherwise environment or configuration file may say which form is usual; a command that has no such form
+// takes text.
 //
 // Lines are out when a call returns, so that what was got is seen even if the program is stopped then. A file
 // appears when the command has come to its end, or to Ctrl-C, and never in part.
@@ -52,6 +54,12 @@ struct Layout
     QStringList columns; // of tables; the members of records that they show
     bool hasRaw = false; // whether there are bytes to give with --format raw
 };
+
+// Fails when the command line asks for a form that the command does not have.
+Format formatOf(const Options &options, const Layout &layout);
+
+// With --verbose tells that data are in another form than usual.
+void tellUnlessUsual(const Options &options, const std::string &format);
 
 class OutputForm;
 

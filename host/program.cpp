@@ -3,16 +3,15 @@
 
 #include "program.h"
 
+#include "applied_settings.h"
 #include "command_line.h"
 #include "common_options.h"
 #include "failure.h"
 #include "report.h"
 #include "run.h"
-#include "settings.h"
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <sstream>
 
 namespace host {
@@ -79,62 +78,6 @@ int usageError(const CLI::App &app, const CLI::ParseError &error)
     reportFailure(Failure(ExitCode::Usage, QString::fromStdString(usageText(app, error)),
                           QString::fromStdString(usageHint(app))));
     return int(ExitCode::Usage);
-}
-
-// What one option is set to besides the command line. Help, the version, the configuration file itself and
-// the place of one command's output are nobody's habit.
-Texts settableOptions(const CLI::App &app)
-{
-    Texts names;
-    for (const CLI::Option *option : app.get_options())
-        if (!option->get_lnames().empty())
-            names.push_back(option->get_lnames().front());
-    for (const char *name : {"help", "version", "config", "output"})
-        names.erase(std::remove(names.begin(), names.end(), name), names.end());
-    return names;
-}
-
-// False when the option has its value already.
-bool apply(CLI::App &app, const Setting &setting)
-{
-    CLI::Option *option = app.get_option("--" + setting.option);
-    if (option->count() > 0)
-        return false;
-    try {
-        const bool isFlag = option->get_expected_min() == 0;
-        option->add_result(isFlag ? option->get_flag_value(setting.option, setting.value) : setting.value);
-        option->run_callback();
-        return true;
-    } catch (const CLI::ParseError &error) {
-        throw Failure(ExitCode::Usage, setting.source + ": " + error.what(),
-                      "s7ppi --help lists the options and what they take");
-    }
-}
-
-// Where they come from is told with --verbose, which may itself be one of them.
-void tell(const std::vector<Setting> &settings)
-{
-    for (const Setting &setting : settings)
-        reportNote(QString("--%1 %2, as %3 says")
-                       .arg(QString::fromStdString(setting.option), QString::fromStdString(setting.value),
-                            setting.source));
-}
-
-// The first to say something is heard: the environment before the file, and both after the command line.
-void applySettings(CLI::App &app, const Options &options)
-{
-    const Texts names = settableOptions(app);
-    std::vector<Setting> settings = environmentSettings(names);
-    const QString file = settingsFile(options.config);
-    if (!file.isEmpty())
-        for (const Setting &setting : fileSettings(file, names))
-            settings.push_back(setting);
-    std::vector<Setting> applied;
-    for (const Setting &setting : settings)
-        if (apply(app, setting))
-            applied.push_back(setting);
-    if (options.verbose)
-        tell(applied);
 }
 
 } // namespace

@@ -168,8 +168,7 @@ int intervalOf(const WatchOptions &options)
 // People follow on a terminal, unless the data or the frames go there.
 bool showsTable(const Options &options)
 {
-    const bool isData = options.format && *options.format != "text" && !options.output;
-    return !options.verbose && !isData && TerminalScreen::isThere();
+    return !options.verbose && !WatchRecord::isOnStdout(options) && TerminalScreen::isThere();
 }
 
 // The items that --plot draws; none without it.
@@ -237,8 +236,10 @@ End watchItems(Connection &connection, Watch &watch, std::unique_ptr<WatchView> 
 
 // Shows a table in place on a terminal, unless verbose, and plain lines otherwise; at the end a summary on
 // stderr. Items that fail are polled on; the exit code is that of the first failure. A lost port ends it.
-int watchAll(const Options &options, const WatchOptions &watchOptions)
+int watchAll(Options options, const WatchOptions &watchOptions)
 {
+    if (watchOptions.plot)
+        options.usualFormat.reset(); // the curves are what was asked for
     Outcome outcome;
     const std::vector<Tag> tags = parseTags(watchOptions.items, outcome);
     if (!outcome.isSuccess())

@@ -37,6 +37,11 @@ double milliseconds(WatchDuration time)
 
 WatchRecord::WatchRecord(const Options &options, bool all_) : output(options, kLayout), all(all_) {}
 
+bool WatchRecord::isOnStdout(const Options &options)
+{
+    return !options.output && formatOf(options, kLayout) != Format::Text;
+}
+
 void WatchRecord::answered(const Watch & /*watch*/, const WatchedItem &item, const Reading &reading,
                            WatchNews news)
 {

@@ -18,6 +18,9 @@ public:
     // all: every poll, not only news.
     WatchRecord(const Options &options, bool all);
 
+    // Whether stdout is for programs, by the form that the data have there.
+    static bool isOnStdout(const Options &options);
+
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
                   WatchNews news) override;
     void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;

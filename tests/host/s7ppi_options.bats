@@ -29,6 +29,78 @@ settings() {
     [ "${lines[1]}" = ",VB100,u8,0,17,," ]
 }
 
+@test "quiet and verbose: what is said first is heard, too" {
+    S7PPI_VERBOSE=1 run --separate-stderr s7ppi -q read --port sim VB100
+    [ "$status" -eq 0 ]
+    [ -z "$stderr" ]
+    settings "verbose"
+    S7PPI_QUIET=1 run --separate-stderr s7ppi read --port sim --config "$settings" VB100
+    [ -z "$stderr" ]
+    S7PPI_QUIET=false run --separate-stderr s7ppi read --port sim --config "$settings" VB100
+    [[ "$stderr" == *"-> poll of station 2"* ]]
+    settings "quiet"
+    run --separate-stderr s7ppi -v read --port sim --config "$settings" VB100
+    [[ "$stderr" == *"-> poll of station 2"* ]]
+    [[ "$stderr" != *"--quiet"* ]]
+    settings "quiet = true" "verbose = off"
+    run --separate-stderr s7ppi read --port sim --config "$settings" VB100
+    [ "$status" -eq 0 ]
+    [ -z "$stderr" ]
+}
+
+@test "2: one place that wants both quiet and verbose is told" {
+    settings "quiet" "port = sim" "verbose"
+    run --separate-stderr s7ppi read --config "$settings" VB100
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $settings:3: verbose excludes quiet" ]
+    [ "${stderr_lines[1]}" = "hint: see $settings:1, and leave one of the two out" ]
+    S7PPI_QUIET=1 S7PPI_VERBOSE=1 run --separate-stderr s7ppi read --port sim VB100
+    [ "$status" -eq 2 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: S7PPI_"*" excludes "* ]]
+    S7PPI_QUIET=1 S7PPI_VERBOSE=1 run --separate-stderr s7ppi read -q --port sim VB100
+    [ "$status" -eq 0 ]
+}
+
+@test "a usual format that a command does not have is left out, and told with -v" {
+    cd "$BATS_TEST_TMPDIR"
+    S7PPI_FORMAT=json run --separate-stderr s7ppi dump -v --port sim VB100..VB101 -o e.dump
+    [ "$status" -eq 0 ]
+    grep -qx "VB100 11 22" e.dump
+    [[ "$stderr" == *"s7ppi: the usual format json is left out: the data are text"* ]]
+    S7PPI_FORMAT=raw run --separate-stderr s7ppi load --port sim e.dump
+    [ "$status" -eq 0 ]
+    S7PPI_FORMAT=json run --separate-stderr s7ppi load --port sim e.dump
+    [ "$status" -eq 0 ]
+    S7PPI_FORMAT=json run --separate-stderr s7ppi load --dry-run e.dump
+    [ "$(jq -r .format <<<"$output")" = s7ppi.frames/1 ]
+    settings "format = raw"
+    run --separate-stderr s7ppi check -v --config "$settings" VB0
+    [ "$status" -eq 0 ]
+    [ "${lines[0]}" = "VB0" ]
+    [[ "$stderr" == *"s7ppi: the usual format raw is left out: the data are text"* ]]
+    S7PPI_FORMAT=raw run --separate-stderr s7ppi scan --port sim --stations 2 --timeout 5000
+    [[ "$output" == "station 2 at "* ]]
+    [ "$(S7PPI_FORMAT=raw s7ppi read --port sim 'VB100:u16' | od -An -tx1)" = " 11 22" ]
+    S7PPI_FORMAT=raw run --separate-stderr s7ppi read --port sim --format text VB100
+    [ "$output" = "VB100 17" ]
+    S7PPI_FORMAT=json run --separate-stderr s7ppi dump --port sim --format json VB0..VB9 -o f.dump
+    [ "$status" -eq 2 ]
+    S7PPI_FORMAT=xml run --separate-stderr s7ppi dump --port sim VB0..VB9 -o f.dump
+    [ "$status" -eq 2 ]
+}
+
+@test "the ending of a file's name wins over the usual format" {
+    cd "$BATS_TEST_TMPDIR"
+    S7PPI_FORMAT=json run --separate-stderr s7ppi read --port sim VB100 -o e.csv
+    [ "$(tail -n 1 e.csv)" = ",VB100,u8,0,17,," ]
+    S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e.txt
+    [ "$(cat e.txt)" = "VB100 17" ]
+    S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e
+    [ "$(jq -c '.items[0].values' e)" = "[17]" ]
+    S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e.csv --format text
+    [ "$(cat e.csv)" = "VB100 17" ]
+}
+
 @test "the user's own file is read unless another is named" {
     mkdir -p "$BATS_TEST_TMPDIR/home/.config/s7ppi"
     echo "port = sim" >"$BATS_TEST_TMPDIR/home/.config/s7ppi/config"
