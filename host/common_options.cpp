@@ -46,7 +46,7 @@ void addOutputOptions(CLI::App &app, Options &options)
     addChoice(app, "--format", options.format, {"text", "json", "ndjson", "csv", "tsv", "raw"},
               "text, json, ndjson, csv, tsv or raw: the bytes as they lie in the controller")
         ->group(group);
-    app.add_option("-o,--output", options.output, "Write the data to a file, whole or not at all")
+    app.add_option("-o,--output", options.output, "Write the data to a file, whole or not at all; - is stdout")
         ->type_name("FILE")
         ->group(group);
     app.add_option("--trace", options.trace, "Write every frame to a file: time, direction, bytes")

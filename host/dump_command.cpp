@@ -5,6 +5,7 @@
 
 #include "command_line.h"
 #include "connection.h"
+#include "files_in_use.h"
 #include "interruption.h"
 #include "memory_range.h"
 #include "output.h"
@@ -45,6 +46,11 @@ bool isRaw(const Options &options)
     return format == "raw";
 }
 
+QString partName(const QString &name)
+{
+    return name + ".part";
+}
+
 // The file is looked at before the long work, not only after it.
 QString checkedFile(const Options &options, const Item &range)
 {
@@ -54,7 +60,9 @@ QString checkedFile(const Options &options, const Item &range)
                           .arg(range.address.text())
                           .arg(range.count));
     outputSink(options);
-    return QString::fromStdString(*options.output);
+    QString name = QString::fromStdString(*options.output);
+    claimFile(partName(name), FileRole::Unfinished);
+    return name;
 }
 
 QString sizesOf(const PartialDump &part)
@@ -124,7 +132,7 @@ int dumpRange(const Options &options, const DumpOptions &own)
     const bool raw = isRaw(options);
     const QString name = checkedFile(options, range);
     Connection connection(options);
-    PartialDump part(name + ".part", {range, connection.stationId(), connection.portLabel()}, own.restart);
+    PartialDump part(partName(name), {range, connection.stationId(), connection.portLabel()}, own.restart);
     readAll(connection, part, options);
 
     const std::unique_ptr<OutputSink> sink = outputSink(options);

@@ -5,6 +5,7 @@
 
 #include "command_line.h"
 #include "connection.h"
+#include "files_in_use.h"
 #include "dump_file.h"
 #include "load_state.h"
 #include "memory_range.h"
@@ -299,12 +300,14 @@ int rehearseLoad(Options options, const Load &load, bool verify)
 int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 {
     tellUnlessUsual(options, options.format.value_or("text"));
+    const QString stateName = QString::fromStdString(own.file) + ".loading";
+    claimFile(stateName, FileRole::Unfinished);
     Connection connection(options);
     const int station = connection.stationId();
     if (load.station && *load.station != station)
         reportNote(
             QString("the dump is of station %1, it goes to station %2").arg(*load.station).arg(station));
-    const LoadState state(QString::fromStdString(own.file) + ".loading", load.target, station, load.data);
+    const LoadState state(stateName, load.target, station, load.data);
     Loading loading(connection, load, state, options);
     loading.write(own.restart);
     if (own.verify)

@@ -5,6 +5,7 @@
 
 #include "driver_log.h"
 #include "failure.h"
+#include "files_in_use.h"
 #include "interruption.h"
 #include "report.h"
 
@@ -14,9 +15,10 @@ namespace {
 
 constexpr int kSignalExit = 128;
 
-int outcomeOf(const std::function<int()> &command)
+int outcomeOf(Options &options, const std::function<int()> &command)
 {
     try {
+        settleFiles(options);
         return command();
     } catch (const Interrupted &) {
         return kSignalExit;
@@ -29,12 +31,12 @@ int outcomeOf(const std::function<int()> &command)
 
 } // namespace
 
-int run(const Options &options, const std::function<int()> &command)
+int run(Options &options, const std::function<int()> &command)
 {
     catchInterruptions();
     setQuiet(options.quiet);
     installDriverLog(options.verbose);
-    const int exitCode = outcomeOf(command);
+    const int exitCode = outcomeOf(options, command);
     const int signalNumber = interruptingSignal();
     return signalNumber ? kSignalExit + signalNumber : exitCode;
 }

@@ -12,9 +12,9 @@
 
 namespace host {
 
-// The exit code: the command's own, a failure's after it was reported, or 128 and the signal's number
-// after a signal that ends the program in order.
-int run(const Options &options, const std::function<int()> &command);
+// Settles the options' files first. The exit code: the command's own, a failure's after it was reported, or
+// 128 and the signal's number after a signal that ends the program in order.
+int run(Options &options, const std::function<int()> &command);
 
 } // namespace host
 

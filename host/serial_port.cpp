@@ -3,6 +3,7 @@
 
 #include "serial_port.h"
 
+#include "files_in_use.h"
 #include "interruption.h"
 #include "port_details.h"
 #include "port_holder.h"
@@ -110,6 +111,7 @@ SerialPort::SerialPort(const QString &name_, const LineSettings &line_, const Ti
                        Direction direction_)
     : name(fullName(name_)), line(line_), timing(timing_), direction(direction_)
 {
+    claimFile(name, FileRole::Port);
     port.setPortName(name);
     open();
 }

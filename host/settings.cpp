@@ -50,6 +50,8 @@ Setting settingOf(const QByteArray &line, const QString &source, const Texts &op
     const CLI::ConfigItem &item = items.front();
     if (std::find(options.begin(), options.end(), item.name) == options.end())
         throw wrongLine(source, QString::fromStdString(item.name) + " is not an option", options);
+    if (item.inputs.front().empty())
+        throw wrongLine(source, QString::fromStdString(item.name) + " has no value", options);
     return {item.name, item.inputs.front(), source};
 }
 

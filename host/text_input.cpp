@@ -4,6 +4,7 @@
 #include "text_input.h"
 
 #include "failure.h"
+#include "files_in_use.h"
 #include "interruption.h"
 
 #include <QFile>
@@ -28,6 +29,7 @@ Failure unreadable(const QString &name, const QString &reason, const QString &hi
 // QFile would begin a read again that a signal ended.
 QByteArray readStdin()
 {
+    claimFile("/dev/stdin", FileRole::Input);
     QByteArray bytes;
     char buffer[65536];
     while (true) {
@@ -47,6 +49,9 @@ QByteArray readStdin()
 
 QByteArray readFile(const QString &name, const QString &hint)
 {
+    if (name.isEmpty())
+        throw Failure(ExitCode::Usage, "no name is given", hint);
+    claimFile(name, FileRole::Input);
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly))
         throw unreadable(name, file.errorString(), hint);

@@ -11,7 +11,8 @@ load common
 
 # Every file of a test lies in a directory of its own.
 enter_directory() {
-    cd "$BATS_TEST_TMPDIR" || return 1
+    mkdir "$BATS_TEST_TMPDIR/directory"
+    cd "$BATS_TEST_TMPDIR/directory" || return 1
 }
 
 @test "nothing but frames goes to the line when stdin, stdout and stderr are closed" {
@@ -25,4 +26,97 @@ enter_directory() {
     run -2 --separate-stderr bash -c 's7ppi decode - <&-'
     [ "${stderr_lines[0]}" = "s7ppi: stdin cannot be read: Bad file descriptor" ]
     run ! grep -vE '^#| < | > (68 1b 1b 68 02 00 6c 32 01|10 02 00 5c 5e 16)' sim.trace
+}
+
+# refused MESSAGE S7PPI_ARGUMENT...: exit code 2 with this message, and no file is changed.
+refused() {
+    local message=$1 before
+    shift
+    before=$(ls; cat ./*.*)
+    run --separate-stderr s7ppi "$@"
+    [ "$status" -eq 2 ]
+    [[ "${stderr_lines[-2]}" == *"$message" ]]
+    [ "${stderr_lines[-1]}" = "hint: name another file" ]
+    [ "$(ls; cat ./*.*)" = "$before" ]
+}
+
+@test "2: an output does not take the place of what the command reads" {
+    enter_directory
+    start s7ppi-sim --link plc
+    printf '%s\n' "name,address" "Pump,VB100" >t.csv
+    s7ppi watch --port plc -q --interval 1 --count 2 @t.csv -o run.csv --trace l.txt
+    s7ppi dump --port plc -q VB100..VB103 -o a.dump
+    echo "retries = 1" >config.ini
+    ln -s t.csv link.csv
+    ln t.csv other.csv
+    local suffix="is read by this command and cannot take its output"
+    refused "s7ppi: run.csv $suffix" report run.csv -o run.csv
+    refused "s7ppi: ./run.csv $suffix" report run.csv -o ./run.csv
+    refused "s7ppi: a.dump $suffix" load --port plc a.dump --trace a.dump
+    refused "s7ppi: a.dump.loading would take two outputs of this command" \
+        load --port plc a.dump --trace a.dump.loading
+    refused "s7ppi: @t.csv: t.csv $suffix" read --port plc @t.csv -o t.csv
+    refused "s7ppi: @link.csv: $PWD/t.csv $suffix" read --port plc @link.csv -o "$PWD/t.csv"
+    refused "s7ppi: @t.csv: other.csv $suffix" read --port plc @t.csv --trace other.csv
+    refused "s7ppi: @t.csv:Pump: t.csv $suffix" watch --port plc --count 1 --interval 1 @t.csv:Pump -o t.csv
+    refused "s7ppi: l.txt $suffix" decode --trace l.txt -o l.txt
+    refused "s7ppi: config.ini $suffix" read --port plc --config config.ini VB100 -o config.ini
+    run -2 --separate-stderr s7ppi decode - -o l.txt <l.txt
+    [ "${stderr_lines[0]}" = "s7ppi: l.txt $suffix" ]
+    grep -q ' > ' l.txt
+}
+
+@test "2: two outputs do not take the same place, nor that of the port" {
+    enter_directory
+    start s7ppi-sim --link plc --trace ../sim.trace
+    ln -s "$(readlink plc)" second
+    echo before >there.txt
+    local suffix="would take two outputs of this command"
+    refused "s7ppi: same.txt $suffix" read --port plc VB100 -o same.txt --trace same.txt
+    refused "s7ppi: there.txt $suffix" read --port plc VB100 -o there.txt --trace ./there.txt
+    refused "s7ppi: there.txt $suffix" watch --port plc --count 1 VB100 -o there.txt --trace there.txt
+    refused "s7ppi: there.txt $suffix" dump --port plc VB100..VB110 -o there.txt --trace there.txt
+    echo before >there.txt.part
+    refused "s7ppi: there.txt.part $suffix" dump --port plc VB100..VB110 -o there.txt --trace there.txt.part
+    run -2 --separate-stderr bash -c "s7ppi read --port plc VB100 --trace there.txt >>there.txt"
+    [ "$(cat there.txt)" = before ]
+    refused "s7ppi: second is the port of this command and cannot take its output" \
+        read --port plc VB100 --trace second
+    [ "$(cat ../sim.trace)" = "$(head -n 1 ../sim.trace)" ]
+    s7ppi read --port plc VB100 --trace /dev/null >/dev/null
+}
+
+@test "stdout under another name is no file to be replaced" {
+    enter_directory
+    start s7ppi-sim --link plc
+    local name
+    for name in - /dev/stdout /dev/fd/1 /proc/self/fd/1 log; do
+        (
+            echo before
+            s7ppi --port plc read VB100 -o "$name"
+            echo after
+        ) >>log
+        [ "$(cat log)" = $'before\nVB100 17\nafter' ]
+        [ "$(s7ppi --port plc read VB100 -o "$name" | cat)" = "$([ "$name" = log ] || echo "VB100 17")" ]
+        rm log
+    done
+    run -2 --separate-stderr s7ppi --port plc dump VB100..VB110 -o /dev/stdout
+    [ "${stderr_lines[0]}" = "s7ppi: a dump needs a file" ]
+}
+
+@test "2: a name that is none" {
+    enter_directory
+    local option
+    for option in --port --output --trace --plugin; do
+        run -2 --separate-stderr s7ppi read VB100 "$option" ''
+        [ "${stderr_lines[0]}" = "s7ppi: no name is given with $option" ]
+        [ "${stderr_lines[1]}" = "hint: name one, or leave the option out" ]
+    done
+    echo "port =" >config.ini
+    run -2 --separate-stderr s7ppi read VB100 --config config.ini
+    [ "${stderr_lines[0]}" = "s7ppi: config.ini:1: port has no value" ]
+    run -2 --separate-stderr s7ppi read --port sim @
+    [ "${stderr_lines[0]}" = "s7ppi: @: no name is given" ]
+    run -2 --separate-stderr s7ppi report ''
+    [ "${stderr_lines[0]}" = "s7ppi: no name is given" ]
 }
