@@ -12,9 +12,13 @@
 #ifndef HOST_ASSIGNMENT_H
 #define HOST_ASSIGNMENT_H
 
+#include "command_line.h"
+#include "outcome.h"
 #include "tag.h"
 
 #include <QByteArray>
+
+#include <vector>
 
 namespace host {
 
@@ -26,6 +30,9 @@ struct Assignment
 
 // The assignment that a text means. Fails with a hint that names what could have been meant.
 Assignment parseAssignment(const QString &text);
+
+// Those of all texts; every wrong one is reported.
+std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome);
 
 // The same for a tag and its values. Fails when there are more of them than the tag has.
 Assignment assign(Tag tag, const QString &values);

@@ -104,7 +104,7 @@ QString typeHint(const Address &address)
 
 void checkType(const Address &address, ValueType type)
 {
-    if (typesOf(address.kind).contains(type))
+    if (canBeTakenAs(address, type))
         return;
     throw Failure(ExitCode::Usage, address.text() + " cannot be taken as " + typeName(type),
                   typeHint(address));
@@ -167,6 +167,11 @@ Item parseItem(const QString &text)
         item.count = parseCount(text.section('*', 1));
     checkCount(item);
     return item;
+}
+
+bool canBeTakenAs(const Address &address, ValueType type)
+{
+    return typesOf(address.kind).contains(type);
 }
 
 void checkCount(const Item &item)

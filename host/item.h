@@ -37,6 +37,9 @@ struct Item
 // The item that a text names. Fails with a hint that names what could have been meant.
 Item parseItem(const QString &text);
 
+// Whether values of the type can lie at the address.
+bool canBeTakenAs(const Address &address, ValueType type);
+
 // Fails when the address is not followed by that many values.
 void checkCount(const Item &item);
 

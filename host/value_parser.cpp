@@ -80,45 +80,59 @@ Range rangeOf(const Item &item)
     }
 }
 
+bool isInRange(const Item &item, qint64 number)
+{
+    const Range range = rangeOf(item);
+    return number >= range.least && number <= range.most;
+}
+
 // What a text that is no whole number was meant to be.
-QString numberHint(const QString &text)
+QString numberHint(const Item &item, const QString &text)
 {
     static const QRegularExpression based("^(16|2)#([0-9a-fA-F]+)$");
     static const QRegularExpression hexDigits("^[0-9a-fA-F]+$");
     static const QRegularExpression fraction("^[+-]?[0-9]*\\.[0-9]*$");
+    if (text.startsWith("0b", Qt::CaseInsensitive))
+        return "0b begins a number of 0 and 1 only, 0x one of hexadecimal digits";
     const QRegularExpressionMatch match = based.match(text);
-    if (match.hasMatch())
-        return QString("write %1%2 instead of %3")
-            .arg(match.captured(1) == "16" ? "0x" : "0b", match.captured(2), text);
-    if (hexDigits.match(text).hasMatch())
-        return "write 0x" + text + " instead of " + text;
+    const QString digits = match.hasMatch() ? match.captured(2) : text;
+    const int base = match.captured(1) == "2" ? 2 : 16;
+    bool isNumber = false;
+    const qint64 number = digits.toLongLong(&isNumber, base);
+    if (isNumber && isInRange(item, number) && (match.hasMatch() || hexDigits.match(text).hasMatch()))
+        return QString("write %1%2 instead of %3").arg(base == 2 ? "0b" : "0x", digits, text);
     if (fraction.match(text).hasMatch())
         return "this type holds whole numbers; fractions need f32";
     return "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
 }
 
 // The number, or for one beyond 63 bits the largest there is, which is too large for every type as well.
-qint64 parseInteger(const QString &text)
+qint64 parseInteger(const Item &item, const QString &text)
 {
     static const QRegularExpression form("^([+-]?)(0[xX][0-9a-fA-F]+|0[bB][01]+|[0-9]+)$");
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
-        throw bad(inQuotes(text) + " is not a whole number", numberHint(text));
+        throw bad(inQuotes(text) + " is not a whole number", numberHint(item, text));
     const QString digits = match.captured(2).toLower();
     const int base = digits.startsWith("0x") ? 16 : digits.startsWith("0b") ? 2 : 10;
-    bool isInRange = false;
-    qint64 number = (base == 10 ? digits : digits.mid(2)).toLongLong(&isInRange, base);
-    if (!isInRange)
+    bool isRepresentable = false;
+    qint64 number = (base == 10 ? digits : digits.mid(2)).toLongLong(&isRepresentable, base);
+    if (!isRepresentable)
         number = std::numeric_limits<qint64>::max();
     return match.captured(1) == "-" ? -number : number;
 }
 
-QString rangeHint(const Item &item, qint64 number, qint64 nearest)
+// For a negative number where there are none, the narrowest type that holds it.
+QString rangeHint(Item item, const QString &text, qint64 number, qint64 nearest)
 {
-    const QString type = typeName(item.type);
     QString hint = QString("the nearest value is %1").arg(nearest);
-    if (number < 0 && type.startsWith('u'))
-        return hint + "; for negative numbers there is i" + type.mid(1);
+    if (number > 0 || !typeName(item.type).startsWith('u'))
+        return hint;
+    for (const ValueType type : {ValueType::I8, ValueType::I16, ValueType::I32}) {
+        item.type = type;
+        if (canBeTakenAs(item.address, type) && isInRange(item, number))
+            return hint + "; for " + text + " there is " + typeName(type);
+    }
     return hint;
 }
 
@@ -132,19 +146,19 @@ void checkRange(const Item &item, const QString &text, qint64 number)
                   .arg(text, number > range.most ? "large" : "small", typeName(item.type))
                   .arg(range.least)
                   .arg(range.most),
-              rangeHint(item, number, nearest));
+              rangeHint(item, text, number, nearest));
 }
 
 QByteArray encodeInteger(const Item &item, const QString &text)
 {
-    const qint64 number = parseInteger(text);
+    const qint64 number = parseInteger(item, text);
     checkRange(item, text, number);
     return bigEndian(quint64(number), item.valueSize());
 }
 
 QByteArray encodeBcd(const Item &item, const QString &text)
 {
-    const qint64 number = parseInteger(text);
+    const qint64 number = parseInteger(item, text);
     checkRange(item, text, number);
     return QByteArray::fromHex(QByteArray::number(number).rightJustified(2 * item.valueSize(), '0'));
 }

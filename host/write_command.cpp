@@ -36,7 +36,7 @@ const char kFooter[] = R"(
 Values
   bool             0 1 off on false true
   u8 ... i32 bcd   10  -10  0x0a  0b1010
-  f32              1.5  -2e3  inf  nan
+  f32              1.5  -2e3  inf  nan; two whole numbers as 1.0,5.0: 1,5 may be one
   hex              digits: the bytes as they lie in the controller
   str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
 
@@ -186,7 +186,7 @@ int rehearseAll(const std::vector<Assignment> &assignments, const Options &optio
 int writeItems(const Options &options, const WriteOptions &writeOptions)
 {
     Outcome outcome;
-    const std::vector<Assignment> assignments = outcome.parseAll(writeOptions.items, parseAssignment);
+    const std::vector<Assignment> assignments = parseAssignments(writeOptions.items, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
     if (writeOptions.dryRun)

@@ -41,6 +41,12 @@ void TestAssignment::thereAreAsManyValuesAsAreNamed_data()
                                            << "hex" << 3 << "112233445566";
     QTest::newRow("VB20:str=a=b") << "VB20"
                                   << "str" << 3 << "613d62";
+    QTest::newRow("VD0:f32=1.0,5.0") << "VD0"
+                                     << "f32" << 2 << "3f80000040a00000";
+    QTest::newRow("VD0:f32=1,-5") << "VD0"
+                                  << "f32" << 2 << "3f800000c0a00000";
+    QTest::newRow("VD0:f32=1,5,1") << "VD0"
+                                   << "f32" << 3 << "3f80000040a000003f800000";
     QTest::newRow("T37=300") << "T37"
                              << "u16" << 1 << "012c";
     QTest::newRow("VB2097150=1,2") << "VB2097150"
@@ -65,6 +71,11 @@ void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
     row("VB100", "no value is given / write VB100=VALUE");
     row("VB100*4", "no value is given / write VB100=VALUE");
     row("VB100*4=1", "a count is not needed here / write VB100=VALUE,VALUE with as many values as you mean");
+    row("VB1:str*3=Hello", "a count is not needed here / write VB1:str=TEXT, a text as long as you mean");
+    row("VD0:f32=1,5",
+        "\"1,5\" may be one number or two / write VD0:f32=1.5 for one number, VD0:f32=1.0,5.0 for two");
+    row("VW2:f32=-1, 50", "\"-1, 50\" may be one number or two / write VW2:f32=-1.50 for one number, "
+                          "VW2:f32=-1.0,50.0 for two");
     row("vb10=1", "not an address of the controller / write VB10 instead of vb10");
     row("V10.9=1", "not an address of the controller / write V10.7 instead of V10.9");
     row("VB10 =1", "not an address of the controller / write VB10 instead of VB10 ");

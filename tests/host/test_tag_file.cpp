@@ -192,6 +192,7 @@ void TestTagFile::valuesAreAssignedAsTheyAreShown_data()
     QTest::newRow("Boiler=-45.04") << "ffce"; // -50.4 is nearest to -50
     QTest::newRow("Levels=0.5,1.5,0,2.5") << "0001000300000005";
     QTest::newRow("Levels=0.5") << "0001";
+    QTest::newRow("Levels=0.0,5.0") << "0000000a";
     QTest::newRow("Speed=1500") << "41c80000";
     QTest::newRow("Pump=on") << "01";
     QTest::newRow("Label=Hello") << "48656c6c6f";
@@ -212,6 +213,8 @@ void TestTagFile::wrongAssignmentsToTagsAreRefused_data()
     QTest::newRow("Boiler=4000")
         << "2: 40400 is too large for i16: -32768 to 32767 / the nearest value is 32767";
     QTest::newRow("Boiler=1,2") << "2: there are more values than the tag has / Boiler has 1";
+    QTest::newRow("Levels=0,5")
+        << "2: \"0,5\" may be one number or two / write Levels=0.5 for one number, Levels=0.0,5.0 for two";
     QTest::newRow("Label=Hello!") << "2: there are more values than the tag has / Label has 5";
 }
 

@@ -128,13 +128,17 @@ void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne_data()
     row("VB0", "256", "large for u8: 0 to 255 / the nearest value is 255");
     row("VB0", "0x100", "large for u8: 0 to 255 / the nearest value is 255");
     row("VB0", "99999999999999999999999", "large for u8: 0 to 255 / the nearest value is 255");
-    row("VB0", "-1", "small for u8: 0 to 255 / the nearest value is 0; for negative numbers there is i8");
-    row("VB0", "-99999999999999999999999",
-        "small for u8: 0 to 255 / the nearest value is 0; for negative numbers there is i8");
+    row("VB0", "-1", "small for u8: 0 to 255 / the nearest value is 0; for -1 there is i8");
+    row("VB0", "-99999999999999999999999", "small for u8: 0 to 255 / the nearest value is 0");
     row("VB0:i8", "128", "large for i8: -128 to 127 / the nearest value is 127");
     row("VB0:i8", "-129", "small for i8: -128 to 127 / the nearest value is -128");
+    row("VB100", "-129", "small for u8: 0 to 255 / the nearest value is 0; for -129 there is i16");
+    row("VB100", "-40000", "small for u8: 0 to 255 / the nearest value is 0; for -40000 there is i32");
+    row("VW2", "-40000", "small for u16: 0 to 65535 / the nearest value is 0; for -40000 there is i32");
+    row("VB2", "-2147483649", "small for u8: 0 to 255 / the nearest value is 0");
+    row("T38", "-40000", "small for u16: 0 to 65535 / the nearest value is 0");
     row("VW0", "65536", "large for u16: 0 to 65535 / the nearest value is 65535");
-    row("T37", "-2", "small for u16: 0 to 65535 / the nearest value is 0; for negative numbers there is i16");
+    row("T37", "-2", "small for u16: 0 to 65535 / the nearest value is 0; for -2 there is i16");
     row("VW0:i16", "32768", "large for i16: -32768 to 32767 / the nearest value is 32767");
     row("AQW0", "-32769", "small for i16: -32768 to 32767 / the nearest value is -32768");
     row("VD0", "4294967296", "large for u32: 0 to 4294967295 / the nearest value is 4294967295");
@@ -184,9 +188,14 @@ void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
     row("VB0", "1 2", "\"1 2\" is not a whole number / " + wholeHint);
     row("VB0", "12x", "\"12x\" is not a whole number / " + wholeHint);
     row("VB0", "0x", "\"0x\" is not a whole number / " + wholeHint);
-    row("VB0", "0b12", "\"0b12\" is not a whole number / write 0x0b12 instead of 0b12");
+    row("VB0", "0b12",
+        "\"0b12\" is not a whole number / 0b begins a number of 0 and 1 only, 0x one of hexadecimal digits");
+    row("VB0", "fff", "\"fff\" is not a whole number / " + wholeHint);
+    row("VB0", "16#100", "\"16#100\" is not a whole number / " + wholeHint);
+    row("VW0", "fff", "\"fff\" is not a whole number / write 0xfff instead of fff");
     row("VB0", "--1", "\"--1\" is not a whole number / " + wholeHint);
-    row("VB0", "1e2", "\"1e2\" is not a whole number / write 0x1e2 instead of 1e2");
+    row("VB0", "1e2", "\"1e2\" is not a whole number / " + wholeHint);
+    row("VW0", "1e2", "\"1e2\" is not a whole number / write 0x1e2 instead of 1e2");
     row("VB0", "ff", "\"ff\" is not a whole number / write 0xff instead of ff");
     row("VW0", "16#12Ab", "\"16#12Ab\" is not a whole number / write 0x12Ab instead of 16#12Ab");
     row("VB0", "2#101", "\"2#101\" is not a whole number / write 0b101 instead of 2#101");
