@@ -32,12 +32,19 @@ Frames may follow each other; bytes that make none are told as such. ! marks a b
 not what it should be; what is missing of a cut frame stands behind its last byte. In a trace
 the data of an answer have the addresses that the request before it named.
 
-The exit code is 0 when all frames are whole and sound, and 5 when one is not.)";
+The exit code is 0 when all frames are whole and sound, and 5 when one is not.
+
+Examples:
+  s7ppi decode 10 02 00 5c 5e 16
+  s7ppi decode --trace line.txt --format csv)";
+
+// Lines of a trace that are told as wrong one by one; the others are counted.
+constexpr int kToldLines = 5;
 
 class Decoder
 {
 public:
-    explicit Decoder(const Options &options) : output(options, kLayout) {}
+    Decoder(const Options &options, const QString &source_) : output(options, kLayout), source(source_) {}
 
     // The frames in some bytes that passed together.
     void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
@@ -47,9 +54,11 @@ public:
 
 private:
     void decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin);
-    void write(const ExplainedByte &byte);
+    void write(const ExplainedByte &byte, const QString &missing);
+    Failure faultyFrames() const;
 
     Output output;
+    QString source; // of the bytes
     FrameExplainer explainer;
     Json frames = Json::array();
     int faulty = 0;
@@ -89,20 +98,23 @@ void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const
     faulty += explained.faults.isEmpty() ? 0 : 1;
 
     output.writeText(heading + frameWords(frame) + ", " + counted(frame.size(), "byte"));
+    const int last = int(frame.size()) - 1;
     for (const ExplainedByte &byte : explained.bytes)
-        write(byte);
+        write(byte, byte.offset == last ? explained.missing : QString());
     for (const QString &fault : explained.faults)
         output.writeText("         ! " + fault);
 }
 
-void Decoder::write(const ExplainedByte &byte)
+// missing: what should stand behind it. In the text it has a line of its own.
+void Decoder::write(const ExplainedByte &byte, const QString &missing)
 {
+    const bool isBoth = !byte.meaning.isEmpty() && !missing.isEmpty();
     output.write({{"frame", frames.size()},
                   {"offset", byte.offset},
                   {"byte", QByteArray(1, char(byte.byte)).toHex().toStdString()},
                   {"field", jsonText(byte.field)},
-                  {"meaning", jsonText(byte.meaning)},
-                  {"fault", byte.isFault}},
+                  {"meaning", jsonText(byte.meaning + (isBoth ? "; " : "") + missing)},
+                  {"fault", byte.isFault || !missing.isEmpty()}},
                  byteLine(byte));
 }
 
@@ -111,23 +123,52 @@ void Decoder::finish()
     output.setField("frames", frames);
     output.finish();
     if (frames.empty())
-        throw Failure(ExitCode::Usage, "there are no bytes to decode", "s7ppi decode --help has examples");
+        throw Failure(ExitCode::Usage, source + "there are no bytes to decode",
+                      "s7ppi decode --help has examples");
     if (faulty > 0)
-        throw Failure(ExitCode::BrokenAnswer,
-                      QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(frames.size()),
-                      "the lines with ! tell what is wrong with them");
+        throw faultyFrames();
+}
+
+Failure Decoder::faultyFrames() const
+{
+    const bool isText = output.format() == Format::Text;
+    return Failure(ExitCode::BrokenAnswer,
+                   QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(frames.size()),
+                   isText ? "the lines with ! tell what is wrong with them"
+                          : "the records whose fault is true tell what is wrong with them");
+}
+
+void decodeLine(Decoder &decoder, const QByteArray &line)
+{
+    if (const std::optional<TraceRecord> record = parseTraceLine(line))
+        decoder.decode(record->bytes, record->time + ' ' + record->direction + ' ',
+                       {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
+}
+
+bool isRecord(const QByteArray &line)
+{
+    try {
+        parseTraceLine(line);
+        return true;
+    } catch (const Failure &) {
+        return false;
+    }
 }
 
 void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
 {
     const QList<QByteArray> lines = readInput(fileName).split('\n');
-    for (int i = 0; i < lines.size(); ++i)
-        outcome.attempt(QString("%1:%2").arg(fileName).arg(i + 1), [&] {
-            if (const std::optional<TraceRecord> record = parseTraceLine(lines.at(i)))
-                decoder.decode(
-                    record->bytes, record->time + ' ' + record->direction + ' ',
-                    {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
-        });
+    int wrong = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        const bool isGood = isRecord(lines.at(i));
+        wrong += isGood ? 0 : 1;
+        if (isGood || wrong <= kToldLines)
+            outcome.attempt(QString("%1:%2").arg(fileName).arg(i + 1),
+                            [&] { decodeLine(decoder, lines.at(i)); });
+    }
+    if (wrong > kToldLines)
+        reportWarning(
+            QString("%1: %2: no record of a trace").arg(fileName, counted(wrong - kToldLines, "more line")));
 }
 
 QByteArray bytesOf(const Texts &texts)
@@ -147,7 +188,7 @@ int decode(const Options &options, const DecodeOptions &own)
                       "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
     Outcome outcome;
     const QByteArray bytes = bytesOf(own.bytes);
-    Decoder decoder(options);
+    Decoder decoder(options, own.trace ? QString::fromStdString(*own.trace) + ": " : QString());
     if (own.trace)
         decodeTrace(decoder, QString::fromStdString(*own.trace), outcome);
     else

@@ -76,14 +76,15 @@ void Walk::miss(const QString &field)
     if (std::exchange(missed, true))
         return;
     if (wholeSize == 0)
-        explained.faults << QString("cut: it ends before \"%1\"").arg(field);
+        explained.missing = QString("cut: it ends before \"%1\"").arg(field);
     else if (isCut())
-        explained.faults << QString("cut: %1 of %2 bytes are missing, from \"%3\" on")
+        explained.missing = QString("cut: %1 of %2 bytes are missing, from \"%3\" on")
                                 .arg(wholeSize - frame.size())
                                 .arg(wholeSize)
                                 .arg(field);
     else
-        explained.faults << QString("there are no bytes for \"%1\" within the lengths").arg(field);
+        explained.missing = QString("there are no bytes for \"%1\" within the lengths").arg(field);
+    explained.faults << explained.missing;
 }
 
 bool Walk::take(const FrameField &field)

@@ -33,6 +33,7 @@ struct ExplainedFrame
 {
     std::vector<ExplainedByte> bytes; // all of them
     QStringList faults;               // empty for a whole, sound frame
+    QString missing;                  // the one of them that no byte has, when bytes are missing
 };
 
 // The place that one item of a request names.

@@ -13,6 +13,7 @@ constexpr int kPduStart = 7;
 constexpr int kAnswerHeaderSize = 12;
 constexpr int kItemStart = kPduStart + kHeaderSize + 2; // behind function and number of items
 constexpr int kItemSize = 12;
+constexpr int kTailSize = 2; // check sum and end
 
 // Function codes of short frames, without the two bits that count frames.
 constexpr uchar kFunctionMask = 0x4f;
@@ -28,6 +29,14 @@ uchar at(const QByteArray &frame, int index)
 int word(const QByteArray &frame, int index)
 {
     return at(frame, index) << 8 | at(frame, index + 1);
+}
+
+// Both lengths are the same, and there is room for the header that the words are of.
+bool hasHeader(const QByteArray &frame)
+{
+    const int headerSize = at(frame, kPduStart + 1) == kJob ? kHeaderSize : kAnswerHeaderSize;
+    return at(frame, 2) == at(frame, 1) && at(frame, 3) == kLongFrame &&
+           at(frame, 1) + kLongFrameFixed >= kPduStart + headerSize + kTailSize;
 }
 
 bool isSound(const QByteArray &frame, int first, int last)
@@ -153,7 +162,7 @@ QString frameWords(const QByteArray &frame)
         return "no frame";
     if (size != frameSize(frame))
         return "incomplete frame";
-    if (!isSound(frame, isShort ? 1 : 4, size - 2))
+    if (!isSound(frame, isShort ? 1 : 4, size - kTailSize) || !(isShort || hasHeader(frame)))
         return "damaged frame";
     return isShort ? shortFrameWords(frame) : longFrameWords(frame);
 }

@@ -82,10 +82,49 @@ load common
   "format": "s7ppi.decode/1",
   "bytes": [
     {"frame":1,"offset":0,"byte":"e5","field":"acknowledgement","meaning":"taken: ask for the answer","fault":false},
-    {"frame":2,"offset":0,"byte":"10","field":"start","meaning":"a frame without data","fault":false}
+    {"frame":2,"offset":0,"byte":"10","field":"start","meaning":"a frame without data; cut: 5 of 6 bytes are missing, from \"destination\" on","fault":true}
   ],
   "frames": [{"meaning":"acknowledgement","size":1,"faults":[]},{"meaning":"incomplete frame","size":1,"faults":["cut: 5 of 6 bytes are missing, from \"destination\" on"]}]
 }' ]
+}
+
+@test "5: csv and ndjson have what is missing of a cut frame in the record of its last byte" {
+    run --separate-stderr s7ppi decode --format csv 10 02
+    [ "$status" -eq 5 ]
+    [ "${lines[-1]}" = '1,1,02,destination,"station 2; cut: 4 of 6 bytes are missing, from ""source"" on",1' ]
+    [ "${stderr_lines[1]}" = "hint: the records whose fault is true tell what is wrong with them" ]
+    run --separate-stderr s7ppi decode --format ndjson 681b
+    [ "$status" -eq 5 ]
+    [[ "${lines[-1]}" == *'"meaning":"'*'; cut: 31 of 33 bytes are missing, '*'"fault":true}' ]]
+}
+
+@test "5: a frame that has no header is no answer" {
+    run --separate-stderr s7ppi decode 68 03 03 68 02 00 6c 6e 16
+    [ "$status" -eq 5 ]
+    [ "${lines[0]}" = "damaged frame, 9 bytes" ]
+    run --separate-stderr s7ppi decode 68 00 00 68 00 16
+    [ "$status" -eq 5 ]
+    [ "${lines[0]}" = "damaged frame, 6 bytes" ]
+}
+
+@test "2: of a file that is no trace five lines are told, and the others counted" {
+    seq 100 >"$BATS_TEST_TMPDIR/numbers"
+    run --separate-stderr s7ppi decode --trace "$BATS_TEST_TMPDIR/numbers"
+    [ "$status" -eq 2 ]
+    [ "$(grep -c "numbers:[0-9]*: no record of a trace$" <<<"$stderr")" -eq 5 ]
+    [ "${stderr_lines[10]}" = "s7ppi: $BATS_TEST_TMPDIR/numbers: 95 more lines: no record of a trace" ]
+    [ "${stderr_lines[11]}" = "s7ppi: $BATS_TEST_TMPDIR/numbers: there are no bytes to decode" ]
+    [ "${stderr_lines[12]}" = "hint: s7ppi decode --help has examples" ]
+    [ "${#stderr_lines[@]}" -eq 13 ]
+}
+
+@test "2: a trace without frames is named, and the help has examples" {
+    : >"$BATS_TEST_TMPDIR/empty"
+    run --separate-stderr s7ppi decode --trace "$BATS_TEST_TMPDIR/empty"
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $BATS_TEST_TMPDIR/empty: there are no bytes to decode" ]
+    run s7ppi decode --help
+    [[ "$output" == *"Examples:"*"s7ppi decode 10 02 00 5c 5e 16"*"s7ppi decode --trace "* ]]
 }
 
 @test "2: text that is no hexadecimal, nothing at all, and files that are none are refused with a hint" {

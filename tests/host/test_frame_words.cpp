@@ -63,6 +63,10 @@ void TestFrameWords::framesAreToldInWords_data()
     row("68 11 11 68 00 02 08 32 03 00 00 00 01 00 02 00 00 00 00 f0 00 32 16",
         "answer to request 1 from station 2: function F0");
     row("10 02 00 5c 5f 16", "damaged frame");
+    row("68 00 00 68 00 16", "damaged frame");
+    row("68 03 03 68 02 00 6c 6e 16", "damaged frame");
+    row("68 0c 0c 68 02 00 6c 32 01 00 00 00 01 00 02 00 a4 16", "damaged frame"); // a header cut by a byte
+    row("68 0f 0e 68 02 00 6c 32 01 00 00 00 01 00 02 00 00 f0 00 94 16", "damaged frame");
     row("68 19 19 68 00 02 08 32 03", "incomplete frame");
     row("ff", "no frame");
     row("", "no frame");
