@@ -4,8 +4,10 @@
 #include "report_command.h"
 
 #include "command_line.h"
+#include "counted.h"
 #include "exit_code.h"
 #include "output_sink.h"
+#include "report.h"
 #include "report_page.h"
 #include "text_input.h"
 
@@ -27,6 +29,9 @@ script and no network, and goes to stdout without -o.)";
 int report(const Options &options, const QString &fileName)
 {
     const WatchLog log = parseWatchLog(fileName, readInput(fileName));
+    if (log.leftOut > 0)
+        reportWarning(QString("%1: %2 left out, headings that come again or lines that were cut")
+                          .arg(fileName, counted(log.leftOut, "line")));
     const std::unique_ptr<OutputSink> sink = outputSink(options);
     sink->put(reportPage(log, QFileInfo(fileName).fileName()));
     sink->commit();

@@ -59,7 +59,9 @@ private:
     }
 
     void takeHead(const QString &text);
+    bool isHeadAgain(const QString &text);
     void takeRow(const QString &text);
+    void takeLastRow(const QString &text, bool isWhole);
     void takeError(qint64 time);
     void takeValue(qint64 time);
     void takeAnswerTime();
@@ -90,6 +92,7 @@ private:
 
 void LogParser::takeHead(const QString &text)
 {
+    columns.clear();
     separator = csvSeparator(text);
     const QStringList names = csvCells(text, separator).value_or(QStringList());
     for (int i = 0; i < names.size(); ++i)
@@ -97,6 +100,20 @@ void LogParser::takeHead(const QString &text)
     for (const QString &name : kNeeded)
         if (!columns.contains(name))
             throw wrong("there is no column \"" + name + '"');
+}
+
+// Where another recording was appended. What stands before the heading was cut.
+bool LogParser::isHeadAgain(const QString &text)
+{
+    const int start = int(text.lastIndexOf(kNeeded.first() + separator));
+    if (start < 0)
+        return false;
+    const QStringList names = csvCells(text.mid(start), separator).value_or(QStringList());
+    for (const QString &name : kNeeded)
+        if (!names.contains(name))
+            return false;
+    takeHead(text.mid(start));
+    return true;
 }
 
 qint64 LogParser::timeCell()
@@ -192,6 +209,17 @@ void LogParser::takeRow(const QString &text)
     takeAnswerTime();
 }
 
+void LogParser::takeLastRow(const QString &text, bool isWhole)
+{
+    try {
+        takeRow(text);
+    } catch (const Failure &) {
+        if (isWhole)
+            throw;
+        ++log.leftOut;
+    }
+}
+
 // "VB100[2]": only where an item has more elements than one.
 void LogParser::numberElements()
 {
@@ -209,8 +237,14 @@ WatchLog LogParser::parse(const QString &text)
     takeHead(rows.front().text);
     for (size_t i = 1; i < rows.size(); ++i) {
         line = rows.at(i).line;
-        if (!rows.at(i).text.trimmed().isEmpty())
+        if (rows.at(i).text.trimmed().isEmpty())
+            continue;
+        if (isHeadAgain(rows.at(i).text))
+            ++log.leftOut;
+        else if (i + 1 < rows.size())
             takeRow(rows.at(i).text);
+        else
+            takeLastRow(rows.at(i).text, text.endsWith('\n'));
     }
     line = 1;
     if (!hasBegun)

@@ -49,9 +49,11 @@ struct WatchLog
     std::vector<double> answerTimes; // milliseconds
     QList<LoggedError> errors;
     int errorCount = 0;
+    int leftOut = 0; // lines of the file: headings again, and ends of recordings that were cut
 };
 
-// Fails with the place, "log.csv:7", of what is no such record.
+// One recording or several behind each other. Fails with the place, "log.csv:7", of what is no such record;
+// the last line of a recording may have been cut.
 WatchLog parseWatchLog(const QString &fileName, const QByteArray &text);
 
 } // namespace host

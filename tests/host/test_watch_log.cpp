@@ -42,6 +42,9 @@ private slots:
     void errorsAreCountedByCauseAndLeaveGaps();
     void textsAndHexAreNoNumbers();
     void cellsBetweenQuotesMayHoldAnything();
+    void aLastLineThatWasCutIsLeftOut();
+    void recordingsMayBeAppended_data();
+    void recordingsMayBeAppended();
     void whatIsWrongIsToldByItsLine_data();
     void whatIsWrongIsToldByItsLine();
     void meansAreOverTheTimeThatValuesHeld();
@@ -115,6 +118,43 @@ void TestWatchLog::cellsBetweenQuotesMayHoldAnything()
     QCOMPARE(log.series.at(0).label, QString("a, \"b\""));
     QCOMPARE(log.series.at(0).lastText, QString("two\nlines"));
     QCOMPARE(int(log.series.size()), 2);
+}
+
+// Only the last cell, which is empty here, is not missed.
+void TestWatchLog::aLastLineThatWasCutIsLeftOut()
+{
+    const QByteArray good = "2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n";
+    const QByteArray last = "2026-01-31T12:00:01.000Z,,\"VB1\",u8,0,1,,5,";
+    for (int length = 1; length < int(last.size()); ++length) {
+        const WatchLog log = parsed(good + last.left(length));
+        QCOMPARE(log.leftOut, 1);
+        QCOMPARE(int(log.series.size()), 1);
+    }
+    QCOMPARE(parsed(good + last).leftOut, 0);
+    QCOMPARE(parsed(good + QByteArray(512, '\0')).leftOut, 1);
+}
+
+void TestWatchLog::recordingsMayBeAppended_data()
+{
+    QTest::addColumn<QByteArray>("between");
+    QTest::addColumn<int>("leftOut");
+    QTest::newRow("one to another") << QByteArray("") + kHead << 1;
+    QTest::newRow("the first with its last line cut") << "2026-01-31T12:00:00.500Z,,VB0,u8,0" + kHead << 1;
+    QTest::newRow("twice") << kHead + kHead << 2;
+}
+
+void TestWatchLog::recordingsMayBeAppended()
+{
+    QFETCH(QByteArray, between);
+    const WatchLog log = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n" + between +
+                                "2026-01-31T12:00:01.000Z,,VB0,u8,0,2,,5,\n");
+    QTEST(log.leftOut, "leftOut");
+    QCOMPARE(int(log.series.size()), 1);
+    QCOMPARE(int(log.series.at(0).samples.size()), 2);
+    const WatchLog other = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
+                                  "time,address,type,value,error\n2026-01-31T12:00:01.000Z,VB0,u8,2,\n");
+    QCOMPARE(other.leftOut, 1);
+    QCOMPARE(other.errorCount, 0);
 }
 
 void TestWatchLog::whatIsWrongIsToldByItsLine_data()
