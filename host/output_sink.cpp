@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "report.h"
+#include "write_reason.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
@@ -64,7 +65,7 @@ void FileSink::commit()
 
 Failure FileSink::lost() const
 {
-    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + file.errorString(),
+    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + writeReason(file),
                    "check the directory, its rights and its room; nothing was left there");
 }
 

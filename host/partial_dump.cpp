@@ -4,6 +4,7 @@
 #include "partial_dump.h"
 
 #include "memory_range.h"
+#include "write_reason.h"
 
 #include <QFileInfo>
 
@@ -131,7 +132,7 @@ void PartialDump::write(const QByteArray &text)
 
 Failure PartialDump::lost() const
 {
-    return Failure(ExitCode::OutputLost, name() + " cannot be written: " + file.errorString(),
+    return Failure(ExitCode::OutputLost, name() + " cannot be written: " + writeReason(file),
                    "check the directory, its rights and its room");
 }
 

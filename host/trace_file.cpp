@@ -3,6 +3,8 @@
 
 #include "trace_file.h"
 
+#include "write_reason.h"
+
 namespace host {
 
 namespace {
@@ -17,7 +19,7 @@ QByteArray timeText(const QDateTime &time)
 
 Failure unwritable(const QFile &file)
 {
-    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + file.errorString(),
+    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + writeReason(file),
                    "check the trace file's directory, its rights and its room");
 }
 

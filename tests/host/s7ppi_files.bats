@@ -86,6 +86,25 @@ refused() {
     s7ppi read --port plc VB100 --trace /dev/null >/dev/null
 }
 
+# without_room S7PPI_ARGUMENT...: where files take no more than a kilobyte, as on a full disk.
+without_room() {
+    run -74 --separate-stderr bash -c "trap '' XFSZ; ulimit -f 1; s7ppi -q $*"
+}
+
+@test "74: the system's reason is told when a file takes no more" {
+    enter_directory
+    without_room dump --port sim -o a.dump VB0..VB999
+    [[ "${stderr_lines[0]}" == *"a.dump.part cannot be written: File too large" ]]
+    without_room read --port sim -o values VB0*600
+    [ "${stderr_lines[0]}" = "s7ppi: values cannot be written: File too large" ]
+    without_room watch --port sim -o run.csv VB0*40 --count 10 --interval 1 --all
+    [ "${stderr_lines[0]}" = "s7ppi: run.csv cannot be written: File too large" ]
+    without_room read --port sim --trace trace VB0*600
+    [[ "${stderr_lines[0]}" == *"trace cannot be written: File too large" ]]
+    run -74 --separate-stderr s7ppi read --port sim --trace /dev/full VB100
+    [ "${stderr_lines[0]}" = "s7ppi: /dev/full cannot be written: No space left on device" ]
+}
+
 @test "stdout under another name is no file to be replaced" {
     enter_directory
     start s7ppi-sim --link plc
