@@ -97,7 +97,8 @@ std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome)
         const QString next = i + 1 < texts.size() ? QString::fromStdString(texts.at(i + 1)) : QString();
         const bool isTorn = isTornApart(text, next);
         outcome.attempt(text, [&] {
-            assignments.push_back(isTorn ? throw withoutValue(text + '=' + next) : parseAssignment(text));
+            assignments.push_back(isTorn ? throw withoutValue(text.section('*', 0, 0) + '=' + next)
+                                         : parseAssignment(text));
         });
         if (isTorn)
             ++i;

@@ -9,6 +9,7 @@
 #include "output.h"
 #include "read_plan.h"
 #include "request_frames.h"
+#include "tag_file.h"
 #include "write_plan.h"
 
 #include <QHash>
@@ -24,8 +25,8 @@ constexpr int kLabelWidth = 12;
 const Layout kLayout = {"check",
                         1,
                         "items",
-                        {"text", "valid", "area", "type", "count", "first", "last", "requests", "frame",
-                         "writable", "writeError", "error", "nearest"}};
+                        {"text", "valid", "address", "area", "type", "count", "first", "last", "requests",
+                         "frame", "writable", "writeError", "error", "nearest"}};
 
 const char kFooter[] = R"(
 Nothing is sent and no port is opened: the plug-in shows what it would send. How much memory there is
@@ -91,6 +92,7 @@ Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
 {
     Json record = {{"text", jsonText(text)},
                    {"valid", true},
+                   {"address", jsonText(item.address.text())},
                    {"area", jsonText(areaName(item.address))},
                    {"type", jsonText(typeName(item.type))},
                    {"count", item.count},
@@ -116,8 +118,9 @@ QString validText(const QString &text, const Item &item, const Verdict &verdict)
     const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
     const QString frame = QString::fromLatin1(verdict.frame.toHex(' '));
     const bool isLong = verdict.requests > 1;
+    const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
     return QStringList(
-               {text, labelled("valid", values),
+               {head, labelled("valid", values),
                 labelled("area", areaName(address) + ", " + elementName(address)),
                 labelled("limits", limits + ", less in most models"),
                 labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
@@ -148,31 +151,28 @@ class Checker
 public:
     explicit Checker(const Options &options) : frames(options), output(options, kLayout) {}
 
+    // An item, or a tag file for all of its tags.
     void check(const QString &text);
 
     // Fails when there was something wrong.
-    void finish(size_t count);
+    void finish();
 
 private:
-    void checkItem(const QString &text);
+    template <typename Check> void attempt(const QString &text, const Check &check);
+    void checkItem(const QString &text, const Item &item);
+    void checkFile(const QString &reference);
 
     RequestFrames frames;
     Output output;
+    int right = 0;
     int wrong = 0;
     ExitCode first = ExitCode::Success;
 };
 
-void Checker::checkItem(const QString &text)
-{
-    const Item item = parseItem(text);
-    const Verdict verdict = verdictOn(item, frames);
-    output.write(validRecord(text, item, verdict), validText(text, item, verdict));
-}
-
-void Checker::check(const QString &text)
+template <typename Check> void Checker::attempt(const QString &text, const Check &check)
 {
     try {
-        checkItem(text);
+        check();
     } catch (const Failure &failure) {
         if (failure.isFinal())
             throw;
@@ -183,11 +183,41 @@ void Checker::check(const QString &text)
     }
 }
 
-void Checker::finish(size_t count)
+void Checker::checkItem(const QString &text, const Item &item)
+{
+    const Verdict verdict = verdictOn(item, frames);
+    output.write(validRecord(text, item, verdict), validText(text, item, verdict));
+    ++right;
+}
+
+void Checker::checkFile(const QString &reference)
+{
+    Outcome outcome;
+    for (const Tag &tag : parseTags({reference.toStdString()}, outcome)) {
+        const QString text = reference + ':' + tag.name;
+        attempt(text, [&] { checkItem(text, tag.item); });
+    }
+    if (!outcome.isSuccess())
+        throw brokenTagFile();
+}
+
+void Checker::check(const QString &text)
+{
+    attempt(text, [&] {
+        if (!isTagReference(text))
+            checkItem(text, parseItem(text));
+        else if (text.contains(':'))
+            checkItem(text, findTag(text).item);
+        else
+            checkFile(text);
+    });
+}
+
+void Checker::finish()
 {
     output.finish();
     if (wrong > 0)
-        throw Failure(first, QString("%1 of %2 not valid").arg(wrong).arg(count),
+        throw Failure(first, QString("%1 of %2 not valid").arg(wrong).arg(right + wrong),
                       "the data tell what could be meant instead");
 }
 
@@ -196,7 +226,7 @@ int checkAll(const Options &options, const Texts &texts)
     Checker checker(options);
     for (const std::string &text : texts)
         checker.check(QString::fromStdString(text));
-    checker.finish(texts.size());
+    checker.finish();
     return int(ExitCode::Success);
 }
 
@@ -208,7 +238,7 @@ void declareCheck(CLI::App &app, CommandLine &line)
     CLI::App *check =
         addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
                    [items](const Options &options) { return checkAll(options, *items); });
-    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT], as for read");
+    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
     setFooter(*check, std::string(kTypesFooter) + '\n' + kFooter);
 }
 

@@ -179,6 +179,11 @@ std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, O
     return parser.tags;
 }
 
+Failure brokenTagFile()
+{
+    return wrong("there are errors in the tag file", "mend the lines that stderr names");
+}
+
 bool isTagReference(const QString &text)
 {
     return text.startsWith('@');
@@ -190,7 +195,7 @@ Tag findTag(const QString &reference)
     Outcome outcome;
     const std::vector<Tag> tags = readTagFile(fileIn(reference), outcome);
     if (!outcome.isSuccess())
-        throw wrong("there are errors in the tag file", "mend the lines that are named above");
+        throw brokenTagFile();
     for (const Tag &tag : tags)
         if (tag.name == name)
             return tag;

@@ -28,6 +28,9 @@ std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, O
 // Whether a text names a tag file, "@tags.csv", or a tag in one, "@tags.csv:Boiler".
 bool isTagReference(const QString &text);
 
+// What is told of a whole file when its lines have been reported.
+Failure brokenTagFile();
+
 // The tag that a reference names. Fails when there is none, or anything wrong in its file.
 Tag findTag(const QString &reference);
 

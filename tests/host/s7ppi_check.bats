@@ -51,6 +51,34 @@ load common
     [[ "${stderr_lines[1]}" == "hint: "* ]]
 }
 
+@test "a tag file stands for its tags, as for read" {
+    local tags=$BATS_TEST_TMPDIR/tags.csv
+    printf 'name,address,type\nBoiler,VW100,i16\nInput,AIW2\n' >"$tags"
+    run --separate-stderr s7ppi check "@$tags" VB1
+    [ "$status" -eq 0 ]
+    [ -z "$stderr" ]
+    [ "${lines[0]}" = "@$tags:Boiler VW100" ]
+    [ "${lines[1]}" = "  valid        1 i16" ]
+    [[ "$output" == *"@$tags:Input AIW2"*"can not write data to AIW2"*$'\nVB1\n'* ]]
+    run --separate-stderr s7ppi check --format json "@$tags:Input"
+    [ "$(jq -c '.items[] | [.text, .address, .valid]' <<<"$output")" = "[\"@$tags:Input\",\"AIW2\",true]" ]
+}
+
+@test "2: what is wrong in a tag file is told, and its other tags are checked" {
+    local tags=$BATS_TEST_TMPDIR/tags.csv
+    printf 'name,address\nBoiler,VW100\nPump,vb1\n' >"$tags"
+    run --separate-stderr s7ppi check "@$tags"
+    [ "$status" -eq 2 ]
+    [ "${lines[0]}" = "@$tags:Boiler VW100" ]
+    [[ "$output" == *"@$tags"$'\n'"  not valid    there are errors in the tag file"* ]]
+    [[ "${stderr_lines[0]}" == "s7ppi: $tags:3: "*"not an address of the controller" ]]
+    [ "${stderr_lines[2]}" = "s7ppi: 1 of 2 not valid" ]
+    printf 'name,address\nBoiler,VW100\n' >"$tags"
+    run --separate-stderr s7ppi check "@$tags:Pump"
+    [ "$status" -eq 2 ]
+    [[ "$output" == *'there is no tag "Pump" in the file'*"its tags are Boiler"* ]]
+}
+
 @test "json names the nearest addresses as a list" {
     run --separate-stderr s7ppi check --format json VX10 VW2097151 V10.9 nonsense
     [ "$status" -eq 2 ]
