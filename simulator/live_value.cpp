@@ -92,6 +92,8 @@ void LiveValue::check() const
         refuse(m_placeText + ": clock needs a double word");
     if (m_period <= 0)
         refuse('"' + m_courseText + "\": the time must be longer than 0");
+    if (m_kind == Kind::Counter && m_first == 0.0)
+        refuse('"' + m_courseText + "\": the step must not be 0");
     const bool sine = m_kind == Kind::Sine;
     const double amplitude = std::fabs(m_second);
     const double lowest = sine ? m_first - amplitude : m_first;

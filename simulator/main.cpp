@@ -16,6 +16,8 @@
 #include "simulator/trace_file.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <exception>
@@ -34,13 +36,22 @@ sim::Time timeOfDay()
     return std::chrono::duration_cast<sim::Time>(std::chrono::system_clock::now().time_since_epoch());
 }
 
+// A file that is to be made at the end is not missed at the beginning.
+sim::StoredMemory memoryFor(const sim::StationOption &option)
+{
+    const bool isNew = option.memoryFile == option.saveFile &&
+                       !QFileInfo::exists(QFile::decodeName(option.memoryFile.c_str()));
+    if (isNew && !option.memoryFile.empty())
+        sim::note(option.memoryFile + " is new: it begins with the example memory");
+    return option.memoryFile.empty() || isNew ? sim::StoredMemory{sim::exampleMemory(), {}}
+                                              : sim::loadMemory(option.memoryFile);
+}
+
 // The live values of the command line come behind those of the file, and never get into it.
 sim::StoredMemory addStation(sim::Simulator &simulator, const sim::StationOption &option,
                              const std::vector<std::string> &live)
 {
-    sim::StoredMemory stored{sim::exampleMemory(), {}};
-    if (!option.memoryFile.empty())
-        stored = sim::loadMemory(option.memoryFile);
+    sim::StoredMemory stored = memoryFor(option);
     sim::Station &station = simulator.addStation(option.address, stored.memory);
     for (const sim::LiveValue &value : stored.live)
         station.addLiveValue(value);
@@ -103,6 +114,9 @@ private:
 
 Program::Program(const sim::Options &options) : m_options(options)
 {
+    for (const sim::StationOption &station : m_options.stations)
+        if (!station.saveFile.empty())
+            sim::checkSavable(station.saveFile);
     for (const sim::StationOption &station : m_options.stations)
         m_stored.push_back(addStation(m_simulator, station, m_options.live));
     m_simulator.setPace(m_options.pace);

@@ -42,6 +42,13 @@ StoredMemory loadMemory(const std::string &path)
     }
 }
 
+void checkSavable(const std::string &path)
+{
+    QSaveFile file(QFile::decodeName(path.c_str()));
+    if (!file.open(QIODevice::WriteOnly))
+        throw UserError(path + ": cannot save: " + reasonOf(file), "check the file's folder and its rights");
+}
+
 void saveMemory(const StoredMemory &stored, const std::string &path)
 {
     const std::string text = formatMemory(stored);

@@ -13,6 +13,9 @@ namespace sim {
 // Throws MemoryFileError.
 StoredMemory loadMemory(const std::string &path);
 
+// Throws UserError when a memory could not even be begun to be saved there.
+void checkSavable(const std::string &path);
+
 // Replaces the file as a whole: it is either the old one or the new one at any time. Throws MemoryFileError.
 void saveMemory(const StoredMemory &stored, const std::string &path);
 

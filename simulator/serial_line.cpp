@@ -3,11 +3,24 @@
 
 #include "simulator/serial_line.h"
 
+#include <QFileInfo>
+
 namespace sim {
+
+namespace {
+
+// What is no path to Qt it looks for in /dev, also when it is in the folder.
+QString locationOf(const QString &device)
+{
+    const QFileInfo info(device);
+    return info.exists() ? info.absoluteFilePath() : device;
+}
+
+} // namespace
 
 SerialLine::SerialLine(const QString &device, qint32 baudRate, QSerialPort::Parity parity) : m_device(device)
 {
-    m_port.setPortName(device);
+    m_port.setPortName(locationOf(device));
     m_port.setBaudRate(baudRate);
     m_port.setParity(parity);
     if (!m_port.open(QIODevice::ReadWrite))

@@ -196,6 +196,26 @@ milliseconds() {
     [[ $output == *'several stations would be saved to memory.json'* ]]
 }
 
+@test "--save to nowhere is refused at the start, and leaves nothing in a folder that there is" {
+    fails 74 --link plc --save missing/saved.json
+    [ "$output" = "s7ppi-sim: missing/saved.json: cannot save: No such file or directory" ]
+    [ ! -L plc ]
+    echo '{}' >two.json
+    fails 74 --station 2:two.json --station 3:missing/three.json --save
+    [ "$(ls)" = two.json ]
+}
+
+@test "a memory file that does not exist yet is made by --save" {
+    start --station 2:new.json --save
+    [ "$(cat messages)" = 's7ppi-sim: new.json is new: it begins with the example memory' ]
+    [ ! -e new.json ]
+    stop
+    [ "$status" -eq 0 ]
+    grep -q '"100": "11223344"' new.json
+    usage_error --station 2:other.json --save saved.json
+    [[ $output == "s7ppi-sim: other.json: cannot open: "* ]]
+}
+
 @test "a memory that cannot be saved is told; the others are saved" {
     echo '{}' >two.json
     echo '{ "M": { "0": "03" } }' >three.json
@@ -402,6 +422,17 @@ milliseconds() {
     stop
     [ "$(cut -c 1 messages | tr -d '\n')" = '><><' ]
     grep -qF '> 10 02 00 5c 5e 16  0 to 2: poll' messages
+}
+
+@test "a port in the folder needs no ./ before its name" {
+    start
+    local far=$simulator
+    ln -s "$port" plc
+    start --port plc
+    [ "$port" = plc ]
+    stop
+    [ "$status" -eq 0 ]
+    kill "$far"
 }
 
 @test "a serial port that vanishes is told and has its own exit code" {

@@ -128,7 +128,7 @@ private slots:
     void bothSignalsSaveTheMemory_data();
     void bothSignalsSaveTheMemory();
     void savedMemoryIsTheNextRunsMemory();
-    void failedSavingIsToldAndIsStatus74();
+    void savingThatCannotSucceedIsRefusedAtTheStart();
     void linkLeadsToThePortAndGoesAtTheEnd();
     void staleLinkIsReplaced();
     void linkOfARunningSimulatorIsNotReplaced();
@@ -305,10 +305,11 @@ void TestSimulatorProgram::savedMemoryIsTheNextRunsMemory()
     QVERIFY(sim::loadMemory(path.toStdString()).memory == memory);
 }
 
-void TestSimulatorProgram::failedSavingIsToldAndIsStatus74()
+void TestSimulatorProgram::savingThatCannotSucceedIsRefusedAtTheStart()
 {
     Simulator simulator({"--save", "/nonexistent/memory.json"});
-    QCOMPARE(simulator.stop(), 74);
+    QCOMPARE(simulator.waitForEnd(), 74);
+    QCOMPARE(simulator.firstLine(), QString());
     QCOMPARE(simulator.complaint(),
              QString("s7ppi-sim: /nonexistent/memory.json: cannot save: No such file or directory"));
 }
