@@ -117,8 +117,11 @@ void applySettings(CLI::App &app, Options &options)
     Applier applier(app, options);
     applier.apply(environmentSettings(names));
     applier.apply(ofFile);
-    if (options.verbose)
-        applier.tell();
+    if (!options.verbose)
+        return;
+    applier.tell();
+    for (const QString &variable : strangeVariables(names))
+        reportNote(variable + " is set, and is no option");
 }
 
 } // namespace host

@@ -8,17 +8,22 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QStringList>
 
 #include <algorithm>
+#include <cstring>
 #include <sstream>
 
 namespace host {
 
 namespace {
 
+const char kVariableBegin[] = "S7PPI_";
 const char kFileVariable[] = "S7PPI_CONFIG";
+const char kByteOrderMark[] = "\xef\xbb\xbf"; // some editors begin a file with it
 
 QString joined(const Texts &texts)
 {
@@ -28,10 +33,15 @@ QString joined(const Texts &texts)
     return list.join(' ');
 }
 
-Failure wrongLine(const QString &source, const QString &text, const Texts &options)
+// What the line could be. A # behind a setting is part of it.
+QString lineHint(const QByteArray &line, const Texts &options)
 {
-    return Failure(ExitCode::Usage, source + ": " + text,
-                   "a line is OPTION = VALUE; options are " + joined(options));
+    static const QRegularExpression comment("\\s#.*$");
+    const QString text = utf8Text(line).trimmed();
+    const QString setting = QString(text).remove(comment).trimmed();
+    if (setting != text)
+        return "a comment needs a line of its own: write " + setting + " alone";
+    return "a line is OPTION = VALUE; options are " + joined(options);
 }
 
 bool isBlank(const QByteArray &line)
@@ -43,15 +53,18 @@ bool isBlank(const QByteArray &line)
 // One line at a time, so that an error can name it.
 Setting settingOf(const QByteArray &line, const QString &source, const Texts &options)
 {
+    const auto wrong = [&](const QString &text) {
+        return Failure(ExitCode::Usage, source + ": " + text, lineHint(line, options));
+    };
     std::istringstream text(line.toStdString());
     const std::vector<CLI::ConfigItem> items = CLI::ConfigINI().from_config(text);
     if (items.size() != 1 || !items.front().parents.empty() || items.front().inputs.size() != 1)
-        throw wrongLine(source, QString::fromUtf8(line.trimmed()) + " is no setting", options);
+        throw wrong(utf8Text(line.trimmed()) + " is no setting");
     const CLI::ConfigItem &item = items.front();
     if (std::find(options.begin(), options.end(), item.name) == options.end())
-        throw wrongLine(source, QString::fromStdString(item.name) + " is not an option", options);
+        throw wrong(QString::fromStdString(item.name) + " is not an option");
     if (item.inputs.front().empty())
-        throw wrongLine(source, QString::fromStdString(item.name) + " has no value", options);
+        throw wrong(QString::fromStdString(item.name) + " has no value");
     return {item.name, item.inputs.front(), source};
 }
 
@@ -69,7 +82,7 @@ void add(std::vector<Setting> &settings, const Setting &setting)
 
 std::string variableName(const std::string &option)
 {
-    const QString name = "S7PPI_" + QString::fromStdString(option).toUpper().replace('-', '_');
+    const QString name = kVariableBegin + QString::fromStdString(option).toUpper().replace('-', '_');
     return name.toStdString();
 }
 
@@ -85,10 +98,21 @@ std::vector<Setting> environmentSettings(const Texts &options)
     return settings;
 }
 
+QStringList strangeVariables(const Texts &options)
+{
+    QStringList variables = QProcessEnvironment::systemEnvironment().keys();
+    variables.removeAll(kFileVariable);
+    for (const std::string &option : options)
+        variables.removeAll(QString::fromStdString(variableName(option)));
+    return variables.filter(QRegularExpression('^' + QString(kVariableBegin)));
+}
+
 std::vector<Setting> fileSettings(const QString &name, const Texts &options)
 {
-    const QByteArray text =
+    QByteArray text =
         readFile(name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
+    if (text.startsWith(kByteOrderMark))
+        text.remove(0, int(std::strlen(kByteOrderMark)));
     std::vector<Setting> settings;
     const QList<QByteArray> lines = text.split('\n');
     for (int i = 0; i < int(lines.size()); ++i)

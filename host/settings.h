@@ -14,6 +14,7 @@
 #include "command_line.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -30,6 +31,9 @@ std::string variableName(const std::string &option);
 
 // What the environment says of these options.
 std::vector<Setting> environmentSettings(const Texts &options);
+
+// Variables that look as if they set an option and set none of these.
+QStringList strangeVariables(const Texts &options);
 
 // What the file says. Fails when it cannot be read, and on a line that names none of these options.
 std::vector<Setting> fileSettings(const QString &file, const Texts &options);

@@ -10,6 +10,7 @@ setup() {
     PATH="$S7PPI_BIN_DIR:$S7PPI_TEST_DIR:$PATH"
     unset S7PPI_PLUGIN S7PPI_PORT S7PPI_STATION S7PPI_FORMAT S7PPI_VERBOSE S7PPI_QUIET NO_COLOR
     export S7PPI_CONFIG= # not the developer's own
+    export -n S7PPI_BIN_DIR S7PPI_TEST_DIR S7PPI_PLUGIN_FILE # no options: --verbose would tell of them
     background=()
 }
 

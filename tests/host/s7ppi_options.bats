@@ -155,6 +155,31 @@ LINES
     [[ "${stderr_lines[0]}" == "s7ppi: /no/such/file cannot be read: "* ]]
 }
 
+@test "a file may begin with a byte order mark" {
+    settings $'\xef\xbb\xbfport = sim' "format = csv"
+    run --separate-stderr s7ppi read --config "$settings" VB100
+    [ "${lines[1]}" = ",VB100,u8,0,17,," ]
+}
+
+@test "2: a comment behind a setting is told as one" {
+    local line
+    for line in "port = sim # no adapter" "reconnect # always"; do
+        settings "$line"
+        run --separate-stderr s7ppi read --config "$settings" VB100
+        [ "$status" -eq 2 ]
+        [ "${stderr_lines[1]}" = "hint: a comment needs a line of its own: write ${line%% #*} alone" ]
+    done
+}
+
+@test "variables that are no options are told with -v" {
+    S7PPI_BUAD=19200 run --separate-stderr s7ppi read -v --port sim VB100
+    [ "$status" -eq 0 ]
+    [ "$(grep -c "is no option" <<<"$stderr")" -eq 1 ]
+    [ "${stderr_lines[0]}" = "s7ppi: S7PPI_BUAD is set, and is no option" ]
+    S7PPI_BUAD=19200 run --separate-stderr s7ppi read --port sim VB100
+    [ -z "$stderr" ]
+}
+
 @test "the line is set as the options say" {
     start s7ppi-sim
     run --separate-stderr s7ppi read --port "$port" -v --baud 187500 --parity none --databits 8 --stopbits 2 VB100
