@@ -77,8 +77,8 @@ Finding judgeRetries(const ReadTrial &trial)
 
 Finding judgeTimeout(const ReadTrial &trial, int timeout)
 {
-    const QString text =
-        QString("%1 ms, and answers began and ended within %2 ms").arg(timeout).arg(trial.longestWait);
+    const QString waits = QString(", and answers began and ended within %1 ms").arg(trial.longestWait);
+    const QString text = QString("%1 ms").arg(timeout) + (trial.longestWait > 0 ? waits : QString());
     const bool isTight = 2 * trial.longestWait > timeout;
     return findingWith("time-out", text,
                        isTight ? QString("that is close: choose --timeout %1").arg(4 * trial.longestWait)

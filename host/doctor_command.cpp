@@ -14,6 +14,8 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
+
 namespace host {
 
 namespace {
@@ -31,6 +33,13 @@ of one byte, MB0. Nothing is written. Each has a line: ok, warning or failed, an
 below it. The exit code is that of the first check that failed.
 
 Options: s7ppi --help)";
+
+// s7ppi locks its port, also the port's end of a pseudo-terminal.
+bool isOwnProgram(const QList<PortHolder> &holders)
+{
+    return std::any_of(holders.begin(), holders.end(),
+                       [](const PortHolder &holder) { return holder.program == "s7ppi"; });
+}
 
 class Doctor
 {
@@ -155,7 +164,7 @@ bool Doctor::examinePort()
         if (port.holders.isEmpty())
             return "no other program has the port open";
         const QString text = "in use by " + holderText(port.holders);
-        if (isPseudoTerminal(port.device))
+        if (isPseudoTerminal(port.device) && !isOwnProgram(port.holders))
             return text + ", which may be the other end of the pseudo-terminal";
         throw Failure(ExitCode::PortUnusable, text, holderAdvice(port));
     });

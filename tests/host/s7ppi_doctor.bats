@@ -87,8 +87,8 @@ checks() {
     doctor
     [ "$status" -eq 3 ]
     [[ "$output" == *"in use by s7ppi (process ${background[1]})"* ]]
-    [[ "$(checks)" == *" line:failed " ]]
-    [[ "${lines[-1]}" == "        -> another program has the port open: "* ]]
+    [[ "$(checks)" == *" rights:ok lock:failed " ]]
+    [ "${lines[-1]}" = "        -> end the other program, or use another port" ]
 }
 
 @test "4: a silent controller is not asked for ever" {

@@ -88,6 +88,7 @@ void TestDiagnosis::repetitionsAreAWarning()
 void TestDiagnosis::aTimeOutShouldBeTwiceTheLongestWait()
 {
     ReadTrial trial = trialOf({24}, 1, 1);
+    QCOMPARE(told(judgeTimeout(trial, 500)), QString("ok: 500 ms /  / 0"));
     trial.longestWait = 250;
     QCOMPARE(told(judgeTimeout(trial, 500)),
              QString("ok: 500 ms, and answers began and ended within 250 ms /  / 0"));
