@@ -3,6 +3,7 @@
 
 #include "connection.h"
 
+#include "diagnosis.h"
 #include "driver_fault.h"
 #include "interruption.h"
 #include "port_choice.h"
@@ -93,13 +94,13 @@ void Connection::openPort(const QString &name, const Options &options)
         echo = std::make_unique<EchoPort>(*device);
         device = echo.get();
     }
-    counter = std::make_unique<CountingPort>(*withTrace(device, line, options));
+    trace = std::make_unique<TracingPort>(*device, listeners(line, options));
+    counter = std::make_unique<CountingPort>(*trace);
 }
 
-AbstractDeviceInterface *Connection::withTrace(AbstractDeviceInterface *device, const LineSettings &line,
-                                               const Options &options)
+std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const Options &options)
 {
-    std::vector<FrameListener *> listeners;
+    std::vector<FrameListener *> listeners = {&exchange};
     if (options.verbose) {
         showLine(line);
         lines = std::make_unique<FrameLines>(reportTrace);
@@ -112,10 +113,7 @@ AbstractDeviceInterface *Connection::withTrace(AbstractDeviceInterface *device, 
     }
     if (watcher)
         listeners.push_back(watcher);
-    if (listeners.empty())
-        return device;
-    trace = std::make_unique<TracingPort>(*device, listeners);
-    return trace.get();
+    return listeners;
 }
 
 void Connection::showLine(const LineSettings &line) const
@@ -128,6 +126,7 @@ void Connection::showLine(const LineSettings &line) const
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
     while (true) {
+        exchange = LineWatcher();
         QByteArray data = plugin.driver().read(counter.get(), command);
         if (isAlive()) {
             nextPause = 0;
@@ -140,6 +139,7 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
+    exchange = LineWatcher();
     if (plugin.driver().write(counter.get(), command, data) != 0) {
         checkTrace();
         return;
@@ -183,8 +183,10 @@ void Connection::checkOutcome()
     checkTrace();
     if (const std::optional<Failure> failure = echo ? echo->takeFailure() : std::nullopt)
         throw Failure(*failure);
-    if (plugin.driver().hasError())
-        throw driverFailure(plugin.driver().getLastError());
+    if (!plugin.driver().hasError())
+        return;
+    const Failure failure = driverFailure(plugin.driver().getLastError());
+    throw failure.code() == ExitCode::BrokenAnswer && exchange.hasEcho() ? echoFailure() : failure;
 }
 
 void Connection::awaitPort()

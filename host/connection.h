@@ -9,6 +9,7 @@
 #include "counting_port.h"
 #include "echo_port.h"
 #include "frame_lines.h"
+#include "line_watcher.h"
 #include "options.h"
 #include "plugin.h"
 #include "serial_port.h"
@@ -19,6 +20,7 @@
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -82,8 +84,7 @@ private:
     QString choosePort(const Options &options);
     QString startSimulator();
     void openPort(const QString &name, const Options &options);
-    AbstractDeviceInterface *withTrace(AbstractDeviceInterface *device, const LineSettings &line,
-                                       const Options &options);
+    std::vector<FrameListener *> listeners(const LineSettings &line, const Options &options);
     void showLine(const LineSettings &line) const;
     bool isAlive() const;
     void checkPort() const;
@@ -107,7 +108,8 @@ private:
     std::unique_ptr<EchoPort> echo; // null unless the adapter echoes
     std::unique_ptr<FrameLines> lines;
     std::unique_ptr<TraceFile> traceFile;
-    std::unique_ptr<TracingPort> trace;    // null when nobody listens
+    LineWatcher exchange; // the read or write under way
+    std::unique_ptr<TracingPort> trace;
     std::unique_ptr<CountingPort> counter; // what the driver gets
 };
 

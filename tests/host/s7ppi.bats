@@ -293,6 +293,25 @@ invalid_response e5 681919680002083203000000090002000800000401ff0400201122334424
 REACTIONS
 }
 
+@test "5: an adapter that hears itself is told, whatever was asked" {
+    start s7ppi-sim --fault echo
+    [ "$(s7ppi --port "$port" --echo read VB100)" = "VB100 17" ]
+    printf '%s\n' "s7ppi-dump 1" "area VB100..VB101" "station 2" "VB100 a0 a1" >"$BATS_TEST_TMPDIR/two.dump"
+    local arguments
+    while read -r -a arguments; do
+        run --separate-stderr s7ppi --port "$port" -q "${arguments[@]}"
+        [ "$status" -eq 5 ]
+        [[ "${stderr_lines[0]}" == "s7ppi: "*": the adapter hears what it sends" ]]
+        [ "${stderr_lines[1]}" = "hint: use --echo, or switch the adapter's receiver off while it sends" ]
+    done <<COMMANDS
+read VB100
+write VB100=1
+watch --count 1 VB100
+dump VB100..VB110 -o $BATS_TEST_TMPDIR/dump
+load $BATS_TEST_TMPDIR/two.dump
+COMMANDS
+}
+
 @test "6: the port goes away; no further item is tried" {
     start fake_controller e5 hang-up
     run --separate-stderr s7ppi read --port "$port" --timeout 60000 VB0 VB1
