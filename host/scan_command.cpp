@@ -112,6 +112,7 @@ private:
     void scanLine(Connection &connection, int baud);
     std::optional<Answer> askStation(Connection &connection, int station) const;
     void tell(int baud, int station, const Answer &answer);
+    void tellOnlyRate(int baud);
     void reportRefusal() const;
 
     const Options &options;
@@ -144,8 +145,10 @@ bool Scan::run()
         if (!connection)
             continue;
         scanLine(*connection, baud);
-        if (isPseudoTerminal(connection->portName()))
+        if (isPseudoTerminal(connection->portName())) {
+            tellOnlyRate(baud);
             break;
+        }
     }
     progress.clear();
     reportRefusal();
@@ -168,6 +171,13 @@ std::unique_ptr<Connection> Scan::connect(int baud)
             refusal = failure;
         return nullptr;
     }
+}
+
+void Scan::tellOnlyRate(int baud)
+{
+    if (bauds.size() > 1)
+        progress.note(
+            QString("only %1 baud was tried: the port is a pseudo-terminal, which has no speed").arg(baud));
 }
 
 void Scan::reportRefusal() const
@@ -240,7 +250,7 @@ void declareScan(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<ScanOptions>();
     CLI::App *command = addCommand(app, line, "scan", "Find the stations on a line",
                                    [own](const Options &options) { return scan(options, *own); });
-    addText(*command, "--stations", own->stations, "LIST", "Which, as 2 or 2,5..9, else 0..126");
+    addText(*command, "--stations,--station", own->stations, "LIST", "Which, as 2 or 2,5..9, else 0..126");
     addText(*command, "--baud", own->bauds, "LIST", "At which rates, as 9600,19200 or all");
     setFooter(*command, kFooter);
 }

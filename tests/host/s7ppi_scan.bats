@@ -68,6 +68,16 @@ await_scanner() {
     [ -z "$stderr" ]
 }
 
+@test "--station asks that station only" {
+    start fake_controller
+    scan --timeout 20 -v --station 5
+    [ "$status" -eq 4 ]
+    [ "$(grep -c '^->' <<<"$stderr")" -eq 1 ]
+    [[ "$stderr" == *"to station 5: "* ]]
+    S7PPI_STATION=5 scan --timeout 1 -v
+    [ "$(grep -c '^->' <<<"$stderr")" -eq 127 ]
+}
+
 @test "4: what makes no sense twice is told, and is no station" {
     start fake_controller 00 00
     scan --stations 5
@@ -107,6 +117,9 @@ await_scanner() {
     done
     scan --timeout 5000 --stations 2 --baud all
     [[ "${lines[0]}" == "station 2 at 9600 baud: "* ]]
+    [ "$stderr" = "s7ppi: only 9600 baud was tried: the port is a pseudo-terminal, which has no speed" ]
+    scan --timeout 5000 --stations 2 --baud 19200
+    [ -z "$stderr" ]
     S7PPI_BAUD=187500 scan --timeout 5000 --stations 2
     [[ "${lines[0]}" == "station 2 at 187500 baud: "* ]]
 }
