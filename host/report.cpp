@@ -20,6 +20,7 @@ const char kProgramLabel[] = "s7ppi:";
 const char kHintLabel[] = "hint:";
 
 bool isQuiet = false;
+bool isVerbose = false;
 
 void printNotice(const QByteArray &label, const char *colour, const QString &text)
 {
@@ -31,6 +32,17 @@ void printNotice(const QByteArray &label, const char *colour, const QString &tex
 void setQuiet(bool quiet)
 {
     isQuiet = quiet;
+}
+
+void setVerbose(bool verbose)
+{
+    isVerbose = verbose;
+}
+
+void reportDetail(const QString &text)
+{
+    if (isVerbose)
+        reportNote(text);
 }
 
 void reportNote(const QString &text)

@@ -17,6 +17,10 @@ class Failure;
 void setQuiet(bool quiet);
 void reportNote(const QString &text);
 
+// What is said with --verbose only.
+void setVerbose(bool verbose);
+void reportDetail(const QString &text);
+
 // What stays with -q, though it is no failure of the command.
 void reportWarning(const QString &text);
 

@@ -35,6 +35,7 @@ int run(Options &options, const std::function<int()> &command)
 {
     catchInterruptions();
     setQuiet(options.quiet);
+    setVerbose(options.verbose);
     installDriverLog(options.verbose);
     const int exitCode = outcomeOf(options, command);
     const int signalNumber = interruptingSignal();

@@ -33,16 +33,26 @@ QStringList cellsOf(const QString &line, QChar separator)
     return *cells;
 }
 
+// Other columns are a spreadsheet's own.
 QStringList parseHead(const QString &line)
 {
-    QStringList columns = cellsOf(line, csvSeparator(line));
-    for (const QString &column : columns)
-        if (!kColumns.contains(column) || columns.count(column) > 1)
-            throw wrong('"' + column + (kColumns.contains(column) ? "\" is there twice" : "\" is no column"),
-                        kHeadHint);
+    QStringList columns;
+    for (const QString &cell : cellsOf(line, csvSeparator(line)))
+        columns << cell.toLower();
+    for (const QString &column : kColumns)
+        if (columns.count(column) > 1)
+            throw wrong('"' + column + "\" is there twice", kHeadHint);
     for (const QString &column : kNeededColumns)
         if (!columns.contains(column))
             throw wrong("the column " + column + " is missing", kHeadHint);
+    return columns;
+}
+
+QStringList unknownIn(QStringList columns)
+{
+    for (const QString &column : kColumns)
+        columns.removeAll(column);
+    columns.removeAll(QString());
     return columns;
 }
 
@@ -53,7 +63,13 @@ Item itemOf(QString address, const QString &type)
         const int end = int(address.indexOf('*'));
         address.insert(end < 0 ? int(address.size()) : end, ':' + type);
     }
-    return parseItem(address);
+    try {
+        return parseItem(address);
+    } catch (const Failure &failure) {
+        const QString place = address.section('*', 0, 0).section(':', 0, 0);
+        const bool isAddress = nearestAddresses(place) == QStringList(place);
+        throw isAddress ? failure : wrong('"' + place + "\" is " + failure.text(), failure.hint());
+    }
 }
 
 double numberOf(const QString &text, double otherwise)
@@ -130,6 +146,8 @@ void TagFileParser::parse(const QString &line)
     if (columns.isEmpty()) {
         separator = csvSeparator(line);
         columns = parseHead(line);
+        for (const QString &column : unknownIn(columns))
+            reportDetail("the column \"" + column + "\" of a tag file is left out");
         return;
     }
     const Tag tag = tagOf(Row(columns, cellsOf(line, separator)));

@@ -3,7 +3,8 @@
 //
 // Items by name, from a file or from the command line.
 //
-//   name,address,type,scale,offset,unit   the columns, in any order; only name and address must be there
+//   name,address,type,scale,offset,unit   the columns, in any order; only name and address must be there,
+//                                         others are left out
 //   Boiler,VW100,i16,0.1,-40,°C           separated by commas, semicolons or tabulators
 //   Pump,Q0.3                             cells at the end may be missing
 //   # a comment

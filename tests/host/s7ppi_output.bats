@@ -205,12 +205,21 @@ Bytes  17 34" ]
     [[ "${stderr_lines[0]}" == "s7ppi: Nowhere: Invalid address"* ]]
 }
 
+@test "columns that a tag file has for itself are told with -v" {
+    tags "Name;Address;Comment" "Bottom;VB100;17, mostly"
+    run --separate-stderr s7ppi read --port sim "@$tags"
+    [ "$output" = "Bottom 17" ]
+    [ -z "$stderr" ]
+    run --separate-stderr s7ppi read --port sim -v "@$tags"
+    [ "$(grep -cFx 's7ppi: the column "comment" of a tag file is left out' <<<"$stderr")" -eq 1 ]
+}
+
 @test "2: every wrong line of a tag file is told by its place, and nothing is sent" {
     tags "name,address,scale" "Boiler,vb1" "Pump,Q0.3,2" "Good,VB1" "Good,VB2"
     start fake_controller hang-up
     run --separate-stderr s7ppi read --port "$port" "@$tags"
     [ "$status" -eq 2 ]
-    [ "${stderr_lines[0]}" = "s7ppi: $tags:2: not an address of the controller" ]
+    [ "${stderr_lines[0]}" = "s7ppi: $tags:2: \"vb1\" is not an address of the controller" ]
     [ "${stderr_lines[1]}" = "hint: write VB1 instead of vb1" ]
     [[ "${stderr_lines[2]}" == "s7ppi: $tags:3: "* ]]
     [[ "${stderr_lines[4]}" == "s7ppi: $tags:5: "* ]]

@@ -98,6 +98,9 @@ void TestTagFile::filesOfSpreadsheetsAreRead_data()
         << QByteArray("\xef\xbb\xbfname,address,type\r\nBoiler,VW100,i16\r\n");
     QTest::newRow("comments, blanks and empty lines")
         << QByteArray("# tags\n\nname, address, type\n# one\n Boiler , VW100 , i16 \n\n");
+    QTest::newRow("columns of its own")
+        << QByteArray("remark,name,address,Comment,comment,type,\nhot,Boiler,VW100,a,b,i16,\n");
+    QTest::newRow("columns in another case") << QByteArray("Name,ADDRESS,Type\nBoiler,VW100,i16\n");
     QTest::newRow("the type with the address") << QByteArray("name,address,type\nBoiler,VW100:i16,u32\n");
 }
 
@@ -113,7 +116,7 @@ void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
     QTest::newRow("nothing in it") << QByteArray("");
     QTest::newRow("no tags") << QByteArray("name,address\n");
     QTest::newRow("no head") << QByteArray("Boiler,VW100\n");
-    QTest::newRow("an unknown column") << QByteArray("name,address,colour\nBoiler,VW100,red\n");
+    QTest::newRow("a column twice in two cases") << QByteArray("name,address,Name\nBoiler,VW100,Boiler\n");
     QTest::newRow("a column twice") << QByteArray("name,address,name\nBoiler,VW100,Boiler\n");
     QTest::newRow("no column for the address") << QByteArray("name,type\nBoiler,i16\n");
     QTest::newRow("a wrong address") << QByteArray("name,address\nBoiler,vw100\n");
