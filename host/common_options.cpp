@@ -21,7 +21,8 @@ void addPortOptions(CLI::App &app, Options &options)
     addNumber(app, "--timeout", options.timeout, 1, 600000, "Wait for an answer, in ms")->group(group);
     addNumber(app, "--retries", options.retries, 0, 1000, "How often to repeat what failed")->group(group);
     addNumber(app, "--delay", options.delay, 0, 4294, "Pause before each attempt, in ms")->group(group);
-    app.add_flag("--reconnect", options.reconnect, "Wait for a port that is not there or gets lost, and go on reading")
+    app.add_flag("--reconnect", options.reconnect,
+                 "Wait for a port that is not there or gets lost, and go on reading")
         ->group(group);
 }
 
@@ -46,7 +47,8 @@ void addOutputOptions(CLI::App &app, Options &options)
     addChoice(app, "--format", options.format, {"text", "json", "ndjson", "csv", "tsv", "raw"},
               "text, json, ndjson, csv, tsv or raw: the bytes as they lie in the controller")
         ->group(group);
-    app.add_option("-o,--output", options.output, "Write the data to a file, whole or not at all; - is stdout")
+    app.add_option("-o,--output", options.output,
+                   "Write the data to a file, whole or not at all; - is stdout")
         ->type_name("FILE")
         ->group(group);
     app.add_option("--trace", options.trace, "Write every frame to a file: time, direction, bytes")

@@ -61,7 +61,7 @@ refused() {
     refused "s7ppi: @t.csv:Pump: t.csv $suffix" watch --port plc --count 1 --interval 1 @t.csv:Pump -o t.csv
     refused "s7ppi: l.txt $suffix" decode --trace l.txt -o l.txt
     refused "s7ppi: config.ini $suffix" read --port plc --config config.ini VB100 -o config.ini
-    run -2 --separate-stderr s7ppi decode - -o l.txt <l.txt
+    run -2 --separate-stderr s7ppi decode - -o l.txt <./l.txt
     [ "${stderr_lines[0]}" = "s7ppi: l.txt $suffix" ]
     grep -q ' > ' l.txt
 }
