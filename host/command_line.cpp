@@ -3,7 +3,11 @@
 
 #include "command_line.h"
 
+#include "nearest_word.h"
+
 #include <CLI/CLI.hpp>
+
+#include <algorithm>
 
 namespace host {
 
@@ -57,10 +61,15 @@ CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int
 CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std::string> &value,
                        const Texts &words, const std::string &what)
 {
+    const auto complaint = [words](const std::string &word) {
+        if (std::find(words.begin(), words.end(), word) != words.end())
+            return std::string();
+        const std::string nearest = nearestWord(word, words);
+        return word + " is none of " + CLI::detail::join(words, ", ") +
+               (nearest.empty() ? nearest : "; the nearest is " + nearest);
+    };
     const std::string named = CLI::detail::join(words, std::string(1, kChoiceSeparator));
-    return app.add_option(name, value, what)
-        ->check(CLI::IsMember(words).description("").name(named))
-        ->type_name("NAME");
+    return app.add_option(name, value, what)->check(complaint, "", named)->type_name("NAME");
 }
 
 CLI::Option *addItems(CLI::App &command, Texts &items, const std::string &what)

@@ -7,6 +7,7 @@
 #include "command_line.h"
 #include "common_options.h"
 #include "failure.h"
+#include "nearest_word.h"
 #include "report.h"
 #include "run.h"
 
@@ -64,13 +65,43 @@ int printAbout(const CLI::App &app, const CLI::ParseError &request)
     return int(ExitCode::Success);
 }
 
+void addOptionNames(Texts &names, const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options()) {
+        for (const std::string &name : option->get_lnames())
+            names.push_back("--" + name);
+        for (const std::string &name : option->get_snames())
+            names.push_back("-" + name);
+    }
+}
+
+// What could have been meant by the first word that is no command and no option; behind a command a plain
+// word can be anything.
+std::string nearestHint(const CLI::App &app)
+{
+    const Texts unknown = app.remaining(true);
+    const bool hasCommand = !app.get_subcommands().empty();
+    if (unknown.empty() || (hasCommand && unknown.front().front() != '-'))
+        return std::string();
+    const std::string word = unknown.front().substr(0, unknown.front().find('='));
+    Texts names;
+    if (word.front() != '-')
+        for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
+            names.push_back(command->get_name());
+    addOptionNames(names, app);
+    if (hasCommand)
+        addOptionNames(names, *app.get_subcommands().front());
+    const std::string nearest = nearestWord(word, names);
+    return nearest.empty() ? nearest : "; the nearest to " + word + " is " + nearest;
+}
+
 std::string usageHint(const CLI::App &app)
 {
-    std::string hint = "s7ppi --help lists commands and options";
+    const std::string hint = "s7ppi --help lists commands and options";
     if (app.get_subcommands().empty())
-        return hint;
+        return hint + nearestHint(app);
     const std::string command = app.get_subcommands().front()->get_name();
-    return hint + ", s7ppi " + command + " --help what " + command + " takes";
+    return hint + ", s7ppi " + command + " --help what " + command + " takes" + nearestHint(app);
 }
 
 int usageError(const CLI::App &app, const CLI::ParseError &error)

@@ -212,11 +212,32 @@ VB101   34" ]
     [ "${stderr_lines[0]}" = "s7ppi: a command is missing" ]
     run --separate-stderr s7ppi rread
     [ "${stderr_lines[0]}" = "s7ppi: rread is not a command or option" ]
-    [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options" ]
+    [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options; the nearest to rread is read" ]
     run --separate-stderr s7ppi read
     [ "${stderr_lines[0]}" = "s7ppi: items is required" ]
     [ "${stderr_lines[1]}" = \
         "hint: s7ppi --help lists commands and options, s7ppi read --help what read takes" ]
+}
+
+@test "2: what is no command, option or choice is told with the nearest that is" {
+    local arguments nearest
+    while IFS='|' read -r arguments nearest; do
+        # shellcheck disable=SC2086
+        run --separate-stderr s7ppi $arguments
+        [ "$status" -eq 2 ]
+        [[ "${stderr_lines[0]}${stderr_lines[1]}" == *"; the nearest $nearest"* ]]
+    done <<'LINES'
+raed VB0|to raed is read
+help|to help is --help
+-V|to -V is -v
+read --prot sim VB0|to --prot is --port
+--prot=sim read VB0|to --prot is --port
+watch --intervall 5 VB0|to --intervall is --interval
+read --format JSON VB0|is json
+read --parity E VB0|is even
+LINES
+    run --separate-stderr s7ppi describe VB0
+    [[ "$stderr" != *nearest* ]]
 }
 
 @test "2: memory that is no BCD cannot be read as such" {
