@@ -27,12 +27,6 @@ bool isHex(const QByteArray &digits)
     return true;
 }
 
-// Editors of some systems write one before UTF-8.
-QByteArray withoutByteOrderMark(const QByteArray &text)
-{
-    return text.startsWith("\xef\xbb\xbf") ? text.mid(3) : text;
-}
-
 QList<QByteArray> wordsOf(const QByteArray &line)
 {
     const QByteArray simplified = line.simplified();

@@ -14,7 +14,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <cstring>
 #include <sstream>
 
 namespace host {
@@ -23,7 +22,6 @@ namespace {
 
 const char kVariableBegin[] = "S7PPI_";
 const char kFileVariable[] = "S7PPI_CONFIG";
-const char kByteOrderMark[] = "\xef\xbb\xbf"; // some editors begin a file with it
 
 QString joined(const Texts &texts)
 {
@@ -109,12 +107,10 @@ QStringList strangeVariables(const Texts &options)
 
 std::vector<Setting> fileSettings(const QString &name, const Texts &options)
 {
-    QByteArray text =
+    const QByteArray text =
         readFile(name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
-    if (text.startsWith(kByteOrderMark))
-        text.remove(0, int(std::strlen(kByteOrderMark)));
     std::vector<Setting> settings;
-    const QList<QByteArray> lines = text.split('\n');
+    const QList<QByteArray> lines = withoutByteOrderMark(text).split('\n');
     for (int i = 0; i < int(lines.size()); ++i)
         if (!isBlank(lines.at(i)))
             add(settings, settingOf(lines.at(i), QString("%1:%2").arg(name).arg(i + 1), options));

@@ -70,6 +70,11 @@ QByteArray readInput(const QString &fileName)
     return readFile(fileName, kHint);
 }
 
+QByteArray withoutByteOrderMark(const QByteArray &text)
+{
+    return text.startsWith("\xef\xbb\xbf") ? text.mid(3) : text;
+}
+
 QString utf8Text(const QByteArray &bytes)
 {
     return QString::fromUtf8(bytes.constData(), int(bytes.size()));

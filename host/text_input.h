@@ -17,6 +17,9 @@ QByteArray readFile(const QString &name, const QString &hint);
 // The same; "-" is stdin.
 QByteArray readInput(const QString &fileName);
 
+// Without the mark that some editors begin a file of UTF-8 with.
+QByteArray withoutByteOrderMark(const QByteArray &text);
+
 // All of it: Qt 5's own conversion of a byte array ends at the first NUL. Takes away the mark that some
 // editors begin a file with.
 QString utf8Text(const QByteArray &bytes);
