@@ -65,7 +65,7 @@ std::string nearestWord(const std::string &text, const Words &words)
             return distance(letters, plain(one)) < distance(letters, plain(other));
         });
     const size_t least = distance(letters, plain(*nearest));
-    const std::string longer = least == 0 ? std::string() : onlyOneThatBegins(letters, words);
+    std::string longer = least == 0 ? std::string() : onlyOneThatBegins(letters, words);
     if (!longer.empty())
         return longer;
     return least <= largestDistance(letters) ? *nearest : std::string();
