@@ -68,8 +68,8 @@ void PartialDump::lock()
 void PartialDump::resume()
 {
     const QByteArray text = file.readAll();
-    int wholeSize = 0;
     try {
+        int wholeSize = 0;
         const Dump found = parsePartialDump(text, name(), wholeSize);
         checkSame(found, portOf(text.left(wholeSize)));
         read.data = found.data.left(read.range.size());
