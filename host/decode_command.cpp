@@ -145,26 +145,17 @@ void decodeLine(Decoder &decoder, const QByteArray &line)
                        {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
 }
 
-bool isRecord(const QByteArray &line)
-{
-    try {
-        parseTraceLine(line);
-        return true;
-    } catch (const Failure &) {
-        return false;
-    }
-}
-
 void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
 {
     const QList<QByteArray> lines = readInput(fileName).split('\n');
     int wrong = 0;
     for (int i = 0; i < lines.size(); ++i) {
-        const bool isGood = isRecord(lines.at(i));
-        wrong += isGood ? 0 : 1;
-        if (isGood || wrong <= kToldLines)
-            outcome.attempt(QString("%1:%2").arg(fileName).arg(i + 1),
-                            [&] { decodeLine(decoder, lines.at(i)); });
+        try {
+            decodeLine(decoder, lines.at(i));
+        } catch (const Failure &failure) {
+            if (failure.isFinal() || ++wrong <= kToldLines)
+                outcome.add(QString("%1:%2").arg(fileName).arg(i + 1), failure);
+        }
     }
     if (wrong > kToldLines)
         reportWarning(

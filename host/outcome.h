@@ -27,11 +27,16 @@ public:
             part();
             return std::nullopt;
         } catch (const Failure &failure) {
-            reportFailure(subject, failure);
-            if (first == ExitCode::Success)
-                first = failure.code();
+            add(subject, failure);
             return failure;
         }
+    }
+
+    void add(const QString &subject, const Failure &failure)
+    {
+        reportFailure(subject, failure);
+        if (first == ExitCode::Success)
+            first = failure.code();
     }
 
     // The meaning of all texts, each by parse(); every wrong one is reported.
