@@ -11,11 +11,15 @@ namespace {
 
 bool g_counting = false;
 int g_count = 0;
+int g_refused = 0; // the number of the allocation that is refused, 0 for none
 
-void count()
+// Whether this allocation is to be refused.
+bool count()
 {
-    if (g_counting)
-        ++g_count;
+    if (!g_counting)
+        return false;
+    ++g_count;
+    return g_count == g_refused;
 }
 
 } // namespace
@@ -49,20 +53,17 @@ void *__libc_realloc(void *block, size_t size) noexcept;
 
 __attribute__((visibility("default"))) void *malloc(size_t size) noexcept
 {
-    count();
-    return __libc_malloc(size);
+    return count() ? nullptr : __libc_malloc(size);
 }
 
 __attribute__((visibility("default"))) void *calloc(size_t number, size_t size) noexcept
 {
-    count();
-    return __libc_calloc(number, size);
+    return count() ? nullptr : __libc_calloc(number, size);
 }
 
 __attribute__((visibility("default"))) void *realloc(void *block, size_t size) noexcept
 {
-    count();
-    return __libc_realloc(block, size);
+    return count() ? nullptr : __libc_realloc(block, size);
 }
 }
 
@@ -70,6 +71,12 @@ __attribute__((visibility("default"))) void *realloc(void *block, size_t size) n
 
 void AllocationCounter::start()
 {
+    startAndRefuse(0);
+}
+
+void AllocationCounter::startAndRefuse(int number)
+{
+    g_refused = number;
     g_count = 0;
     g_counting = true;
 }

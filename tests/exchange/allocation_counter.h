@@ -15,6 +15,9 @@ void start();
 // Their number since start().
 int stop();
 
+// The same, and the one of that number, counted from 1, is refused. Not in a build with AddressSanitizer.
+void startAndRefuse(int number);
+
 } // namespace AllocationCounter
 
 #endif

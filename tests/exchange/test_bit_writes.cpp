@@ -65,6 +65,9 @@ void TestBitWrites::addressNamesTheFirstBit_data()
                                      << "0502120a10010001000184000061120a10010001000184000058";
     QTest::newRow("V10. is bit -2") << "V10."
                                     << "0502120a1001000100018400004e120a10010001000184000058";
+    QTest::newRow("M1/ is bit -1, then bit 0 of the same byte")
+        << "M1/"
+        << "0502120a10010001000083000007120a10010001000083000008";
     QTest::newRow("VB10.3") << "VB10.3"
                             << "0502120a10010001000184000053120a10010001000184000054";
     QTest::newRow("unknown prefix") << "v10.3"

@@ -267,8 +267,11 @@ void TestReadRefusals::itemLongerThanItsFrameIsRefused_data()
             continue;
         const QByteArray item = bytes(read.item);
         const int unit = item.at(3) == 4 ? 8 : 1;
-        const int oneByteMore = (int(item.size()) - 6 + 1) * unit;
-        sampleRow(read, "1 byte longer") << oneByteMore;
+        const bool areBits = read.dataType == kBit || read.dataType == kBitBlock;
+        const char width = areBits ? 'B' : QByteArray(read.address).left(2).at(1);
+        const int element = width == 'D' ? 4 : width == 'W' ? 2 : 1;
+        const int oneElementMore = (int(item.size()) - 6 + element) * unit;
+        sampleRow(read, "1 element longer") << oneElementMore;
         sampleRow(read, "65528") << 65528;
     }
 }

@@ -96,12 +96,13 @@ void TestRequests::areaTableHasACodeForEveryPrefix()
 
 void TestRequests::areaCodeIsThatOfTheTable()
 {
+    const int area = 10; // where it stands in the block
     QHash<QByteArray, unsigned char> table;
     table.swap(g_s7_200_ppi_area_table);
-    const int emptied = S7_200_PPIAreaCode("VB");
+    const QByteArray emptied = S7_200_PPIPackLayer7ReadReqParamBlock(2, 1, "VB", 100);
     table.swap(g_s7_200_ppi_area_table);
-    QCOMPARE(emptied, 0);
-    QCOMPARE(int(S7_200_PPIAreaCode("VB")), 0x84);
+    QCOMPARE(int(emptied.at(area)), 0);
+    QCOMPARE(hex(S7_200_PPIPackLayer7ReadReqParamBlock(2, 1, "VB", 100).mid(area, 1)), QString("84"));
 }
 
 void TestRequests::areaTableHas29Prefixes()

@@ -15,8 +15,8 @@ const int kBlockStart = 17;
 const int kBlockSize = 14;
 const int kFrameEnd = 2; // check sum and end delimiter
 
-typedef PpiBytes (*ObjectsRequest)(unsigned short &, unsigned char, unsigned char, unsigned int,
-                                   const QByteArray &);
+typedef QByteArray (*ObjectsRequest)(unsigned short &, unsigned char, unsigned char, unsigned int,
+                                     const QByteArray &);
 
 QByteArray memoryRequest(const QByteArray &prefix, unsigned int byteAddress, const QByteArray &data)
 {
@@ -475,7 +475,7 @@ void TestWriteRequests::bitsFollowEachOther_data()
     QTest::newRow("first bit 8") << 10u << 8u << 3 << "000058 000058 000059";
     QTest::newRow("first bit 17") << 10u << 17u << 3 << "000061 000058 000059";
     QTest::newRow("first bit -2, wrapped") << 10u << 4294967294u << 3 << "00004e 000058 000059";
-    QTest::newRow("first bit -1, wrapped") << 10u << 4294967295u << 3 << "00004f 000058 000059";
+    QTest::newRow("first bit -1, wrapped") << 10u << 4294967295u << 3 << "00004f 000050 000051";
     QTest::newRow("over the end of the addresses") << 2097151u << 7u << 2 << "ffffff 000000";
     QTest::newRow("over the end of the byte numbers") << 4294967295u << 7u << 2 << "ffffff 000000";
 }

@@ -169,7 +169,7 @@ QByteArray Model::readMemory(const ReadRules &rules, const ModelAddress &address
                   rules.headerText, buffer))
         return QByteArray();
     const ModelAnswer answer(buffer);
-    if (answer.isLongerThanFrame(4))
+    if (answer.isLongerThanFrame(4, address.width))
         fail(kInvalid);
     else if (answer.returnCode() != 0xff)
         rules.isCodeLogged ? fail(modelTextOfCode(answer.returnCode()))

@@ -83,9 +83,9 @@ bool ModelAnswer::isGoodRead(int transportSize) const
     return function() == 4 && itemCount() == 1 && returnCode() == 0xff && at(kItem + 3) == transportSize;
 }
 
-bool ModelAnswer::isLongerThanFrame(int transportSize) const
+bool ModelAnswer::isLongerThanFrame(int transportSize, int width) const
 {
-    const int size = transportSize == 4 ? length() / 8 : length();
+    const int size = transportSize == 4 ? length() / 8 / width * width : length();
     return isGoodRead(transportSize) && kData + size > endOfPdu();
 }
 

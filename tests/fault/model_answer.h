@@ -37,7 +37,7 @@ public:
     bool isGoodWrite() const { return function() == 5 && itemCount() == 1 && returnCode() == 0xff; }
 
     // A good read whose length goes beyond the frame.
-    bool isLongerThanFrame(int transportSize) const;
+    bool isLongerThanFrame(int transportSize, int width = 1) const;
 
     // Data of a good read that the frame holds, as the host gets them.
     QByteArray memory(int width) const;

@@ -125,8 +125,9 @@ QByteArray modelBitWriteFrame(const ModelRequestHead &head, const ModelAddress &
     quint32 bit = address.bit;
     for (int i = 0; i < items; ++i) {
         block += item(address, 1, 1, byte * 8 + bit);
-        byte += bit >= 7 ? 1 : 0;
-        bit = bit >= 7 ? 0 : bit + 1;
+        ++bit;
+        byte += bit > 7 ? 1 : 0;
+        bit = bit > 7 ? 0 : bit;
     }
     QByteArray values;
     for (int i = 0; i < int(data.size()); ++i)

@@ -237,14 +237,15 @@ void TestAnswers::fastCounters()
 
 void TestAnswers::itemsThatTheFrameHolds()
 {
-    QVERIFY(rc::check("the bytes that the length says are not more than the bytes there are", [] {
+    QVERIFY(rc::check("the whole elements that the length says are not more than the bytes there are", [] {
         const bool isMemory = *rc::gen::arbitrary<bool>();
         const int length = *lots::word();
         const int held = *rc::gen::inRange(0, 240);
         const QByteArray buffer = bufferOf(readItem(isMemory ? 4 : 9, length, ""));
-        const int needed = isMemory ? length / 8 : length;
+        const int element = isMemory ? *rc::gen::element(1, 2, 4) : 1;
+        const int needed = isMemory ? length / 8 / element * element : length;
         const PpiLayer7 transportSize = isMemory ? kLengthInBits : kLengthInBytes;
-        RC_ASSERT(S7_200_PPIRspItemFits(start(buffer), transportSize, held) == (needed <= held));
+        RC_ASSERT(S7_200_PPIRspItemFits(start(buffer), transportSize, element, held) == (needed <= held));
     }));
 }
 

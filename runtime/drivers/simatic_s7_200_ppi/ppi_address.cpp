@@ -3,9 +3,6 @@
 
 #include "ppi_address.h"
 
-#include "ppi_static.h"
-#include "tools/address_text.h"
-
 namespace {
 
 void addDigit(unsigned int &number, QChar character)
@@ -16,17 +13,6 @@ void addDigit(unsigned int &number, QChar character)
 }
 
 } // namespace
-
-QByteArray S7_200_PPIExtractPrefix(const QString &text)
-{
-    quint32 letters = kNoLetters;
-    const QChar *next = text.constData();
-    const QChar *const end = next + qMin(int(text.size()), int(kLongestPrefix) + 1);
-    for (; next != end && isPrefixCharacter(next->unicode()); ++next)
-        letters = ppiAppendLetter(letters, next->unicode());
-    const auto *entry = S7_200_PPIAreaTableEntry(letters);
-    return entry ? entry->key() : ExtractPrefixSymbol(text);
-}
 
 unsigned int S7_200_PPIExtractByteAddress(const QString &text)
 {
@@ -48,15 +34,24 @@ bool S7_200_PPIExtractAddress(const QString &text, unsigned int &byteAddress, un
     return true;
 }
 
-unsigned char S7_200_PPIAreaCode(const QByteArray &prefix)
+bool S7_200_PPIIsObj(const QByteArray &prefix)
 {
-    if (!S7_200_PPIAreaTableIsAsFilled())
-        return g_s7_200_ppi_area_table.value(prefix, 0);
-    if (prefix.size() > kLongestPrefix)
-        return 0;
-    quint32 letters = kNoLetters;
-    for (const char *next = prefix.constData(), *end = next + prefix.size(); next != end; ++next)
-        letters = ppiAppendLetter(letters, static_cast<unsigned char>(*next));
-    const auto *entry = S7_200_PPIAreaTableEntry(letters);
-    return entry ? entry->value() : 0;
+    return prefix == "C" || prefix == "T" || prefix == "HC";
+}
+
+unsigned short S7_200_PPIDBNumber(const QByteArray &prefix)
+{
+    return prefix.startsWith('V') ? 1 : 0;
+}
+
+int S7_200_PPIElementSize(const QByteArray &prefix)
+{
+    if (prefix.endsWith('D'))
+        return 4;
+    return prefix.endsWith('W') ? 2 : 1;
+}
+
+unsigned int S7_200_PPIWireAddress(const QByteArray &prefix, unsigned int number)
+{
+    return S7_200_PPIIsObj(prefix) ? number : number * 8;
 }

@@ -14,9 +14,6 @@
 #include <QByteArray>
 #include <QString>
 
-// The letters in front of the number, as ExtractPrefixSymbol takes them.
-QByteArray S7_200_PPIExtractPrefix(const QString &text);
-
 // The number in the text: all its digits in order, everything else skipped, the dot included (V10.3
 // gives 103). Wraps modulo 2^32; 0 without digits.
 unsigned int S7_200_PPIExtractByteAddress(const QString &text);
@@ -26,39 +23,19 @@ unsigned int S7_200_PPIExtractByteAddress(const QString &text);
 // gives 0 and 0. Always true.
 bool S7_200_PPIExtractAddress(const QString &text, unsigned int &byteAddress, unsigned int &bitNumber);
 
-// The area code of the prefix, 0 when it has none.
-unsigned char S7_200_PPIAreaCode(const QByteArray &prefix);
-
 // Timers, counters and high-speed counters are objects, addressed by number; all else is memory,
 // addressed by bit.
-inline bool S7_200_PPIIsObj(const QByteArray &prefix)
-{
-    const char *letters = prefix.constData(); // at least a terminating zero
-    if (letters[0] == 'C' || letters[0] == 'T')
-        return prefix.size() == 1;
-    return letters[0] == 'H' && letters[1] == 'C' && prefix.size() == 2;
-}
+bool S7_200_PPIIsObj(const QByteArray &prefix);
 
 // Variable memory is data block 1, everything else 0. Only the first letter counts.
-inline unsigned char S7_200_PPIDBNumber(const QByteArray &prefix)
-{
-    return prefix.constData()[0] == 'V' ? 1 : 0;
-}
+unsigned short S7_200_PPIDBNumber(const QByteArray &prefix);
 
 // The size of the area's elements on the wire, by the prefix's last letter: 4 for "D", 2 for "W",
 // otherwise 1.
-inline int S7_200_PPIElementSize(const QByteArray &prefix)
-{
-    const char width = prefix.isEmpty() ? '\0' : prefix.constData()[prefix.size() - 1];
-    if (width == 'D')
-        return 4;
-    return width == 'W' ? 2 : 1;
-}
+int S7_200_PPIElementSize(const QByteArray &prefix);
 
-// The 24-bit address of a request: the number of an object, the bit address of anything else.
-inline unsigned int S7_200_PPIWireAddress(const QByteArray &prefix, unsigned int number)
-{
-    return S7_200_PPIIsObj(prefix) ? number : number * 8;
-}
+// The address that a request carries, in its low 24 bits: the number of an object, the bit address of
+// anything else.
+unsigned int S7_200_PPIWireAddress(const QByteArray &prefix, unsigned int number);
 
 #endif

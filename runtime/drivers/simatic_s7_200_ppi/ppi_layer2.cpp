@@ -3,6 +3,8 @@
 
 #include "ppi_layer2.h"
 
+#include "ppi_block.h"
+
 namespace {
 
 const unsigned char kSD1 = kRefusalStart;
@@ -30,21 +32,21 @@ unsigned char checkSum(const unsigned char *covered, int length)
 
 } // namespace
 
-PpiBytes S7_200_PPIPackLayer2SD1Poll(unsigned char da, unsigned char sa)
+QByteArray S7_200_PPIPackLayer2SD1Poll(unsigned char da, unsigned char sa)
 {
-    const unsigned char sum = static_cast<unsigned char>(da + sa + kRequestData);
-    const unsigned char frame[] = {kSD1, da, sa, kRequestData, sum, kEndDelimiter};
-    return PpiBytes(frame);
+    return wholeBlock(
+        ByteArrayPack("CCCCCC", kSD1, da, sa, kRequestData, da + sa + kRequestData, kEndDelimiter));
 }
 
-PpiBytes S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, const PpiBytes &pdu)
+QByteArray S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, const QByteArray &pdu)
 {
     const unsigned char length = static_cast<unsigned char>(pdu.size() + 3);
-    const unsigned char head[] = {kSD2, length, length, kSD2, da, sa, kSendAndRequest};
-    PpiBytes frame(head);
-    frame.append(pdu);
-    const unsigned char tail[] = {checkSum(frame.data() + kCovered, length), kEndDelimiter};
-    frame.append(tail);
+    QByteArray frame =
+        wholeBlock(ByteArrayPack("CCCCCCC", kSD2, length, length, kSD2, da, sa, kSendAndRequest));
+    frame += pdu;
+    const unsigned char *covered = reinterpret_cast<const unsigned char *>(frame.constData()) + kCovered;
+    frame += static_cast<char>(checkSum(covered, length));
+    frame += static_cast<char>(kEndDelimiter);
     return frame;
 }
 

@@ -17,7 +17,7 @@
 #ifndef PPI_LAYER2_H
 #define PPI_LAYER2_H
 
-#include "ppi_bytes.h"
+#include <QByteArray>
 
 enum PpiLayer2 {
     kRefusalStart = 0x10,
@@ -26,11 +26,11 @@ enum PpiLayer2 {
     kReceiveBufferSize = 262 // an answer is at most 261 bytes
 };
 
-PpiBytes S7_200_PPIPackLayer2SD1Poll(unsigned char da, unsigned char sa);
+QByteArray S7_200_PPIPackLayer2SD1Poll(unsigned char da, unsigned char sa);
 
 // A PDU above 252 bytes is not refused: its length byte wraps, and the check sum covers only as many
 // bytes as the length byte says.
-PpiBytes S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, const PpiBytes &pdu);
+QByteArray S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, const QByteArray &pdu);
 
 // The first answer to a request; length is the number of bytes received.
 const char *S7_200_PPIFaultInAcknowledgement(const unsigned char *buffer, int length);

@@ -4,10 +4,15 @@
 #include "ppi_request.h"
 
 #include "ppi_address.h"
+#include "ppi_block.h"
 #include "ppi_layer2.h"
+#include "ppi_static.h"
 #include "tools/array_size.h"
 #include "tools/byte_order.h"
+#include "tools/pack.h"
 #include "tools/sizes.h"
+
+#include <QtEndian>
 
 #include <new>
 
@@ -21,83 +26,77 @@ const unsigned char kVariableSpecification = 0x12;
 const unsigned char kAddressLength = 0x0A; // of what follows it in the item
 const unsigned char kAnyPointer = 0x10;
 
-const unsigned char kBit = 0x01;
-const unsigned char kByte = 0x02;
-const unsigned char kWord = 0x04;
-const unsigned char kDWord = 0x06;
-const unsigned char kCounter = 0x1E;
-const unsigned char kTimer = 0x1F;
-const unsigned char kHighSpeedCounter = 0x20;
-
-const int kOneItemBlockSize = 14;
-const int kDataHeadSize = 4; // in front of the payload of a write
-const int kBitItemSize = 5;  // and a fill byte behind all but the last
-const int kTimerRecordSize = 5;
-const int kCounterRecordSize = 3;
+const unsigned char kBitElement = 0x01;
+const unsigned char kByteElement = 0x02;
+const unsigned char kWordElement = 0x04;
+const unsigned char kDWordElement = 0x06;
+const unsigned char kCounterElement = 0x1E;
+const unsigned char kTimerElement = 0x1F;
+const unsigned char kHighSpeedCounterElement = 0x20;
 
 // Transport sizes of the data: their length is counted in bits.
 const unsigned char kBitData = 0x03;
 const unsigned char kOtherData = 0x04;
 
-void appendHeader(PpiBytes &pdu, unsigned short &pduReference, int parameterLength, int dataLength)
+unsigned char areaCode(const QByteArray &prefix)
+{
+    return g_s7_200_ppi_area_table.value(prefix, 0);
+}
+
+// The low 24 bits of an address, most significant byte first.
+class AddressField
+{
+public:
+    explicit AddressField(unsigned int address) { qToBigEndian(quint32(address), bytes); }
+    const unsigned char *low24Bits() const { return bytes + 1; }
+
+private:
+    unsigned char bytes[4];
+};
+
+QByteArray packHeader(unsigned short &pduReference, qint64 parameterLength, qint64 dataLength)
 {
     ++pduReference;
-    const unsigned int parameters = static_cast<unsigned int>(parameterLength);
-    const unsigned int data = static_cast<unsigned int>(dataLength);
-    // clang-format off
-    const unsigned char header[] = {
-        kProtocol, kJob,
-        0, 0,
-        ppiByte(pduReference, 1), ppiByte(pduReference, 0),
-        ppiByte(parameters, 1), ppiByte(parameters, 0),
-        ppiByte(data, 1), ppiByte(data, 0),
-    };
-    // clang-format on
-    pdu.append(header);
+    return wholeBlock(ByteArrayPack("CCnnnn", kProtocol, kJob, 0, pduReference,
+                                    static_cast<int>(parameterLength), static_cast<int>(dataLength)));
 }
 
-void appendItem(PpiBytes &pdu, unsigned char transportSize, unsigned short count, const QByteArray &prefix,
-                unsigned int wireAddress)
+QByteArray packOneItemBlock(unsigned char function, unsigned char transportSize, unsigned short count,
+                            const QByteArray &prefix, unsigned int address)
 {
-    // clang-format off
-    const unsigned char item[] = {
-        kVariableSpecification, kAddressLength, kAnyPointer,
-        transportSize,
-        ppiByte(count, 1), ppiByte(count, 0),
-        0, S7_200_PPIDBNumber(prefix),
-        S7_200_PPIAreaCode(prefix),
-        ppiByte(wireAddress, 2), ppiByte(wireAddress, 1), ppiByte(wireAddress, 0),
-    };
-    // clang-format on
-    pdu.append(item);
+    const AddressField field(S7_200_PPIWireAddress(prefix, address));
+    return wholeBlock(ByteArrayPack("CCCCCCnnC3C", function, 1, kVariableSpecification, kAddressLength,
+                                    kAnyPointer, transportSize, count, S7_200_PPIDBNumber(prefix),
+                                    areaCode(prefix), field.low24Bits()));
 }
 
-void appendOneItemBlock(PpiBytes &pdu, unsigned char function, unsigned char transportSize,
-                        unsigned short count, const QByteArray &prefix, unsigned int address)
+QByteArray packBitItem(const QByteArray &prefix, unsigned int bitAddress)
 {
-    const unsigned char head[] = {function, 1};
-    pdu.append(head);
-    appendItem(pdu, transportSize, count, prefix, S7_200_PPIWireAddress(prefix, address));
+    const AddressField field(bitAddress);
+    return wholeBlock(ByteArrayPack("CCCCnnC3C", kVariableSpecification, kAddressLength, kAnyPointer,
+                                    kBitElement, 1, S7_200_PPIDBNumber(prefix), areaCode(prefix),
+                                    field.low24Bits()));
 }
 
-PpiBytes packReadPDU(unsigned short &pduReference, unsigned char transportSize, unsigned short count,
-                     const QByteArray &prefix, unsigned int address)
+QByteArray packReadPDU(unsigned short &pduReference, unsigned char transportSize, unsigned short count,
+                       const QByteArray &prefix, unsigned int address)
 {
-    PpiBytes pdu;
-    appendHeader(pdu, pduReference, kOneItemBlockSize, 0);
-    appendOneItemBlock(pdu, kReadVariable, transportSize, count, prefix, address);
+    const QByteArray block = S7_200_PPIPackLayer7ReadReqParamBlock(transportSize, count, prefix, address);
+    QByteArray pdu =
+        S7_200_PPIPackLayer7ReadReqHeader(pduReference, static_cast<unsigned short>(block.size()));
+    pdu += block;
     return pdu;
 }
 
 unsigned char transportSizeOfObject(const QByteArray &prefix)
 {
     if (prefix == "C")
-        return kCounter;
-    return prefix == "T" ? kTimer : kHighSpeedCounter;
+        return kCounterElement;
+    return prefix == "T" ? kTimerElement : kHighSpeedCounterElement;
 }
 
-PpiBytes packReadMemoryPDU(unsigned short &pduReference, const QByteArray &prefix, unsigned int byteAddress,
-                           unsigned int byteCount)
+QByteArray packReadMemoryPDU(unsigned short &pduReference, const QByteArray &prefix, unsigned int byteAddress,
+                             unsigned int byteCount)
 {
     switch (S7_200_PPIElementSize(prefix)) {
     case 4:
@@ -114,57 +113,60 @@ PpiBytes packReadMemoryPDU(unsigned short &pduReference, const QByteArray &prefi
     }
 }
 
-PpiBytes packWriteItemPDU(unsigned short &pduReference, const QByteArray &prefix, unsigned int address,
-                          unsigned char transportSize, int count, const PpiBytes &payload)
+QByteArray packWriteItemPDU(unsigned short &pduReference, const QByteArray &prefix, unsigned int address,
+                            unsigned char transportSize, qint64 count, const QByteArray &payload)
 {
-    PpiBytes pdu;
-    appendHeader(pdu, pduReference, kOneItemBlockSize, kDataHeadSize + payload.size());
-    appendOneItemBlock(pdu, kWriteVariable, transportSize, static_cast<unsigned short>(count), prefix,
-                       address);
-    pdu.append(S7_200_PPIPackLayer7WriteByteWordDWordReqDataBlock(payload));
+    const QByteArray block = S7_200_PPIPackLayer7WriteByteWordDWordReqParamBlock(
+        prefix, address, transportSize, static_cast<unsigned short>(count));
+    const QByteArray data = S7_200_PPIPackLayer7WriteByteWordDWordReqDataBlock(payload);
+    QByteArray pdu = packHeader(pduReference, block.size(), data.size());
+    pdu += block;
+    pdu += data;
     return pdu;
 }
 
-PpiBytes packWriteMemoryPDU(unsigned short &pduReference, const QByteArray &prefix, unsigned int byteAddress,
-                            const QByteArray &data)
+QByteArray packWriteMemoryPDU(unsigned short &pduReference, const QByteArray &prefix,
+                              unsigned int byteAddress, const QByteArray &data)
 {
+    const qint64 size = data.size();
     switch (S7_200_PPIElementSize(prefix)) {
     case 4: {
-        const PpiBytes payload = toBigEndianULongArray(data);
-        return packWriteItemPDU(pduReference, prefix, byteAddress, kDWord, payload.size() / 4, payload);
+        const qint64 count = (size + 3) / 4;
+        return packWriteItemPDU(pduReference, prefix, byteAddress, kDWordElement, count,
+                                wholeArray(toBigEndianULongArray(data), count * 4));
     }
     case 2: {
-        const PpiBytes payload = toBigEndianUShortArray(data);
-        return packWriteItemPDU(pduReference, prefix, byteAddress, kWord, payload.size() / 2, payload);
+        const qint64 count = (size + 1) / 2;
+        return packWriteItemPDU(pduReference, prefix, byteAddress, kWordElement, count,
+                                wholeArray(toBigEndianUShortArray(data), count * 2));
     }
     default:
-        return packWriteItemPDU(pduReference, prefix, byteAddress, kByte, int(data.size()), data);
+        return packWriteItemPDU(pduReference, prefix, byteAddress, kByteElement, size, data);
     }
 }
 
-// The values most significant byte first, each behind its record's leading zero bytes.
-PpiBytes packObjectValues(const QByteArray &values, int recordSize)
+// A record for each value, most significant byte first behind its zero bytes. format packs one record of
+// the two bytes.
+QByteArray packObjectValues(const QByteArray &values, const char *format)
 {
-    PpiBytes payload;
+    QByteArray payload;
     for (int i = 0; i < values.size(); i += 2) {
         const char high = i + 1 < values.size() ? values.at(i + 1) : '\0';
-        const unsigned char record[] = {0, 0, 0, static_cast<unsigned char>(high),
-                                        static_cast<unsigned char>(values.at(i))};
-        payload.append(record + int(sizeof record) - recordSize, recordSize);
+        unsigned char record[8];
+        const int size = DataPack(record, format, high, values.at(i));
+        payload.append(reinterpret_cast<const char *>(record), size);
     }
     return payload;
 }
 
-PpiBytes packBitItems(const QByteArray &prefix, unsigned int byteAddress, unsigned int bitNumber,
-                      unsigned char count)
+QByteArray packBitItems(const QByteArray &prefix, unsigned int byteAddress, unsigned int bitNumber,
+                        unsigned char count)
 {
-    const unsigned char head[] = {kWriteVariable, count};
-    PpiBytes block(head);
+    QByteArray block = wholeBlock(ByteArrayPack("CC", kWriteVariable, count));
     for (int i = 0; i < count; ++i) {
-        appendItem(block, kBit, 1, prefix, byteAddress * 8 + bitNumber);
-        if (bitNumber < 7) {
-            ++bitNumber;
-        } else {
+        block += packBitItem(prefix, byteAddress * 8 + bitNumber);
+        ++bitNumber;
+        if (bitNumber > 7) {
             bitNumber = 0;
             ++byteAddress;
         }
@@ -172,149 +174,137 @@ PpiBytes packBitItems(const QByteArray &prefix, unsigned int byteAddress, unsign
     return block;
 }
 
-PpiBytes packBitValues(const QByteArray &values)
+QByteArray packBitValues(const QByteArray &values)
 {
-    PpiBytes data;
+    QByteArray data;
     for (int i = 0; i < values.size(); ++i) {
-        const unsigned char item[] = {0, kBitData, 0, 1, static_cast<unsigned char>(values.at(i)), 0};
         const bool last = i + 1 == values.size();
-        data.append(item, last ? kBitItemSize : kBitItemSize + 1);
+        data += wholeBlock(ByteArrayPack(last ? "xCnC" : "xCnCx", kBitData, 1, values.at(i)));
     }
     return data;
 }
 
 } // namespace
 
-PpiBytes S7_200_PPIPackLayer7ReadReqHeader(unsigned short &pduReference, unsigned short parameterLength)
+QByteArray S7_200_PPIPackLayer7ReadReqHeader(unsigned short &pduReference, unsigned short parameterLength)
 {
-    PpiBytes header;
-    appendHeader(header, pduReference, parameterLength, 0);
-    return header;
+    return packHeader(pduReference, parameterLength, 0);
 }
 
-PpiBytes S7_200_PPIPackLayer7ReadReqParamBlock(unsigned char transportSize, unsigned short count,
-                                               const QByteArray &prefix, unsigned int address)
+QByteArray S7_200_PPIPackLayer7ReadReqParamBlock(unsigned char transportSize, unsigned short count,
+                                                 const QByteArray &prefix, unsigned int address)
 {
-    PpiBytes block;
-    appendOneItemBlock(block, kReadVariable, transportSize, count, prefix, address);
-    return block;
+    return packOneItemBlock(kReadVariable, transportSize, count, prefix, address);
 }
 
-PpiBytes S7_200_PPIPackLayer7ReadBytesReqPDU(unsigned short &pduReference, const QByteArray &prefix,
-                                             unsigned int byteAddress, unsigned short count)
+QByteArray S7_200_PPIPackLayer7ReadBytesReqPDU(unsigned short &pduReference, const QByteArray &prefix,
+                                               unsigned int byteAddress, unsigned short count)
 {
-    return packReadPDU(pduReference, kByte, count, prefix, byteAddress);
+    return packReadPDU(pduReference, kByteElement, count, prefix, byteAddress);
 }
 
-PpiBytes S7_200_PPIPackLayer7ReadWordsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
-                                             unsigned int byteAddress, unsigned short count)
+QByteArray S7_200_PPIPackLayer7ReadWordsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
+                                               unsigned int byteAddress, unsigned short count)
 {
-    return packReadPDU(pduReference, kWord, count, prefix, byteAddress);
+    return packReadPDU(pduReference, kWordElement, count, prefix, byteAddress);
 }
 
-PpiBytes S7_200_PPIPackLayer7ReadDWordsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
-                                              unsigned int byteAddress, unsigned short count)
+QByteArray S7_200_PPIPackLayer7ReadDWordsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
+                                                unsigned int byteAddress, unsigned short count)
 {
-    return packReadPDU(pduReference, kDWord, count, prefix, byteAddress);
+    return packReadPDU(pduReference, kDWordElement, count, prefix, byteAddress);
 }
 
-PpiBytes S7_200_PPIPackLayer7ReadObjectsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
-                                               unsigned int objectNumber, unsigned short count)
+QByteArray S7_200_PPIPackLayer7ReadObjectsReqPDU(unsigned short &pduReference, const QByteArray &prefix,
+                                                 unsigned int objectNumber, unsigned short count)
 {
     return packReadPDU(pduReference, transportSizeOfObject(prefix), count, prefix, objectNumber);
 }
 
-PpiBytes S7_200_PPIPackReadBytesReq(unsigned short &pduReference, unsigned char destination,
-                                    unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
-                                    unsigned short byteCount)
+QByteArray S7_200_PPIPackReadBytesReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                      const QByteArray &prefix, unsigned int byteAddress,
+                                      unsigned short byteCount)
 {
-    return S7_200_PPIPackReadMemoryReq(pduReference, destination, source, prefix, byteAddress, byteCount);
+    return S7_200_PPIPackReadMemoryReq(pduReference, da, sa, prefix, byteAddress, byteCount);
 }
 
-PpiBytes S7_200_PPIPackReadMemoryReq(unsigned short &pduReference, unsigned char destination,
-                                     unsigned char source, const QByteArray &prefix, unsigned int byteAddress,
-                                     unsigned int byteCount)
+QByteArray S7_200_PPIPackReadMemoryReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                       const QByteArray &prefix, unsigned int byteAddress,
+                                       unsigned int byteCount)
 {
-    return S7_200_PPIPackLayer2SD2Request(destination, source,
+    return S7_200_PPIPackLayer2SD2Request(da, sa,
                                           packReadMemoryPDU(pduReference, prefix, byteAddress, byteCount));
 }
 
-PpiBytes S7_200_PPIPackReadObjectsReq(unsigned short &pduReference, unsigned char destination,
-                                      unsigned char source, const QByteArray &prefix,
-                                      unsigned int objectNumber, unsigned short count)
+QByteArray S7_200_PPIPackReadObjectsReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                        const QByteArray &prefix, unsigned int objectNumber,
+                                        unsigned short count)
 {
     return S7_200_PPIPackLayer2SD2Request(
-        destination, source,
-        S7_200_PPIPackLayer7ReadObjectsReqPDU(pduReference, prefix, objectNumber, count));
+        da, sa, S7_200_PPIPackLayer7ReadObjectsReqPDU(pduReference, prefix, objectNumber, count));
 }
 
-PpiBytes S7_200_PPIPackLayer7WriteReqHeader(unsigned short &pduReference, unsigned short parameterLength,
-                                            unsigned short dataLength)
+QByteArray S7_200_PPIPackLayer7WriteReqHeader(unsigned short &pduReference, unsigned short parameterLength,
+                                              unsigned short dataLength)
 {
-    PpiBytes header;
-    appendHeader(header, pduReference, parameterLength, dataLength);
-    return header;
+    return packHeader(pduReference, parameterLength, dataLength);
 }
 
-PpiBytes S7_200_PPIPackLayer7WriteByteWordDWordReqParamBlock(const QByteArray &prefix, unsigned int address,
-                                                             unsigned char transportSize,
-                                                             unsigned short count)
+QByteArray S7_200_PPIPackLayer7WriteByteWordDWordReqParamBlock(const QByteArray &prefix, unsigned int address,
+                                                               unsigned char transportSize,
+                                                               unsigned short count)
 {
-    PpiBytes block;
-    appendOneItemBlock(block, kWriteVariable, transportSize, count, prefix, address);
-    return block;
+    return packOneItemBlock(kWriteVariable, transportSize, count, prefix, address);
 }
 
-PpiBytes S7_200_PPIPackLayer7WriteByteWordDWordReqDataBlock(const PpiBytes &payload)
+QByteArray S7_200_PPIPackLayer7WriteByteWordDWordReqDataBlock(const QByteArray &payload)
 {
-    const unsigned int bits = static_cast<unsigned int>(payload.size()) * 8;
-    const unsigned char head[kDataHeadSize] = {0, kOtherData, ppiByte(bits, 1), ppiByte(bits, 0)};
-    PpiBytes data(head);
-    data.append(payload);
+    const int bits = static_cast<int>(qint64(payload.size()) * 8 & 0xFFFF);
+    QByteArray data = wholeBlock(ByteArrayPack("xCn", kOtherData, bits));
+    data += payload;
     return data;
 }
 
-PpiBytes S7_200_PPIPackWriteMemoryReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
-                                      const QByteArray &prefix, unsigned int byteAddress,
-                                      const QByteArray &data)
+QByteArray S7_200_PPIPackWriteMemoryReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                        const QByteArray &prefix, unsigned int byteAddress,
+                                        const QByteArray &data)
 {
     return S7_200_PPIPackLayer2SD2Request(da, sa,
                                           packWriteMemoryPDU(pduReference, prefix, byteAddress, data));
 }
 
-PpiBytes S7_200_PPIPackWriteTimersReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
-                                      unsigned int timerNumber, const QByteArray &values)
+QByteArray S7_200_PPIPackWriteTimersReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                        unsigned int timerNumber, const QByteArray &values)
 {
-    return S7_200_PPIPackLayer2SD2Request(da, sa,
-                                          packWriteItemPDU(pduReference, "T", timerNumber, kTimer,
-                                                           int(values.size()) / 2,
-                                                           packObjectValues(values, kTimerRecordSize)));
+    const QByteArray payload = packObjectValues(values, "xxxCC");
+    return S7_200_PPIPackLayer2SD2Request(
+        da, sa, packWriteItemPDU(pduReference, "T", timerNumber, kTimerElement, values.size() / 2, payload));
 }
 
-PpiBytes S7_200_PPIPackLayer7WriteCountersReqPDU(unsigned short &pduReference, unsigned int counterNumber,
-                                                 const QByteArray &values)
+QByteArray S7_200_PPIPackLayer7WriteCountersReqPDU(unsigned short &pduReference, unsigned int counterNumber,
+                                                   const QByteArray &values)
 {
-    return packWriteItemPDU(pduReference, "C", counterNumber, kCounter, int(values.size()) / 2,
-                            packObjectValues(values, kCounterRecordSize));
+    const QByteArray payload = packObjectValues(values, "xCC");
+    return packWriteItemPDU(pduReference, "C", counterNumber, kCounterElement, values.size() / 2, payload);
 }
 
-PpiBytes S7_200_PPIPackWriteCountersReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
-                                        unsigned int counterNumber, const QByteArray &values)
+QByteArray S7_200_PPIPackWriteCountersReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                          unsigned int counterNumber, const QByteArray &values)
 {
     return S7_200_PPIPackLayer2SD2Request(
         da, sa, S7_200_PPIPackLayer7WriteCountersReqPDU(pduReference, counterNumber, values));
 }
 
-PpiBytes S7_200_PPIPackWriteBitsReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
-                                    const QByteArray &prefix, unsigned int byteAddress,
-                                    unsigned int bitNumber, const QByteArray &values)
+QByteArray S7_200_PPIPackWriteBitsReq(unsigned short &pduReference, unsigned char da, unsigned char sa,
+                                      const QByteArray &prefix, unsigned int byteAddress,
+                                      unsigned int bitNumber, const QByteArray &values)
 {
-    const PpiBytes block =
+    const QByteArray block =
         packBitItems(prefix, byteAddress, bitNumber, static_cast<unsigned char>(values.size()));
-    const PpiBytes data = packBitValues(values);
-    PpiBytes pdu;
-    appendHeader(pdu, pduReference, block.size(), data.size());
-    pdu.append(block).append(data);
+    const QByteArray data = packBitValues(values);
+    QByteArray pdu = packHeader(pduReference, block.size(), data.size());
+    pdu += block;
+    pdu += data;
     return S7_200_PPIPackLayer2SD2Request(da, sa, pdu);
 }
 

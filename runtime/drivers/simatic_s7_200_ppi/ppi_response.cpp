@@ -4,9 +4,10 @@
 #include "ppi_response.h"
 
 #include "ppi_address.h"
-#include "ppi_bytes.h"
+#include "ppi_block.h"
 #include "tools/bits.h"
 #include "tools/byte_order.h"
+#include "tools/pack.h"
 #include "tools/sizes.h"
 
 namespace {
@@ -18,8 +19,6 @@ const unsigned short kAllowedParameterLength = 0x0002; // and 0: no other bit ma
 const unsigned char kReadVariable = 0x04;
 const unsigned char kWriteVariable = 0x05;
 
-const int kHeaderSize = 12;
-const int kCodesOffset = 2; // of a write answer's return codes, behind function and item count
 const int kTimerStatusBit = 1;
 const int kTimerSize = 5;
 const int kCounterStatusBit = 4;
@@ -41,8 +40,9 @@ struct ItemHead
 
 ItemHead unpackItemHead(const unsigned char *parameters)
 {
-    const ItemHead head = {parameters[0], parameters[1], parameters[2], parameters[3],
-                           ppiWord(parameters + 4)};
+    ItemHead head = {0, 0, 0, 0, 0};
+    DataUnpack(parameters, "CCCCn", &head.function, &head.itemCount, &head.returnCode, &head.transportSize,
+               &head.length);
     return head;
 }
 
@@ -53,14 +53,19 @@ unsigned char statusBit(unsigned char status, int bit)
 
 S7_200_PPI_Timer unpackTimer(const unsigned char *record)
 {
-    const S7_200_PPI_Timer timer = {static_cast<unsigned short>(ppiDWord(record + 1)),
-                                    statusBit(record[0], kTimerStatusBit)};
+    unsigned char status = 0;
+    unsigned int value = 0;
+    DataUnpack(record, "CN", &status, &value);
+    const S7_200_PPI_Timer timer = {static_cast<unsigned short>(value), statusBit(status, kTimerStatusBit)};
     return timer;
 }
 
 S7_200_PPI_Timer unpackCounter(const unsigned char *record)
 {
-    const S7_200_PPI_Timer counter = {ppiWord(record + 1), statusBit(record[0], kCounterStatusBit)};
+    unsigned char status = 0;
+    unsigned short value = 0;
+    DataUnpack(record, "Cn", &status, &value);
+    const S7_200_PPI_Timer counter = {value, statusBit(status, kCounterStatusBit)};
     return counter;
 }
 
@@ -105,24 +110,28 @@ int S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(const unsigned char *header, uns
                                                 unsigned short &parameterLength, unsigned short &dataLength,
                                                 unsigned char &errorClass, unsigned char &errorCode)
 {
-    parameterLength = ppiWord(header + 6);
-    dataLength = ppiWord(header + 8);
-    errorClass = header[10];
-    errorCode = header[11];
-    const bool acknowledges = header[1] == kAcknowledge || header[1] == kAcknowledgeWithData;
-    if (header[0] != kProtocol || !acknowledges || ppiWord(header + 2) != 0)
+    unsigned char protocol = 0;
+    unsigned char messageType = 0;
+    unsigned short reserved = 0;
+    unsigned short reference = 0;
+    const int size = DataUnpack(header, "CCnnnnCC", &protocol, &messageType, &reserved, &reference,
+                                &parameterLength, &dataLength, &errorClass, &errorCode);
+    const bool acknowledges = messageType == kAcknowledge || messageType == kAcknowledgeWithData;
+    if (protocol != kProtocol || !acknowledges || reserved != 0)
         return -1;
-    if ((parameterLength & ~kAllowedParameterLength) != 0 || ppiWord(header + 4) != expectedReference)
+    if ((parameterLength & ~kAllowedParameterLength) != 0 || reference != expectedReference)
         return -1;
-    return kHeaderSize;
+    return size;
 }
 
-bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportSize, int held)
+bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportSize, int elementSize,
+                           int held)
 {
     const ItemHead head = unpackItemHead(parameters);
     if (!head.isSuccess() || head.transportSize != transportSize)
         return true;
-    return (transportSize == kLengthInBits ? head.length / 8 : head.length) <= held;
+    const int wholeBytes = transportSize == kLengthInBits ? head.length / 8 : head.length;
+    return wholeBytes - wholeBytes % elementSize <= held;
 }
 
 QByteArray S7_200_PPIGetRspBytes(const unsigned char *parameters, const QByteArray &prefix,
@@ -135,9 +144,9 @@ QByteArray S7_200_PPIGetRspBytes(const unsigned char *parameters, const QByteArr
     const unsigned char *data = parameters + kReadItemHeadSize;
     switch (S7_200_PPIElementSize(prefix)) {
     case 4:
-        return fromBigEndianULongArray(data, head.length / 32);
+        return wholeArray(fromBigEndianULongArray(data, head.length / 32), head.length / 32 * 4);
     case 2:
-        return fromBigEndianUShortArray(data, head.length / 16);
+        return wholeArray(fromBigEndianUShortArray(data, head.length / 16), head.length / 16 * 2);
     default:
         return QByteArray(reinterpret_cast<const char *>(data), head.length / 8);
     }
@@ -151,10 +160,9 @@ bool S7_200_PPIGetRspBits(const unsigned char *parameters, unsigned int firstBit
         return false;
     if (count > 0 && qint64(firstBit) + count > qint64(size) * 8)
         return false;
-    const unsigned char *data = parameters + kReadItemHeadSize;
-    bits.reserve(int(bits.size()) + count);
-    for (int i = 0; i < count; ++i)
-        bits.append(getBit(data, static_cast<int>(firstBit) + i) ? '\1' : '\0');
+    const QByteArray data = QByteArray::fromRawData(
+        reinterpret_cast<const char *>(parameters) + kReadItemHeadSize, static_cast<int>(size));
+    bits = wholeArray(ExpandBitsToBytes(data, static_cast<unsigned short>(firstBit), count), count);
     return true;
 }
 
@@ -162,13 +170,14 @@ QByteArray S7_200_PPIGetRspHSC(const unsigned char *parameters, unsigned char &r
 {
     const ItemHead head = unpackItemHead(parameters);
     returnCode = head.returnCode;
-    QByteArray values;
     if (!head.isObjects())
-        return values;
-    values.reserve((head.length + kHighSpeedCounterSize - 1) / kHighSpeedCounterSize * 4);
+        return QByteArray();
+    QByteArray values((head.length + kHighSpeedCounterSize - 1) / kHighSpeedCounterSize * 4, '\0');
+    unsigned char *next = reinterpret_cast<unsigned char *>(values.data());
     for (int offset = 0; offset < head.length; offset += kHighSpeedCounterSize) {
-        const unsigned char *record = parameters + kReadItemHeadSize + offset;
-        values.append(fromBigEndianULongArray(record + 1, 1));
+        unsigned int value = 0;
+        DataUnpack(parameters + kReadItemHeadSize + offset, "xN", &value);
+        next += DataPack(next, "V", value);
     }
     return values;
 }
@@ -187,17 +196,21 @@ bool S7_200_PPIGetRspCounters(const unsigned char *parameters, std::vector<S7_20
 
 bool S7_200_PPICheckWriteRspParamData(const unsigned char *parameters, unsigned char &returnCode)
 {
-    returnCode = parameters[2];
-    return parameters[0] == kWriteVariable && parameters[1] == 1 && returnCode == kSuccess;
+    unsigned char function = 0;
+    unsigned char itemCount = 0;
+    DataUnpack(parameters, "CCC", &function, &itemCount, &returnCode);
+    return function == kWriteVariable && itemCount == 1 && returnCode == kSuccess;
 }
 
 QByteArray S7_200_PPIGetWriteRspCodes(const unsigned char *parameters, int held)
 {
-    if (parameters[0] != kWriteVariable)
+    unsigned char function = 0;
+    unsigned char itemCount = 0;
+    const int codesOffset = DataUnpack(parameters, "CC", &function, &itemCount);
+    if (function != kWriteVariable)
         return QByteArray();
-    const int itemCount = parameters[1];
-    const int codesHeld = qBound(0, held - kCodesOffset, itemCount);
-    QByteArray codes(reinterpret_cast<const char *>(parameters) + kCodesOffset, codesHeld);
+    const int codesHeld = qBound(0, held - codesOffset, int(itemCount));
+    QByteArray codes(reinterpret_cast<const char *>(parameters) + codesOffset, codesHeld);
     codes.append(QByteArray(itemCount - codesHeld, '\0'));
     return codes;
 }

@@ -15,7 +15,7 @@
 //
 // The decoders trust the length in the item: a caller first sees with S7_200_PPIRspItemFits that the
 // frame holds it. They read at most 4 bytes beyond that, for an object cut short. They raise no error
-// of their own.
+// of their own; one that cannot get its bytes throws std::bad_alloc.
 
 #ifndef PPI_RESPONSE_H
 #define PPI_RESPONSE_H
@@ -52,9 +52,11 @@ int S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(const unsigned char *header, uns
 
 // In all that follow, parameters points behind the header, and returnCode receives the item's.
 
-// Whether held bytes behind the item's head are enough for the data it says it has. Items that the
-// decoder of their transport size refuses need none.
-bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportSize, int held);
+// Whether held bytes behind the item's head are enough for what its decoder reads of the data that it says it
+// has: whole elements of elementSize bytes where transportSize counts bits, everything where it counts bytes.
+// Items that the decoder of their transport size refuses need none.
+bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportSize, int elementSize,
+                           int held);
 
 // The data of a memory read: words and double words, by the last letter of the prefix, least significant
 // byte first, anything else as it came; incomplete elements are left out. Empty when it is no answer with
@@ -62,7 +64,7 @@ bool S7_200_PPIRspItemFits(const unsigned char *parameters, PpiLayer7 transportS
 QByteArray S7_200_PPIGetRspBytes(const unsigned char *parameters, const QByteArray &prefix,
                                  unsigned char &returnCode);
 
-// Bits firstBit to firstBit + count - 1 of a memory read's data, appended to bits as one byte of 0 or 1
+// Bits firstBit to firstBit + count - 1 of a memory read's data, as one byte of 0 or 1
 // each; bit 0 is the least significant of the first byte. False unless the data are exactly as many bytes
 // as count bits need and hold the last of them.
 //

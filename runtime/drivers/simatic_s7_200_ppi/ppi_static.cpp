@@ -3,8 +3,7 @@
 
 #include "ppi_static.h"
 
-// Objects of one file are created in the order in which they stand: the table and its index before
-// what fills them.
+// Objects of one file are created in the order in which they stand: the table before what fills it.
 const QString VERSION_STRING(QLatin1String("1.0.0"));
 QHash<QByteArray, unsigned char> g_s7_200_ppi_area_table;
 
@@ -31,37 +30,12 @@ const Area kAreas[] = {
     {"S", 0x04},   {"SB", 0x04},  {"SW", 0x04},  {"SD", 0x04},  // sequence-control relays
 };
 
-// The table as it was filled: it shares the entries with the table, which leaves them behind when somebody
-// changes it.
-QHash<QByteArray, unsigned char> g_filled;
-
-// Its entries by their letters.
-QHash<quint32, QHash<QByteArray, unsigned char>::const_iterator> g_entries;
-
 } // namespace
 
 S7_200_PPI_AreaTableInitializer g_s7_200_ppi_area_table_initializer;
-
-const QHash<QByteArray, unsigned char>::const_iterator *S7_200_PPIAreaTableEntry(quint32 letters)
-{
-    const auto entry = g_entries.constFind(letters);
-    return entry == g_entries.constEnd() ? nullptr : &entry.value();
-}
-
-bool S7_200_PPIAreaTableIsAsFilled()
-{
-    return g_s7_200_ppi_area_table.isSharedWith(g_filled);
-}
 
 S7_200_PPI_AreaTableInitializer::S7_200_PPI_AreaTableInitializer()
 {
     for (const Area &area : kAreas)
         g_s7_200_ppi_area_table[area.prefix] = area.code;
-    g_filled = g_s7_200_ppi_area_table;
-    for (auto entry = g_filled.constBegin(); entry != g_filled.constEnd(); ++entry) {
-        quint32 letters = kNoLetters;
-        for (int i = 0; i < entry.key().size(); ++i)
-            letters = ppiAppendLetter(letters, static_cast<unsigned char>(entry.key().at(i)));
-        g_entries[letters] = entry;
-    }
 }

@@ -4,31 +4,52 @@
 #include "s7_200_ppi.h"
 
 #include "abstract_device_interface.h"
-#include "device_setting.h"
-#include "driver_setting.h"
 #include "ppi_address.h"
-#include "ppi_bytes.h"
+#include "ppi_block.h"
 #include "ppi_layer2.h"
 #include "ppi_request.h"
 #include "ppi_response.h"
-#include "ppi_static.h"
+#include "tools/address_text.h"
 #include "tools/array_size.h"
+#include "tools/pack.h"
 #include "tools/sizes.h"
 #include "tools/timing.h"
 
 #include <QtDebug>
 
+#include <climits>
 #include <cstring>
 #include <new>
 #include <vector>
 
-// Writes the recorded error with the line at which it was found; always, whatever the debug mode.
-#define LOG_FAILURE() qDebug("%s:%d:%s", __FILE__, __LINE__, driver.getLastError().toUtf8().constData())
+// Writes the error that the driver has recorded, with the line at which it was found; always, whatever the
+// debug mode.
+#define LOG_FAILURE(driver) logFailure(driver, __FILE__, __LINE__)
+
+// Records the reason of a failure in the driver and writes it.
+#define FAIL(driver, reason)                                                                                 \
+    do {                                                                                                     \
+        (driver).setCommError(reason);                                                                       \
+        LOG_FAILURE(driver);                                                                                 \
+    } while (false)
 
 namespace {
 
+// A line for which there is no memory is lost; the failure that it tells is not.
+void logFailure(DriverS7_200_PPI &driver, const char *file, int line)
+{
+    try {
+        qDebug("%s:%d:%s", file, line, driver.getLastError().toUtf8().constData());
+    } catch (const std::bad_alloc &) {
+    }
+}
+
 const int kPurgeOption = 12;                // the port throws away what it has received and nobody has read
 const unsigned long kPauseBeforeFrame = 12; // milliseconds
+
+// Bytes of one write: far more than a controller takes, and far from where the size of a frame made of them
+// would overflow. More counts as more than memory holds.
+const int kMostWrittenBytes = INT_MAX / 32;
 
 // What differs between the reads by byte, word and double word.
 struct ReadKind
@@ -117,13 +138,19 @@ void fit(QByteArray &data, qint64 size)
         throw std::bad_alloc();
 }
 
+const QByteArray &withinLimit(const QByteArray &data)
+{
+    if (data.size() > kMostWrittenBytes)
+        throw std::bad_alloc();
+    return data;
+}
+
 QByteArray valuesOf(const std::vector<S7_200_PPI_Timer> &records)
 {
     QByteArray values(static_cast<int>(records.size()) * 2, '\0');
-    for (size_t i = 0; i < records.size(); ++i) {
-        values[static_cast<int>(2 * i)] = static_cast<char>(ppiByte(records[i].value, 0));
-        values[static_cast<int>(2 * i + 1)] = static_cast<char>(ppiByte(records[i].value, 1));
-    }
+    unsigned char *next = reinterpret_cast<unsigned char *>(values.data());
+    for (size_t i = 0; i < records.size(); ++i)
+        next += DataPack(next, "v", records[i].value);
     return values;
 }
 
@@ -148,12 +175,12 @@ private:
     unsigned char source() { return static_cast<unsigned char>(driver.getSourceAddr(dev)); }
 
     int receive(unsigned char *buffer, int maxLength);
-    void send(const PpiBytes &frame);
-    bool exchange(const PpiBytes &frame, const char *headerFault, Answer &answer);
-    bool request(const PpiBytes &frame, Answer &answer);
+    void send(const QByteArray &frame);
+    bool exchange(const QByteArray &frame, const char *headerFault, Answer &answer);
+    bool request(const QByteArray &frame, Answer &answer);
     bool poll(Answer &answer);
     bool unpackHeader(const char *headerFault, Answer &answer);
-    bool itemFits(const Answer &answer, PpiLayer7 transportSize);
+    bool itemFits(const Answer &answer, PpiLayer7 transportSize, int elementSize = 1);
 
     QByteArray readMemory(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
     QByteArray readObjects(const CommunicatorCommand &cmd, const QByteArray &prefix, const ReadKind &kind);
@@ -165,7 +192,7 @@ private:
     bool unpackRecords(const Answer &answer, const QByteArray &prefix,
                        std::vector<S7_200_PPI_Timer> &records);
 
-    bool writeItem(const PpiBytes &frame);
+    bool writeItem(const QByteArray &frame);
     bool refuseWrite(const CommunicatorCommand &cmd);
 
     DriverS7_200_PPI &driver;
@@ -180,23 +207,23 @@ int Attempt::receive(unsigned char *buffer, int maxLength)
     return qBound(0, dev->receive(buffer, maxLength), maxLength + 1);
 }
 
-void Attempt::send(const PpiBytes &frame)
+void Attempt::send(const QByteArray &frame)
 {
     static const QVariant noArgument(0);
     dev->setOption(kPurgeOption, noArgument);
     driver.delayBeforeReq();
-    dev->send(frame.data(), frame.size());
+    dev->send(reinterpret_cast<const unsigned char *>(frame.constData()), static_cast<int>(frame.size()));
 }
 
 // The exchange that every read and write is: request, acknowledgement, poll, answer. True when the
 // answer belongs to the request and the controller took it; the answer's parameters are the caller's
 // to decode. Otherwise the reason is recorded and logged.
-bool Attempt::exchange(const PpiBytes &frame, const char *headerFault, Answer &answer)
+bool Attempt::exchange(const QByteArray &frame, const char *headerFault, Answer &answer)
 {
     return request(frame, answer) && poll(answer) && unpackHeader(headerFault, answer);
 }
 
-bool Attempt::request(const PpiBytes &frame, Answer &answer)
+bool Attempt::request(const QByteArray &frame, Answer &answer)
 {
     send(frame);
     answer.clear(kRefusalSize);
@@ -204,11 +231,11 @@ bool Attempt::request(const PpiBytes &frame, Answer &answer)
     if (received > 0 && answer.frame[0] == kRefusalStart) {
         const int rest = receive(answer.frame + 1, kRefusalSize - 1);
         driver.processSD1NAK(answer.frame, rest + 1, source(), station());
-        LOG_FAILURE();
+        LOG_FAILURE(driver);
         return false;
     }
     if (!driver.checkSC(answer.frame, received)) {
-        LOG_FAILURE();
+        LOG_FAILURE(driver);
         return false;
     }
     return true;
@@ -221,13 +248,13 @@ bool Attempt::poll(Answer &answer)
     answer.clear(sizeof answer.frame);
     const int received = receive(answer.frame, kAnswerHeadSize);
     if (!driver.checkMinSD2Rsp(answer.frame, received, source(), station())) {
-        LOG_FAILURE();
+        LOG_FAILURE(driver);
         return false;
     }
     const int owed = answer.frame[1] - 1;
     const int rest = receive(answer.frame + kAnswerHeadSize, owed);
     if (!driver.checkSD2ReadWriteRsp(answer.frame, rest, owed)) {
-        LOG_FAILURE();
+        LOG_FAILURE(driver);
         return false;
     }
     return true;
@@ -244,32 +271,30 @@ bool Attempt::unpackHeader(const char *headerFault, Answer &answer)
         S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(header, static_cast<unsigned short>(pduReference),
                                                     parameterLength, dataLength, errorClass, errorCode);
     if (headerSize < 1) {
-        driver.setCommError(QLatin1String(headerFault));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String(headerFault));
         return false;
     }
     if (errorClass != 0 || errorCode != 0) {
-        driver.setCommError(QLatin1String("invalid request to PLC"));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String("invalid request to PLC"));
         return false;
     }
     answer.parameters = header + headerSize;
     return true;
 }
 
-// Whether the frame holds all the data that a read's item says it has; the decoders rely on it.
-bool Attempt::itemFits(const Answer &answer, PpiLayer7 transportSize)
+// Whether the frame holds all that the decoder takes of the data that a read's item says it has, counted in
+// elements of elementSize bytes; the decoders rely on it.
+bool Attempt::itemFits(const Answer &answer, PpiLayer7 transportSize, int elementSize)
 {
-    if (S7_200_PPIRspItemFits(answer.parameters, transportSize, answer.heldData()))
+    if (S7_200_PPIRspItemFits(answer.parameters, transportSize, elementSize, answer.heldData()))
         return true;
-    driver.setCommError(QLatin1String("invalid response"));
-    LOG_FAILURE();
+    FAIL(driver, QLatin1String("invalid response"));
     return false;
 }
 
 QByteArray Attempt::readBits(const CommunicatorCommand &cmd)
 {
-    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
     if (prefix == "C" || prefix == "T")
         return readObjectBits(cmd, prefix);
     return readMemoryBits(cmd, prefix);
@@ -277,7 +302,7 @@ QByteArray Attempt::readBits(const CommunicatorCommand &cmd)
 
 QByteArray Attempt::readItems(const CommunicatorCommand &cmd, const ReadKind &kind)
 {
-    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
     if (S7_200_PPIIsObj(prefix))
         return readObjects(cmd, prefix, kind);
     return readMemory(cmd, prefix, kind);
@@ -287,24 +312,25 @@ QByteArray Attempt::readMemory(const CommunicatorCommand &cmd, const QByteArray 
 {
     const unsigned int byteCount =
         static_cast<unsigned int>(kind.unit) * static_cast<unsigned short>(cmd.count);
-    const PpiBytes frame =
+    const QByteArray frame =
         S7_200_PPIPackReadMemoryReq(ReferenceCounter(pduReference), station(), source(), prefix,
                                     S7_200_PPIExtractByteAddress(cmd.address), byteCount);
     Answer answer;
-    if (!exchange(frame, kind.headerFault, answer) || !itemFits(answer, kLengthInBits))
+    if (!exchange(frame, kind.headerFault, answer) ||
+        !itemFits(answer, kLengthInBits, S7_200_PPIElementSize(prefix)))
         return QByteArray();
     unsigned char code = 0;
     QByteArray data = S7_200_PPIGetRspBytes(answer.parameters, prefix, code);
     if (code != kSuccess) {
         driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
         if (kind.logsRefusedItem)
-            LOG_FAILURE();
+            LOG_FAILURE(driver);
         return QByteArray();
     }
     if (data.isEmpty()) {
         driver.setCommError(QLatin1String(kind.noData));
         if (kind.logsNoData)
-            LOG_FAILURE();
+            LOG_FAILURE(driver);
         return QByteArray();
     }
     fit(data, qint64(kind.unit) * cmd.count);
@@ -339,7 +365,7 @@ QByteArray Attempt::readMemoryBits(const CommunicatorCommand &cmd, const QByteAr
     unsigned int firstBit = 0;
     S7_200_PPIExtractAddress(cmd.address, byteAddress, firstBit);
     const unsigned int byteCount = NumOfBitsToNumOfBytes(firstBit, static_cast<unsigned int>(cmd.count));
-    const PpiBytes frame =
+    const QByteArray frame =
         S7_200_PPIPackReadBytesReq(ReferenceCounter(pduReference), station(), source(), prefix, byteAddress,
                                    static_cast<unsigned short>(byteCount));
     Answer answer;
@@ -347,8 +373,7 @@ QByteArray Attempt::readMemoryBits(const CommunicatorCommand &cmd, const QByteAr
         return QByteArray();
     QByteArray bits;
     if (!S7_200_PPIGetRspBits(answer.parameters, firstBit, cmd.count, bits)) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String("invalid response"));
         return QByteArray();
     }
     return bits;
@@ -375,7 +400,7 @@ QByteArray Attempt::readObjectBits(const CommunicatorCommand &cmd, const QByteAr
 bool Attempt::exchangeForObjects(const CommunicatorCommand &cmd, const QByteArray &prefix,
                                  unsigned short count, Answer &answer)
 {
-    const PpiBytes frame =
+    const QByteArray frame =
         S7_200_PPIPackReadObjectsReq(ReferenceCounter(pduReference), station(), source(), prefix,
                                      S7_200_PPIExtractByteAddress(cmd.address), count);
     return exchange(frame, "invalid response", answer);
@@ -388,13 +413,11 @@ QByteArray Attempt::highSpeedCounters(const Answer &answer)
     unsigned char code = 0;
     QByteArray values = S7_200_PPIGetRspHSC(answer.parameters, code);
     if (code != kSuccess) {
-        driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
-        LOG_FAILURE();
+        FAIL(driver, S7_200_PPIReadRspErrorCodeToStr(code));
         return QByteArray();
     }
     if (values.isEmpty()) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String("invalid response"));
     }
     return values;
 }
@@ -413,8 +436,7 @@ bool Attempt::unpackRecords(const Answer &answer, const QByteArray &prefix,
         return false;
     }
     if (records.empty()) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String("invalid response"));
         return false;
     }
     return true;
@@ -422,39 +444,38 @@ bool Attempt::unpackRecords(const Answer &answer, const QByteArray &prefix,
 
 bool Attempt::writeItems(const CommunicatorCommand &cmd, const QByteArray &data, const WriteKind &kind)
 {
-    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
     if (prefix == "HC" || prefix == "AIW")
         return refuseWrite(cmd);
     const unsigned int number = S7_200_PPIExtractByteAddress(cmd.address);
-    QByteArray values = kind.fitsData ? DriverS7_200_PPIGetSafeData(cmd, data) : data;
+    QByteArray values = withinLimit(kind.fitsData ? DriverS7_200_PPIGetSafeData(cmd, data) : data);
     if (!S7_200_PPIIsObj(prefix))
         return writeMemory(prefix, number, values);
     if (kind.fillsOdd)
-        values = To16bitsData(values);
-    const PpiBytes frame = prefix == "T"
-                               ? S7_200_PPIPackWriteTimersReq(ReferenceCounter(pduReference), station(),
-                                                              source(), number, values)
-                               : S7_200_PPIPackWriteCountersReq(ReferenceCounter(pduReference), station(),
-                                                                source(), number, values);
+        values = wholeArray(To16bitsData(values), (values.size() + 1) / 2 * 2);
+    const QByteArray frame = prefix == "T"
+                                 ? S7_200_PPIPackWriteTimersReq(ReferenceCounter(pduReference), station(),
+                                                                source(), number, values)
+                                 : S7_200_PPIPackWriteCountersReq(ReferenceCounter(pduReference), station(),
+                                                                  source(), number, values);
     return writeItem(frame);
 }
 
 bool Attempt::writeMemory(const QByteArray &prefix, unsigned int byteAddress, const QByteArray &data)
 {
-    const PpiBytes frame = S7_200_PPIPackWriteMemoryReq(ReferenceCounter(pduReference), station(), source(),
-                                                        prefix, byteAddress, data);
+    const QByteArray frame = S7_200_PPIPackWriteMemoryReq(ReferenceCounter(pduReference), station(), source(),
+                                                          prefix, byteAddress, withinLimit(data));
     return writeItem(frame);
 }
 
-bool Attempt::writeItem(const PpiBytes &frame)
+bool Attempt::writeItem(const QByteArray &frame)
 {
     Answer answer;
     if (!exchange(frame, "invalid response1", answer))
         return false;
     unsigned char code = 0;
     if (!S7_200_PPICheckWriteRspParamData(answer.parameters, code)) {
-        driver.setCommError(S7_200_PPIReadRspErrorCodeToStr(code));
-        LOG_FAILURE();
+        FAIL(driver, S7_200_PPIReadRspErrorCodeToStr(code));
         return false;
     }
     return true;
@@ -464,28 +485,26 @@ bool Attempt::writeItem(const PpiBytes &frame)
 // controller refuses those itself. The writes of whole values do it the other way round.
 bool Attempt::writeBits(const CommunicatorCommand &cmd, const QByteArray &data)
 {
-    const QByteArray prefix = S7_200_PPIExtractPrefix(cmd.address);
+    const QByteArray prefix = ExtractPrefixSymbol(cmd.address);
     if (prefix == "T" || prefix == "C")
         return refuseWrite(cmd);
     if (data.isEmpty()) {
-        driver.setCommError(QLatin1String("invalid response"));
-        LOG_FAILURE();
+        FAIL(driver, QLatin1String("invalid response"));
         return false;
     }
     unsigned int byteAddress = 0;
     unsigned int bitNumber = 0;
     S7_200_PPIExtractAddress(cmd.address, byteAddress, bitNumber);
-    const PpiBytes frame = S7_200_PPIPackWriteBitsReq(ReferenceCounter(pduReference), station(), source(),
-                                                      prefix, byteAddress, bitNumber, data);
+    const QByteArray frame = S7_200_PPIPackWriteBitsReq(ReferenceCounter(pduReference), station(), source(),
+                                                        prefix, byteAddress, bitNumber, withinLimit(data));
     Answer answer;
     if (!exchange(frame, "invalid response1", answer))
         return false;
     const QByteArray codes = S7_200_PPIGetWriteRspCodes(answer.parameters, answer.held());
     if (!codes.isEmpty() && codes.count(static_cast<char>(kSuccess)) == codes.size())
         return true;
-    driver.setCommError(codes.isEmpty() ? QString(QLatin1String("invalid response"))
-                                        : S7_200_PPIWriteRspCodesToStr(codes));
-    LOG_FAILURE();
+    FAIL(driver,
+         codes.isEmpty() ? QString(QLatin1String("invalid response")) : S7_200_PPIWriteRspCodesToStr(codes));
     return false;
 }
 
@@ -500,11 +519,6 @@ bool Attempt::refuseWrite(const CommunicatorCommand &cmd)
 
 DriverS7_200_PPI::DriverS7_200_PPI() : errorFlag(false), debugMode(false), pduReference(0) {}
 
-int DriverS7_200_PPI::totalSize()
-{
-    return 12250;
-}
-
 bool DriverS7_200_PPI::initialize(AbstractDeviceInterface *dev)
 {
     if (dev)
@@ -512,59 +526,9 @@ bool DriverS7_200_PPI::initialize(AbstractDeviceInterface *dev)
     return true;
 }
 
-bool DriverS7_200_PPI::validation(const QString & /*text*/)
-{
-    return false;
-}
-
-QString DriverS7_200_PPI::name()
-{
-    return QLatin1String("Simatic S7-200 PPI");
-}
-
-QString DriverS7_200_PPI::vender()
-{
-    return QLatin1String("Siemens");
-}
-
-QString DriverS7_200_PPI::getVersionNumber()
-{
-    return VERSION_STRING;
-}
-
-int DriverS7_200_PPI::supportedCommunicationFlags()
-{
-    return 16 | 32 | kRs485Port;
-}
-
-DeviceSetting *DriverS7_200_PPI::getDefaultSerialDeviceSetting()
-{
-    return new DeviceSetting(kRs485Port, QLatin1String("COM2"), 9600, 8, 0, 2);
-}
-
-DriverSetting *DriverS7_200_PPI::getDefaultDriverSetting()
-{
-    return new DriverSetting(500, 3, 2, 0);
-}
-
-QString DriverS7_200_PPI::getStringBasedDefaultDriverSetting()
-{
-    return QLatin1String("RS485,9600,EVEN,8,1");
-}
-
 void DriverS7_200_PPI::setDebugMode(bool on)
 {
     debugMode = on;
-}
-
-int DriverS7_200_PPI::getBlockAccessSize()
-{
-    return 32;
-}
-
-int DriverS7_200_PPI::getBitBlockAccessSize()
-{
-    return 32;
 }
 
 QString DriverS7_200_PPI::getLastError()
@@ -575,11 +539,6 @@ QString DriverS7_200_PPI::getLastError()
 bool DriverS7_200_PPI::hasError()
 {
     return errorFlag;
-}
-
-QObject *DriverS7_200_PPI::getThisObject()
-{
-    return this;
 }
 
 void DriverS7_200_PPI::clearError()
@@ -629,14 +588,23 @@ bool DriverS7_200_PPI::checkSD2ReadWriteRsp(const unsigned char *buf, int len, i
 
 namespace {
 
+// Nothing leaves the library when there is no memory for the reason either: the failure has no text then.
+void failForWantOfMemory(DriverS7_200_PPI &driver)
+{
+    try {
+        FAIL(driver, QLatin1String("invalid request to PLC"));
+    } catch (const std::bad_alloc &) {
+        driver.setCommError(QString());
+    }
+}
+
 // One attempt of a command that may count more than memory holds.
 template <typename Result, typename Function> Result guarded(DriverS7_200_PPI &driver, Function attempt)
 {
     try {
         return attempt();
     } catch (const std::bad_alloc &) {
-        driver.setCommError(QLatin1String("invalid request to PLC"));
-        LOG_FAILURE();
+        failForWantOfMemory(driver);
         return Result();
     }
 }
