@@ -9,6 +9,11 @@
 
 #include <QVariant>
 
+/// The options of a port that drivers set. All other numbers are the host's.
+enum PortOption : int {
+    kClearInput = 12 ///< throw away what the port has received and nobody has read
+};
+
 /// A port that is open. The host implements it, owns it, and lends it to a driver for the time of one
 /// call; a driver keeps no pointer to it. Nothing here may throw.
 class Q_DECL_EXPORT AbstractDeviceInterface
@@ -24,9 +29,9 @@ public:
     /// Writes length bytes to the line. No driver reads the result.
     virtual int send(const unsigned char *data, int length) = 0;
 
-    /// Sets an option of the port. Drivers pass only key 12 with the integer 0, in initialize() and
-    /// before every frame: the port throws away what it has received and nobody has read, so that a
-    /// late answer is never taken for the next one. No driver reads the result.
+    /// Sets an option of the port. Drivers pass only kClearInput with the integer 0, in initialize() and
+    /// before every frame, so that a late answer is never taken for the next one. No driver reads the
+    /// result.
     virtual bool setOption(int key, const QVariant &value) = 0;
 
     /// How many times a failed read or write is repeated; 0 or less means not at all.

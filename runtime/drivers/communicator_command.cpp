@@ -3,29 +3,29 @@
 
 #include "communicator_command.h"
 
-CommunicatorCommand::CommunicatorCommand() : linkId(0), tagId(0), dataType(0), count(0) {}
+CommunicatorCommand::CommunicatorCommand() : linkId(0), tagId(0), dataType(kBits), count(0) {}
 
 bool isBitCommand(const CommunicatorCommand &command)
 {
-    return command.dataType == 0;
+    return command.dataType == kBits;
 }
 
 bool isByteCommand(const CommunicatorCommand &command)
 {
-    return command.dataType == 1;
+    return command.dataType == kBytes;
 }
 
 bool isWordCommand(const CommunicatorCommand &command)
 {
-    return command.dataType == 2;
+    return command.dataType == kWords;
 }
 
 bool isDoubleWordCommand(const CommunicatorCommand &command)
 {
-    return command.dataType == 3;
+    return command.dataType == kDoubleWords;
 }
 
 bool isBlockCommand(const CommunicatorCommand &command)
 {
-    return command.dataType == 5;
+    return command.dataType == kBlock;
 }

@@ -10,18 +10,18 @@
 #include <QString>
 #include <QtGlobal>
 
-/// One request. The data type gives the unit in which count is meant:
-///
-///     dataType   count in      data of the request, bytes
-///     0 bit        bits          count / 8, rounded up
-///     1 byte       bytes         count
-///     2 word       16-bit words  2 * count
-///     3 dword      32-bit words  4 * count
-///     4 qword      64-bit words  8 * count
-///     5 block      bytes         count
-///     6 bit block  bits          count / 8, rounded up
-///
-/// Other codes are invalid. Which codes a driver serves is the driver's business.
+/// The data type of a request: the unit in which its count is meant.
+enum DataType : int {
+    kBits = 0,        ///< count bits; data of count / 8 bytes, rounded up
+    kBytes = 1,       ///< count bytes; data of count bytes
+    kWords = 2,       ///< count 16-bit words; data of 2 * count bytes
+    kDoubleWords = 3, ///< count 32-bit words; data of 4 * count bytes
+    kQuadWords = 4,   ///< count 64-bit words; data of 8 * count bytes
+    kBlock = 5,       ///< count bytes; data of count bytes
+    kBitBlock = 6     ///< count bits; data of count / 8 bytes, rounded up
+};
+
+/// One request.
 struct Q_DECL_EXPORT CommunicatorCommand
 {
     /// All numbers 0 and no address.
@@ -29,26 +29,26 @@ struct Q_DECL_EXPORT CommunicatorCommand
 
     qint32 linkId;   ///< the host's own; no driver of this library reads it
     qint32 tagId;    ///< the host's own; no driver of this library reads it
-    qint32 dataType; ///< code of the table above
+    qint32 dataType; ///< a DataType; other codes are invalid, and a driver need not serve all of these
     qint32 count;    ///< number of items; a request on the line carries the low 16 bits
     QString address; ///< the controller's address text of the first item, such as VB100
 };
 
-// Quad words (4) and bit blocks (6) have no predicate.
+// kQuadWords and kBitBlock have no predicate.
 
-/// Whether the data type is bit (0); a bit block (6) is not a bit command.
+/// Whether the data type is kBits; a kBitBlock is not a bit command.
 Q_DECL_EXPORT bool isBitCommand(const CommunicatorCommand &command);
 
-/// Whether the data type is byte (1).
+/// Whether the data type is kBytes.
 Q_DECL_EXPORT bool isByteCommand(const CommunicatorCommand &command);
 
-/// Whether the data type is word (2).
+/// Whether the data type is kWords.
 Q_DECL_EXPORT bool isWordCommand(const CommunicatorCommand &command);
 
-/// Whether the data type is double word (3).
+/// Whether the data type is kDoubleWords.
 Q_DECL_EXPORT bool isDoubleWordCommand(const CommunicatorCommand &command);
 
-/// Whether the data type is block (5).
+/// Whether the data type is kBlock.
 Q_DECL_EXPORT bool isBlockCommand(const CommunicatorCommand &command);
 
 #endif

@@ -18,7 +18,23 @@ enum device_type : int {
     kRs485Port = 64 ///< a serial line, RS-485
 };
 
-/// A plain value. Codes of stop bits and parity are those of the host's serial port.
+/// The codes of stop bits that the drivers of this library and its reference host use. A code is not the
+/// number of bits.
+enum StopBitsCode : int {
+    kOneStopBit = 0, ///< 1 stop bit
+    kTwoStopBits = 2 ///< 2 stop bits
+};
+
+/// The codes of parity that the drivers of this library and its reference host use.
+enum ParityCode : int {
+    kNoParity = 0,   ///< no parity bit
+    kOddParity = 1,  ///< an odd number of ones with the parity bit
+    kEvenParity = 2, ///< an even number of ones with the parity bit
+    kMarkParity = 3, ///< a parity bit that is always 1
+    kSpaceParity = 4 ///< a parity bit that is always 0
+};
+
+/// A plain value. Other codes of stop bits and parity than the named ones are the host's.
 class Q_DECL_EXPORT DeviceSetting
 {
 public:
@@ -57,8 +73,8 @@ public:
     QString string;                            ///< the port's name, such as COM2
     qint32 baudrate;                           ///< bits per second
     qint32 databits;                           ///< data bits of a character
-    qint32 stopbits;                           ///< code of the stop bits
-    qint32 parity;                             ///< code of the parity
+    qint32 stopbits;                           ///< a StopBitsCode, or the host's own
+    qint32 parity;                             ///< a ParityCode, or the host's own
     qint32 extraValue;                         ///< the host's own, streamed but not interpreted
     QString extraText;                         ///< the host's own, neither streamed nor dumped
     qint32 linkID;                             ///< set by the host; -1 is none

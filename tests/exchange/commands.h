@@ -14,7 +14,6 @@
 Q_DECLARE_METATYPE(CommunicatorCommand)
 
 enum Operation { kRead, kWrite };
-enum DataType { kBit = 0, kByte = 1, kWord = 2, kDoubleWord = 3, kQuadWord = 4, kBlock = 5, kBitBlock = 6 };
 
 // The plural that names the type in a row of a test.
 inline QByteArray typeName(int dataType)
@@ -43,22 +42,22 @@ inline QByteArray textOf(const CommunicatorCommand &command, const QByteArray &n
 
 inline CommunicatorCommand bitCommand(const QString &address, int count)
 {
-    return command(kBit, address, count);
+    return command(kBits, address, count);
 }
 
 inline CommunicatorCommand byteCommand(const QString &address, int count)
 {
-    return command(kByte, address, count);
+    return command(kBytes, address, count);
 }
 
 inline CommunicatorCommand wordCommand(const QString &address, int count)
 {
-    return command(kWord, address, count);
+    return command(kWords, address, count);
 }
 
 inline CommunicatorCommand doubleWordCommand(const QString &address, int count)
 {
-    return command(kDoubleWord, address, count);
+    return command(kDoubleWords, address, count);
 }
 
 #endif

@@ -23,42 +23,42 @@ const char kInvalid1[] = "invalid response1"; // reads of double words from memo
 
 // clang-format off
 const Sample kSamples[] = {
-    {kRead,  kByte,       "VB100", 4, "",         kMemory,         "11223344", kInvalid,  false},
-    {kRead,  kBlock,      "VB100", 4, "",         kMemory,         "11223344", kInvalid,  false},
-    {kRead,  kWord,       "VW100", 2, "",         kMemory,         "22114433", kInvalid,  false},
-    {kRead,  kDoubleWord, "VD100", 1, "",         kMemory,         "44332211", kInvalid1, false},
-    {kRead,  kBit,        "V10.0", 8, "",         kOneByte,        kEightBits, kInvalid,  false},
-    {kRead,  kBitBlock,   "V10.0", 8, "",         kOneByte,        kEightBits, kInvalid,  false},
-    {kRead,  kByte,       "T37",   4, "",         kTwoTimers,      "34127856", kInvalid,  false},
-    {kRead,  kWord,       "T37",   2, "",         kTwoTimers,      "34127856", kInvalid,  false},
-    {kRead,  kDoubleWord, "T37",   1, "",         kTwoTimers,      "34127856", kInvalid,  false},
-    {kRead,  kBit,        "T37",   2, "",         kTwoTimers,      "0100",     kInvalid,  false},
-    {kRead,  kByte,       "C5",    4, "",         kTwoCounters,    "34127856", kInvalid,  false},
-    {kRead,  kWord,       "C5",    2, "",         kTwoCounters,    "34127856", kInvalid,  false},
-    {kRead,  kDoubleWord, "C5",    1, "",         kTwoCounters,    "34127856", kInvalid,  false},
-    {kRead,  kBit,        "C5",    2, "",         kTwoCounters,    "0100",     kInvalid,  true},
-    {kRead,  kByte,       "HC0",   4, "",         kOneFastCounter, "04030201", kInvalid,  false},
-    {kRead,  kWord,       "HC0",   2, "",         kOneFastCounter, "04030201", kInvalid,  false},
-    {kRead,  kDoubleWord, "HC0",   1, "",         kOneFastCounter, "04030201", kInvalid,  false},
-    {kRead,  kBit,        "HC0",   8, "",         kOneByte,        kEightBits, kInvalid,  false},
+    {kRead,  kBytes,       "VB100", 4, "",         kMemory,         "11223344", kInvalid,  false},
+    {kRead,  kBlock,       "VB100", 4, "",         kMemory,         "11223344", kInvalid,  false},
+    {kRead,  kWords,       "VW100", 2, "",         kMemory,         "22114433", kInvalid,  false},
+    {kRead,  kDoubleWords, "VD100", 1, "",         kMemory,         "44332211", kInvalid1, false},
+    {kRead,  kBits,        "V10.0", 8, "",         kOneByte,        kEightBits, kInvalid,  false},
+    {kRead,  kBitBlock,    "V10.0", 8, "",         kOneByte,        kEightBits, kInvalid,  false},
+    {kRead,  kBytes,       "T37",   4, "",         kTwoTimers,      "34127856", kInvalid,  false},
+    {kRead,  kWords,       "T37",   2, "",         kTwoTimers,      "34127856", kInvalid,  false},
+    {kRead,  kDoubleWords, "T37",   1, "",         kTwoTimers,      "34127856", kInvalid,  false},
+    {kRead,  kBits,        "T37",   2, "",         kTwoTimers,      "0100",     kInvalid,  false},
+    {kRead,  kBytes,       "C5",    4, "",         kTwoCounters,    "34127856", kInvalid,  false},
+    {kRead,  kWords,       "C5",    2, "",         kTwoCounters,    "34127856", kInvalid,  false},
+    {kRead,  kDoubleWords, "C5",    1, "",         kTwoCounters,    "34127856", kInvalid,  false},
+    {kRead,  kBits,        "C5",    2, "",         kTwoCounters,    "0100",     kInvalid,  true},
+    {kRead,  kBytes,       "HC0",   4, "",         kOneFastCounter, "04030201", kInvalid,  false},
+    {kRead,  kWords,       "HC0",   2, "",         kOneFastCounter, "04030201", kInvalid,  false},
+    {kRead,  kDoubleWords, "HC0",   1, "",         kOneFastCounter, "04030201", kInvalid,  false},
+    {kRead,  kBits,        "HC0",   8, "",         kOneByte,        kEightBits, kInvalid,  false},
 
-    {kWrite, kByte,       "VB100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kByte,       "VW100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kByte,       "VD100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kBlock,      "VB100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kWord,       "VW100", 2, "34127856", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kDoubleWord, "VD100", 1, "44332211", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kBit,        "V10.3", 1, "01",       kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kBit,        "V10.6", 3, "010001",   kThreeItems,     kTaken,     kInvalid1, false},
-    {kWrite, kBitBlock,   "Q0.0",  1, "01",       kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kByte,       "T37",   2, "2c01",     kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kWord,       "T37",   1, "2c01",     kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kDoubleWord, "T37",   1, "2c01e803", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kByte,       "C5",    2, "0500",     kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kWord,       "C5",    1, "0500",     kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kDoubleWord, "C5",    1, "05000600", kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kBit,        "HC0",   1, "01",       kOneItem,        kTaken,     kInvalid1, false},
-    {kWrite, kBit,        "AIW0",  1, "01",       kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBytes,       "VB100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBytes,       "VW100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBytes,       "VD100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBlock,       "VB100", 4, "11223344", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kWords,       "VW100", 2, "34127856", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kDoubleWords, "VD100", 1, "44332211", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBits,        "V10.3", 1, "01",       kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBits,        "V10.6", 3, "010001",   kThreeItems,     kTaken,     kInvalid1, false},
+    {kWrite, kBitBlock,    "Q0.0",  1, "01",       kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBytes,       "T37",   2, "2c01",     kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kWords,       "T37",   1, "2c01",     kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kDoubleWords, "T37",   1, "2c01e803", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBytes,       "C5",    2, "0500",     kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kWords,       "C5",    1, "0500",     kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kDoubleWords, "C5",    1, "05000600", kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBits,        "HC0",   1, "01",       kOneItem,        kTaken,     kInvalid1, false},
+    {kWrite, kBits,        "AIW0",  1, "01",       kOneItem,        kTaken,     kInvalid1, false},
 };
 // clang-format on
 
@@ -81,7 +81,7 @@ QByteArray Sample::data() const
 
 bool Sample::isBitWrite() const
 {
-    return operation == kWrite && (dataType == kBit || dataType == kBitBlock);
+    return operation == kWrite && (dataType == kBits || dataType == kBitBlock);
 }
 
 QList<Sample> samples()

@@ -36,14 +36,14 @@ void TestHugeWrites::countsThatNoArrayHoldsFail_data()
     QTest::addColumn<int>("dataType");
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("count");
-    QTest::newRow("2^31 bytes of words") << int(kWord) << "VW0" << 0x40000000;
-    QTest::newRow("INT_MAX words") << int(kWord) << "VW0" << INT_MAX;
-    QTest::newRow("INT_MAX words of bytes") << int(kWord) << "VB0" << INT_MAX;
-    QTest::newRow("2^31 bytes of double words") << int(kDoubleWord) << "VD0" << 0x20000000;
-    QTest::newRow("2^32 bytes of double words") << int(kDoubleWord) << "VD0" << 0x40000000;
-    QTest::newRow("INT_MAX double words") << int(kDoubleWord) << "VD0" << INT_MAX;
-    QTest::newRow("INT_MAX timers") << int(kWord) << "T0" << INT_MAX;
-    QTest::newRow("INT_MAX counters") << int(kDoubleWord) << "C0" << INT_MAX;
+    QTest::newRow("2^31 bytes of words") << int(kWords) << "VW0" << 0x40000000;
+    QTest::newRow("INT_MAX words") << int(kWords) << "VW0" << INT_MAX;
+    QTest::newRow("INT_MAX words of bytes") << int(kWords) << "VB0" << INT_MAX;
+    QTest::newRow("2^31 bytes of double words") << int(kDoubleWords) << "VD0" << 0x20000000;
+    QTest::newRow("2^32 bytes of double words") << int(kDoubleWords) << "VD0" << 0x40000000;
+    QTest::newRow("INT_MAX double words") << int(kDoubleWords) << "VD0" << INT_MAX;
+    QTest::newRow("INT_MAX timers") << int(kWords) << "T0" << INT_MAX;
+    QTest::newRow("INT_MAX counters") << int(kDoubleWords) << "C0" << INT_MAX;
 }
 
 void TestHugeWrites::countsThatNoArrayHoldsFail()
@@ -67,12 +67,12 @@ void TestHugeWrites::countsThatMemoryDoesNotHoldFail_data()
     QTest::addColumn<QString>("address");
     QTest::addColumn<int>("count");
     const int million = 1000000;
-    QTest::newRow("1 GB of words") << int(kWord) << "VW0" << 500 * million;
-    QTest::newRow("1 GB of double words") << int(kDoubleWord) << "VD0" << 250 * million;
-    QTest::newRow("1 GB of timers") << int(kWord) << "T0" << 500 * million;
-    QTest::newRow("1 GB of counters") << int(kWord) << "C0" << 500 * million;
-    QTest::newRow("40 MB of words, which fit once") << int(kWord) << "VW0" << 20 * million;
-    QTest::newRow("40 MB of timers, which fit once") << int(kWord) << "T0" << 20 * million;
+    QTest::newRow("1 GB of words") << int(kWords) << "VW0" << 500 * million;
+    QTest::newRow("1 GB of double words") << int(kDoubleWords) << "VD0" << 250 * million;
+    QTest::newRow("1 GB of timers") << int(kWords) << "T0" << 500 * million;
+    QTest::newRow("1 GB of counters") << int(kWords) << "C0" << 500 * million;
+    QTest::newRow("40 MB of words, which fit once") << int(kWords) << "VW0" << 20 * million;
+    QTest::newRow("40 MB of timers, which fit once") << int(kWords) << "T0" << 20 * million;
 }
 
 void TestHugeWrites::countsThatMemoryDoesNotHoldFail()

@@ -43,37 +43,37 @@ struct ReadKind
 // clang-format off
 const ReadKind kMemoryReads[] = {
     //                        return code           wrong item         no data
-    {"VB100", 4, kByte,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
-    {"VB100", 1, kWord,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
-    {"VB100", 1, kDoubleWord, {kCode, false},       {kNoData, true},   {kNoData, true}},
-    {"VW100", 4, kByte,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
-    {"VW100", 1, kWord,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
-    {"VW100", 1, kDoubleWord, {kCode, false},       {kNoData, true},   {kNoData, true}},
-    {"VD100", 4, kByte,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
-    {"VD100", 1, kWord,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
-    {"VD100", 1, kDoubleWord, {kCode, false},       {kNoData, true},   {kNoData, true}},
-    {"V10.0", 32, kBit,       {kInvalid, true},     {kInvalid, true},  {kInvalid, true}},
-    {"HC0",   32, kBit,       {kInvalid, true},     {kInvalid, true},  {kInvalid, true}},
+    {"VB100", 4, kBytes,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"VB100", 1, kWords,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
+    {"VB100", 1, kDoubleWords, {kCode, false},       {kNoData, true},   {kNoData, true}},
+    {"VW100", 4, kBytes,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"VW100", 1, kWords,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
+    {"VW100", 1, kDoubleWords, {kCode, false},       {kNoData, true},   {kNoData, true}},
+    {"VD100", 4, kBytes,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"VD100", 1, kWords,       {kCode, false},       {kInvalid, false}, {kInvalid, false}},
+    {"VD100", 1, kDoubleWords, {kCode, false},       {kNoData, true},   {kNoData, true}},
+    {"V10.0", 32, kBits,       {kInvalid, true},     {kInvalid, true},  {kInvalid, true}},
+    {"HC0",   32, kBits,       {kInvalid, true},     {kInvalid, true},  {kInvalid, true}},
 };
 
 const ReadKind kTimerReads[] = {
-    {"T37",   4, kByte,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"T37",   1, kWord,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"T37",   1, kDoubleWord, {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"T37",   1, kBit,        {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"T37",   4, kBytes,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"T37",   1, kWords,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"T37",   1, kDoubleWords, {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"T37",   1, kBits,        {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
 };
 
 const ReadKind kCounterReads[] = {
-    {"C5",    4, kByte,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"C5",    1, kWord,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"C5",    1, kDoubleWord, {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
-    {"C5",    1, kBit,        {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"C5",    4, kBytes,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"C5",    1, kWords,       {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"C5",    1, kDoubleWords, {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
+    {"C5",    1, kBits,        {kUndecoded, false}, {kUndecoded, false}, {kInvalid, true}},
 };
 
 const ReadKind kFastCounterReads[] = {
-    {"HC0",   4, kByte,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
-    {"HC0",   1, kWord,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
-    {"HC0",   1, kDoubleWord, {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"HC0",   4, kBytes,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"HC0",   1, kWords,       {kCode, true},        {kInvalid, true},  {kInvalid, true}},
+    {"HC0",   1, kDoubleWords, {kCode, true},        {kInvalid, true},  {kInvalid, true}},
 };
 
 struct Item
@@ -166,7 +166,7 @@ template <size_t Kinds> void addReturnCodes(const ReadKind (&kinds)[Kinds])
 // Bits of counters are traced before they are decoded.
 QStringList logOf(const CommunicatorCommand &read, const QString &text, bool isLogged)
 {
-    const bool isTraced = read.dataType == kBit && read.address.startsWith('C');
+    const bool isTraced = read.dataType == kBits && read.address.startsWith('C');
     return QStringList(isTraced ? QStringList(QString("")) : QStringList()) +
            (isLogged ? QStringList(text) : QStringList());
 }
@@ -267,7 +267,7 @@ void TestReadRefusals::itemLongerThanItsFrameIsRefused_data()
             continue;
         const QByteArray item = bytes(read.item);
         const int unit = item.at(3) == 4 ? 8 : 1;
-        const bool areBits = read.dataType == kBit || read.dataType == kBitBlock;
+        const bool areBits = read.dataType == kBits || read.dataType == kBitBlock;
         const char width = areBits ? 'B' : QByteArray(read.address).left(2).at(1);
         const int element = width == 'D' ? 4 : width == 'W' ? 2 : 1;
         const int oneElementMore = (int(item.size()) - 6 + element) * unit;

@@ -340,7 +340,7 @@ void TestRetries::typesThatAreNotServedReturnAtOnce_data()
     QTest::addColumn<int>("dataType");
     const char *const calls[] = {"read bytes of VB100", "write bytes of VB100"};
     for (const char *call : calls) {
-        sampleRow(sample(call), "quad word") << int(kQuadWord);
+        sampleRow(sample(call), "quad word") << int(kQuadWords);
         sampleRow(sample(call), "7") << 7;
         sampleRow(sample(call), "256") << 256;
         sampleRow(sample(call), "INT_MAX") << INT_MAX;

@@ -176,26 +176,26 @@ void TestWriteDecoders::dataOfWordsIsFittedToTheCommand_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QString>("fitted");
-    QTest::newRow("3 words of 4 bytes") << int(kWord) << 3 << bytes("11223344") << "112233440000";
-    QTest::newRow("3 words of 8 bytes") << int(kWord) << 3 << bytes("1122334455667788") << "112233445566";
-    QTest::newRow("2 words of 4 bytes") << int(kWord) << 2 << bytes("11223344") << "11223344";
-    QTest::newRow("no words") << int(kWord) << 0 << bytes("11223344") << "";
-    QTest::newRow("-1 words") << int(kWord) << -1 << bytes("11223344") << "";
-    QTest::newRow("INT_MIN words") << int(kWord) << INT_MIN << bytes("11223344") << "";
-    QTest::newRow("1 word of nothing") << int(kWord) << 1 << QByteArray() << "0000";
+    QTest::newRow("3 words of 4 bytes") << int(kWords) << 3 << bytes("11223344") << "112233440000";
+    QTest::newRow("3 words of 8 bytes") << int(kWords) << 3 << bytes("1122334455667788") << "112233445566";
+    QTest::newRow("2 words of 4 bytes") << int(kWords) << 2 << bytes("11223344") << "11223344";
+    QTest::newRow("no words") << int(kWords) << 0 << bytes("11223344") << "";
+    QTest::newRow("-1 words") << int(kWords) << -1 << bytes("11223344") << "";
+    QTest::newRow("INT_MIN words") << int(kWords) << INT_MIN << bytes("11223344") << "";
+    QTest::newRow("1 word of nothing") << int(kWords) << 1 << QByteArray() << "0000";
     QTest::newRow("2 double words of 5 bytes")
-        << int(kDoubleWord) << 2 << bytes("1122334455") << "1122334455000000";
-    QTest::newRow("1 double word of 5 bytes") << int(kDoubleWord) << 1 << bytes("1122334455") << "11223344";
-    QTest::newRow("1 double word of 4 bytes") << int(kDoubleWord) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("no double words") << int(kDoubleWord) << 0 << bytes("11223344") << "";
-    QTest::newRow("-1 double words") << int(kDoubleWord) << -1 << bytes("11223344") << "";
-    QTest::newRow("bits stay") << int(kBit) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("bytes stay") << int(kByte) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("quad words stay") << int(kQuadWord) << 1 << bytes("11223344") << "11223344";
+        << int(kDoubleWords) << 2 << bytes("1122334455") << "1122334455000000";
+    QTest::newRow("1 double word of 5 bytes") << int(kDoubleWords) << 1 << bytes("1122334455") << "11223344";
+    QTest::newRow("1 double word of 4 bytes") << int(kDoubleWords) << 1 << bytes("11223344") << "11223344";
+    QTest::newRow("no double words") << int(kDoubleWords) << 0 << bytes("11223344") << "";
+    QTest::newRow("-1 double words") << int(kDoubleWords) << -1 << bytes("11223344") << "";
+    QTest::newRow("bits stay") << int(kBits) << 1 << bytes("11223344") << "11223344";
+    QTest::newRow("bytes stay") << int(kBytes) << 1 << bytes("11223344") << "11223344";
+    QTest::newRow("quad words stay") << int(kQuadWords) << 1 << bytes("11223344") << "11223344";
     QTest::newRow("blocks stay") << int(kBlock) << 8 << bytes("11223344") << "11223344";
     QTest::newRow("bit blocks stay") << int(kBitBlock) << 1 << bytes("11223344") << "11223344";
     QTest::newRow("bytes stay at a count that nothing holds")
-        << int(kByte) << INT_MAX << bytes("11223344") << "11223344";
+        << int(kBytes) << INT_MAX << bytes("11223344") << "11223344";
 }
 
 void TestWriteDecoders::dataOfWordsIsFittedToTheCommand()
@@ -217,11 +217,11 @@ void TestWriteDecoders::dataThatNoArrayHoldsAreRefused_data()
 {
     QTest::addColumn<int>("dataType");
     QTest::addColumn<int>("count");
-    QTest::newRow("2^31 bytes of words") << int(kWord) << 0x40000000;
-    QTest::newRow("INT_MAX words") << int(kWord) << INT_MAX;
-    QTest::newRow("2^31 bytes of double words") << int(kDoubleWord) << 0x20000000;
-    QTest::newRow("2^32 bytes of double words") << int(kDoubleWord) << 0x40000000;
-    QTest::newRow("INT_MAX double words") << int(kDoubleWord) << INT_MAX;
+    QTest::newRow("2^31 bytes of words") << int(kWords) << 0x40000000;
+    QTest::newRow("INT_MAX words") << int(kWords) << INT_MAX;
+    QTest::newRow("2^31 bytes of double words") << int(kDoubleWords) << 0x20000000;
+    QTest::newRow("2^32 bytes of double words") << int(kDoubleWords) << 0x40000000;
+    QTest::newRow("INT_MAX double words") << int(kDoubleWords) << INT_MAX;
 }
 
 void TestWriteDecoders::dataThatNoArrayHoldsAreRefused()

@@ -124,19 +124,19 @@ void TestWriteRefusals::whatCanNotBeWrittenIsRefusedUnsent_data()
 {
     QTest::addColumn<int>("dataType");
     QTest::addColumn<QString>("address");
-    QTest::newRow("bytes of HC") << int(kByte) << "HC0";
-    QTest::newRow("bytes of AIW") << int(kByte) << "AIW0";
+    QTest::newRow("bytes of HC") << int(kBytes) << "HC0";
+    QTest::newRow("bytes of AIW") << int(kBytes) << "AIW0";
     QTest::newRow("block of HC") << int(kBlock) << "HC5";
     QTest::newRow("block of AIW") << int(kBlock) << "AIW2";
-    QTest::newRow("words of HC") << int(kWord) << "HC0";
-    QTest::newRow("words of AIW") << int(kWord) << "AIW30";
-    QTest::newRow("double words of HC") << int(kDoubleWord) << "HC0";
-    QTest::newRow("double words of AIW") << int(kDoubleWord) << "AIW0";
-    QTest::newRow("bits of T") << int(kBit) << "T5";
-    QTest::newRow("bits of C") << int(kBit) << "C5";
+    QTest::newRow("words of HC") << int(kWords) << "HC0";
+    QTest::newRow("words of AIW") << int(kWords) << "AIW30";
+    QTest::newRow("double words of HC") << int(kDoubleWords) << "HC0";
+    QTest::newRow("double words of AIW") << int(kDoubleWords) << "AIW0";
+    QTest::newRow("bits of T") << int(kBits) << "T5";
+    QTest::newRow("bits of C") << int(kBits) << "C5";
     QTest::newRow("bit block of T") << int(kBitBlock) << "T37";
     QTest::newRow("bit block of C") << int(kBitBlock) << "C0.1";
-    QTest::newRow("the address as it stands") << int(kByte) << "HC 0 x";
+    QTest::newRow("the address as it stands") << int(kBytes) << "HC 0 x";
 }
 
 void TestWriteRefusals::whatCanNotBeWrittenIsRefusedUnsent()

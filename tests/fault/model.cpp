@@ -12,8 +12,6 @@
 
 namespace {
 
-enum Type { kBit, kByte, kWord, kDoubleWord, kQuadWord, kBlock, kBitBlock };
-
 const int kBufferSize = 262;
 const int kHeadSize = 7;
 const int kPauseBeforeFrame = 12;
@@ -45,12 +43,12 @@ qint64 low16(qint64 value)
 
 bool isBits(int type)
 {
-    return type == kBit || type == kBitBlock;
+    return type == kBits || type == kBitBlock;
 }
 
 int bytesPerItem(int type)
 {
-    return type == kDoubleWord ? 4 : type == kWord ? 2 : 1;
+    return type == kDoubleWords ? 4 : type == kWords ? 2 : 1;
 }
 
 } // namespace
@@ -63,7 +61,7 @@ bool Model::begin(AbstractDeviceInterface *currentPort, const CommunicatorComman
     pause(port->delay());
     isFailed = false;
     reason = QLatin1String("");
-    return command.dataType >= kBit && command.dataType <= kBitBlock && command.dataType != kQuadWord;
+    return command.dataType >= kBits && command.dataType <= kBitBlock && command.dataType != kQuadWords;
 }
 
 QByteArray Model::read(AbstractDeviceInterface *currentPort, const CommunicatorCommand &command)

@@ -46,8 +46,6 @@ const int kRoomForBits = 13;  // items of one bit in a request
 const int kMostTimers = 44;   // in a request
 const int kMostCounters = 74;
 
-enum DataType { kBit = 0, kByte = 1, kWord = 2, kDoubleWord = 3, kBlock = 5, kBitBlock = 6 };
-
 // A driver and a controller.
 struct Link
 {
@@ -75,7 +73,7 @@ struct NamedType
 };
 
 const NamedType kTypes[] = {
-    {"bytes", kByte, 1}, {"block", kBlock, 1}, {"words", kWord, 2}, {"double words", kDoubleWord, 4}};
+    {"bytes", kBytes, 1}, {"block", kBlock, 1}, {"words", kWords, 2}, {"double words", kDoubleWords, 4}};
 
 struct NamedArea
 {
@@ -197,7 +195,7 @@ void TestRoundTrips::bits_data()
     for (const NamedArea &area : kAreas) {
         if (*area.widths != ' ')
             continue;
-        QTest::newRow(area.name) << QString(area.name) << int(kBit);
+        QTest::newRow(area.name) << QString(area.name) << int(kBits);
         QTest::newRow(qPrintable(QString("%1, block").arg(area.name)))
             << QString(area.name) << int(kBitBlock);
     }
@@ -280,11 +278,13 @@ void TestRoundTrips::statusBits()
         ofCounters += char(link.station.memory().counters[size_t(i)].status = random.oneIn(2));
     }
     for (int count = 1; count <= kMostTimers; ++count) {
-        QCOMPARE(link.read(commandFor(kBit, "T0", count)), ofTimers.left(count).toHex());
+        QCOMPARE(link.read(commandFor(kBits, "T0", count)), ofTimers.left(count).toHex());
         QCOMPARE(link.read(commandFor(kBitBlock, "C0", count)), ofCounters.left(count).toHex());
     }
-    QCOMPARE(link.write(commandFor(kBit, "T0", 1), QByteArray(1, '\1')), QString("can not write data to T0"));
-    QCOMPARE(link.write(commandFor(kBit, "C0", 1), QByteArray(1, '\1')), QString("can not write data to C0"));
+    QCOMPARE(link.write(commandFor(kBits, "T0", 1), QByteArray(1, '\1')),
+             QString("can not write data to T0"));
+    QCOMPARE(link.write(commandFor(kBits, "C0", 1), QByteArray(1, '\1')),
+             QString("can not write data to C0"));
 }
 
 void TestRoundTrips::fastCounters_data()
@@ -319,7 +319,7 @@ void TestRoundTrips::analogueInputs()
     const QByteArray host =
         onTheLine(inMemory(link.station.memory(), sim::kAreaAI, 0, int(inputs.size())), 2);
     for (int count = 1; count <= host.size() / 2; ++count) {
-        const CommunicatorCommand command = commandFor(kWord, "AIW0", count);
+        const CommunicatorCommand command = commandFor(kWords, "AIW0", count);
         QCOMPARE(link.read(command), host.left(2 * count).toHex());
         QCOMPARE(link.write(command, host), QString("can not write data to AIW0"));
     }
@@ -329,8 +329,8 @@ void TestRoundTrips::largestRead()
 {
     const int most = 234;
     Link link;
-    QCOMPARE(link.read(commandFor(kByte, "VB0", most)), QByteArray(most, '\0').toHex());
-    QCOMPARE(link.read(commandFor(kByte, "VB0", most + 1)), QByteArray());
+    QCOMPARE(link.read(commandFor(kBytes, "VB0", most)), QByteArray(most, '\0').toHex());
+    QCOMPARE(link.read(commandFor(kBytes, "VB0", most + 1)), QByteArray());
     QCOMPARE(link.driver.getLastError(), QString("Object does not exist or length error"));
 }
 
@@ -339,9 +339,9 @@ void TestRoundTrips::largestWrite()
 {
     Link link;
     const QByteArray data(kRoomInWrite + 1, '\x91');
-    QCOMPARE(link.write(commandFor(kByte, "VB0", kRoomInWrite), data.left(kRoomInWrite)), QString());
+    QCOMPARE(link.write(commandFor(kBytes, "VB0", kRoomInWrite), data.left(kRoomInWrite)), QString());
     const sim::Memory before = link.station.memory();
-    QCOMPARE(link.write(commandFor(kByte, "VB500", kRoomInWrite + 1), data), QString("plc no response"));
+    QCOMPARE(link.write(commandFor(kBytes, "VB500", kRoomInWrite + 1), data), QString("plc no response"));
     QVERIFY(link.station.memory() == before);
 }
 

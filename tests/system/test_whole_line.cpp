@@ -15,8 +15,6 @@ using namespace host;
 
 namespace {
 
-enum DataType { kBit = 0, kByte = 1, kWord = 2, kDoubleWord = 3, kBlock = 5 };
-
 CommunicatorCommand command(const char *address, DataType type, int count)
 {
     CommunicatorCommand command;
@@ -56,17 +54,17 @@ void TestWholeLine::everyKindOfObjectIsRead_data()
     QTest::addColumn<QString>("data");
 
     // The simulator begins with VB100 = 11 22 33 44, SMB0 = 1, T37 = 300 and on, C5 = 5, HC0 = 100000.
-    QTest::newRow("bytes") << QByteArray("VB100") << int(kByte) << 4 << "11223344";
+    QTest::newRow("bytes") << QByteArray("VB100") << int(kBytes) << 4 << "11223344";
     QTest::newRow("block") << QByteArray("VB101") << int(kBlock) << 2 << "2233";
-    QTest::newRow("word, host byte order") << QByteArray("VW100") << int(kWord) << 1 << "2211";
+    QTest::newRow("word, host byte order") << QByteArray("VW100") << int(kWords) << 1 << "2211";
     QTest::newRow("double word, host byte order")
-        << QByteArray("VD100") << int(kDoubleWord) << 1 << "44332211";
-    QTest::newRow("bits, one byte each") << QByteArray("V100.0") << int(kBit) << 5 << "0100000001";
-    QTest::newRow("special memory") << QByteArray("SMB0") << int(kByte) << 1 << "01";
-    QTest::newRow("timer value") << QByteArray("T37") << int(kWord) << 1 << "2c01";
-    QTest::newRow("timer bit") << QByteArray("T37") << int(kBit) << 1 << "01";
-    QTest::newRow("counter value") << QByteArray("C5") << int(kWord) << 1 << "0500";
-    QTest::newRow("high-speed counter") << QByteArray("HC0") << int(kDoubleWord) << 1 << "a0860100";
+        << QByteArray("VD100") << int(kDoubleWords) << 1 << "44332211";
+    QTest::newRow("bits, one byte each") << QByteArray("V100.0") << int(kBits) << 5 << "0100000001";
+    QTest::newRow("special memory") << QByteArray("SMB0") << int(kBytes) << 1 << "01";
+    QTest::newRow("timer value") << QByteArray("T37") << int(kWords) << 1 << "2c01";
+    QTest::newRow("timer bit") << QByteArray("T37") << int(kBits) << 1 << "01";
+    QTest::newRow("counter value") << QByteArray("C5") << int(kWords) << 1 << "0500";
+    QTest::newRow("high-speed counter") << QByteArray("HC0") << int(kDoubleWords) << 1 << "a0860100";
 }
 
 void TestWholeLine::everyKindOfObjectIsRead()
@@ -91,12 +89,12 @@ void TestWholeLine::whatWasWrittenIsReadBack_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("data");
 
-    QTest::newRow("bytes") << QByteArray("VB10") << int(kByte) << 3 << "a1b2c3";
-    QTest::newRow("words") << QByteArray("MW4") << int(kWord) << 2 << "34127856";
-    QTest::newRow("double word") << QByteArray("VD20") << int(kDoubleWord) << 1 << "44332211";
-    QTest::newRow("bits over a byte's end") << QByteArray("Q0.6") << int(kBit) << 2 << "0101";
-    QTest::newRow("timer") << QByteArray("T5") << int(kWord) << 1 << "e803";
-    QTest::newRow("counter") << QByteArray("C7") << int(kWord) << 1 << "0700";
+    QTest::newRow("bytes") << QByteArray("VB10") << int(kBytes) << 3 << "a1b2c3";
+    QTest::newRow("words") << QByteArray("MW4") << int(kWords) << 2 << "34127856";
+    QTest::newRow("double word") << QByteArray("VD20") << int(kDoubleWords) << 1 << "44332211";
+    QTest::newRow("bits over a byte's end") << QByteArray("Q0.6") << int(kBits) << 2 << "0101";
+    QTest::newRow("timer") << QByteArray("T5") << int(kWords) << 1 << "e803";
+    QTest::newRow("counter") << QByteArray("C7") << int(kWords) << 1 << "0700";
 }
 
 void TestWholeLine::whatWasWrittenIsReadBack()
@@ -119,7 +117,7 @@ void TestWholeLine::theControllersRefusalIsReported()
     const SimulatorProcess simulator(QStringLiteral(SIMULATOR_FILE), {});
     const Plugin plugin(QStringLiteral(PLUGIN_FILE));
     SerialPort port(simulator.portName(), ppiLine(), Timing{500, 0, 2, 0});
-    QVERIFY(plugin.driver().read(&port, command("VB20000", kByte, 1)).isEmpty());
+    QVERIFY(plugin.driver().read(&port, command("VB20000", kBytes, 1)).isEmpty());
     QVERIFY(plugin.driver().hasError());
     QCOMPARE(plugin.driver().getLastError(), QString("Invalid address (incorrect variable address)"));
 }
@@ -129,7 +127,7 @@ void TestWholeLine::aStationThatIsNotThereDoesNotAnswer()
     const SimulatorProcess simulator(QStringLiteral(SIMULATOR_FILE), {QStringLiteral("--station=3")});
     const Plugin plugin(QStringLiteral(PLUGIN_FILE));
     SerialPort port(simulator.portName(), ppiLine(), Timing{50, 1, 2, 0});
-    QVERIFY(plugin.driver().read(&port, command("VB100", kByte, 1)).isEmpty());
+    QVERIFY(plugin.driver().read(&port, command("VB100", kBytes, 1)).isEmpty());
     QCOMPARE(plugin.driver().getLastError(), QString("plc no response"));
 }
 
@@ -140,9 +138,9 @@ void TestWholeLine::manyExchangesStayInStep()
     SerialPort port(simulator.portName(), ppiLine(), Timing{500, 0, 2, 0});
     for (int i = 0; i < 20; ++i) {
         const QByteArray value(1, char(i));
-        QVERIFY(plugin.driver().write(&port, command("VB7", kByte, 1), value));
-        QCOMPARE(hex(plugin.driver().read(&port, command("VB7", kByte, 1))), hex(value));
-        QCOMPARE(hex(plugin.driver().read(&port, command("VB100", kByte, 2))), QString("1122"));
+        QVERIFY(plugin.driver().write(&port, command("VB7", kBytes, 1), value));
+        QCOMPARE(hex(plugin.driver().read(&port, command("VB7", kBytes, 1))), hex(value));
+        QCOMPARE(hex(plugin.driver().read(&port, command("VB100", kBytes, 2))), QString("1122"));
     }
 }
 

@@ -5,6 +5,7 @@
 // names that the library exports. Written down for the panel (32-bit ARM) and for a PC (64 bits).
 
 #include "abstract_device_interface.h"
+#include "communicator_command.h"
 #include "device_setting.h"
 #include "driver_interface.h"
 #include "driver_setting.h"
@@ -157,6 +158,8 @@ private slots:
     void operationsStandInTheirSlots_data();
     void operationsStandInTheirSlots();
     void aDriverIsCalledByTheSlots();
+    void namedCodesHaveTheirNumbers_data();
+    void namedCodesHaveTheirNumbers();
     void noExportedNameEverGoes();
     void everyExportedNameIsListed();
 };
@@ -245,7 +248,7 @@ void TestLayout::fieldsOfTheDriverStandBehindItsBases()
 
     SilentPort port;
     CommunicatorCommand command;
-    command.dataType = 1;
+    command.dataType = kBytes;
     command.count = 1;
     command.address = "VB0";
     driver.read(&port, command);
@@ -324,6 +327,37 @@ void TestLayout::aDriverIsCalledByTheSlots()
     QCOMPARE(callIntSlot(&driver, 13), 112);
     QCOMPARE(callIntSlot(&driver, 15), 32);
     QCOMPARE(callIntSlot(&driver, 16), 32);
+}
+
+void TestLayout::namedCodesHaveTheirNumbers_data()
+{
+    QTest::addColumn<int>("found");
+    QTest::addColumn<int>("wanted");
+    QTest::newRow("kBits") << int(kBits) << 0;
+    QTest::newRow("kBytes") << int(kBytes) << 1;
+    QTest::newRow("kWords") << int(kWords) << 2;
+    QTest::newRow("kDoubleWords") << int(kDoubleWords) << 3;
+    QTest::newRow("kQuadWords") << int(kQuadWords) << 4;
+    QTest::newRow("kBlock") << int(kBlock) << 5;
+    QTest::newRow("kBitBlock") << int(kBitBlock) << 6;
+
+    QTest::newRow("kClearInput") << int(kClearInput) << 12;
+
+    QTest::newRow("kRs485Port") << int(kRs485Port) << 64;
+    QTest::newRow("kOneStopBit") << int(kOneStopBit) << 0;
+    QTest::newRow("kTwoStopBits") << int(kTwoStopBits) << 2;
+    QTest::newRow("kNoParity") << int(kNoParity) << 0;
+    QTest::newRow("kOddParity") << int(kOddParity) << 1;
+    QTest::newRow("kEvenParity") << int(kEvenParity) << 2;
+    QTest::newRow("kMarkParity") << int(kMarkParity) << 3;
+    QTest::newRow("kSpaceParity") << int(kSpaceParity) << 4;
+}
+
+void TestLayout::namedCodesHaveTheirNumbers()
+{
+    QFETCH(int, found);
+    QFETCH(int, wanted);
+    QCOMPARE(found, wanted);
 }
 
 void TestLayout::noExportedNameEverGoes()

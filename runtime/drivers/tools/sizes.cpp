@@ -20,17 +20,17 @@ qint64 dataLength(const CommunicatorCommand &command)
 {
     const qint64 count = std::max(command.count, 0);
     switch (command.dataType) {
-    case 0: // bit
-    case 6: // bit block
+    case kBits:
+    case kBitBlock:
         return (count + 7) / 8;
-    case 1: // byte
-    case 5: // block
+    case kBytes:
+    case kBlock:
         return count;
-    case 2: // word
+    case kWords:
         return count * 2;
-    case 3: // double word
+    case kDoubleWords:
         return count * 4;
-    case 4: // quad word
+    case kQuadWords:
         return count * 8;
     default:
         return 0;
