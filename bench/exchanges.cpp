@@ -5,11 +5,11 @@
 
 #include "abstract_device_interface.h"
 
+#include <string>
+
 namespace bench {
 
 namespace {
-
-constexpr int kPurge = 12;
 
 // Keeps the first frame that is sent and answers nothing.
 class RecordingPort : public AbstractDeviceInterface
@@ -55,6 +55,13 @@ Exchange exchange(const char *name, int dataType, int count, const char *address
     return made;
 }
 
+// A good read item of size bytes.
+std::string memoryItem(int size)
+{
+    const QByteArray bits = QByteArray::number(size * 8, 16).rightJustified(4, '0');
+    return "0401ff04" + bits.toStdString() + std::string(size_t(size) * 2, '5');
+}
+
 } // namespace
 
 // The recording port never answers: that the driver logs it is no news.
@@ -63,17 +70,19 @@ static void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &
 std::vector<Exchange> allExchanges(DriverInterface &driver)
 {
     std::vector<Exchange> all = {
-        exchange("read 4 bytes", 1, 4, "VB100", "0401ff04002011223344"),
-        exchange("read 2 words", 2, 2, "VW100", "0401ff04002011223344"),
-        exchange("read 1 double word", 3, 1, "VD100", "0401ff04002011223344"),
-        exchange("read 8 bits", 0, 8, "V100.0", "0401ff0400085a"),
-        exchange("read 1 timer", 2, 1, "T37", "0401ff090005020000012c"),
-        exchange("read 1 counter", 2, 1, "C5", "0401ff090003100005"),
-        exchange("read 1 high-speed counter", 3, 1, "HC0", "0401ff09000500000186a0"),
-        exchange("write 4 bytes", 1, 4, "VB100", "0501ff", "11223344"),
-        exchange("write 2 words", 2, 2, "VW100", "0501ff", "11223344"),
-        exchange("write 1 bit", 0, 1, "V100.3", "0501ff", "01"),
-        exchange("write 1 timer", 2, 1, "T37", "0501ff", "2c01"),
+        exchange("read 4 bytes", kBytes, 4, "VB100", "0401ff04002011223344"),
+        exchange("read 64 bytes", kBytes, 64, "VB100", memoryItem(64).c_str()),
+        exchange("read 200 bytes", kBytes, 200, "VB100", memoryItem(200).c_str()),
+        exchange("read 2 words", kWords, 2, "VW100", "0401ff04002011223344"),
+        exchange("read 1 double word", kDoubleWords, 1, "VD100", "0401ff04002011223344"),
+        exchange("read 8 bits", kBits, 8, "V100.0", "0401ff0400085a"),
+        exchange("read 1 timer", kWords, 1, "T37", "0401ff090005020000012c"),
+        exchange("read 1 counter", kWords, 1, "C5", "0401ff090003100005"),
+        exchange("read 1 high-speed counter", kDoubleWords, 1, "HC0", "0401ff09000500000186a0"),
+        exchange("write 4 bytes", kBytes, 4, "VB100", "0501ff", "11223344"),
+        exchange("write 2 words", kWords, 2, "VW100", "0501ff", "11223344"),
+        exchange("write 1 bit", kBits, 1, "V100.3", "0501ff", "01"),
+        exchange("write 1 timer", kWords, 1, "T37", "0501ff", "2c01"),
     };
     const QtMessageHandler usual = qInstallMessageHandler(ignoreMessage);
     for (Exchange &one : all) {
@@ -96,11 +105,11 @@ void runFloor(AbstractDeviceInterface &port, const Exchange &exchange)
 {
     static const unsigned char poll[] = {0x10, 0x02, 0x00, 0x5C, 0x5E, 0x16};
     unsigned char buffer[262];
-    port.setOption(kPurge, QVariant(0));
+    port.setOption(kClearInput, QVariant(0));
     port.send(reinterpret_cast<const unsigned char *>(exchange.request.constData()),
               static_cast<int>(exchange.request.size()));
     port.receive(buffer, 1);
-    port.setOption(kPurge, QVariant(0));
+    port.setOption(kClearInput, QVariant(0));
     port.send(poll, static_cast<int>(sizeof poll));
     port.receive(buffer, 7);
     port.receive(buffer + 7, buffer[1] - 1);

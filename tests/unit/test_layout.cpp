@@ -128,17 +128,10 @@ QStringList namesOfTheList()
     return linesOf(file.readAll());
 }
 
-// Meta data go by a name of each Qt's own. Without an optimiser the library also keeps copies of inline
-// functions of Qt and of the standard library; AddressSanitizer adds a mark for each variable.
+// Meta data go by a name of each Qt's own.
 bool isForeign(const QString &name)
 {
-    const QString callee = name.section('(', 0, 0);
-#ifdef __OPTIMIZE__
-    return callee.startsWith("qt_plugin_query_metadata");
-#else
-    return callee.startsWith("qt_plugin_query_metadata") || callee.contains('<') || callee.startsWith('Q') ||
-           callee.contains(" Q") || callee.startsWith("std::") || callee.startsWith("__odr_asan.");
-#endif
+    return name.startsWith("qt_plugin_query_metadata");
 }
 
 } // namespace

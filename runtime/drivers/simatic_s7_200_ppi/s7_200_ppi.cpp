@@ -44,7 +44,6 @@ void logFailure(DriverS7_200_PPI &driver, const char *file, int line)
     }
 }
 
-const int kPurgeOption = 12;                // the port throws away what it has received and nobody has read
 const unsigned long kPauseBeforeFrame = 12; // milliseconds
 
 // Bytes of one write: far more than a controller takes, and far from where the size of a frame made of them
@@ -210,7 +209,7 @@ int Attempt::receive(unsigned char *buffer, int maxLength)
 void Attempt::send(const QByteArray &frame)
 {
     static const QVariant noArgument(0);
-    dev->setOption(kPurgeOption, noArgument);
+    dev->setOption(kClearInput, noArgument);
     driver.delayBeforeReq();
     dev->send(reinterpret_cast<const unsigned char *>(frame.constData()), static_cast<int>(frame.size()));
 }
@@ -522,7 +521,7 @@ DriverS7_200_PPI::DriverS7_200_PPI() : errorFlag(false), debugMode(false), pduRe
 bool DriverS7_200_PPI::initialize(AbstractDeviceInterface *dev)
 {
     if (dev)
-        dev->setOption(kPurgeOption, QVariant(0));
+        dev->setOption(kClearInput, QVariant(0));
     return true;
 }
 
@@ -629,15 +628,15 @@ QByteArray DriverS7_200_PPI::read(AbstractDeviceInterface *dev, const Communicat
 {
     return repeated<QByteArray>(*this, dev, [&]() -> QByteArray {
         switch (cmd.dataType) {
-        case 0:
-        case 6:
+        case kBits:
+        case kBitBlock:
             return readBits(dev, cmd);
-        case 1:
-        case 5:
+        case kBytes:
+        case kBlock:
             return readBytes(dev, cmd);
-        case 2:
+        case kWords:
             return readWords(dev, cmd);
-        case 3:
+        case kDoubleWords:
             return readDWords(dev, cmd);
         default: // not served: no frame and no error
             return QByteArray();
@@ -650,14 +649,14 @@ int DriverS7_200_PPI::write(AbstractDeviceInterface *dev, const CommunicatorComm
 {
     return repeated<bool>(*this, dev, [&]() -> bool {
         switch (cmd.dataType) {
-        case 0:
-        case 6:
+        case kBits:
+        case kBitBlock:
             return writeBits(dev, cmd, data);
-        case 1:
-        case 5:
+        case kBytes:
+        case kBlock:
             return writeBytes(dev, cmd, data);
-        case 2:
-        case 3:
+        case kWords:
+        case kDoubleWords:
             return writeWords(dev, cmd, data);
         default: // not served: no frame and no error
             return false;

@@ -41,7 +41,7 @@ int DriverS7_200_PPI::supportedCommunicationFlags()
 
 DeviceSetting *DriverS7_200_PPI::getDefaultSerialDeviceSetting()
 {
-    return new DeviceSetting(kRs485Port, QLatin1String("COM2"), 9600, 8, 0, 2);
+    return new DeviceSetting(kRs485Port, QLatin1String("COM2"), 9600, 8, kOneStopBit, kEvenParity);
 }
 
 DriverSetting *DriverS7_200_PPI::getDefaultDriverSetting()
