@@ -1,12 +1,12 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "guarded_bytes.h"
 #include "tools/address_text.h"
 
 #include <QtTest>
 
 #include <climits>
-#include <vector>
 
 class TestAddressText : public QObject
 {
@@ -216,11 +216,13 @@ void TestAddressText::hexadecimalTextIsRead()
 
 void TestAddressText::hexadecimalTextNeedsNoEnd()
 {
-    const std::vector<char> zero(1, '0');
-    const std::vector<char> threes(2, '3');
-    QCOMPARE(HexToUInt(zero.data(), 1), 0u);
-    QCOMPARE(HexToUInt(threes.data(), 2), 0x33u);
-    QCOMPARE(HexToUInt(zero.data() + 1, 0), 0u);
+    const GuardedBytes zero("0");
+    const GuardedBytes threes("33");
+    const GuardedBytes prefix("0x");
+    QCOMPARE(HexToUInt(zero.text(), 1), 0u);
+    QCOMPARE(HexToUInt(threes.text(), 2), 0x33u);
+    QCOMPARE(HexToUInt(prefix.text(), 2), 0u);
+    QCOMPARE(HexToUInt(zero.text() + 1, 0), 0u);
 }
 
 QTEST_APPLESS_MAIN(TestAddressText)

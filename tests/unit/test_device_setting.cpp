@@ -8,6 +8,8 @@
 #include <QtTest>
 
 #include <climits>
+#include <cstring>
+#include <new>
 
 namespace {
 
@@ -80,6 +82,7 @@ class TestDeviceSetting : public QObject
 private slots:
     void theShortConstructorSetsSixFieldsAndDefaults();
     void theLongConstructorSetsTheExtras();
+    void theLongConstructorStartsAtTheFirstAddress();
     void withoutAddressesTheCurrentOneIsEmpty();
     void theCurrentIndexOnlyTakesValidOnes();
     void anIndexOutsideTheListReadsAsEmpty();
@@ -138,6 +141,17 @@ void TestDeviceSetting::theLongConstructorSetsTheExtras()
     QCOMPARE(setting.extraValue, 17);
     QCOMPARE(setting.extraText, QString("extra"));
     QCOMPARE(setting.linkID, -1);
+}
+
+// In memory that was used before, where a field that is not set is not 0.
+void TestDeviceSetting::theLongConstructorStartsAtTheFirstAddress()
+{
+    alignas(DeviceSetting) unsigned char memory[sizeof(DeviceSetting)];
+    std::memset(memory, 0x55, sizeof memory);
+    DeviceSetting *setting = new (memory) DeviceSetting(kRs485Port, "COM2", 9600, 8, 0, 2, 17, "extra");
+    const int index = setting->currentIPIndex;
+    setting->~DeviceSetting();
+    QCOMPARE(index, 0);
 }
 
 void TestDeviceSetting::withoutAddressesTheCurrentOneIsEmpty()

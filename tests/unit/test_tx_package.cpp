@@ -474,6 +474,7 @@ void TestTxPackage::setDataTakesACount_data()
 {
     QTest::addColumn<int>("length");
     QTest::addColumn<QString>("frame");
+    QTest::newRow("one") << 1 << "01";
     QTest::newRow("some") << 2 << "0100";
     QTest::newRow("zero bytes do not end it") << 4 << "01000200";
     QTest::newRow("none") << 0 << "";
