@@ -1,7 +1,9 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "guarded_bytes.h"
 #include "hex.h"
+#include "short_memory.h"
 #include "tools/byte_order.h"
 
 #include <QtTest>
@@ -32,9 +34,12 @@ private slots:
     void elementsFromTheWire();
     void noElementsNeedNoData();
     void elementsFromTheWireNeedNoAlignment();
+    void elementsFromTheWireReadNoByteBehindThem();
     void arrayThatIsTooLongIsEmpty();
     void elementsForTheWireAreFilledWithZeros_data();
     void elementsForTheWireAreFilledWithZeros();
+    void elementsForTheWireReadNoByteBehindThem();
+    void elementsForTheWireAreNoneWhenMemoryIsShort();
     void conversionInPlaceLeavesAnIncompleteElement_data();
     void conversionInPlaceLeavesAnIncompleteElement();
     void conversionInPlaceDoesNotTouchACopy();
@@ -91,6 +96,13 @@ void TestByteOrder::elementsFromTheWireNeedNoAlignment()
     QCOMPARE(hex(fromBigEndianULongArray(kWire + 1, 1)), QString("05040302"));
 }
 
+void TestByteOrder::elementsFromTheWireReadNoByteBehindThem()
+{
+    const GuardedBytes wire(QByteArray(42, '\1'));
+    QCOMPARE(fromBigEndianUShortArray(wire.bytes(), 21), wire.array());
+    QCOMPARE(fromBigEndianULongArray(wire.bytes() + 2, 10), wire.array().left(40));
+}
+
 void TestByteOrder::arrayThatIsTooLongIsEmpty()
 {
     QVERIFY(fromBigEndianUShortArray(kWire, INT_MAX).isEmpty());
@@ -122,6 +134,11 @@ void TestByteOrder::elementsForTheWireAreFilledWithZeros_data()
     QTest::newRow("8 bytes") << "0102030405060708"
                              << "0201040306050807"
                              << "0403020108070605";
+    QTest::newRow("33 bytes") << "0102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f2021"
+                              << "02010403060508070a090c0b0e0d100f1211141316151817"
+                                 "1a191c1b1e1d201f0021"
+                              << "04030201080706050c0b0a09100f0e0d14131211181716151c1b1a19201f1e1d"
+                                 "00000021";
 }
 
 void TestByteOrder::elementsForTheWireAreFilledWithZeros()
@@ -133,6 +150,22 @@ void TestByteOrder::elementsForTheWireAreFilledWithZeros()
     QCOMPARE(hex(toBigEndianUShortArray(host)), words);
     QCOMPARE(hex(toBigEndianULongArray(host)), doubleWords);
     QCOMPARE(hex(host), array);
+}
+
+void TestByteOrder::elementsForTheWireReadNoByteBehindThem()
+{
+    const GuardedBytes host(bytes("11 22 33"));
+    QCOMPARE(hex(toBigEndianUShortArray(host.array())), QString("22110033"));
+    QCOMPARE(hex(toBigEndianULongArray(host.array())), QString("00332211"));
+}
+
+void TestByteOrder::elementsForTheWireAreNoneWhenMemoryIsShort()
+{
+    const char first = '\1';
+    const QByteArray host = QByteArray::fromRawData(&first, 1000000001); // refused before it is read
+    const ShortMemory shortage;
+    QVERIFY(toBigEndianUShortArray(host).isEmpty());
+    QVERIFY(toBigEndianULongArray(host).isEmpty());
 }
 
 void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement_data()

@@ -31,4 +31,16 @@ static inline bool resizeWithZeros(QByteArray &array, qint64 size)
     return true;
 }
 
+/// An array of size bytes that have no values yet; empty for a size below 1, and when no array can be so long
+/// or memory does not reach.
+static inline QByteArray arrayWithoutValues(qint64 size)
+{
+    try {
+        if (size > 0 && size <= INT_MAX)
+            return QByteArray(static_cast<int>(size), Qt::Uninitialized);
+    } catch (const std::bad_alloc &) {
+    }
+    return QByteArray();
+}
+
 #endif

@@ -4,29 +4,40 @@
 #include "byte_order.h"
 
 #include "array_size.h"
-#include "sizes.h"
+#include "qt_compat.h"
 
 #include <algorithm>
 
 namespace {
 
-template <int kWidth> void reverseElements(QByteArray &bytes)
-{
-    char *element = bytes.data();
-    for (int left = static_cast<int>(bytes.size()); left >= kWidth; left -= kWidth) {
-        std::reverse(element, element + kWidth);
-        element += kWidth;
-    }
-}
-
 template <int kWidth> QByteArray fromBigEndian(const unsigned char *data, int count)
 {
-    QByteArray bytes;
-    if (count < 1 || !resizeWithZeros(bytes, qint64(count) * kWidth))
-        return QByteArray();
-    std::memcpy(bytes.data(), data, static_cast<size_t>(bytes.size()));
-    reverseElements<kWidth>(bytes);
+    QByteArray bytes = arrayWithoutValues(qint64(count) * kWidth);
+    if (!bytes.isEmpty())
+        copyReversed<kWidth>(data, count, bytes.data());
     return bytes;
+}
+
+template <int kWidth> QByteArray toBigEndian(const QByteArray &bytes)
+{
+    const int whole = static_cast<int>(bytes.size()) / kWidth;
+    const int left = static_cast<int>(bytes.size()) % kWidth;
+    QByteArray wire = arrayWithoutValues(qint64(whole + (left > 0 ? 1 : 0)) * kWidth);
+    if (wire.isEmpty())
+        return wire;
+    copyReversed<kWidth>(bytes.constData(), whole, wire.data());
+    if (left > 0) {
+        char *last = wire.data() + whole * kWidth;
+        std::fill_n(last, kWidth - left, '\0');
+        std::reverse_copy(bytes.constEnd() - left, bytes.constEnd(), last + kWidth - left);
+    }
+    return wire;
+}
+
+template <int kWidth> void reverseElements(QByteArray &bytes)
+{
+    char *elements = bytes.data();
+    copyReversed<kWidth>(elements, static_cast<int>(bytes.size()) / kWidth, elements);
 }
 
 } // namespace
@@ -54,16 +65,12 @@ QByteArray fromBigEndianULongArray(const unsigned char *data, int count)
 
 QByteArray toBigEndianUShortArray(const QByteArray &bytes)
 {
-    QByteArray wire = To16bitsData(bytes);
-    reverseElements<2>(wire);
-    return wire;
+    return toBigEndian<2>(bytes);
 }
 
 QByteArray toBigEndianULongArray(const QByteArray &bytes)
 {
-    QByteArray wire = To32bitsData(bytes);
-    reverseElements<4>(wire);
-    return wire;
+    return toBigEndian<4>(bytes);
 }
 
 void toLittleEndianUShortArray(QByteArray &bytes)

@@ -26,10 +26,12 @@ Q_DECL_EXPORT QByteArray fromBigEndianUShortArray(const unsigned char *data, int
 /// not reach. There must be 4 * count bytes at data.
 Q_DECL_EXPORT QByteArray fromBigEndianULongArray(const unsigned char *data, int count);
 
-/// A new array of 2-byte elements for the wire; a zero byte completes the last one.
+/// A new array of 2-byte elements for the wire; a zero byte completes the last one. Empty when memory does
+/// not reach.
 Q_DECL_EXPORT QByteArray toBigEndianUShortArray(const QByteArray &bytes);
 
-/// A new array of 4-byte elements for the wire; zero bytes complete the last one.
+/// A new array of 4-byte elements for the wire; zero bytes complete the last one. Empty when memory does not
+/// reach.
 Q_DECL_EXPORT QByteArray toBigEndianULongArray(const QByteArray &bytes);
 
 /// Swaps the bytes of every 2-byte element in place. A byte behind the last whole element stays.
