@@ -1,6 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "guarded_bytes.h"
 #include "hex.h"
 #include "short_memory.h"
 #include "tools/bits.h"
@@ -58,6 +59,10 @@ private slots:
     void unnecessaryBitsAreClearedInOneByte();
     void expandedBitsAreOneByteEach_data();
     void expandedBitsAreOneByteEach();
+    void expandedBitsStayInTheirArray_data();
+    void expandedBitsStayInTheirArray();
+    void expandingReadsNoByteBehindTheBits_data();
+    void expandingReadsNoByteBehindTheBits();
     void expandingIsEmptyWhenMemoryIsShort();
     void copiedBitsComeFromTheStartOfTheSource_data();
     void copiedBitsComeFromTheStartOfTheSource();
@@ -245,6 +250,9 @@ void TestBits::expandedBitsAreOneByteEach_data()
     QTest::newRow("a byte") << "a5" << 0 << 8 << "0100010000010001";
     QTest::newRow("across bytes") << "8001" << 7 << 3 << "010100";
     QTest::newRow("one bit") << "04" << 2 << 1 << "01";
+    QTest::newRow("all of two bytes") << "ff00" << 0 << 16 << "01010101010101010000000000000000";
+    QTest::newRow("more than eight") << "810f" << 0 << 11 << "0100000000000001010101";
+    QTest::newRow("more than eight across bytes") << "40810f" << 6 << 12 << "010001000000000000010101";
     QTest::newRow("beyond the array") << "ff" << 6 << 4 << "01010000";
     QTest::newRow("all beyond") << "ff" << 65535 << 2 << "0000";
     QTest::newRow("empty array") << "" << 0 << 2 << "0000";
@@ -260,6 +268,43 @@ void TestBits::expandedBitsAreOneByteEach()
     QFETCH(QString, expanded);
     const QByteArray array = QByteArray::fromHex(bits.toLatin1());
     QCOMPARE(hex(ExpandBitsToBytes(array, static_cast<unsigned short>(start), count)), expanded);
+}
+
+void TestBits::expandedBitsStayInTheirArray_data()
+{
+    QTest::addColumn<int>("count");
+    for (int count = 1; count <= 17; ++count)
+        QTest::newRow(qPrintable(QString("%1 bits").arg(count))) << count;
+}
+
+// Bits that are all set, and one byte more than they need.
+void TestBits::expandedBitsStayInTheirArray()
+{
+    QFETCH(int, count);
+    const QByteArray expanded = ExpandBitsToBytes(bytes("ff ff ff ff"), 3, count);
+    QCOMPARE(expanded, QByteArray(count, '\1'));
+    QCOMPARE(int(expanded.constData()[count]), 0);
+}
+
+void TestBits::expandingReadsNoByteBehindTheBits_data()
+{
+    QTest::addColumn<int>("start");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("expanded");
+    QTest::newRow("up to the end") << 0 << 16 << "01010101010101010101010101010101";
+    QTest::newRow("from the middle of a byte") << 5 << 11 << "0101010101010101010101";
+    QTest::newRow("the last bit") << 15 << 1 << "01";
+    QTest::newRow("beyond the end") << 14 << 11 << "0101000000000000000000";
+    QTest::newRow("far beyond") << 65535 << 3 << "000000";
+}
+
+void TestBits::expandingReadsNoByteBehindTheBits()
+{
+    QFETCH(int, start);
+    QFETCH(int, count);
+    QFETCH(QString, expanded);
+    const GuardedBytes bits(bytes("ff ff"));
+    QCOMPARE(hex(ExpandBitsToBytes(bits.array(), static_cast<unsigned short>(start), count)), expanded);
 }
 
 void TestBits::expandingIsEmptyWhenMemoryIsShort()

@@ -6,8 +6,11 @@
 #include "array_size.h"
 #include "bytes.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <climits>
+#include <cstring>
 
 namespace {
 
@@ -29,6 +32,23 @@ unsigned char *writable(QByteArray &bits)
 bool growToHold(QByteArray &bits, int lastBit)
 {
     return lastBit / 8 < bits.size() || resizeWithZeros(bits, qint64(lastBit) / 8 + 1);
+}
+
+// Eight bits of a bit array of size bytes, from bit shift, 0 to 7, of byte i on; bits beyond the array are 0.
+unsigned char eightBits(const unsigned char *bits, int size, int i, int shift)
+{
+    const int low = i < size ? bits[i] : 0;
+    const int high = i + 1 < size ? bits[i + 1] : 0;
+    return static_cast<unsigned char>((high << 8 | low) >> shift);
+}
+
+// Makes bit k of eight the byte k, 1 or 0. Of eight copies of the byte, copy k keeps bit k alone; adding 7F
+// carries into the top bit of each copy that is not 0, and never into the next one.
+void expandEightBits(unsigned char eight, char *bytes)
+{
+    const quint64 kept = eight * Q_UINT64_C(0x0101010101010101) & Q_UINT64_C(0x8040201008040201);
+    const quint64 ones = (kept + Q_UINT64_C(0x7F7F7F7F7F7F7F7F)) >> 7 & Q_UINT64_C(0x0101010101010101);
+    qToLittleEndian(ones, reinterpret_cast<unsigned char *>(bytes));
 }
 
 // Shifts by fewer than 8 bits.
@@ -126,13 +146,19 @@ void clearUnnecessaryBits(QByteArray &bits, int nbits)
 
 QByteArray ExpandBitsToBytes(const QByteArray &bits, unsigned short start, int count)
 {
-    QByteArray bytes;
-    if (!resizeWithZeros(bytes, count))
-        return QByteArray();
-    const int known = std::min(static_cast<int>(bytes.size()), INT_MAX - start);
-    char *byte = bytes.data();
-    for (int k = 0; k < known; ++k)
-        byte[k] = getBit(bits, start + k) ? '\1' : '\0';
+    QByteArray bytes = arrayWithoutValues(count);
+    if (bytes.isEmpty())
+        return bytes;
+    const unsigned char *source = reinterpret_cast<const unsigned char *>(bits.constData());
+    const int size = static_cast<int>(bits.size());
+    const int shift = start % 8;
+    int i = start / 8;
+    char *next = bytes.data();
+    for (int left = count; left >= 8; left -= 8, next += 8, ++i)
+        expandEightBits(eightBits(source, size, i, shift), next);
+    char last[8];
+    expandEightBits(eightBits(source, size, i, shift), last);
+    std::memcpy(next, last, static_cast<size_t>(count % 8));
     return bytes;
 }
 
