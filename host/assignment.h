@@ -12,7 +12,7 @@
 #ifndef HOST_ASSIGNMENT_H
 #define HOST_ASSIGNMENT_H
 
-#include "command_line.h"
+#include "options.h"
 #include "outcome.h"
 #include "tag.h"
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kLabelWidth = 12;
 
-const Layout kLayout = {"check",
+const Schema kSchema = {"check",
                         1,
                         "items",
                         {"text", "valid", "address", "area", "type", "count", "first", "last", "requests",
@@ -149,7 +149,7 @@ QString invalidText(const QString &text, const Failure &failure)
 class Checker
 {
 public:
-    explicit Checker(const Options &options) : frames(options), output(options, kLayout) {}
+    explicit Checker(const Options &options) : frames(options), output(options, kSchema) {}
 
     // An item, or a tag file for all of its tags.
     void check(const QString &text);

@@ -29,8 +29,6 @@ class Option;
 
 namespace host {
 
-using Texts = std::vector<std::string>;
-
 // Where the parser puts the common options, and the command that the command line chooses.
 struct CommandLine
 {

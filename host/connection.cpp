@@ -3,7 +3,6 @@
 
 #include "connection.h"
 
-#include "diagnosis.h"
 #include "driver_fault.h"
 #include "interruption.h"
 #include "port_choice.h"

@@ -25,7 +25,7 @@ struct DecodeOptions
     std::optional<std::string> trace;
 };
 
-const Layout kLayout = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
+const Schema kSchema = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
 
 const char kFooter[] = R"(
 Frames may follow each other; bytes that make none are told as such. ! marks a byte that is
@@ -44,7 +44,7 @@ constexpr int kToldLines = 5;
 class Decoder
 {
 public:
-    Decoder(const Options &options, const QString &source_) : output(options, kLayout), source(source_) {}
+    Decoder(const Options &options, const QString &source_) : output(options, kSchema), source(source_) {}
 
     // The frames in some bytes that passed together.
     void decode(const QByteArray &bytes, const QString &heading, const Json &origin);

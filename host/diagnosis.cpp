@@ -3,6 +3,8 @@
 
 #include "diagnosis.h"
 
+#include "echo_port.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -83,12 +85,6 @@ Finding judgeTimeout(const ReadTrial &trial, int timeout)
     return findingWith("time-out", text,
                        isTight ? QString("that is close: choose --timeout %1").arg(4 * trial.longestWait)
                                : QString());
-}
-
-Failure echoFailure()
-{
-    return Failure(ExitCode::BrokenAnswer, "the adapter hears what it sends",
-                   "use --echo, or switch the adapter's receiver off while it sends");
 }
 
 Finding judgeEcho(bool heard, bool hasEcho, bool isTakenOut)

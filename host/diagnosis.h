@@ -48,9 +48,6 @@ struct ReadTrial
     qint64 longestWait = 0; // from a frame sent to the whole of the next one received; milliseconds
 };
 
-// What becomes of everything behind an adapter that hears itself.
-Failure echoFailure();
-
 Finding judgeAnswers(const ReadTrial &trial);
 Finding judgeRetries(const ReadTrial &trial);
 

@@ -57,4 +57,10 @@ std::optional<Failure> EchoPort::takeFailure()
     return std::exchange(failure, std::nullopt);
 }
 
+Failure echoFailure()
+{
+    return Failure(ExitCode::BrokenAnswer, "the adapter hears what it sends",
+                   "use --echo, or switch the adapter's receiver off while it sends");
+}
+
 } // namespace host

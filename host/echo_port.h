@@ -34,6 +34,9 @@ private:
     std::optional<Failure> failure;
 };
 
+// What becomes of everything behind an adapter that hears itself.
+Failure echoFailure();
+
 } // namespace host
 
 #endif

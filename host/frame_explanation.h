@@ -10,6 +10,8 @@
 #ifndef HOST_FRAME_EXPLANATION_H
 #define HOST_FRAME_EXPLANATION_H
 
+#include "wire.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -34,15 +36,6 @@ struct ExplainedFrame
     std::vector<ExplainedByte> bytes; // all of them
     QStringList faults;               // empty for a whole, sound frame
     QString missing;                  // the one of them that no byte has, when bytes are missing
-};
-
-// The place that one item of a request names.
-struct WireItem
-{
-    int transportSize;
-    int count;
-    int area;
-    int address;
 };
 
 // Bytes as the frames in them, one behind the other. Bytes that begin no frame stay together.

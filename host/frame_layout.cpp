@@ -4,7 +4,6 @@
 #include "frame_layout.h"
 
 #include "counted.h"
-#include "wire.h"
 
 namespace host {
 

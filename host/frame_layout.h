@@ -6,7 +6,10 @@
 #ifndef HOST_FRAME_LAYOUT_H
 #define HOST_FRAME_LAYOUT_H
 
-#include "frame_explanation.h"
+#include "wire.h"
+
+#include <QByteArray>
+#include <QString>
 
 #include <vector>
 

@@ -286,7 +286,7 @@ int rehearseLoad(Options options, const Load &load, bool verify)
 {
     if (options.format == "raw") // says what the file is
         options.format.reset();
-    Output output(options, kFramesLayout);
+    Output output(options, kFramesSchema);
     const Rehearsal rehearsal(options, output);
     for (const WriteRequest &request : planWrite(load.target, load.data))
         rehearsal.write(request);

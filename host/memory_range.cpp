@@ -4,7 +4,6 @@
 #include "memory_range.h"
 
 #include "failure.h"
-#include "read_plan.h"
 
 #include <QRegularExpression>
 
@@ -103,18 +102,6 @@ QString elementText(const Item &range, int index)
 Item partOf(const Item &range, int index, int count)
 {
     return {elementAt(range, index), range.type, count};
-}
-
-QList<Item> readBlocks(const Item &range)
-{
-    QList<Item> blocks;
-    int index = 0;
-    for (const ReadRequest &request : planRead(range).requests) {
-        const int count = request.size / range.valueSize();
-        blocks << partOf(range, index, count);
-        index += count;
-    }
-    return blocks;
 }
 
 } // namespace host

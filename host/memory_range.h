@@ -13,7 +13,7 @@
 
 #include "item.h"
 
-#include <QList>
+#include <QString>
 
 namespace host {
 
@@ -31,9 +31,6 @@ QString elementText(const Item &range, int index);
 
 // Some of the elements.
 Item partOf(const Item &range, int index, int count);
-
-// The range in parts that one frame carries to the host, in order.
-QList<Item> readBlocks(const Item &range);
 
 } // namespace host
 

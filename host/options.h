@@ -8,8 +8,12 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace host {
+
+// Words of the command line.
+using Texts = std::vector<std::string>;
 
 struct Options
 {

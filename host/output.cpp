@@ -10,9 +10,8 @@
 
 #include <QFileInfo>
 
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
+#include <optional>
+#include <string>
 
 namespace host {
 
@@ -37,21 +36,21 @@ std::optional<Format> formatBySuffix(const Options &options)
 }
 
 // What is nobody's wish for this command.
-Format unaskedFormat(const Options &options, const Layout &layout)
+Format unaskedFormat(const Options &options, const Schema &schema)
 {
     const Format format = formatNamed(options.usualFormat.value_or("text"));
-    return format == Format::Raw && !layout.hasRaw ? Format::Text : format;
+    return format == Format::Raw && !schema.hasRaw ? Format::Text : format;
 }
 
 } // namespace
 
-Format formatOf(const Options &options, const Layout &layout)
+Format formatOf(const Options &options, const Schema &schema)
 {
     if (!options.format)
-        return formatBySuffix(options).value_or(unaskedFormat(options, layout));
+        return formatBySuffix(options).value_or(unaskedFormat(options, schema));
     const Format format = formatNamed(*options.format);
-    if (format == Format::Raw && !layout.hasRaw)
-        throw Failure(ExitCode::Usage, layout.command + " has no raw form",
+    if (format == Format::Raw && !schema.hasRaw)
+        throw Failure(ExitCode::Usage, schema.command + " has no raw form",
                       "choose --format text, json, ndjson, csv or tsv");
     return format;
 }
@@ -63,8 +62,8 @@ void tellUnlessUsual(const Options &options, const std::string &format)
                        .arg(QString::fromStdString(*options.usualFormat), QString::fromStdString(format)));
 }
 
-Output::Output(const Options &options, const Layout &layout)
-    : chosen(formatOf(options, layout)), form(outputForm(chosen, layout, outputSink(options)))
+Output::Output(const Options &options, const Schema &schema)
+    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, outputSink(options)))
 {
     tellUnlessUsual(options, kFormatNames.at(int(chosen)).toStdString());
 }
@@ -117,16 +116,6 @@ void Output::finish()
     isFinished = true;
     form->finish();
     form->commit();
-}
-
-// The digits that tell the float apart, as the double nearest to them: dumped, they are the same digits.
-Json jsonNumber(float number)
-{
-    char digits[32] = {};
-    std::to_chars(digits, digits + sizeof digits - 1, number);
-    if (!std::isfinite(number))
-        return std::string(digits);
-    return std::strtod(digits, nullptr);
 }
 
 } // namespace host

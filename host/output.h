@@ -20,43 +20,20 @@
 #ifndef HOST_OUTPUT_H
 #define HOST_OUTPUT_H
 
+#include "json.h"
 #include "options.h"
-
-#include <nlohmann/json.hpp>
+#include "schema.h"
 
 #include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <memory>
+#include <string>
 
 namespace host {
 
-// An object whose members keep their order.
-using Json = nlohmann::ordered_json;
-
-inline Json jsonText(const QString &text)
-{
-    return text.toStdString();
-}
-
-// As short as still tells the number apart; JSON has none for "inf", "-inf" and "nan", which are texts.
-Json jsonNumber(float number);
-
-enum class Format { Text, JsonDocument, JsonLines, Csv, Tsv, Raw };
-
-// The form of a command's data. The version grows when a reader of the old form could be led astray.
-struct Layout
-{
-    QString command; // "read": the format is "s7ppi.read/1"
-    int version;
-    QString list;        // what the records are called together; empty when there is one, the document itself
-    QStringList columns; // of tables; the members of records that they show
-    bool hasRaw = false; // whether there are bytes to give with --format raw
-};
-
 // Fails when the command line asks for a form that the command does not have.
-Format formatOf(const Options &options, const Layout &layout);
+Format formatOf(const Options &options, const Schema &schema);
 
 // With --verbose tells that data are in another form than usual.
 void tellUnlessUsual(const Options &options, const std::string &format);
@@ -67,7 +44,7 @@ class Output
 {
 public:
     // Fails when the command has no such form, or the file cannot be written.
-    Output(const Options &options, const Layout &layout);
+    Output(const Options &options, const Schema &schema);
 
     // After Ctrl-C finishes what was got; otherwise an output that was not finished leaves no file.
     ~Output();

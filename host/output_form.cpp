@@ -6,14 +6,18 @@
 #include "output_table.h"
 
 #include <QList>
+#include <QStringList>
+
+#include <string>
+#include <utility>
 
 namespace host {
 
 namespace {
 
-std::string formatName(const Layout &layout)
+std::string formatName(const Schema &schema)
 {
-    return QString("s7ppi.%1/%2").arg(layout.command).arg(layout.version).toStdString();
+    return QString("s7ppi.%1/%2").arg(schema.command).arg(schema.version).toStdString();
 }
 
 // Texts come from QString and are sound, but the driver's may be cut anywhere.
@@ -22,9 +26,9 @@ QByteArray dumped(const Json &value, int indent = -1)
     return QByteArray::fromStdString(value.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
-Json withFormat(const Layout &layout, const Json &members)
+Json withFormat(const Schema &schema, const Json &members)
 {
-    Json whole = {{"format", formatName(layout)}};
+    Json whole = {{"format", formatName(schema)}};
     whole.update(members);
     return whole;
 }
@@ -32,8 +36,8 @@ Json withFormat(const Layout &layout, const Json &members)
 class TextForm : public OutputForm
 {
 public:
-    TextForm(const Layout &layout, std::unique_ptr<OutputSink> sink)
-        : OutputForm(std::move(sink)), columns(layout.columns)
+    TextForm(const Schema &schema, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), columns(schema.columns)
     {
     }
 
@@ -63,8 +67,8 @@ void TextForm::finish()
 class JsonForm : public OutputForm
 {
 public:
-    JsonForm(const Layout &layout_, std::unique_ptr<OutputSink> sink)
-        : OutputForm(std::move(sink)), layout(layout_), fields({{"format", formatName(layout_)}})
+    JsonForm(const Schema &schema_, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), schema(schema_), fields({{"format", formatName(schema_)}})
     {
     }
 
@@ -76,7 +80,7 @@ private:
     void putFields();
     void beginList();
 
-    Layout layout;
+    Schema schema;
     Json fields; // still to be put
     bool hasBegun = false;
     bool hasRecords = false;
@@ -84,7 +88,7 @@ private:
 
 void JsonForm::write(const Json &record)
 {
-    if (layout.list.isEmpty()) {
+    if (schema.list.isEmpty()) {
         fields.update(record);
         return;
     }
@@ -95,7 +99,7 @@ void JsonForm::write(const Json &record)
 
 void JsonForm::finish()
 {
-    if (layout.list.isEmpty()) {
+    if (schema.list.isEmpty()) {
         put(dumped(fields, 2) + '\n');
         return;
     }
@@ -111,7 +115,7 @@ void JsonForm::beginList()
         return;
     put("{");
     putFields();
-    put(",\n  " + dumped(jsonText(layout.list)) + ": [");
+    put(",\n  " + dumped(jsonText(schema.list)) + ": [");
 }
 
 // The first field stands behind the brace, all others behind what went before.
@@ -127,15 +131,15 @@ void JsonForm::putFields()
 class NdjsonForm : public OutputForm
 {
 public:
-    NdjsonForm(const Layout &layout_, std::unique_ptr<OutputSink> sink)
-        : OutputForm(std::move(sink)), layout(layout_)
+    NdjsonForm(const Schema &schema_, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), schema(schema_)
     {
     }
 
-    void write(const Json &record) override { put(dumped(withFormat(layout, record)) + '\n'); }
+    void write(const Json &record) override { put(dumped(withFormat(schema, record)) + '\n'); }
 
 private:
-    Layout layout;
+    Schema schema;
 };
 
 // Comma or tabulator separated.
@@ -194,33 +198,33 @@ public:
     void writeRaw(const QByteArray &bytes) override { put(bytes); }
 };
 
-std::unique_ptr<OutputForm> separatedForm(const Layout &layout, SeparatedForm::Line line,
+std::unique_ptr<OutputForm> separatedForm(const Schema &schema, SeparatedForm::Line line,
                                           std::unique_ptr<OutputSink> sink)
 {
-    if (layout.list.isEmpty())
+    if (schema.list.isEmpty())
         return std::make_unique<SeparatedFieldsForm>(QStringList{"field", "value"}, line, std::move(sink));
-    return std::make_unique<SeparatedForm>(layout.columns, line, std::move(sink));
+    return std::make_unique<SeparatedForm>(schema.columns, line, std::move(sink));
 }
 
 } // namespace
 
-std::unique_ptr<OutputForm> outputForm(Format format, const Layout &layout, std::unique_ptr<OutputSink> sink)
+std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink)
 {
     switch (format) {
     case Format::JsonDocument:
-        return std::make_unique<JsonForm>(layout, std::move(sink));
+        return std::make_unique<JsonForm>(schema, std::move(sink));
     case Format::JsonLines:
-        return std::make_unique<NdjsonForm>(layout, std::move(sink));
+        return std::make_unique<NdjsonForm>(schema, std::move(sink));
     case Format::Csv:
-        return separatedForm(layout, csvLine, std::move(sink));
+        return separatedForm(schema, csvLine, std::move(sink));
     case Format::Tsv:
-        return separatedForm(layout, tsvLine, std::move(sink));
+        return separatedForm(schema, tsvLine, std::move(sink));
     case Format::Raw:
         return std::make_unique<RawForm>(std::move(sink));
     case Format::Text:
         break;
     }
-    return std::make_unique<TextForm>(layout, std::move(sink));
+    return std::make_unique<TextForm>(schema, std::move(sink));
 }
 
 } // namespace host

@@ -6,8 +6,15 @@
 #ifndef HOST_OUTPUT_FORM_H
 #define HOST_OUTPUT_FORM_H
 
-#include "output.h"
+#include "json.h"
 #include "output_sink.h"
+#include "schema.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <utility>
 
 namespace host {
 
@@ -34,7 +41,7 @@ private:
     std::unique_ptr<OutputSink> target;
 };
 
-std::unique_ptr<OutputForm> outputForm(Format format, const Layout &layout, std::unique_ptr<OutputSink> sink);
+std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink);
 
 } // namespace host
 

@@ -6,9 +6,12 @@
 #ifndef HOST_OUTPUT_TABLE_H
 #define HOST_OUTPUT_TABLE_H
 
-#include "output.h"
+#include "json.h"
 
+#include <QByteArray>
 #include <QList>
+#include <QString>
+#include <QStringList>
 
 #include <utility>
 

@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 
-const Layout kLayout = {"plugin", 1, "findings", {"what", "good", "text"}};
+const Schema kSchema = {"plugin", 1, "findings", {"what", "good", "text"}};
 
 const char kFooter[] = R"(
 The file is read first: machine, entry points, verification text. Then it is loaded in a process of its
@@ -30,7 +30,7 @@ QString findingLine(const PluginFinding &finding)
 
 int examine(const Options &options, const QString &fileName)
 {
-    Output output(options, kLayout);
+    Output output(options, kSchema);
     const Examination examination = examinePlugin(fileName);
     QStringList bad;
     for (const PluginFinding &finding : examination.findings) {

@@ -6,7 +6,7 @@
 #ifndef HOST_PLUGIN_DESCRIPTION_H
 #define HOST_PLUGIN_DESCRIPTION_H
 
-#include "output.h"
+#include "json.h"
 #include "plugin.h"
 
 #include <QStringList>

@@ -6,7 +6,7 @@
 #ifndef HOST_PLUGIN_EXAMINATION_H
 #define HOST_PLUGIN_EXAMINATION_H
 
-#include "output.h"
+#include "json.h"
 
 #include <QList>
 #include <QString>

@@ -15,7 +15,7 @@ namespace host {
 
 namespace {
 
-const Layout kLayout = {
+const Schema kSchema = {
     "read", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}, true};
 
 const char kFooter[] = R"(
@@ -28,7 +28,7 @@ class Reader
 {
 public:
     Reader(const Options &options, const std::vector<Tag> &tags)
-        : output(options, kLayout), lines(tags), connection(options)
+        : output(options, kSchema), lines(tags), connection(options)
     {
     }
 

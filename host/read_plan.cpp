@@ -4,6 +4,7 @@
 #include "read_plan.h"
 
 #include "failure.h"
+#include "memory_range.h"
 
 namespace host {
 
@@ -79,6 +80,18 @@ QByteArray readItem(const Item &item, const ReadFunction &read)
     for (const ReadRequest &request : plan.requests)
         data += run(request, read);
     return plan.firstBit < 0 ? data : pickBits(data, plan.firstBit, item.count);
+}
+
+QList<Item> readBlocks(const Item &range)
+{
+    QList<Item> blocks;
+    int index = 0;
+    for (const ReadRequest &request : planRead(range).requests) {
+        const int count = request.size / range.valueSize();
+        blocks << partOf(range, index, count);
+        index += count;
+    }
+    return blocks;
 }
 
 } // namespace host

@@ -8,6 +8,9 @@
 
 #include "request_form.h"
 
+#include <QByteArray>
+#include <QList>
+
 #include <functional>
 
 namespace host {
@@ -32,6 +35,9 @@ using ReadFunction = std::function<QByteArray(const CommunicatorCommand &)>;
 
 // The bytes of an item, as decodeValues() takes them.
 QByteArray readItem(const Item &item, const ReadFunction &read);
+
+// The range in parts that one frame carries to the host, in order.
+QList<Item> readBlocks(const Item &range);
 
 } // namespace host
 

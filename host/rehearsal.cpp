@@ -7,7 +7,7 @@
 
 namespace host {
 
-const Layout kFramesLayout = {"frames", 1, "frames", {"meaning", "bytes"}};
+const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};
 
 Rehearsal::Rehearsal(const Options &options, Output &output_) : output(output_), requests(options) {}
 

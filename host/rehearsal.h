@@ -13,7 +13,7 @@
 namespace host {
 
 // The form of the data.
-extern const Layout kFramesLayout;
+extern const Schema kFramesSchema;
 
 class Rehearsal
 {

@@ -5,7 +5,7 @@
 
 #include "command_line.h"
 #include "connection.h"
-#include "diagnosis.h"
+#include "echo_port.h"
 #include "interruption.h"
 #include "line_watcher.h"
 #include "numbers.h"

@@ -11,7 +11,7 @@
 #ifndef HOST_SETTINGS_H
 #define HOST_SETTINGS_H
 
-#include "command_line.h"
+#include "options.h"
 
 #include <QString>
 #include <QStringList>

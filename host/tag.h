@@ -8,7 +8,7 @@
 #ifndef HOST_TAG_H
 #define HOST_TAG_H
 
-#include "output.h"
+#include "json.h"
 #include "value.h"
 
 #include <vector>

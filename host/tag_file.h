@@ -15,7 +15,7 @@
 #ifndef HOST_TAG_FILE_H
 #define HOST_TAG_FILE_H
 
-#include "command_line.h"
+#include "options.h"
 #include "outcome.h"
 #include "tag.h"
 

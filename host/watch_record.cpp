@@ -9,7 +9,7 @@ namespace host {
 
 namespace {
 
-const Layout kLayout = {
+const Schema kSchema = {
     "watch", 1, "samples", {"time", "name", "address", "type", "index", "value", "unit", "ms", "error"}};
 
 // Local time with its distance from UTC: 2026-11-21T10:07:50.123+01:00
@@ -35,11 +35,11 @@ double milliseconds(WatchDuration time)
 
 } // namespace
 
-WatchRecord::WatchRecord(const Options &options, bool all_) : output(options, kLayout), all(all_) {}
+WatchRecord::WatchRecord(const Options &options, bool all_) : output(options, kSchema), all(all_) {}
 
 bool WatchRecord::isOnStdout(const Options &options)
 {
-    return !options.output && formatOf(options, kLayout) != Format::Text;
+    return !options.output && formatOf(options, kSchema) != Format::Text;
 }
 
 void WatchRecord::answered(const Watch & /*watch*/, const WatchedItem &item, const Reading &reading,

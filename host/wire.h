@@ -36,6 +36,15 @@ constexpr uchar kCounterArea = 0x1e;
 constexpr uchar kTimerArea = 0x1f;
 constexpr uchar kHighSpeedCounterArea = 0x20;
 
+// The place that one item of a request names.
+struct WireItem
+{
+    int transportSize;
+    int count;
+    int area;
+    int address;
+};
+
 // The check byte of these bytes of a frame, the last one not included: their sum, modulo 256. They must be
 // there.
 uchar checkByte(const QByteArray &frame, int first, int last);

@@ -29,7 +29,7 @@ struct WriteOptions
 };
 
 // What was written, or with --verify read back.
-const Layout kLayout = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
+const Schema kSchema = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
 
 const char kFooter[] = R"(
 
@@ -85,7 +85,7 @@ class Writer
 {
 public:
     Writer(const Options &options_, const std::vector<Tag> &tags, bool verify_)
-        : options(options_), verify(verify_), output(options, kLayout), lines(tags), connection(options)
+        : options(options_), verify(verify_), output(options, kSchema), lines(tags), connection(options)
     {
     }
 
@@ -162,7 +162,7 @@ int writeAll(const std::vector<Assignment> &assignments, const Options &options,
 
 int rehearseAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
-    Output output(options, kFramesLayout);
+    Output output(options, kFramesSchema);
     const Rehearsal rehearsal(options, output);
     Outcome outcome;
     for (const Assignment &assignment : assignments) {

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Stretches of memory: what is one, what is meant by what is none, and the blocks that one frame carries.
+// Stretches of memory: what is one, and what is meant by what is none.
 
 #include "memory_range.h"
 
@@ -20,8 +20,6 @@ private slots:
     void bothEndsAreIncluded();
     void whatIsNoRangeGetsTheNearestOne_data();
     void whatIsNoRangeGetsTheNearestOne();
-    void aBlockIsWhatOneAnswerCarries_data();
-    void aBlockIsWhatOneAnswerCarries();
     void moreElementsThanAnAddressCanNameAreRefused();
 };
 
@@ -74,30 +72,6 @@ void TestMemoryRange::whatIsNoRangeGetsTheNearestOne()
 {
     QFETCH(QString, text);
     QTEST(failureOf([&] { parseRange(text); }), "failure");
-}
-
-void TestMemoryRange::aBlockIsWhatOneAnswerCarries_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("blocks");
-    const auto row = [](const char *text, const char *blocks) {
-        QTest::newRow(text) << QString(text) << QString(blocks);
-    };
-    row("VB10..VB231", "VB10..VB231");
-    row("VB10..VB500", "VB10..VB231 VB232..VB453 VB454..VB500");
-    row("VW0..VW222", "VW0..VW220 VW222..VW222");
-    row("VD0..VD220", "VD0..VD216 VD220..VD220");
-    row("T0..T99", "T0..T43 T44..T87 T88..T99");
-    row("C0..C74", "C0..C73 C74..C74");
-}
-
-void TestMemoryRange::aBlockIsWhatOneAnswerCarries()
-{
-    QFETCH(QString, text);
-    QStringList blocks;
-    for (const Item &block : readBlocks(parseRange(text)))
-        blocks << rangeText(block);
-    QTEST(blocks.join(' '), "blocks");
 }
 
 void TestMemoryRange::moreElementsThanAnAddressCanNameAreRefused()

@@ -8,6 +8,7 @@
 #include "command_text.h"
 #include "failure_of.h"
 #include "hex.h"
+#include "memory_range.h"
 
 #include <QtTest>
 
@@ -43,6 +44,8 @@ private slots:
     void resultsComeOutInTheControllersOrder();
     void resultsOfSeveralRequestsAreJoined();
     void aResultOfAnotherLengthIsABrokenAnswer();
+    void aBlockIsWhatOneAnswerCarries_data();
+    void aBlockIsWhatOneAnswerCarries();
 };
 
 void TestReadPlan::itemsBecomeRequests_data()
@@ -140,6 +143,30 @@ void TestReadPlan::aResultOfAnotherLengthIsABrokenAnswer()
              QString("5: 2 bytes came instead of 4"));
     QCOMPARE(failureOf([] { resultOf("VB0", {QByteArray()}); }).left(28),
              QString("5: 0 bytes came instead of 1"));
+}
+
+void TestReadPlan::aBlockIsWhatOneAnswerCarries_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("blocks");
+    const auto row = [](const char *text, const char *blocks) {
+        QTest::newRow(text) << QString(text) << QString(blocks);
+    };
+    row("VB10..VB231", "VB10..VB231");
+    row("VB10..VB500", "VB10..VB231 VB232..VB453 VB454..VB500");
+    row("VW0..VW222", "VW0..VW220 VW222..VW222");
+    row("VD0..VD220", "VD0..VD216 VD220..VD220");
+    row("T0..T99", "T0..T43 T44..T87 T88..T99");
+    row("C0..C74", "C0..C73 C74..C74");
+}
+
+void TestReadPlan::aBlockIsWhatOneAnswerCarries()
+{
+    QFETCH(QString, text);
+    QStringList blocks;
+    for (const Item &block : readBlocks(parseRange(text)))
+        blocks << rangeText(block);
+    QTEST(blocks.join(' '), "blocks");
 }
 
 QTEST_APPLESS_MAIN(TestReadPlan)
