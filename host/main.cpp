@@ -3,28 +3,16 @@
 //
 // The commands of s7ppi, in the order in which --help lists them.
 
-#include "check_command.h"
-#include "completion_command.h"
-#include "decode_command.h"
-#include "describe_command.h"
-#include "doctor_command.h"
-#include "dump_command.h"
-#include "exit_code.h"
-#include "load_command.h"
-#include "plugin_command.h"
-#include "ports_command.h"
-#include "program.h"
-#include "read_command.h"
-#include "report_command.h"
-#include "scan_command.h"
-#include "standard_streams.h"
-#include "watch_command.h"
-#include "write_command.h"
+#include "host/base/exit_code.h"
+#include "host/base/standard_streams.h"
+#include "host/cli/program.h"
+#include "host/commands/commands.h"
 
 #include <QCoreApplication>
 
 #include <exception>
 #include <iostream>
+#include <vector>
 
 namespace {
 

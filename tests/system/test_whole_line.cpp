@@ -5,9 +5,9 @@
 // are real here.
 
 #include "hex.h"
-#include "plugin.h"
-#include "serial_port.h"
-#include "simulator_process.h"
+#include "host/driver/plugin.h"
+#include "host/driver/simulator_process.h"
+#include "host/port/serial_port.h"
 
 #include <QtTest>
 

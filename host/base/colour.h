@@ -1,0 +1,28 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Colours for people: on a terminal that has them, and unless the environment's NO_COLOR is set.
+
+#ifndef HOST_BASE_COLOUR_H
+#define HOST_BASE_COLOUR_H
+
+#include <QByteArray>
+
+namespace host {
+
+// Colours by the numbers of ECMA-48; all but the plain one are bold.
+constexpr const char *kPlain = "";
+constexpr const char *kRed = "31";
+constexpr const char *kYellow = "33";
+constexpr const char *kCyan = "36";
+
+// Whether it is a terminal, and one that is more than a printer: it takes colours and moves its cursor.
+bool takesControls(int descriptor);
+bool wantsColour(int descriptor);
+
+// The text as the descriptor's terminal shows it in that colour; the text alone where none is wanted.
+QByteArray coloured(const QByteArray &text, const char *colour, int descriptor);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,45 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// An error as the user meets it: what went wrong, what helps, and the exit code it leads to.
+
+#ifndef HOST_BASE_FAILURE_H
+#define HOST_BASE_FAILURE_H
+
+#include "host/base/exit_code.h"
+
+#include <QString>
+
+#include <stdexcept>
+
+namespace host {
+
+class Failure : public std::runtime_error
+{
+public:
+    Failure(ExitCode code, const QString &text, const QString &hint)
+        : std::runtime_error(text.toStdString()), exitCode(code), hintText(hint)
+    {
+    }
+
+    ExitCode code() const { return exitCode; }
+    QString text() const { return QString::fromUtf8(what()); }
+    QString hint() const { return hintText; }
+
+    // The same, told of something.
+    Failure about(const QString &subject) const
+    {
+        return Failure(exitCode, subject + ": " + text(), hintText);
+    }
+
+    // Whatever is still to be done could not succeed either.
+    bool isFinal() const { return exitCode == ExitCode::PortLost || exitCode == ExitCode::OutputLost; }
+
+private:
+    ExitCode exitCode;
+    QString hintText;
+};
+
+} // namespace host
+
+#endif

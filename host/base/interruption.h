@@ -1,0 +1,32 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Ctrl-C, SIGTERM, SIGQUIT and SIGHUP end the program in order: the request under way is given up, what
+// was read has been printed, the terminal is restored, the embedded simulator is stopped. A second signal
+// ends it at once.
+
+#ifndef HOST_BASE_INTERRUPTION_H
+#define HOST_BASE_INTERRUPTION_H
+
+#include <exception>
+
+namespace host {
+
+// Thrown instead of a failure that is only the signal's doing.
+class Interrupted : public std::exception
+{
+};
+
+// Leaves SIGHUP alone when it is ignored, as under nohup.
+void catchInterruptions();
+
+// The signal that arrived, or 0.
+int interruptingSignal();
+
+// What a second signal does before it ends the program, or null. It runs in the signal handler: nothing but
+// async-signal-safe calls.
+void setLastResort(void (*action)());
+
+} // namespace host
+
+#endif

@@ -1,0 +1,62 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// How a command with several parts ends: every failure is reported, the first one gives the exit code.
+
+#ifndef HOST_BASE_OUTCOME_H
+#define HOST_BASE_OUTCOME_H
+
+#include "host/base/failure.h"
+#include "host/base/report.h"
+
+#include <QString>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+class Outcome
+{
+public:
+    // Runs one part; a Failure that it throws is reported as the subject's and returned.
+    template <typename Part> std::optional<Failure> attempt(const QString &subject, const Part &part)
+    {
+        try {
+            part();
+            return std::nullopt;
+        } catch (const Failure &failure) {
+            add(subject, failure);
+            return failure;
+        }
+    }
+
+    void add(const QString &subject, const Failure &failure)
+    {
+        reportFailure(subject, failure);
+        if (first == ExitCode::Success)
+            first = failure.code();
+    }
+
+    // The meaning of all texts, each by parse(); every wrong one is reported.
+    template <typename Parse> auto parseAll(const std::vector<std::string> &texts, const Parse &parse)
+    {
+        std::vector<decltype(parse(QString()))> parsed;
+        for (const std::string &text : texts) {
+            const QString subject = QString::fromStdString(text);
+            attempt(subject, [&] { parsed.push_back(parse(subject)); });
+        }
+        return parsed;
+    }
+
+    bool isSuccess() const { return first == ExitCode::Success; }
+    int exitCode() const { return int(first); }
+
+private:
+    ExitCode first = ExitCode::Success;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,26 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The program around its commands: parses the command line, runs the command it chooses.
+
+#ifndef HOST_CLI_PROGRAM_H
+#define HOST_CLI_PROGRAM_H
+
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace host {
+
+struct CommandLine;
+
+using Declare = void (*)(CLI::App &, CommandLine &);
+
+// The exit code.
+int runProgram(int argc, char *argv[], const std::vector<Declare> &commands);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,47 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Common options that do not come from the command line. Whatever is said twice is taken from the command
+// line first, then from the environment, then from the configuration file; what nobody says, the plug-in's
+// defaults decide.
+//
+//   environment   S7PPI_BAUD=19200, for every option of more than one letter; an empty one counts as not set
+//   file          baud = 19200 on a line of its own; # begins a comment; a flag may stand alone
+
+#ifndef HOST_CLI_SETTINGS_H
+#define HOST_CLI_SETTINGS_H
+
+#include "host/base/options.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace host {
+
+struct Setting
+{
+    std::string option; // "baud"
+    std::string value;
+    QString source; // for people: "S7PPI_BAUD" or "/home/me/.config/s7ppi/config:3"
+};
+
+std::string variableName(const std::string &option);
+
+// What the environment says of these options.
+std::vector<Setting> environmentSettings(const Texts &options);
+
+// Variables that look as if they set an option and set none of these.
+QStringList strangeVariables(const Texts &options);
+
+// What the file says. Fails when it cannot be read, and on a line that names none of these options.
+std::vector<Setting> fileSettings(const QString &file, const Texts &options);
+
+// The file to read: the one that is named, or that the environment's S7PPI_CONFIG names, or the user's own,
+// ~/.config/s7ppi/config, if there is one. Empty when none shall be read; S7PPI_CONFIG set but empty says so.
+QString settingsFile(const std::optional<std::string> &named);
+
+} // namespace host
+
+#endif

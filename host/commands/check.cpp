@@ -1,0 +1,245 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/outcome.h"
+#include "host/cli/command_line.h"
+#include "host/driver/read_plan.h"
+#include "host/driver/request_frames.h"
+#include "host/driver/write_plan.h"
+#include "host/items/item.h"
+#include "host/items/tag_file.h"
+#include "host/output/output.h"
+
+#include <QHash>
+
+#include <memory>
+
+namespace host {
+
+namespace {
+
+constexpr int kLabelWidth = 12;
+
+const Schema kSchema = {"check",
+                        1,
+                        "items",
+                        {"text", "valid", "address", "area", "type", "count", "first", "last", "requests",
+                         "frame", "writable", "writeError", "error", "nearest"}};
+
+const char kFooter[] = R"(
+Nothing is sent and no port is opened: the plug-in shows what it would send. How much memory there is
+depends on the controller's model, which answers to an address beyond it with a refusal.
+
+The exit code is 0 when all of them are valid.)";
+
+QString areaName(const Address &address)
+{
+    static const QHash<QString, QString> names = {
+        {"I", "inputs"},
+        {"Q", "outputs"},
+        {"M", "bit memory"},
+        {"V", "variable memory"},
+        {"S", "sequence control relays"},
+        {"SM", "special memory"},
+        {"AIW", "analogue inputs"},
+        {"AQW", "analogue outputs"},
+        {"T", "timers"},
+        {"C", "counters"},
+        {"HC", "high-speed counters"},
+    };
+    const bool hasWidth = address.kind == AddressKind::Memory;
+    return names.value(hasWidth ? address.prefix.chopped(1) : address.prefix);
+}
+
+QString elementName(const Address &address)
+{
+    if (address.kind == AddressKind::Bit)
+        return "bits";
+    if (address.isObject())
+        return "by number";
+    return address.elementWidth == 4 ? "double words" : address.elementWidth == 2 ? "words" : "bytes";
+}
+
+// What the plug-in makes of an item. Only the first request of a long item is tried: the others differ
+// in number and count.
+struct Verdict
+{
+    int requests;
+    QByteArray frame;
+    QString writeRefusal; // empty when it can be written
+};
+
+QString writeRefusal(const Item &item, const RequestFrames &frames)
+{
+    try {
+        frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first());
+        return QString();
+    } catch (const Failure &failure) {
+        return failure.text();
+    }
+}
+
+Verdict verdictOn(const Item &item, const RequestFrames &frames)
+{
+    const QList<ReadRequest> requests = planRead(item).requests;
+    return {int(requests.size()), frames.ofRead(requests.first().command).first(),
+            writeRefusal(item, frames)};
+}
+
+Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
+{
+    Json record = {{"text", jsonText(text)},
+                   {"valid", true},
+                   {"address", jsonText(item.address.text())},
+                   {"area", jsonText(areaName(item.address))},
+                   {"type", jsonText(typeName(item.type))},
+                   {"count", item.count},
+                   {"first", jsonText(firstAddress(item.address).text())},
+                   {"last", jsonText(lastAddress(item.address).text())},
+                   {"requests", verdict.requests},
+                   {"frame", verdict.frame.toHex(' ').toStdString()},
+                   {"writable", verdict.writeRefusal.isEmpty()}};
+    if (!verdict.writeRefusal.isEmpty())
+        record["writeError"] = jsonText(verdict.writeRefusal);
+    return record;
+}
+
+QString labelled(const QString &label, const QString &text)
+{
+    return "  " + label.leftJustified(kLabelWidth) + ' ' + text;
+}
+
+QString validText(const QString &text, const Item &item, const Verdict &verdict)
+{
+    const Address &address = item.address;
+    const QString values = QString("%1 %2").arg(item.count).arg(typeName(item.type));
+    const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
+    const QString frame = QString::fromLatin1(verdict.frame.toHex(' '));
+    const bool isLong = verdict.requests > 1;
+    const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
+    return QStringList(
+               {head, labelled("valid", values),
+                labelled("area", areaName(address) + ", " + elementName(address)),
+                labelled("limits", limits + ", less in most models"),
+                labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
+                                        : QString("one request:")),
+                labelled(QString(), frame),
+                labelled("write", verdict.writeRefusal.isEmpty() ? "possible" : verdict.writeRefusal)})
+        .join('\n');
+}
+
+Json invalidRecord(const QString &text, const Failure &failure)
+{
+    Json record = {{"text", jsonText(text)}, {"valid", false}, {"error", jsonText(failure.text())}};
+    record["nearest"] = Json::array();
+    for (const QString &address : nearestAddresses(text.section(':', 0, 0).section('*', 0, 0)))
+        if (address != text)
+            record["nearest"].push_back(jsonText(address));
+    return record;
+}
+
+QString invalidText(const QString &text, const Failure &failure)
+{
+    return QStringList({text, labelled("not valid", failure.text()), labelled("instead", failure.hint())})
+        .join('\n');
+}
+
+class Checker
+{
+public:
+    explicit Checker(const Options &options) : frames(options), output(options, kSchema) {}
+
+    // An item, or a tag file for all of its tags.
+    void check(const QString &text);
+
+    // Fails when there was something wrong.
+    void finish();
+
+private:
+    template <typename Check> void attempt(const QString &text, const Check &check);
+    void checkItem(const QString &text, const Item &item);
+    void checkFile(const QString &reference);
+
+    RequestFrames frames;
+    Output output;
+    int right = 0;
+    int wrong = 0;
+    ExitCode first = ExitCode::Success;
+};
+
+template <typename Check> void Checker::attempt(const QString &text, const Check &check)
+{
+    try {
+        check();
+    } catch (const Failure &failure) {
+        if (failure.isFinal())
+            throw;
+        ++wrong;
+        if (first == ExitCode::Success)
+            first = failure.code();
+        output.write(invalidRecord(text, failure), invalidText(text, failure));
+    }
+}
+
+void Checker::checkItem(const QString &text, const Item &item)
+{
+    const Verdict verdict = verdictOn(item, frames);
+    output.write(validRecord(text, item, verdict), validText(text, item, verdict));
+    ++right;
+}
+
+void Checker::checkFile(const QString &reference)
+{
+    Outcome outcome;
+    for (const Tag &tag : parseTags({reference.toStdString()}, outcome)) {
+        const QString text = reference + ':' + tag.name;
+        attempt(text, [&] { checkItem(text, tag.item); });
+    }
+    if (!outcome.isSuccess())
+        throw brokenTagFile();
+}
+
+void Checker::check(const QString &text)
+{
+    attempt(text, [&] {
+        if (!isTagReference(text))
+            checkItem(text, parseItem(text));
+        else if (text.contains(':'))
+            checkItem(text, findTag(text).item);
+        else
+            checkFile(text);
+    });
+}
+
+void Checker::finish()
+{
+    output.finish();
+    if (wrong > 0)
+        throw Failure(first, QString("%1 of %2 not valid").arg(wrong).arg(right + wrong),
+                      "the data tell what could be meant instead");
+}
+
+int checkAll(const Options &options, const Texts &texts)
+{
+    Checker checker(options);
+    for (const std::string &text : texts)
+        checker.check(QString::fromStdString(text));
+    checker.finish();
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declareCheck(CLI::App &app, CommandLine &line)
+{
+    const auto items = std::make_shared<Texts>();
+    CLI::App *check =
+        addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
+                   [items](const Options &options) { return checkAll(options, *items); });
+    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
+    setFooter(*check, std::string(kTypesFooter) + '\n' + kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,205 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/outcome.h"
+#include "host/base/text_input.h"
+#include "host/cli/command_line.h"
+#include "host/frames/frame_explanation.h"
+#include "host/frames/frame_words.h"
+#include "host/frames/trace_reader.h"
+#include "host/output/output.h"
+#include "host/text/counted.h"
+#include "host/text/hex_text.h"
+
+#include <memory>
+
+namespace host {
+
+namespace {
+
+struct DecodeOptions
+{
+    Texts bytes;
+    std::optional<std::string> trace;
+};
+
+const Schema kSchema = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
+
+const char kFooter[] = R"(
+Frames may follow each other; bytes that make none are told as such. ! marks a byte that is
+not what it should be; what is missing of a cut frame stands behind its last byte. In a trace
+the data of an answer have the addresses that the request before it named.
+
+The exit code is 0 when all frames are whole and sound, and 5 when one is not.
+
+Examples:
+  s7ppi decode 10 02 00 5c 5e 16
+  s7ppi decode --trace line.txt --format csv)";
+
+// Lines of a trace that are told as wrong one by one; the others are counted.
+constexpr int kToldLines = 5;
+
+class Decoder
+{
+public:
+    Decoder(const Options &options, const QString &source_) : output(options, kSchema), source(source_) {}
+
+    // The frames in some bytes that passed together.
+    void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
+
+    // Fails when there was a frame with a fault, or none at all.
+    void finish();
+
+private:
+    void decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin);
+    void write(const ExplainedByte &byte, const QString &missing);
+    Failure faultyFrames() const;
+
+    Output output;
+    QString source; // of the bytes
+    FrameExplainer explainer;
+    Json frames = Json::array();
+    int faulty = 0;
+};
+
+QString byteLine(const ExplainedByte &byte)
+{
+    constexpr int kFieldWidth = 22;
+    QString line = QString("%1  %2 %3 %4  %5")
+                       .arg(byte.offset, 4)
+                       .arg(uint(byte.byte), 2, 16, QChar('0'))
+                       .arg(byte.isFault ? '!' : ' ')
+                       .arg(byte.field.leftJustified(kFieldWidth), byte.meaning);
+    while (line.endsWith(' '))
+        line.chop(1);
+    return line;
+}
+
+void Decoder::decode(const QByteArray &bytes, const QString &heading, const Json &origin)
+{
+    for (const QByteArray &frame : splitFrames(bytes))
+        decodeFrame(frame, heading, origin);
+}
+
+void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
+{
+    const ExplainedFrame explained = explainer.explain(frame);
+    Json entry = origin;
+    entry["meaning"] = jsonText(frameWords(frame));
+    entry["size"] = frame.size();
+    entry["faults"] = Json::array();
+    for (const QString &fault : explained.faults)
+        entry["faults"].push_back(jsonText(fault));
+    if (!frames.empty())
+        output.writeText(QString());
+    frames.push_back(entry);
+    faulty += explained.faults.isEmpty() ? 0 : 1;
+
+    output.writeText(heading + frameWords(frame) + ", " + counted(frame.size(), "byte"));
+    const int last = int(frame.size()) - 1;
+    for (const ExplainedByte &byte : explained.bytes)
+        write(byte, byte.offset == last ? explained.missing : QString());
+    for (const QString &fault : explained.faults)
+        output.writeText("         ! " + fault);
+}
+
+// missing: what should stand behind it. In the text it has a line of its own.
+void Decoder::write(const ExplainedByte &byte, const QString &missing)
+{
+    const bool isBoth = !byte.meaning.isEmpty() && !missing.isEmpty();
+    output.write({{"frame", frames.size()},
+                  {"offset", byte.offset},
+                  {"byte", QByteArray(1, char(byte.byte)).toHex().toStdString()},
+                  {"field", jsonText(byte.field)},
+                  {"meaning", jsonText(byte.meaning + (isBoth ? "; " : "") + missing)},
+                  {"fault", byte.isFault || !missing.isEmpty()}},
+                 byteLine(byte));
+}
+
+void Decoder::finish()
+{
+    output.setField("frames", frames);
+    output.finish();
+    if (frames.empty())
+        throw Failure(ExitCode::Usage, source + "there are no bytes to decode",
+                      "s7ppi decode --help has examples");
+    if (faulty > 0)
+        throw faultyFrames();
+}
+
+Failure Decoder::faultyFrames() const
+{
+    const bool isText = output.format() == Format::Text;
+    return Failure(ExitCode::BrokenAnswer,
+                   QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(frames.size()),
+                   isText ? "the lines with ! tell what is wrong with them"
+                          : "the records whose fault is true tell what is wrong with them");
+}
+
+void decodeLine(Decoder &decoder, const QByteArray &line)
+{
+    if (const std::optional<TraceRecord> record = parseTraceLine(line))
+        decoder.decode(record->bytes, record->time + ' ' + record->direction + ' ',
+                       {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
+}
+
+void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
+{
+    const QList<QByteArray> lines = readInput(fileName).split('\n');
+    int wrong = 0;
+    for (int i = 0; i < lines.size(); ++i) {
+        try {
+            decodeLine(decoder, lines.at(i));
+        } catch (const Failure &failure) {
+            if (failure.isFinal() || ++wrong <= kToldLines)
+                outcome.add(QString("%1:%2").arg(fileName).arg(i + 1), failure);
+        }
+    }
+    if (wrong > kToldLines)
+        reportWarning(
+            QString("%1: %2: no record of a trace").arg(fileName, counted(wrong - kToldLines, "more line")));
+}
+
+QByteArray bytesOf(const Texts &texts)
+{
+    if (texts.size() == 1 && texts.front() == "-")
+        return parseHex(utf8Text(readInput("-")));
+    QString joined;
+    for (const std::string &text : texts)
+        joined += QString::fromStdString(text) + '\n';
+    return parseHex(joined);
+}
+
+int decode(const Options &options, const DecodeOptions &own)
+{
+    if (own.trace.has_value() != own.bytes.empty())
+        throw Failure(ExitCode::Usage, "decode takes bytes or a trace",
+                      "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
+    Outcome outcome;
+    const QByteArray bytes = bytesOf(own.bytes);
+    Decoder decoder(options, own.trace ? QString::fromStdString(*own.trace) + ": " : QString());
+    if (own.trace)
+        decodeTrace(decoder, QString::fromStdString(*own.trace), outcome);
+    else
+        decoder.decode(bytes, QString(), Json::object());
+    decoder.finish();
+    return outcome.exitCode();
+}
+
+} // namespace
+
+void declareDecode(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<DecodeOptions>();
+    CLI::App *decoding = addCommand(app, line, "decode", "Explain frames byte by byte",
+                                    [own](const Options &options) { return decode(options, *own); });
+    addTexts(*decoding, "bytes", own->bytes, "HEX",
+             "Hexadecimal text, grouped in any way; - reads it from stdin");
+    addText(*decoding, "--trace", own->trace, "FILE",
+            "The frames of a trace, as --trace of other commands writes it");
+    setFooter(*decoding, kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,258 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/cli/command_line.h"
+#include "host/diagnosis/diagnosis.h"
+#include "host/driver/connection.h"
+#include "host/driver/request_form.h"
+#include "host/output/output.h"
+#include "host/port/line_watcher.h"
+#include "host/port/port_choice.h"
+#include "host/port/port_details.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr int kDefaultReads = 20;
+
+// A controller that has not answered so often at the beginning is not asked on.
+constexpr int kPatience = 3;
+
+const char kSimulator[] = "sim";
+
+const char kFooter[] = R"(
+The checks go from the ground up: plug-in, port, rights, lock, adapter, line, and then reads
+of one byte, MB0. Nothing is written. Each has a line: ok, warning or failed, and advice
+below it. The exit code is that of the first check that failed.
+
+Options: s7ppi --help)";
+
+// s7ppi locks its port, also the port's end of a pseudo-terminal.
+bool isOwnProgram(const QList<PortHolder> &holders)
+{
+    return std::any_of(holders.begin(), holders.end(),
+                       [](const PortHolder &holder) { return holder.program == "s7ppi"; });
+}
+
+class Doctor
+{
+public:
+    Doctor(const Options &options, int reads);
+
+    int run();
+
+private:
+    bool passes(const QString &check, const std::function<QString()> &part);
+    void tell(const Finding &finding);
+    void examine();
+    bool examinePlugin();
+    bool choosePort();
+    bool examinePort();
+    bool examineLine();
+    void examineReads();
+    bool tryEcho(const ReadTrial &trial);
+    ReadTrial tryReads();
+    void tryRead(ReadTrial &trial);
+
+    Options options;
+    int reads;
+    Output output;
+    ExitCode first = ExitCode::Success;
+    LineSettings line = {};
+    int timeout = 0;
+    LineWatcher watcher;
+    std::unique_ptr<Connection> connection;
+};
+
+Doctor::Doctor(const Options &options_, int reads_)
+    : options(options_), reads(reads_),
+      output(options_, {"doctor", 1, "checks", {"check", "verdict", "text", "advice"}})
+{
+}
+
+int Doctor::run()
+{
+    try {
+        examine();
+    } catch (const Failure &failure) {
+        if (failure.code() == ExitCode::OutputLost)
+            throw;
+        tell(failedFinding("line", failure));
+    }
+    output.finish();
+    return int(first);
+}
+
+void Doctor::tell(const Finding &finding)
+{
+    if (first == ExitCode::Success)
+        first = finding.code;
+    output.write({{"check", jsonText(finding.check)},
+                  {"verdict", jsonText(verdictName(finding.verdict))},
+                  {"text", jsonText(finding.text)},
+                  {"advice", jsonText(finding.advice)}},
+                 findingText(finding));
+}
+
+bool Doctor::passes(const QString &check, const std::function<QString()> &part)
+{
+    try {
+        tell(goodFinding(check, part()));
+        return true;
+    } catch (const Failure &failure) {
+        if (failure.code() == ExitCode::OutputLost)
+            throw;
+        tell(failedFinding(check, failure));
+        return false;
+    }
+}
+
+// What stands on something that failed is not looked at.
+void Doctor::examine()
+{
+    if (examinePlugin() && choosePort() && examinePort() && examineLine())
+        examineReads();
+}
+
+bool Doctor::examinePlugin()
+{
+    return passes("plug-in", [this] {
+        const Plugin plugin(findPlugin(options));
+        line = withOptions(lineSettings(*plugin.serialDefaults()), options);
+        timeout = options.timeout.value_or(plugin.driverDefaults()->timeout);
+        return QString("%1 %2, %3")
+            .arg(plugin.driver().name(), plugin.driver().getVersionNumber(), plugin.file());
+    });
+}
+
+bool Doctor::choosePort()
+{
+    return passes("port", [this]() -> QString {
+        if (options.port)
+            return QString::fromStdString(*options.port);
+        const QString adapter = onlyAdapter(usbAdapters());
+        options.port = adapter.isEmpty() ? kSimulator : adapter.toStdString();
+        return adapter.isEmpty() ? "no USB serial adapter is there: a simulated controller" : adapter;
+    });
+}
+
+bool Doctor::examinePort()
+{
+    if (*options.port == kSimulator)
+        return true;
+    PortDetails port;
+    const bool exists = passes("adapter", [&] {
+        port = portDetails(QString::fromStdString(*options.port));
+        const QString text = adapterText(port);
+        return text.isEmpty() ? "nothing is known of it" : text;
+    });
+    if (!exists)
+        return false;
+    const bool isAllowed = passes("rights", [&] {
+        if (!rightsAdvice(port).isEmpty())
+            throw Failure(ExitCode::PortUnusable, rightsText(port), rightsAdvice(port));
+        return rightsText(port);
+    });
+    const bool isFree = passes("lock", [&]() -> QString {
+        if (port.holders.isEmpty())
+            return "no other program has the port open";
+        const QString text = "in use by " + holderText(port.holders);
+        if (isPseudoTerminal(port.device) && !isOwnProgram(port.holders))
+            return text + ", which may be the other end of the pseudo-terminal";
+        throw Failure(ExitCode::PortUnusable, text, holderAdvice(port));
+    });
+    if (port.latency)
+        tell(findingWith("latency", QString("%1 ms").arg(*port.latency), latencyAdvice(port)));
+    return isAllowed && isFree;
+}
+
+bool Doctor::examineLine()
+{
+    return passes("line", [this] {
+        connection = std::make_unique<Connection>(options, &watcher);
+        const QString taken = lineText(line);
+        return isPseudoTerminal(connection->portName())
+                   ? taken + "; a pseudo-terminal has no speed and no parity"
+                   : taken + ", as the port confirms";
+    });
+}
+
+void Doctor::examineReads()
+{
+    std::optional<LineErrors> before = lineErrors(connection->portHandle());
+    ReadTrial trial = tryReads();
+    tell(judgeEcho(watcher.hasHeard(), watcher.hasEcho(), options.echo));
+    if (tryEcho(trial)) {
+        before = lineErrors(connection->portHandle());
+        trial = tryReads();
+    }
+    tell(judgeLineErrors(before, lineErrors(connection->portHandle())));
+    tell(judgeAnswers(trial));
+    if (trial.answerTimes.isEmpty())
+        return;
+    tell(judgeRetries(trial));
+    tell(judgeTimeout(trial, timeout));
+}
+
+// Behind an adapter that hears itself nothing else could be told without taking the echo out.
+bool Doctor::tryEcho(const ReadTrial &trial)
+{
+    if (!watcher.hasEcho() || !trial.answerTimes.isEmpty())
+        return false;
+    options.echo = true;
+    connection.reset();
+    connection = std::make_unique<Connection>(options, &watcher);
+    return true;
+}
+
+ReadTrial Doctor::tryReads()
+{
+    ReadTrial trial;
+    const int requestsBefore = connection->requestCount();
+    const auto hasHope = [&trial] {
+        const bool isOver = trial.failure && trial.failure->isFinal();
+        return !isOver && (!trial.answerTimes.isEmpty() || trial.reads < kPatience);
+    };
+    while (trial.reads < reads && hasHope())
+        tryRead(trial);
+    trial.requests = connection->requestCount() - requestsBefore;
+    trial.longestWait = watcher.longestWait();
+    return trial;
+}
+
+void Doctor::tryRead(ReadTrial &trial)
+{
+    QElapsedTimer time;
+    time.start();
+    ++trial.reads;
+    try {
+        connection->read(makeCommand(kBytes, "MB0", 1));
+        trial.answerTimes << time.elapsed();
+    } catch (const Failure &failure) {
+        if (failure.code() == ExitCode::OutputLost)
+            throw;
+        if (!trial.failure)
+            trial.failure = failure;
+    }
+}
+
+} // namespace
+
+void declareDoctor(CLI::App &app, CommandLine &line)
+{
+    const auto reads = std::make_shared<std::optional<int>>();
+    CLI::App *doctor = addCommand(
+        app, line, "doctor", "Look for what is wrong with plug-in, port and line",
+        [reads](const Options &options) { return Doctor(options, reads->value_or(kDefaultReads)).run(); });
+    addNumber(*doctor, "--reads", *reads, 1, 100000, "How many reads to measure, else 20");
+    setFooter(*doctor, kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,157 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/files_in_use.h"
+#include "host/base/interruption.h"
+#include "host/base/report.h"
+#include "host/cli/command_line.h"
+#include "host/driver/connection.h"
+#include "host/driver/read_plan.h"
+#include "host/dump/partial_dump.h"
+#include "host/items/memory_range.h"
+#include "host/output/output.h"
+#include "host/output/output_sink.h"
+#include "host/output/progress.h"
+
+namespace host {
+
+namespace {
+
+struct DumpOptions
+{
+    std::string range;
+    bool restart = false; // forget what an earlier run has read
+};
+
+const char kFooter[] = R"(
+FIRST and LAST are addresses of one area, LAST or its number alone: VB0..VB4095  MB0..31
+VW0..VW98  AIW0..62  T0..T255. Both are read.
+
+The file is text, 16 bytes a line, or with --format raw the bytes alone. It appears when
+all is read. Until then FILE.part holds what was read: after Ctrl-C or an error the same
+command goes on where it stopped, also with another LAST. s7ppi load writes the file back.
+
+Options: s7ppi --help)";
+
+bool isRaw(const Options &options)
+{
+    const std::string unasked = options.usualFormat == "raw" ? "raw" : "text";
+    const std::string format = options.format.value_or(unasked);
+    tellUnlessUsual(options, format);
+    if (format != "text" && format != "raw")
+        throw Failure(ExitCode::Usage, "dump has no " + QString::fromStdString(format) + " form",
+                      "choose --format text or raw");
+    return format == "raw";
+}
+
+QString partName(const QString &name)
+{
+    return name + ".part";
+}
+
+// The file is looked at before the long work, not only after it.
+QString checkedFile(const Options &options, const Item &range)
+{
+    if (!options.output || *options.output == "-")
+        throw Failure(ExitCode::Usage, "a dump needs a file",
+                      QString("name it with -o FILE; s7ppi read '%1:hex*%2' prints the same memory")
+                          .arg(range.address.text())
+                          .arg(range.count));
+    outputSink(options);
+    QString name = QString::fromStdString(*options.output);
+    claimFile(partName(name), FileRole::Unfinished);
+    return name;
+}
+
+QString sizesOf(const PartialDump &part)
+{
+    return QString("%1 of %2 bytes").arg(part.savedSize()).arg(part.dump().range.size());
+}
+
+void tellEarlierPart(const PartialDump &part)
+{
+    const QString time = part.earlierTime().toString("yyyy-MM-dd HH:mm:ss");
+    reportNote(QString("%1 of %2 has %3 from an earlier run; --restart begins anew")
+                   .arg(part.name(), time, sizesOf(part)));
+}
+
+// What goes on: the same command, say.
+void leave(PartialDump &part, Progress &progress, const QString &what)
+{
+    part.removeIfEmpty();
+    if (part.savedSize() == 0)
+        progress.note(sizesOf(part) + " were read, no part of the dump is kept");
+    else
+        progress.note(part.name() + " has " + sizesOf(part) + "; " + what + " goes on from there");
+}
+
+// The rest of the range. What is under way when it fails is told as the block that it was.
+void readRest(Connection &connection, PartialDump &part, Progress &progress)
+{
+    const Item &range = part.dump().range;
+    const int index = int(part.dump().data.size()) / range.valueSize();
+    if (index == range.count)
+        return;
+    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
+    for (const Item &block : readBlocks(partOf(range, index, range.count - index))) {
+        try {
+            part.append(readItem(block, read));
+        } catch (const Failure &failure) {
+            throw failure.about(rangeText(block));
+        }
+        progress.advance(block.size());
+    }
+}
+
+void readAll(Connection &connection, PartialDump &part, const Options &options)
+{
+    const Dump &dump = part.dump();
+    const qint64 before = dump.data.size();
+    if (before > 0)
+        tellEarlierPart(part);
+    Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        readRest(connection, part, progress);
+    } catch (const Failure &failure) {
+        const bool isRefused = failure.code() == ExitCode::Refused;
+        leave(part, progress, isRefused ? "a range that ends earlier" : "the same command");
+        throw;
+    } catch (...) {
+        leave(part, progress, "the same command");
+        throw;
+    }
+    progress.finish();
+}
+
+int dumpRange(const Options &options, const DumpOptions &own)
+{
+    const Item range = parseRange(QString::fromStdString(own.range));
+    const bool raw = isRaw(options);
+    const QString name = checkedFile(options, range);
+    Connection connection(options);
+    PartialDump part(partName(name), {range, connection.stationId(), connection.portLabel()}, own.restart);
+    readAll(connection, part, options);
+
+    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    sink->put(raw ? part.dump().data : dumpText(part.dump()));
+    sink->commit();
+    part.remove();
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declareDump(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<DumpOptions>();
+    CLI::App *dump = addCommand(app, line, "dump", "Read a stretch of memory into a file",
+                                [own](const Options &options) { return dumpRange(options, *own); });
+    addText(*dump, "range", own->range, "RANGE", "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file");
+    addFlag(*dump, "--restart", own->restart, "Begin anew, whatever an earlier run has read");
+    setFooter(*dump, kFooter);
+}
+
+} // namespace host

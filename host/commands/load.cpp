@@ -1,0 +1,340 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/files_in_use.h"
+#include "host/base/report.h"
+#include "host/base/text_input.h"
+#include "host/cli/command_line.h"
+#include "host/commands/rehearsal.h"
+#include "host/driver/connection.h"
+#include "host/driver/read_plan.h"
+#include "host/driver/write_plan.h"
+#include "host/dump/dump_file.h"
+#include "host/dump/load_state.h"
+#include "host/items/memory_range.h"
+#include "host/output/progress.h"
+
+namespace host {
+
+namespace {
+
+const char kFileHint[] = "name a file that s7ppi dump has made";
+
+struct LoadOptions
+{
+    std::string file;
+    std::optional<std::string> target; // an address instead of the one in the file
+    bool verify = false;               // read everything back and compare it
+    bool dryRun = false;               // print the frames on stdout and send nothing
+    bool restart = false;              // forget how far an earlier run came
+};
+
+const char kFooter[] = R"(
+FILE is what s7ppi dump makes, or with --format raw and --to plain bytes. It is checked as a
+whole before anything is sent.
+
+After Ctrl-C or an error FILE.loading tells how far it came, and the same command goes on
+from there: what is written is read back first, and from a difference on it is written anew.
+--verify compares everything when all is written.
+
+Options: s7ppi --help)";
+
+// Bytes and the place where they go.
+struct Load
+{
+    Item target;
+    QByteArray data;
+    std::optional<int> station; // where they came from, if known
+};
+
+// As many elements from an address on as the data fill.
+Item targetAt(const std::string &address, const QByteArray &data)
+{
+    const QString text = QString::fromStdString(address);
+    try {
+        const Item first = rangeFrom(parseAddress(text), 1);
+        if (data.size() % first.valueSize() != 0)
+            throw Failure(ExitCode::Usage,
+                          QString("%1 bytes are no whole number of elements").arg(data.size()),
+                          "choose an address of bytes, as VB0");
+        return rangeFrom(first.address, int(data.size()) / first.valueSize());
+    } catch (const Failure &failure) {
+        throw failure.about(text);
+    }
+}
+
+Load rawLoad(const LoadOptions &own)
+{
+    const QString name = QString::fromStdString(own.file);
+    if (!own.target)
+        throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
+                      "name the first address with --to ADDRESS");
+    const QByteArray data = readFile(name, kFileHint);
+    if (data.isEmpty())
+        throw Failure(ExitCode::Usage, name + " is empty", "name a file that has bytes in it");
+    return {targetAt(*own.target, data), data, std::nullopt};
+}
+
+Load loadOf(const Options &options, const LoadOptions &own)
+{
+    const std::string format = options.format.value_or("text");
+    if (format == "raw")
+        return rawLoad(own);
+    if (format != "text" && !own.dryRun) // then it is the form of the frames
+        throw Failure(ExitCode::Usage, "load reads no " + QString::fromStdString(format),
+                      "choose --format text or raw");
+    const QString name = QString::fromStdString(own.file);
+    const Dump dump = parseDump(readFile(name, kFileHint), name);
+    return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
+}
+
+// Elements that are not what was written.
+struct Differences
+{
+    int count = 0;
+    int offset = 0; // of the first, in bytes
+    QString first;  // "VB5 reads 00 and not 1f"
+};
+
+// offset: where the block lies.
+void addDifferences(Differences &differences, const Item &block, int offset, const QByteArray &wanted,
+                    const QByteArray &found)
+{
+    const int width = block.valueSize();
+    for (int i = 0; i < block.count; ++i) {
+        const QByteArray there = found.mid(i * width, width);
+        const QByteArray here = wanted.mid(i * width, width);
+        if (there == here || ++differences.count > 1)
+            continue;
+        differences.offset = offset + i * width;
+        differences.first = QString("%1 reads %2 and not %3")
+                                .arg(elementText(block, i), QString(there.toHex()), QString(here.toHex()));
+    }
+}
+
+Failure failureOf(const Differences &differences)
+{
+    const int others = differences.count - 1;
+    const QString text = others ? QString(", and %1 more differ").arg(others) : QString();
+    return Failure(
+        ExitCode::Different, differences.first + text,
+        "the controller's program may have written there in between, or the place takes no writes");
+}
+
+// A load under way: what was written, and what was found to be so.
+class Loading
+{
+public:
+    Loading(Connection &connection_, const Load &load_, const LoadState &state_, const Options &options_)
+        : connection(connection_), load(load_), state(state_), options(options_)
+    {
+    }
+
+    void write(bool restart);
+    void verify();
+
+private:
+    void goOn();
+    Differences compareEarlier(const Item &earlier) const;
+    void writeRest(Progress &progress);
+    void writeBlock(const WriteRequest &request, const Item &block);
+    Differences compare(const Item &range, Progress &progress, bool onlyFirst) const;
+    QByteArray readBlock(const Item &block) const;
+    void keepState();
+    int elementOf(int offset) const { return offset / load.target.valueSize(); }
+
+    Connection &connection;
+    const Load &load;
+    const LoadState &state;
+    const Options &options;
+    int written = 0;
+    std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
+};
+
+// It goes on behind what an earlier run wrote, as far as that is still there: another controller may be
+// behind the port by now, or its program has written, too.
+void Loading::goOn()
+{
+    const int count = elementOf(state.written());
+    if (count == 0)
+        return;
+    const Item earlier = partOf(load.target, 0, count);
+    reportNote(QString("%1 of %2 bytes were written by an earlier run; --restart begins anew")
+                   .arg(earlier.size())
+                   .arg(load.data.size()));
+    const Differences differences = compareEarlier(earlier);
+    written = differences.count > 0 ? differences.offset : earlier.size();
+    if (differences.count > 0)
+        reportNote(differences.first + "; from there on it is written anew");
+}
+
+Differences Loading::compareEarlier(const Item &earlier) const
+{
+    Progress progress(options, {rangeText(earlier) + " compared", "bytes", earlier.size(), 0, 0});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        return compare(earlier, progress, true);
+    } catch (...) {
+        progress.note("nothing more is written; the same command begins with the comparison");
+        throw;
+    }
+}
+
+void Loading::write(bool restart)
+{
+    if (!restart)
+        goOn();
+    if (written == int(load.data.size()))
+        return;
+    Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    try {
+        writeRest(progress);
+    } catch (...) {
+        progress.clear();
+        keepState();
+        throw;
+    }
+    progress.finish();
+}
+
+// A block that failed is written again when the load goes on.
+void Loading::writeBlock(const WriteRequest &request, const Item &block)
+{
+    try {
+        connection.write(request.command, request.data);
+    } catch (const Failure &failure) {
+        if (failure.code() != ExitCode::Refused)
+            doubtful = block;
+        throw failure.about(rangeText(block));
+    } catch (...) {
+        doubtful = block;
+        throw;
+    }
+}
+
+void Loading::writeRest(Progress &progress)
+{
+    const int index = elementOf(written);
+    const Item rest = partOf(load.target, index, load.target.count - index);
+    for (const WriteRequest &request : planWrite(rest, load.data.mid(written))) {
+        writeBlock(request, partOf(load.target, elementOf(written), request.command.count));
+        written += int(request.data.size());
+        progress.advance(request.data.size());
+    }
+}
+
+void Loading::keepState()
+{
+    if (doubtful)
+        reportNote(rangeText(*doubtful) + " may have been written: no answer tells");
+    const QString place = QString("%1 of %2 bytes are written").arg(written).arg(load.data.size());
+    if (written == 0)
+        reportNote(place);
+    else if (state.save(written))
+        reportNote(place + "; the same command goes on from there");
+    else
+        reportNote(place + "; that cannot be kept beside the file, and the same command begins anew");
+}
+
+void Loading::verify()
+{
+    Progress progress(options, {rangeText(load.target) + " read back", "bytes", load.data.size(), 0, 0});
+    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    Differences differences;
+    try {
+        differences = compare(load.target, progress, false);
+    } catch (...) {
+        progress.clear();
+        keepState();
+        throw;
+    }
+    if (differences.count > 0) {
+        state.forget();
+        throw failureOf(differences);
+    }
+    progress.finish();
+}
+
+Differences Loading::compare(const Item &range, Progress &progress, bool onlyFirst) const
+{
+    Differences differences;
+    int offset = 0;
+    for (const Item &block : readBlocks(range)) {
+        addDifferences(differences, block, offset, load.data.mid(offset, block.size()), readBlock(block));
+        if (onlyFirst && differences.count > 0)
+            break;
+        offset += block.size();
+        progress.advance(block.size());
+    }
+    return differences;
+}
+
+QByteArray Loading::readBlock(const Item &block) const
+{
+    const ReadFunction read = [this](const CommunicatorCommand &command) { return connection.read(command); };
+    try {
+        return readItem(block, read);
+    } catch (const Failure &failure) {
+        throw failure.about(rangeText(block));
+    }
+}
+
+int rehearseLoad(Options options, const Load &load, bool verify)
+{
+    if (options.format == "raw") // says what the file is
+        options.format.reset();
+    Output output(options, kFramesSchema);
+    const Rehearsal rehearsal(options, output);
+    for (const WriteRequest &request : planWrite(load.target, load.data))
+        rehearsal.write(request);
+    if (verify)
+        for (const ReadRequest &request : planRead(load.target).requests)
+            rehearsal.read(request);
+    output.finish();
+    return int(ExitCode::Success);
+}
+
+int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
+{
+    tellUnlessUsual(options, options.format.value_or("text"));
+    const QString stateName = QString::fromStdString(own.file) + ".loading";
+    claimFile(stateName, FileRole::Unfinished);
+    Connection connection(options);
+    const int station = connection.stationId();
+    if (load.station && *load.station != station)
+        reportNote(
+            QString("the dump is of station %1, it goes to station %2").arg(*load.station).arg(station));
+    const LoadState state(stateName, load.target, station, load.data);
+    Loading loading(connection, load, state, options);
+    loading.write(own.restart);
+    if (own.verify)
+        loading.verify();
+    state.forget();
+    return int(ExitCode::Success);
+}
+
+int loadFile(const Options &options, const LoadOptions &own)
+{
+    const Load load = loadOf(options, own);
+    return own.dryRun ? rehearseLoad(options, load, own.verify) : writeLoad(options, own, load);
+}
+
+} // namespace
+
+void declareLoad(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<LoadOptions>();
+    CLI::App *load = addCommand(app, line, "load", "Write a file of memory to a controller",
+                                [own](const Options &options) { return loadFile(options, *own); });
+    addText(*load, "file", own->file, "FILE", "What s7ppi dump has made");
+    addText(*load, "--to", own->target, "ADDRESS", "Write it from this address on, not where it came from");
+    addFlag(*load, "--verify", own->verify, "Read everything back; exit with 8 when it is different");
+    addFlag(*load, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    addFlag(*load, "--restart", own->restart, "Begin anew, however far an earlier run came");
+    setFooter(*load, kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,67 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/failure.h"
+#include "host/cli/command_line.h"
+#include "host/diagnosis/plugin_examination.h"
+#include "host/output/output.h"
+
+#include <memory>
+
+namespace host {
+
+namespace {
+
+const Schema kSchema = {"plugin", 1, "findings", {"what", "good", "text"}};
+
+const char kFooter[] = R"(
+The file is read first: machine, entry points, verification text. Then it is loaded in a process of its
+own, so that a library that crashes takes nothing with it. One for another machine is only read.
+
+The exit code is 0 when nothing is missing, and 7 when something is.)";
+
+QString findingLine(const PluginFinding &finding)
+{
+    constexpr int kWhatWidth = 34;
+    return (finding.isGood ? "  " : "! ") + finding.what.leftJustified(kWhatWidth) + ' ' + finding.text;
+}
+
+int examine(const Options &options, const QString &fileName)
+{
+    Output output(options, kSchema);
+    const Examination examination = examinePlugin(fileName);
+    QStringList bad;
+    for (const PluginFinding &finding : examination.findings) {
+        output.write(
+            {{"what", jsonText(finding.what)}, {"good", finding.isGood}, {"text", jsonText(finding.text)}},
+            findingLine(finding));
+        if (!finding.isGood)
+            bad << finding.what;
+    }
+    output.setField("driver", examination.driver);
+    if (!examination.driverLines.isEmpty())
+        output.writeText("\nThe driver says of itself:");
+    for (const QString &line : examination.driverLines)
+        output.writeText("  " + line);
+    output.finish();
+    if (!bad.isEmpty())
+        throw Failure(ExitCode::PluginUnusable, fileName + ": not as a panel needs it: " + bad.join(", "),
+                      "the lines with ! tell what is missing or wrong");
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declarePlugin(CLI::App &app, CommandLine &line)
+{
+    const auto file = std::make_shared<std::string>();
+    CLI::App *plugin = addCommand(
+        app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
+        [file](const Options &options) { return examine(options, QString::fromStdString(*file)); });
+    addText(*plugin, "file", *file, "FILE", "The library, for this machine or another");
+    setFooter(*plugin, kFooter);
+}
+
+} // namespace host

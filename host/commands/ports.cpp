@@ -1,0 +1,101 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/exit_code.h"
+#include "host/base/failure.h"
+#include "host/base/outcome.h"
+#include "host/base/report.h"
+#include "host/cli/command_line.h"
+#include "host/output/output.h"
+#include "host/port/port_details.h"
+
+namespace host {
+
+namespace {
+
+constexpr int kLabelWidth = 10;
+
+QString line(const char *label, const QString &text)
+{
+    return text.isEmpty() ? QString() : QString("  %1 %2").arg(label, -kLabelWidth).arg(text);
+}
+
+QString latencyText(const PortDetails &port)
+{
+    return port.latency ? QString("%1 ms").arg(*port.latency) : QString();
+}
+
+QString textOf(const PortDetails &port)
+{
+    QStringList lines = {port.device,
+                         line("by id", port.byId),
+                         line("adapter", adapterText(port)),
+                         line("rights", rightsText(port)),
+                         line("in use by", holderText(port.holders)),
+                         line("latency", latencyText(port))};
+    for (const QString &advice : portAdvice(port))
+        lines << line("advice", advice);
+    lines.removeAll(QString());
+    return lines.join('\n');
+}
+
+// The holders by number and by name side by side would be two lists in one row of a table: there it is text.
+Json recordOf(const PortDetails &port)
+{
+    return {{"port", jsonText(port.device)},
+            {"byId", jsonText(port.byId)},
+            {"driver", jsonText(port.driver)},
+            {"description", jsonText(port.description)},
+            {"maker", jsonText(port.maker)},
+            {"serialNumber", jsonText(port.serialNumber)},
+            {"usbId", jsonText(port.usbId)},
+            {"group", jsonText(port.group)},
+            {"readable", port.isReadable},
+            {"writable", port.isWritable},
+            {"holders", jsonText(holderText(port.holders))},
+            {"latency", port.latency ? Json(*port.latency) : Json()},
+            {"advice", jsonText(portAdvice(port).join("; "))}};
+}
+
+QStringList chosenPorts(const Texts &names)
+{
+    QStringList ports;
+    for (const std::string &name : names)
+        ports << QString::fromStdString(name);
+    return names.empty() ? serialPorts() : ports;
+}
+
+// Ports that do not exist are reported, the others listed.
+int listPorts(const Options &options, const Texts &names)
+{
+    Output output(options, {"ports",
+                            1,
+                            "ports",
+                            {"port", "byId", "driver", "description", "maker", "serialNumber", "usbId",
+                             "group", "readable", "writable", "holders", "latency", "advice"}});
+    Outcome outcome;
+    const QStringList ports = chosenPorts(names);
+    for (const QString &name : ports)
+        outcome.attempt("ports", [&] {
+            const PortDetails port = portDetails(name);
+            output.write(recordOf(port), textOf(port));
+        });
+    if (ports.isEmpty())
+        reportNote("there are no serial ports: plug in an adapter, or use --port sim");
+    output.finish();
+    return outcome.exitCode();
+}
+
+} // namespace
+
+void declarePorts(CLI::App &app, CommandLine &line)
+{
+    const auto names = std::make_shared<Texts>();
+    CLI::App *ports = addCommand(app, line, "ports", "List serial ports, their adapters and who uses them",
+                                 [names](const Options &options) { return listPorts(options, *names); });
+    addTexts(*ports, "ports", *names, "PORT", "These instead of all");
+}
+
+} // namespace host

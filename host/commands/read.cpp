@@ -1,0 +1,95 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/outcome.h"
+#include "host/cli/command_line.h"
+#include "host/driver/connection.h"
+#include "host/driver/read_plan.h"
+#include "host/items/tag_file.h"
+#include "host/items/text_lines.h"
+#include "host/output/output.h"
+
+namespace host {
+
+namespace {
+
+const Schema kSchema = {
+    "read", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}, true};
+
+const char kFooter[] = R"(
+
+@FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
+the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
+@FILE:NAME is one of them.)";
+
+class Reader
+{
+public:
+    Reader(const Options &options, const std::vector<Tag> &tags)
+        : output(options, kSchema), lines(tags), connection(options)
+    {
+    }
+
+    void read(const Tag &tag);
+    void noteFailure(const Tag &tag, const Failure &failure)
+    {
+        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
+    }
+    void finish() { output.finish(); }
+
+private:
+    Output output;
+    TextLines lines;
+    Connection connection;
+};
+
+void Reader::read(const Tag &tag)
+{
+    const ReadFunction run = [&](const CommunicatorCommand &command) { return connection.read(command); };
+    const QByteArray data = readItem(tag.item, run);
+    if (output.format() == Format::Raw) {
+        output.writeRaw(data);
+        return;
+    }
+    const std::vector<Value> values = decodeValues(tag.item, data);
+    output.write(tagRecord(tag, values), lines.line(tag, values));
+}
+
+// An item that fails is reported and the next one read, as long as there is a port and a stdout; the exit
+// code is that of the first failure.
+int readItems(const Options &options, const Texts &texts)
+{
+    Outcome outcome;
+    const std::vector<Tag> tags = parseTags(texts, outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+
+    Reader reader(options, tags);
+    for (const Tag &tag : tags) {
+        const auto failure = outcome.attempt(tag.label(), [&] { reader.read(tag); });
+        if (failure && failure->code() == ExitCode::OutputLost)
+            return outcome.exitCode();
+        if (failure)
+            reader.noteFailure(tag, *failure);
+        if (failure && failure->isFinal())
+            break;
+    }
+    reader.finish();
+    return outcome.exitCode();
+}
+
+} // namespace
+
+void declareRead(CLI::App &app, CommandLine &line)
+{
+    const auto items = std::make_shared<Texts>();
+    CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
+                                [items](const Options &options) { return readItems(options, *items); });
+    addItems(*read, *items,
+             "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
+    setFooter(*read, std::string(kTypesFooter) + kFooter);
+}
+
+} // namespace host

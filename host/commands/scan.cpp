@@ -1,0 +1,258 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/interruption.h"
+#include "host/base/report.h"
+#include "host/cli/command_line.h"
+#include "host/driver/connection.h"
+#include "host/driver/request_form.h"
+#include "host/output/output.h"
+#include "host/output/progress.h"
+#include "host/port/echo_port.h"
+#include "host/port/line_watcher.h"
+#include "host/port/port_details.h"
+#include "host/text/numbers.h"
+
+#include <QElapsedTimer>
+
+namespace host {
+
+namespace {
+
+struct ScanOptions
+{
+    std::optional<std::string> stations;
+    std::optional<std::string> bauds;
+};
+
+const char kFooter[] = R"(
+Every station is asked for one byte, MB0; nothing is written. Unless --timeout and --retries
+say otherwise, it has 200 ms for the answer and is asked once. Without --baud the line keeps
+its rate; --baud all tries 9600, 19200 and 187500. Rates that the adapter cannot do are left
+out, and on a pseudo-terminal, which has no speed, all but the first.
+
+What is found is printed at once. The exit code is 4 when no station answered.
+
+Options: s7ppi --help)";
+
+const char kAllStations[] = "0..126";
+const char kAllBauds[] = "9600,19200,187500"; // what the controllers can be set to
+const NumberKind kStation = {"station", 0, 126, true};
+const NumberKind kBaud = {"baud rate", 50, 4000000, false};
+
+// A station that does not answer in this time is taken as absent; milliseconds.
+constexpr int kTimeout = 200;
+
+QList<int> baudsOf(const Options &options, const ScanOptions &own)
+{
+    if (own.bauds)
+        return parseNumbers(*own.bauds == "all" ? kAllBauds : QString::fromStdString(*own.bauds), kBaud);
+    if (options.baud)
+        return {*options.baud};
+    const Plugin plugin(findPlugin(options));
+    return {lineSettings(*plugin.serialDefaults()).baud};
+}
+
+Options lineOptions(Options options, int baud)
+{
+    options.baud = baud;
+    options.timeout = options.timeout.value_or(kTimeout);
+    options.retries = options.retries.value_or(0);
+    return options;
+}
+
+struct Answer
+{
+    QString kind; // "data", "refused" or "broken"
+    QString text;
+    qint64 milliseconds;
+
+    bool isBroken() const { return kind == "broken"; }
+};
+
+// Only silence is no answer at all.
+std::optional<Answer> answerOf(const Failure &failure, qint64 milliseconds)
+{
+    switch (failure.code()) {
+    case ExitCode::NoAnswer:
+        return std::nullopt;
+    case ExitCode::Refused:
+        return Answer{"refused", "answers, but refuses: " + failure.text(), milliseconds};
+    case ExitCode::BrokenAnswer:
+        return Answer{"broken", "something came that is no answer: " + failure.text(), milliseconds};
+    default:
+        throw Failure(failure);
+    }
+}
+
+std::optional<Answer> ask(Connection &connection)
+{
+    QElapsedTimer time;
+    time.start();
+    try {
+        connection.read(makeCommand(kBytes, "MB0", 1));
+        return Answer{"data", QString("answers within %1 ms").arg(time.elapsed()), time.elapsed()};
+    } catch (const Failure &failure) {
+        return answerOf(failure, time.elapsed());
+    }
+}
+
+class Scan
+{
+public:
+    Scan(const Options &options, const ScanOptions &own);
+
+    // Whether a station was found.
+    bool run();
+
+private:
+    std::unique_ptr<Connection> connect(int baud);
+    void scanLine(Connection &connection, int baud);
+    std::optional<Answer> askStation(Connection &connection, int station) const;
+    void tell(int baud, int station, const Answer &answer);
+    void tellOnlyRate(int baud);
+    void reportRefusal() const;
+
+    const Options &options;
+    QList<int> stations;
+    QList<int> bauds;
+    Output output;
+    LineWatcher watcher;
+    std::optional<Failure> refusal; // of the first rate that the port does not take
+    bool hasOpened = false;
+    bool hasFound = false;
+    Progress progress;
+};
+
+Scan::Scan(const Options &options_, const ScanOptions &own)
+    : options(options_),
+      stations(parseNumbers(QString::fromStdString(own.stations.value_or(kAllStations)), kStation)),
+      bauds(baudsOf(options_, own)),
+      output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
+      progress(options_, {"scan", "stations", qint64(stations.size()) * bauds.size(), 0, 0})
+{
+    if (options.trace && bauds.size() > 1)
+        throw Failure(ExitCode::Usage, "a trace is of one rate, and several are to be tried",
+                      "leave out --trace, or choose one of them with --baud");
+}
+
+bool Scan::run()
+{
+    for (const int baud : bauds) {
+        const std::unique_ptr<Connection> connection = connect(baud);
+        if (!connection)
+            continue;
+        scanLine(*connection, baud);
+        if (isPseudoTerminal(connection->portName())) {
+            tellOnlyRate(baud);
+            break;
+        }
+    }
+    progress.clear();
+    reportRefusal();
+    output.finish();
+    return hasFound;
+}
+
+// A rate that the adapter cannot do is left out, unless there is no other.
+std::unique_ptr<Connection> Scan::connect(int baud)
+{
+    progress.clear();
+    try {
+        auto connection = std::make_unique<Connection>(lineOptions(options, baud), &watcher);
+        hasOpened = true;
+        return connection;
+    } catch (const Failure &failure) {
+        if (failure.code() != ExitCode::PortUnusable || bauds.size() == 1)
+            throw;
+        if (!refusal)
+            refusal = failure;
+        return nullptr;
+    }
+}
+
+void Scan::tellOnlyRate(int baud)
+{
+    if (bauds.size() > 1)
+        progress.note(
+            QString("only %1 baud was tried: the port is a pseudo-terminal, which has no speed").arg(baud));
+}
+
+void Scan::reportRefusal() const
+{
+    if (refusal && !hasOpened)
+        throw Failure(*refusal);
+    if (refusal)
+        reportWarning("not every rate was tried: " + refusal->text());
+}
+
+// What was found stays, however the scan ends.
+void Scan::scanLine(Connection &connection, int baud)
+{
+    const Connection::Telling telling(connection, [this](const QString &text) { progress.note(text); });
+    int current = 0;
+    try {
+        for (const int station : stations) {
+            current = station;
+            if (const std::optional<Answer> answer = askStation(connection, station))
+                tell(baud, station, *answer);
+            progress.advance(1);
+        }
+    } catch (const Interrupted &) {
+        progress.note(QString("stopped at station %1, %2 baud").arg(current).arg(baud));
+        throw;
+    } catch (const Failure &failure) {
+        if (failure.code() == ExitCode::PortLost)
+            output.finish();
+        throw;
+    }
+}
+
+// What breaks an answer may be the late one of the station before: that does not come twice.
+std::optional<Answer> Scan::askStation(Connection &connection, int station) const
+{
+    connection.setStation(station);
+    std::optional<Answer> answer = ask(connection);
+    if (answer && answer->isBroken())
+        answer = ask(connection);
+    if (answer && answer->isBroken() && watcher.hasEcho())
+        throw echoFailure();
+    return answer;
+}
+
+void Scan::tell(int baud, int station, const Answer &answer)
+{
+    hasFound = hasFound || !answer.isBroken();
+    progress.clear();
+    output.write({{"baud", baud},
+                  {"station", station},
+                  {"answer", jsonText(answer.kind)},
+                  {"milliseconds", answer.milliseconds},
+                  {"text", jsonText(answer.text)}},
+                 QString("station %1 at %2 baud: %3").arg(station).arg(baud).arg(answer.text));
+}
+
+int scan(const Options &options, const ScanOptions &own)
+{
+    if (!Scan(options, own).run())
+        throw Failure(ExitCode::NoAnswer, "no station answered",
+                      "check cable, power and parity; a slow controller needs a longer --timeout, and other "
+                      "rates go with --baud");
+    return int(ExitCode::Success);
+}
+
+} // namespace
+
+void declareScan(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<ScanOptions>();
+    CLI::App *command = addCommand(app, line, "scan", "Find the stations on a line",
+                                   [own](const Options &options) { return scan(options, *own); });
+    addText(*command, "--stations,--station", own->stations, "LIST", "Which, as 2 or 2,5..9, else 0..126");
+    addText(*command, "--baud", own->bauds, "LIST", "At which rates, as 9600,19200 or all");
+    setFooter(*command, kFooter);
+}
+
+} // namespace host

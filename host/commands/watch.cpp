@@ -1,0 +1,287 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/interruption.h"
+#include "host/base/outcome.h"
+#include "host/cli/command_line.h"
+#include "host/driver/connection.h"
+#include "host/driver/read_plan.h"
+#include "host/items/tag_file.h"
+#include "host/watch/watch_notes.h"
+#include "host/watch/watch_plot.h"
+#include "host/watch/watch_record.h"
+#include "host/watch/watch_table.h"
+
+#include <QDeadlineTimer>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+struct WatchOptions
+{
+    Texts items;
+    std::optional<int> interval;       // milliseconds from the start of one poll to that of the next
+    std::optional<int> polls;          // without a number until interrupted
+    bool all = false;                  // plain lines for every poll, not only for changes
+    bool plot = false;                 // curves instead of the table
+    std::optional<std::string> select; // which of the items the curves show
+    std::optional<int> span;           // minutes that they show
+};
+
+const char kFooter[] = R"(
+
+On a terminal: a table in place. CHANGED is * when the last answer brought another value,
+otherwise the time since then. Values in parentheses are old: the last poll failed.
+Elsewhere, or with --verbose: lines TIME ADDRESS VALUES, for the first values, for every
+change and after errors; the errors on stderr. With -o FILE both: the table on the terminal,
+the data in the file, as its name ends: .csv .tsv .json .ndjson.
+
+With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
+
+Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
+repetitions included), attempts, errors, and polls that took longer than the interval. The
+exit code after --count polls is that of the first error.)";
+
+using Clock = std::chrono::steady_clock;
+
+// Milliseconds; pauses are cut into slices so that signals and new terminal sizes are seen soon.
+constexpr qint64 kSlice = 50;
+constexpr int kDefaultInterval = 500;
+constexpr int kDefaultSpan = 5; // minutes
+
+using Views = std::vector<WatchView *>;
+
+class Watcher
+{
+public:
+    Watcher(Connection &connection, Watch &watch, const Views &views);
+
+    void poll();
+    void pauseUntil(const QDeadlineTimer &due);
+
+    ExitCode firstFailure() const { return first; }
+
+private:
+    void poll(WatchedItem &item);
+    Reading readingOf(WatchedItem &item);
+    QByteArray read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest);
+    void noteFailure(WatchedItem &item, const Failure &failure);
+
+    Connection &connection;
+    Watch &watch;
+    const Views &views;
+    ExitCode first = ExitCode::Success;
+    const Connection::Telling telling;
+};
+
+Watcher::Watcher(Connection &connection_, Watch &watch_, const Views &views_)
+    : connection(connection_), watch(watch_), views(views_), telling(connection, [this](const QString &text) {
+          for (WatchView *view : views)
+              view->tell(watch, text);
+      })
+{
+}
+
+void Watcher::poll()
+{
+    for (WatchedItem &item : watch.items)
+        poll(item);
+    ++watch.polls;
+}
+
+void Watcher::poll(WatchedItem &item)
+{
+    Reading reading = {};
+    try {
+        reading = readingOf(item);
+    } catch (const Failure &failure) {
+        noteFailure(item, failure);
+        return;
+    }
+    const WatchNews news = item.answered(shownText(item.tag, reading.values), Clock::now());
+    for (WatchView *view : views)
+        view->answered(watch, item, reading, news);
+}
+
+Reading Watcher::readingOf(WatchedItem &item)
+{
+    Reading reading = {};
+    const ReadFunction function = [&](const CommunicatorCommand &command) {
+        return read(command, item, reading.answerTime);
+    };
+    reading.values = decodeValues(item.tag.item, readItem(item.tag.item, function));
+    return reading;
+}
+
+QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest)
+{
+    struct AttemptCount
+    {
+        ~AttemptCount() { item.attempts += connection.requestCount() - before; }
+
+        const Connection &connection;
+        WatchedItem &item;
+        int before;
+    };
+    const AttemptCount count = {connection, item, connection.requestCount()};
+    const Clock::time_point start = Clock::now();
+    QByteArray data = connection.read(command);
+    const WatchDuration time = Clock::now() - start;
+    slowest = std::max(slowest, time);
+    watch.answerTimes.add(time);
+    return data;
+}
+
+void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
+{
+    ++watch.errors[failure.text()];
+    const bool isNews = item.failed(failure.text());
+    if (failure.isFinal())
+        throw failure;
+    if (first == ExitCode::Success)
+        first = failure.code();
+    for (WatchView *view : views)
+        view->failed(watch, item, failure, isNews);
+}
+
+void Watcher::pauseUntil(const QDeadlineTimer &due)
+{
+    while (!due.hasExpired()) {
+        connection.idle(int(std::min(due.remainingTime(), kSlice)));
+        for (WatchView *view : views)
+            view->attend(watch);
+    }
+}
+
+int intervalOf(const WatchOptions &options)
+{
+    return options.interval.value_or(kDefaultInterval);
+}
+
+// People follow on a terminal, unless the data or the frames go there.
+bool showsTable(const Options &options)
+{
+    return !options.verbose && !WatchRecord::isOnStdout(options) && TerminalScreen::isThere();
+}
+
+// The items that --plot draws; none without it.
+std::vector<Tag> plottedTags(const Options &options, const WatchOptions &watchOptions,
+                             const std::vector<Tag> &tags)
+{
+    if (!watchOptions.plot)
+        return {};
+    if (!showsTable(options))
+        throw Failure(
+            ExitCode::Usage, "--plot needs the terminal to itself",
+            "leave out --verbose and --format, or write the data with -o FILE.csv and make a page of it "
+            "with s7ppi report");
+    const QString names = QString::fromStdString(watchOptions.select.value_or(""));
+    return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
+}
+
+std::unique_ptr<WatchView> peoplesView(const Options &options, const WatchOptions &watchOptions,
+                                       const std::vector<Tag> &plotted, const Connection &connection)
+{
+    if (!showsTable(options))
+        return std::make_unique<WatchNotes>(watchOptions.all);
+    const QString title =
+        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(watchOptions));
+    if (plotted.empty())
+        return std::make_unique<WatchTable>(title);
+    return std::make_unique<WatchPlot>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
+}
+
+void pollOnAndOn(Watcher &watcher, Watch &watch, const WatchOptions &options)
+{
+    while (true) {
+        const QDeadlineTimer due(intervalOf(options));
+        watcher.poll();
+        if (due.hasExpired())
+            ++watch.latePolls;
+        if (options.polls && watch.polls >= *options.polls)
+            return;
+        watcher.pauseUntil(due);
+    }
+}
+
+struct End
+{
+    ExitCode code;
+    std::optional<Failure> loss; // of the port or of the output
+};
+
+// Until there is nothing more to poll; the terminal is as before when this returns.
+End watchItems(Connection &connection, Watch &watch, std::unique_ptr<WatchView> people, WatchRecord *record,
+               const WatchOptions &watchOptions)
+{
+    Views views = {people.get()};
+    if (record)
+        views.push_back(record);
+    Watcher watcher(connection, watch, views);
+    try {
+        pollOnAndOn(watcher, watch, watchOptions);
+    } catch (const Interrupted &) { // the usual end
+    } catch (const Failure &failure) {
+        return {failure.code(), failure};
+    }
+    return {watcher.firstFailure(), std::nullopt};
+}
+
+// Shows a table in place on a terminal, unless verbose, and plain lines otherwise; at the end a summary on
+// stderr. Items that fail are polled on; the exit code is that of the first failure. A lost port ends it.
+int watchAll(Options options, const WatchOptions &watchOptions)
+{
+    if (watchOptions.plot)
+        options.usualFormat.reset(); // the curves are what was asked for
+    Outcome outcome;
+    const std::vector<Tag> tags = parseTags(watchOptions.items, outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+
+    const std::vector<Tag> plotted = plottedTags(options, watchOptions, tags);
+    std::optional<WatchRecord> record;
+    if (options.output || !showsTable(options))
+        record.emplace(options, watchOptions.all);
+    Connection connection(options);
+    Watch watch(tags);
+    const End end = watchItems(connection, watch, peoplesView(options, watchOptions, plotted, connection),
+                               record ? &*record : nullptr, watchOptions);
+    watch.returns = connection.returnCount();
+    for (const QString &line : watchSummary(watch))
+        reportNote(line);
+    if (record && end.code != ExitCode::OutputLost)
+        record->finish();
+    if (end.loss)
+        throw Failure(*end.loss);
+    return int(end.code);
+}
+
+} // namespace
+
+void declareWatch(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<WatchOptions>();
+    CLI::App *watch = addCommand(app, line, "watch", "Read items again and again",
+                                 [own](const Options &options) { return watchAll(options, *own); });
+    addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
+    addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
+    addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
+    addFlag(*watch, "--all", own->all, "A line for every poll, not only for changes");
+    CLI::Option *plot = addFlag(*watch, "--plot", own->plot, "Curves of the last minutes, on a terminal");
+    CLI::Option *select = addText(*watch, "--select", own->select, "ITEMS",
+                                  "Draw these only: names or addresses, commas between");
+    CLI::Option *span =
+        addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5");
+    tie(*select, *plot);
+    tie(*span, *plot);
+    setFooter(*watch, std::string(kTypesFooter) + kFooter);
+}
+
+} // namespace host

@@ -1,0 +1,212 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/commands.h"
+
+#include "host/base/interruption.h"
+#include "host/base/outcome.h"
+#include "host/cli/command_line.h"
+#include "host/commands/rehearsal.h"
+#include "host/driver/connection.h"
+#include "host/driver/read_plan.h"
+#include "host/driver/request_frames.h"
+#include "host/driver/write_plan.h"
+#include "host/items/assignment.h"
+#include "host/items/comparison.h"
+#include "host/items/tag.h"
+#include "host/items/text_lines.h"
+#include "host/output/output.h"
+
+namespace host {
+
+namespace {
+
+struct WriteOptions
+{
+    Texts items;
+    bool verify = false; // read back what was written, print it, and fail when it is something else
+    bool dryRun = false; // print the frames on stdout and send nothing
+};
+
+// What was written, or with --verify read back.
+const Schema kSchema = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
+
+const char kFooter[] = R"(
+
+Values
+  bool             0 1 off on false true
+  u8 ... i32 bcd   10  -10  0x0a  0b1010
+  f32              1.5  -2e3  inf  nan; two whole numbers as 1.0,5.0: 1,5 may be one
+  hex              digits: the bytes as they lie in the controller
+  str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
+
+@FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
+
+All items are checked before anything is sent, and when the driver refuses one nothing is.
+Nothing is printed unless --verify or --dry-run is given. Long items go in several requests:
+one that fails tells how much had been written. Values that do not fill whole elements of the
+address, as VW10:u8=1, are written as bytes: no byte changes that was not named.)";
+
+QString progress(const Item &item, int written)
+{
+    return QString("%1 of %2 values had been written").arg(written).arg(item.count);
+}
+
+Failure partFailure(const Failure &failure, const Item &item, const WriteRequest &part, int written)
+{
+    return Failure(failure.code(),
+                   QString("%1; this is the part from %2 on, %3 before it")
+                       .arg(failure.text(), part.command.address, progress(item, written)),
+                   failure.hint());
+}
+
+// When an item takes several requests, whatever ends them early tells how far they got.
+void writeItem(const Assignment &assignment, Connection &connection)
+{
+    const Item &item = assignment.tag.item;
+    const QList<WriteRequest> requests = planWrite(item, assignment.data);
+    const bool hasParts = requests.size() > 1;
+    int written = 0;
+    for (const WriteRequest &request : requests) {
+        try {
+            connection.write(request.command, request.data);
+        } catch (const Interrupted &) {
+            if (hasParts)
+                reportNote(assignment.tag.label() + ": " + progress(item, written));
+            throw;
+        } catch (const Failure &failure) {
+            throw hasParts ? partFailure(failure, item, request, written) : failure;
+        }
+        written += request.command.count;
+    }
+}
+
+class Writer
+{
+public:
+    Writer(const Options &options_, const std::vector<Tag> &tags, bool verify_)
+        : options(options_), verify(verify_), output(options, kSchema), lines(tags), connection(options)
+    {
+    }
+
+    void write(const Assignment &assignment);
+    void noteFailure(const Tag &tag, const Failure &failure)
+    {
+        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
+    }
+    void finish() { output.finish(); }
+
+private:
+    void readBack(const Assignment &assignment);
+
+    const Options &options;
+    bool verify;
+    Output output;
+    TextLines lines;
+    Connection connection;
+};
+
+void Writer::write(const Assignment &assignment)
+{
+    const Tag &tag = assignment.tag;
+    writeItem(assignment, connection);
+    if (options.verbose)
+        reportNote(tag.label() + ": " + progress(tag.item, tag.item.count));
+    if (verify)
+        readBack(assignment);
+    else
+        output.writeUnlessText(tagRecord(tag, decodeValues(tag.item, assignment.data)));
+}
+
+void Writer::readBack(const Assignment &assignment)
+{
+    const Tag &tag = assignment.tag;
+    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
+    const QByteArray data = readItem(tag.item, read);
+    checkReadBack(assignment, data);
+    const std::vector<Value> values = decodeValues(tag.item, data);
+    output.write(tagRecord(tag, values), lines.line(tag, values));
+}
+
+// What the driver refuses without a frame it refuses here. The first request of a long item is enough: the
+// others differ in number and count.
+void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
+{
+    const RequestFrames frames(options);
+    for (const Assignment &assignment : assignments)
+        outcome.attempt(assignment.tag.label(),
+                        [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
+}
+
+int writeAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
+{
+    std::vector<Tag> tags;
+    tags.reserve(assignments.size());
+    for (const Assignment &assignment : assignments)
+        tags.push_back(assignment.tag);
+
+    Writer writer(options, tags, verify);
+    Outcome outcome;
+    for (const Assignment &assignment : assignments) {
+        const auto failure = outcome.attempt(assignment.tag.label(), [&] { writer.write(assignment); });
+        if (failure && failure->code() == ExitCode::OutputLost)
+            return outcome.exitCode();
+        if (failure)
+            writer.noteFailure(assignment.tag, *failure);
+        if (failure && failure->isFinal())
+            break;
+    }
+    writer.finish();
+    return outcome.exitCode();
+}
+
+int rehearseAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
+{
+    Output output(options, kFramesSchema);
+    const Rehearsal rehearsal(options, output);
+    Outcome outcome;
+    for (const Assignment &assignment : assignments) {
+        const auto failure = outcome.attempt(assignment.tag.label(), [&] {
+            for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
+                rehearsal.write(request);
+            if (!verify)
+                return;
+            for (const ReadRequest &request : planRead(assignment.tag.item).requests)
+                rehearsal.read(request);
+        });
+        if (failure && failure->isFinal())
+            return outcome.exitCode();
+    }
+    output.finish();
+    return outcome.exitCode();
+}
+
+// All items must be right before the first is written. An item that fails is reported and the next one
+// written, as long as the port is there; the exit code is that of the first failure.
+int writeItems(const Options &options, const WriteOptions &writeOptions)
+{
+    Outcome outcome;
+    const std::vector<Assignment> assignments = parseAssignments(writeOptions.items, outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+    if (writeOptions.dryRun)
+        return rehearseAll(assignments, options, writeOptions.verify);
+    checkWritable(assignments, options, outcome);
+    return outcome.isSuccess() ? writeAll(assignments, options, writeOptions.verify) : outcome.exitCode();
+}
+
+} // namespace
+
+void declareWrite(CLI::App &app, CommandLine &line)
+{
+    const auto own = std::make_shared<WriteOptions>();
+    CLI::App *write = addCommand(app, line, "write", "Write values to items",
+                                 [own](const Options &options) { return writeItems(options, *own); });
+    addItems(*write, own->items,
+             "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
+    addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
+    addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    setFooter(*write, std::string(kTypesFooter) + kFooter);
+}
+
+} // namespace host

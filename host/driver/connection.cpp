@@ -1,0 +1,242 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/connection.h"
+
+#include "host/base/interruption.h"
+#include "host/base/report.h"
+#include "host/driver/driver_fault.h"
+#include "host/port/port_choice.h"
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+
+#include <algorithm>
+
+#include <poll.h>
+
+namespace host {
+
+namespace {
+
+const char kSimulatorName[] = "sim";
+
+// Milliseconds between two tries to open a lost port again; each pause is twice the one before. The first
+// try needs none, unless the port was lost before it brought anything.
+constexpr int kFirstPause = 500;
+constexpr int kLongestPause = 10000;
+
+// Pauses are cut into slices so that a signal is seen soon; milliseconds.
+constexpr int kSlice = 50;
+
+void pauseFor(int milliseconds)
+{
+    const QDeadlineTimer end(milliseconds);
+    while (!end.hasExpired() && interruptingSignal() == 0)
+        poll(nullptr, 0, int(std::min<qint64>(end.remainingTime(), kSlice)));
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+}
+
+Timing timingWith(const DriverSetting &defaults, const Options &options)
+{
+    return {options.timeout.value_or(defaults.timeout), options.retries.value_or(defaults.retry),
+            options.station.value_or(defaults.stationid), options.delay.value_or(defaults.delay)};
+}
+
+} // namespace
+
+Connection::Connection(const Options &options, FrameListener *watcher_)
+    : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)), watcher(watcher_),
+      reconnects(options.reconnect), tell(reportNote)
+{
+    openPort(choosePort(options), options);
+    plugin.driver().setDebugMode(options.verbose);
+    plugin.driver().initialize(counter.get());
+}
+
+QString Connection::choosePort(const Options &options)
+{
+    if (options.port)
+        return *options.port == kSimulatorName ? startSimulator() : QString::fromStdString(*options.port);
+    QString adapter = onlyAdapter(usbAdapters());
+    if (!adapter.isEmpty()) {
+        reportNote("using the USB serial adapter " + adapter);
+        return adapter;
+    }
+    QString simulated = startSimulator();
+    reportNote("no USB serial adapter found: using a simulated controller on " + simulated);
+    return simulated;
+}
+
+QString Connection::startSimulator()
+{
+    const QStringList arguments = {"--station", QString::number(timing.station)};
+    simulator = std::make_unique<SimulatorProcess>(findSimulator(), arguments);
+    return simulator->portName();
+}
+
+QString Connection::portLabel() const
+{
+    return simulator ? QString(kSimulatorName) : portName();
+}
+
+void Connection::openPort(const QString &name, const Options &options)
+{
+    if (reconnects)
+        awaitArrival(name);
+    const LineSettings line = withOptions(lineSettings(*plugin.serialDefaults()), options);
+    port = std::make_unique<SerialPort>(name, line, timing,
+                                        options.rs485 ? Direction::ByKernel : Direction::ByAdapter);
+    AbstractDeviceInterface *device = port.get();
+    if (options.echo) {
+        echo = std::make_unique<EchoPort>(*device);
+        device = echo.get();
+    }
+    trace = std::make_unique<TracingPort>(*device, listeners(line, options));
+    counter = std::make_unique<CountingPort>(*trace);
+}
+
+std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const Options &options)
+{
+    std::vector<FrameListener *> listeners = {&exchange};
+    if (options.verbose) {
+        showLine(line);
+        lines = std::make_unique<FrameLines>(reportTrace);
+        listeners.push_back(lines.get());
+    }
+    if (options.trace) {
+        traceFile = std::make_unique<TraceFile>(QString::fromStdString(*options.trace),
+                                                port->portName() + ", " + lineText(line));
+        listeners.push_back(traceFile.get());
+    }
+    if (watcher)
+        listeners.push_back(watcher);
+    return listeners;
+}
+
+void Connection::showLine(const LineSettings &line) const
+{
+    reportNote(port->portName() + ": " + lineText(line));
+    if (!port->lineNote().isEmpty())
+        reportNote(port->portName() + " is a pseudo-terminal: " + port->lineNote());
+}
+
+QByteArray Connection::read(const CommunicatorCommand &command)
+{
+    while (true) {
+        exchange = LineWatcher();
+        QByteArray data = plugin.driver().read(counter.get(), command);
+        if (isAlive()) {
+            nextPause = 0;
+            checkOutcome();
+            return data;
+        }
+        awaitPort();
+    }
+}
+
+void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
+{
+    exchange = LineWatcher();
+    if (plugin.driver().write(counter.get(), command, data) != 0) {
+        checkTrace();
+        return;
+    }
+    checkPort();
+    checkOutcome();
+    throw driverFailure(QString());
+}
+
+void Connection::idle(int milliseconds)
+{
+    port->idle(milliseconds);
+    if (!isAlive())
+        awaitPort();
+}
+
+// Whether there still is a port to go on with.
+bool Connection::isAlive() const
+{
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+    return !port->isLost();
+}
+
+void Connection::checkPort() const
+{
+    if (!isAlive())
+        throw Failure(
+            ExitCode::PortLost, "the port is gone",
+            "was the adapter unplugged? plug it in and start again, or let --reconnect wait for it");
+}
+
+void Connection::checkTrace() const
+{
+    if (traceFile && traceFile->failure())
+        throw Failure(*traceFile->failure());
+}
+
+void Connection::checkOutcome()
+{
+    checkTrace();
+    if (const std::optional<Failure> failure = echo ? echo->takeFailure() : std::nullopt)
+        throw Failure(*failure);
+    if (!plugin.driver().hasError())
+        return;
+    const Failure failure = driverFailure(plugin.driver().getLastError());
+    throw failure.code() == ExitCode::BrokenAnswer && exchange.hasEcho() ? echoFailure() : failure;
+}
+
+void Connection::awaitPort()
+{
+    if (!reconnects || simulator)
+        checkPort();
+    tell(portName() + " is gone: waiting for it to come back");
+    hindrance.clear();
+    if (traceFile)
+        traceFile->comment("the port is gone");
+    if (echo)
+        echo->takeFailure();
+    do {
+        pauseFor(nextPause);
+        nextPause = std::clamp(2 * nextPause, kFirstPause, kLongestPause);
+    } while (!comesBack());
+    ++returns;
+    tell(portName() + " is back");
+    if (traceFile)
+        traceFile->comment("the port is back");
+}
+
+// A service may start before the adapter is plugged in. The rights of a new device are not there at once.
+void Connection::awaitArrival(const QString &name)
+{
+    if (QFileInfo::exists(name))
+        return;
+    tell(name + " is not there: waiting for it");
+    while (!QFileInfo::exists(name))
+        pauseFor(kFirstPause);
+    pauseFor(kFirstPause);
+}
+
+bool Connection::comesBack()
+{
+    try {
+        port->reopen();
+        return true;
+    } catch (const Failure &failure) {
+        tellHindrance(failure.text());
+        return false;
+    }
+}
+
+// Why a port that is there again cannot be opened, once for each reason.
+void Connection::tellHindrance(const QString &reason)
+{
+    if (reason == hindrance || !QFileInfo::exists(portName()))
+        return;
+    hindrance = reason;
+    tell(reason + "; still trying");
+}
+
+} // namespace host

@@ -1,0 +1,118 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Everything between a command and the controller: plug-in, simulator if need be, port, echo, trace.
+
+#ifndef HOST_DRIVER_CONNECTION_H
+#define HOST_DRIVER_CONNECTION_H
+
+#include "host/base/options.h"
+#include "host/driver/plugin.h"
+#include "host/driver/simulator_process.h"
+#include "host/frames/frame_lines.h"
+#include "host/frames/trace_file.h"
+#include "host/port/counting_port.h"
+#include "host/port/echo_port.h"
+#include "host/port/line_watcher.h"
+#include "host/port/serial_port.h"
+#include "host/port/tracing_port.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+class Connection
+{
+public:
+    // Loads the plug-in and opens the port, telling on stderr which when the command line does not.
+    // A watcher, which may be null and must outlive it, sees the frames as the trace does.
+    explicit Connection(const Options &options, FrameListener *watcher = nullptr);
+
+    // One read by the driver, repetitions included. Fails with the meaning of the driver's error. With
+    // --reconnect a lost port is waited for and the read begun again; the embedded simulator's never comes
+    // back.
+    QByteArray read(const CommunicatorCommand &command);
+
+    // The same for a write, but after a loss nobody knows whether it took place: that always fails.
+    void write(const CommunicatorCommand &command, const QByteArray &data);
+
+    // Lets so many milliseconds pass, fewer when something happens: a port that goes away meanwhile is a
+    // failure at once, or with --reconnect waited for.
+    void idle(int milliseconds);
+
+    QString portName() const { return port->portName(); }
+
+    // The name that stays: the embedded simulator has another port in every run.
+    QString portLabel() const;
+
+    // The open port, for questions to the kernel.
+    int portHandle() const { return port->handle(); }
+
+    int stationId() const { return timing.station; }
+
+    // Another controller on the same line.
+    void setStation(int station) { port->setStation(timing.station = station); }
+
+    // How many requests were sent so far: one per attempt at a read or write.
+    int requestCount() const { return counter->requestCount(); }
+
+    // How often the port was lost and came back.
+    int returnCount() const { return returns; }
+
+    // While it lives, the losing and finding of the port is told there instead of on stderr.
+    using Tell = std::function<void(const QString &)>;
+    class Telling
+    {
+    public:
+        Telling(Connection &connection_, Tell tell)
+            : connection(connection_), before(std::exchange(connection.tell, std::move(tell)))
+        {
+        }
+        ~Telling() { connection.tell = before; }
+
+    private:
+        Q_DISABLE_COPY(Telling)
+
+        Connection &connection;
+        Tell before;
+    };
+
+private:
+    QString choosePort(const Options &options);
+    QString startSimulator();
+    void openPort(const QString &name, const Options &options);
+    std::vector<FrameListener *> listeners(const LineSettings &line, const Options &options);
+    void showLine(const LineSettings &line) const;
+    bool isAlive() const;
+    void checkPort() const;
+    void checkTrace() const;
+    void checkOutcome();
+    void awaitArrival(const QString &name);
+    void awaitPort();
+    bool comesBack();
+    void tellHindrance(const QString &reason);
+
+    Plugin plugin;
+    Timing timing;
+    FrameListener *watcher;
+    bool reconnects;
+    int nextPause = 0; // milliseconds before the next try to open a lost port
+    QString hindrance; // why the lost port could not be opened, as last told
+    int returns = 0;
+    Tell tell;
+    std::unique_ptr<SimulatorProcess> simulator;
+    std::unique_ptr<SerialPort> port;
+    std::unique_ptr<EchoPort> echo; // null unless the adapter echoes
+    std::unique_ptr<FrameLines> lines;
+    std::unique_ptr<TraceFile> traceFile;
+    LineWatcher exchange; // the read or write under way
+    std::unique_ptr<TracingPort> trace;
+    std::unique_ptr<CountingPort> counter; // what the driver gets
+};
+
+} // namespace host
+
+#endif

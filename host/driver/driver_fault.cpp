@@ -1,0 +1,110 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/driver_fault.h"
+
+#include <QStringList>
+
+#include <optional>
+
+namespace host {
+
+namespace {
+
+struct Meaning
+{
+    const char *text;
+    ExitCode code;
+    const char *hint;
+};
+
+const char kLineHint[] =
+    "bytes are lost or damaged on the line: check baud rate, parity, cable and termination, "
+    "and that no other master uses station 0";
+
+const Meaning kMeanings[] = {
+    {"plc no response", ExitCode::NoAnswer,
+     "check cable, power, --station and --baud; a slow controller needs a longer --timeout"},
+
+    {"Hardware fault", ExitCode::Refused, "the controller reports a fault of its own: look at its SF light"},
+    {"Illegal object access", ExitCode::Refused, "the controller does not allow this access to this area"},
+    {"Invalid address (incorrect variable address)", ExitCode::Refused,
+     "this controller has no such address: a smaller number or count may exist"},
+    {"Data type is not supported", ExitCode::Refused,
+     "try another type, or the same memory by another width (VB, VW, VD)"},
+    {"Object does not exist or length error", ExitCode::Refused,
+     "try a smaller number or count; not every model has every area"},
+    {"unknow error", ExitCode::Refused, "the controller gave a reason that the driver does not know; see -v"},
+    {"no resource", ExitCode::Refused, "the controller is busy: try again, or with a longer --delay"},
+    {"no service actived", ExitCode::Refused,
+     "the controller does not serve this kind of request on this port: check the port's mode"},
+    {"unknown error", ExitCode::Refused, "the controller refused the frame; -v shows how"},
+    {"invalid request to PLC", ExitCode::Refused,
+     "the controller did not take the request as a whole; -v shows its error class and code"},
+
+    {"packet length < minimum second response", ExitCode::BrokenAnswer,
+     "the controller took the request but its answer did not come: try a longer --timeout"},
+    {"packet loss", ExitCode::BrokenAnswer, kLineHint},
+    {"first NAK packet loss", ExitCode::BrokenAnswer, kLineHint},
+    {"checksum error", ExitCode::BrokenAnswer, kLineHint},
+};
+
+// The driver's own refusal; the address stands behind it.
+const char kNotWritable[] = "can not write data to ";
+
+const Meaning *meaningOf(const QString &text)
+{
+    for (const Meaning &meaning : kMeanings)
+        if (text == meaning.text)
+            return &meaning;
+    return nullptr;
+}
+
+// "1, 3 of 4": which of the texts are this one, counted from 1.
+QString placesOf(const QString &text, const QStringList &texts)
+{
+    QStringList places;
+    for (int i = 0; i < texts.size(); ++i)
+        if (texts.at(i) == text)
+            places << QString::number(i + 1);
+    return QString("%1 of %2").arg(places.join(", ")).arg(texts.size());
+}
+
+// A write of several bits ends with one text per bit, commas between; those of the written bits are
+// empty. Nothing when it is no such list.
+std::optional<Failure> bitsFailure(const QStringList &texts)
+{
+    QStringList reasons = texts;
+    reasons.removeDuplicates();
+    reasons.removeAll(QString());
+    QStringList complaints;
+    for (const QString &reason : reasons) {
+        if (!meaningOf(reason))
+            return std::nullopt;
+        complaints << reason + " (bit " + placesOf(reason, texts) + ')';
+    }
+    if (complaints.isEmpty())
+        return std::nullopt;
+    const Meaning *first = meaningOf(reasons.first());
+    return Failure(first->code, complaints.join(", "), first->hint);
+}
+
+} // namespace
+
+Failure driverFailure(const QString &errorText)
+{
+    if (errorText.isEmpty())
+        return Failure(ExitCode::BrokenAnswer, "the driver gives no reason", "-v shows the bytes");
+    if (errorText.startsWith(kNotWritable))
+        return Failure(ExitCode::Refused, errorText,
+                       "the driver writes no high-speed counters, no analogue inputs, and no status bits of "
+                       "timers and counters");
+    if (const Meaning *meaning = meaningOf(errorText))
+        return Failure(meaning->code, errorText, meaning->hint);
+    if (const std::optional<Failure> failure = bitsFailure(errorText.split(',')))
+        return *failure;
+    return Failure(ExitCode::BrokenAnswer, errorText,
+                   "something other than the controller's answer came; -v shows the bytes");
+}
+
+} // namespace host

@@ -1,0 +1,18 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What the driver's error texts mean to the user.
+
+#ifndef HOST_DRIVER_DRIVER_FAULT_H
+#define HOST_DRIVER_DRIVER_FAULT_H
+
+#include "host/base/failure.h"
+
+namespace host {
+
+// The failure behind a driver's error text. Texts that are not known count as a broken answer.
+Failure driverFailure(const QString &errorText);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,44 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Which requests to the driver bring the values of an item. One answer frame carries up to 222 bytes.
+
+#ifndef HOST_DRIVER_READ_PLAN_H
+#define HOST_DRIVER_READ_PLAN_H
+
+#include "host/driver/request_form.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <functional>
+
+namespace host {
+
+struct ReadRequest
+{
+    CommunicatorCommand command;
+    int size;          // bytes that the driver must hand back
+    int reversedWidth; // they lie reversed in groups of this many; 1: as in the controller
+};
+
+struct ReadPlan
+{
+    QList<ReadRequest> requests;
+    int firstBit; // whole bytes are read, and the bits begin here; -1 when no bits need to be picked out
+};
+
+ReadPlan planRead(const Item &item);
+
+// Runs one request: the driver's data, or a Failure thrown.
+using ReadFunction = std::function<QByteArray(const CommunicatorCommand &)>;
+
+// The bytes of an item, as decodeValues() takes them.
+QByteArray readItem(const Item &item, const ReadFunction &read);
+
+// The range in parts that one frame carries to the host, in order.
+QList<Item> readBlocks(const Item &range);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,86 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/request_form.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+// Bytes of one object on the line: a status byte and the value.
+constexpr int kLongRecord = 5;
+constexpr int kShortRecord = 3;
+
+DataType dataTypeOf(int valueSize)
+{
+    return valueSize == 4 ? kDoubleWords : valueSize == 2 ? kWords : kBytes;
+}
+
+int recordSize(const Address &address)
+{
+    return address.kind == AddressKind::Counter ? kShortRecord : kLongRecord;
+}
+
+RequestForm objectForm(const Item &item, int frameData)
+{
+    const DataType dataType = item.type == ValueType::Bool ? kBits : dataTypeOf(item.valueSize());
+    const int reversedWidth = dataType == kBits ? 1 : item.valueSize();
+    return {item.address.prefix, dataType, item.valueSize(), frameData / recordSize(item.address), 1,
+            reversedWidth};
+}
+
+// Data that is no whole number of the address's elements would be cut in the middle of a reversed
+// element, or reach over bytes that nobody named. It goes in bytes instead, which every area has that
+// allows such lengths.
+RequestForm memoryForm(const Item &item, int frameData)
+{
+    const Address &address = item.address;
+    const int valueSize = item.valueSize();
+    const bool isWhole = item.size() % address.elementWidth == 0;
+    const int width = isWhole ? address.elementWidth : 1;
+    const QString prefix = isWhole ? address.prefix : address.prefix.chopped(1) + 'B';
+    const int largest = frameData - frameData % std::max(width, valueSize);
+    return {prefix, dataTypeOf(valueSize), valueSize, largest / valueSize, valueSize, width};
+}
+
+} // namespace
+
+RequestForm requestForm(const Item &item, int frameData)
+{
+    return item.address.isObject() ? objectForm(item, frameData) : memoryForm(item, frameData);
+}
+
+RequestForm bytesForm(const QString &bitPrefix, int frameData)
+{
+    return {bitPrefix + 'B', kBytes, 1, frameData, 1, 1};
+}
+
+CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count)
+{
+    CommunicatorCommand command;
+    command.dataType = dataType;
+    command.address = address;
+    command.count = count;
+    return command;
+}
+
+QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, int count)
+{
+    QList<CommunicatorCommand> commands;
+    for (int done = 0; done < count; done += form.largestCount) {
+        const QString address = form.prefix + QString::number(number + done * form.addressStep);
+        commands << makeCommand(form.dataType, address, std::min(form.largestCount, count - done));
+    }
+    return commands;
+}
+
+QByteArray turnedRound(QByteArray data, int width)
+{
+    for (auto group = data.begin(); group != data.end(); group += width)
+        std::reverse(group, group + width);
+    return data;
+}
+
+} // namespace host

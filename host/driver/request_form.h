@@ -1,0 +1,51 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// How the values of an item lie in the driver's requests, alike for reads and writes.
+//
+// The driver splits nothing: what is longer than one frame carries becomes several requests. Data lie in
+// the byte order that the last letter of the request's address chooses, whatever the data type: W turns
+// every two bytes round, D every four, and everything else stays as in the controller, most significant
+// byte first. Values of timers and counters are turned round by two, those of high-speed counters by four.
+
+#ifndef HOST_DRIVER_REQUEST_FORM_H
+#define HOST_DRIVER_REQUEST_FORM_H
+
+#include "communicator_command.h"
+#include "host/items/item.h"
+
+#include <QByteArray>
+#include <QList>
+
+namespace host {
+
+// Codes of a command.
+enum DataType { kBits = 0, kBytes = 1, kWords = 2, kDoubleWords = 3 };
+
+struct RequestForm
+{
+    QString prefix;
+    DataType dataType;
+    int unitSize;      // bytes of data for one unit of the command's count
+    int largestCount;  // units in one request
+    int addressStep;   // how far one unit moves the address
+    int reversedWidth; // data lie reversed in groups of this many bytes; 1: as in the controller
+};
+
+// The form for an item that is no memory bit. frameData: bytes that one frame has room for.
+RequestForm requestForm(const Item &item, int frameData);
+
+// Whole bytes of an area that is named by its bit letters.
+RequestForm bytesForm(const QString &bitPrefix, int frameData);
+
+CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count);
+
+// The commands for so many units from a number on, in the order of their addresses.
+QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, int count);
+
+// From the driver's order to the controller's, and back.
+QByteArray turnedRound(QByteArray data, int width);
+
+} // namespace host
+
+#endif

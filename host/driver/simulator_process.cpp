@@ -1,0 +1,149 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/simulator_process.h"
+
+#include "host/base/failure.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QStandardPaths>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace host {
+
+namespace {
+
+const char kProgram[] = "s7ppi-sim";
+const char kHint[] = "s7ppi-sim must lie beside s7ppi or in PATH; or name a port with --port";
+
+// Milliseconds.
+constexpr int kStartTime = 30000;
+constexpr int kStopTime = 2000;
+constexpr int kStopCheck = 10;
+
+Failure notStarted(const QString &program)
+{
+    return Failure(ExitCode::PortUnusable, "the simulator " + program + " does not start", kHint);
+}
+
+std::vector<std::string> encoded(const QString &program, const QStringList &arguments)
+{
+    std::vector<std::string> texts = {QFile::encodeName(program).toStdString()};
+    for (const QString &argument : arguments)
+        texts.push_back(QFile::encodeName(argument).toStdString());
+    return texts;
+}
+
+// In the child. A process group of its own keeps the terminal's Ctrl-C away: this program stops the
+// simulator itself, after it has finished with the port. The parent is looked at after the request to
+// die with it, in case it was gone by then. Signals that the parent catches are reset by the exec.
+[[noreturn]] void becomeSimulator(char *const arguments[], int output, pid_t parent)
+{
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() == parent && dup2(output, STDOUT_FILENO) >= 0)
+        execv(arguments[0], arguments);
+    _exit(127);
+}
+
+bool hasEnded(pid_t process)
+{
+    return waitpid(process, nullptr, WNOHANG) != 0;
+}
+
+} // namespace
+
+SimulatorProcess::SimulatorProcess(const QString &program, const QStringList &arguments)
+{
+    start(program, arguments);
+    port = readPortName();
+    if (port.isEmpty()) {
+        stop();
+        throw notStarted(program);
+    }
+}
+
+SimulatorProcess::~SimulatorProcess()
+{
+    stop();
+}
+
+// Everything that allocates happens before the fork: the child may only make system calls.
+void SimulatorProcess::start(const QString &program, const QStringList &arguments)
+{
+    std::vector<std::string> texts = encoded(program, arguments);
+    std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+
+    int pipeEnds[2];
+    if (pipe2(pipeEnds, O_CLOEXEC) != 0)
+        throw notStarted(program);
+    const pid_t parent = getpid();
+    process = fork();
+    if (process == 0)
+        becomeSimulator(pointers.data(), pipeEnds[1], parent);
+    close(pipeEnds[1]);
+    output = pipeEnds[0];
+    if (process < 0) {
+        close(output);
+        throw notStarted(program);
+    }
+}
+
+// The first line of its output; empty when it ended, or took too long.
+QString SimulatorProcess::readPortName() const
+{
+    const QDeadlineTimer deadline(kStartTime);
+    QByteArray line;
+    pollfd readable = {output, POLLIN, 0};
+    while (poll(&readable, 1, int(deadline.remainingTime())) > 0) {
+        char character = 0;
+        if (read(output, &character, 1) != 1)
+            return QString();
+        if (character == '\n')
+            return QFile::decodeName(line);
+        line += character;
+    }
+    return QString();
+}
+
+void SimulatorProcess::stop()
+{
+    kill(process, SIGTERM);
+    const QDeadlineTimer deadline(kStopTime);
+    bool ended = hasEnded(process);
+    while (!ended && !deadline.hasExpired()) {
+        poll(nullptr, 0, kStopCheck);
+        ended = hasEnded(process);
+    }
+    if (!ended) {
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+    }
+    close(output);
+}
+
+QString findSimulator()
+{
+    const QString beside = QStandardPaths::findExecutable(kProgram, {QCoreApplication::applicationDirPath()});
+    QString program = beside.isEmpty() ? QStandardPaths::findExecutable(kProgram) : beside;
+    if (program.isEmpty())
+        throw Failure(ExitCode::PortUnusable, "there is no simulator to start", kHint);
+    return program;
+}
+
+} // namespace host

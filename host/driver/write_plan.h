@@ -1,0 +1,29 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Which requests to the driver write the values of an item, and none of its neighbours.
+//
+// A controller takes PDUs of up to 240 bytes. 28 of them stand before the data; a bit needs 18 bytes with
+// its address, all bits together 11 more. So one request carries up to 212 bytes of memory, 42 timers, 70
+// counters or 12 bits.
+
+#ifndef HOST_DRIVER_WRITE_PLAN_H
+#define HOST_DRIVER_WRITE_PLAN_H
+
+#include "host/driver/request_form.h"
+
+namespace host {
+
+struct WriteRequest
+{
+    CommunicatorCommand command;
+    QByteArray data; // in the driver's order
+};
+
+// data: the item's bytes, as decodeValues() takes them. In the order of the addresses; the counts of the
+// commands together are the item's.
+QList<WriteRequest> planWrite(const Item &item, const QByteArray &data);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,139 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/dump/partial_dump.h"
+
+#include "host/base/write_reason.h"
+#include "host/items/memory_range.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace host {
+
+namespace {
+
+const char kRestartHint[] = "--restart begins anew and forgets it; or name another file with -o";
+const QByteArray kPortComment = "# port ";
+
+QString dumpName(const Item &range, int station, const QString &port)
+{
+    const QString name = QString("%1 of station %2").arg(rangeText(range)).arg(station);
+    return port.isEmpty() ? name : name + " on " + port;
+}
+
+// Empty when the text names none.
+QString portOf(const QByteArray &text)
+{
+    for (const QByteArray &line : text.split('\n'))
+        if (line.startsWith(kPortComment))
+            return QString::fromUtf8(line.mid(kPortComment.size()));
+    return QString();
+}
+
+bool isRemoved(int handle)
+{
+    struct stat state = {};
+    return fstat(handle, &state) == 0 && state.st_nlink == 0;
+}
+
+} // namespace
+
+PartialDump::PartialDump(const QString &name, const DumpSource &source, bool restart)
+    : file(name), port(source.port.simplified()), read{source.range, source.station, {}}
+{
+    if (!file.open(QIODevice::ReadWrite))
+        throw lost();
+    lock();
+    if (file.size() > 0 && !restart)
+        resume();
+    writeAnew();
+}
+
+// The lock goes with the process, however that ends. A file system without locks does without. A file that
+// another process has removed meanwhile was its own up to now.
+void PartialDump::lock()
+{
+    const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (isLocked || isRemoved(file.handle()))
+        throw Failure(ExitCode::OutputLost, name() + " is being written by another s7ppi",
+                      "wait for its end, or name another file with -o");
+}
+
+// A line that was not finished is written again.
+void PartialDump::resume()
+{
+    const QByteArray text = file.readAll();
+    try {
+        int wholeSize = 0;
+        const Dump found = parsePartialDump(text, name(), wholeSize);
+        checkSame(found, portOf(text.left(wholeSize)));
+        read.data = found.data.left(read.range.size());
+    } catch (const Failure &failure) {
+        throw Failure(failure.code(), failure.text(), kRestartHint);
+    }
+    earlier = QFileInfo(file).lastModified();
+}
+
+void PartialDump::checkSame(const Dump &found, const QString &foundPort) const
+{
+    const bool isSamePort = foundPort.isEmpty() || foundPort == port;
+    const bool isSamePlace = found.range.address.text() == read.range.address.text();
+    if (!isSamePort || !isSamePlace || found.station != read.station)
+        throw Failure(ExitCode::Usage,
+                      name() + " is a part of another dump, " +
+                          dumpName(found.range, found.station, foundPort),
+                      kRestartHint);
+}
+
+// What it goes on with stays the same bytes in the same place of the file, unless the range is another.
+void PartialDump::writeAnew()
+{
+    saved = int(read.data.size());
+    if (!file.seek(0))
+        throw lost();
+    write(dumpHead(read.range, read.station) + kPortComment + port.toUtf8() + '\n' +
+          dumpLines(read.range, 0, read.data));
+    if (!file.resize(file.pos()))
+        throw lost();
+}
+
+void PartialDump::append(const QByteArray &data)
+{
+    read.data += data;
+    const int size = int(read.data.size());
+    const int wholeLines = size - (size - saved) % kDumpLineSize;
+    if (wholeLines > saved)
+        write(dumpLines(read.range, saved, read.data.mid(saved, wholeLines - saved)));
+    saved = wholeLines;
+}
+
+void PartialDump::remove()
+{
+    if (!file.remove())
+        throw lost();
+}
+
+void PartialDump::removeIfEmpty()
+{
+    if (saved == 0)
+        file.remove();
+}
+
+void PartialDump::write(const QByteArray &text)
+{
+    if (file.write(text) != text.size() || !file.flush())
+        throw lost();
+}
+
+Failure PartialDump::lost() const
+{
+    return Failure(ExitCode::OutputLost, name() + " cannot be written: " + writeReason(file),
+                   "check the directory, its rights and its room");
+}
+
+} // namespace host

@@ -1,0 +1,53 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A file with every frame, for a look at it later. A line is in the file as soon as its frame has passed, so
+// that nothing is missing when the program is killed.
+//
+//   trace   := { frame | "#" COMMENT }
+//   frame   := TIME " " ( ">" | "<" ) " " BYTES        > sent to the controller, < received
+//   TIME    UTC, 2026-11-21T10:07:50.123Z
+//   BYTES   two hexadecimal digits each, blanks between
+
+#ifndef HOST_FRAMES_TRACE_FILE_H
+#define HOST_FRAMES_TRACE_FILE_H
+
+#include "host/base/failure.h"
+#include "host/frames/frame_listener.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QString>
+
+#include <optional>
+
+namespace host {
+
+class TraceFile : public FrameListener
+{
+public:
+    // Begins the file anew; heading becomes its first comment. Fails when that does not work.
+    TraceFile(const QString &name, const QString &heading);
+
+    void sent(const QByteArray &frame) override;
+    void received(const QByteArray &frame) override;
+    void heardNothing(bool isOver) override;
+
+    void comment(const QString &text);
+
+    // What keeps the file from being whole.
+    const std::optional<Failure> &failure() const { return lost; }
+
+private:
+    void put(const QByteArray &line);
+
+    QFile file;
+    std::optional<Failure> lost;
+};
+
+// Without the line's end.
+QByteArray traceLine(const QDateTime &time, char direction, const QByteArray &frame);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,49 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Address texts of the controller, checked before anything is sent.
+//
+//   address := AREA NUMBER [ "." BIT ]
+//   AREA    I Q V M SM S, alone with a bit, or followed by B, W or D for the width   V10.3 VB100 SMW28
+//           AIW AQW      analogue words, at even bytes                               AIW2
+//           T C HC       timers, counters, high-speed counters                       T37 HC0
+
+#ifndef HOST_ITEMS_ADDRESS_H
+#define HOST_ITEMS_ADDRESS_H
+
+#include <QString>
+#include <QStringList>
+
+namespace host {
+
+// The address field of a request holds 24 bits: a bit address, or an object's number.
+constexpr int kMaxByteNumber = (1 << 24) / 8 - 1;
+constexpr int kMaxObjectNumber = 0xffff;
+
+enum class AddressKind { Bit, Memory, Analog, Timer, Counter, HighSpeedCounter };
+
+struct Address
+{
+    AddressKind kind;
+    QString prefix;   // the letters
+    int number;       // byte or object
+    int bit;          // 0 to 7; 0 for all kinds but Bit
+    int elementWidth; // bytes of one element: what the letters say, 2 for T and C, 4 for HC, 1 for bits
+
+    QString text() const;
+    bool isObject() const;
+};
+
+// The address that a text names, or a failure whose hint names the nearest valid texts.
+Address parseAddress(const QString &text);
+
+// The valid texts nearest to one; that text alone when it is valid, nothing when it is like no address.
+QStringList nearestAddresses(const QString &text);
+
+// What can be named with the address's letters, from the first to the last.
+Address firstAddress(const Address &like);
+Address lastAddress(const Address &like);
+
+} // namespace host
+
+#endif

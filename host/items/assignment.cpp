@@ -1,0 +1,109 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/items/assignment.h"
+
+#include "host/base/failure.h"
+#include "host/items/tag_file.h"
+#include "host/items/value_parser.h"
+
+#include <QRegularExpression>
+
+namespace host {
+
+namespace {
+
+// Where fractions can be written a decimal comma would be taken for the comma between two values.
+void checkComma(const QString &target, const QString &values)
+{
+    static const QRegularExpression ambiguous("^\\s*([+-]?[0-9]+)\\s*,\\s*([0-9]+)\\s*$");
+    const QRegularExpressionMatch match = ambiguous.match(values);
+    if (match.hasMatch())
+        throw Failure(ExitCode::Usage, '"' + values + "\" may be one number or two",
+                      QString("write %1=%2.%3 for one number, %1=%2.0,%3.0 for two")
+                          .arg(target, match.captured(1), match.captured(2)));
+}
+
+QString countHint(const QString &item)
+{
+    if (item.endsWith(":str"))
+        return "write " + item + "=TEXT, a text as long as you mean";
+    return "write " + item + "=VALUE,VALUE with as many values as you mean";
+}
+
+Assignment assignToItem(const QString &target, const QString &values)
+{
+    if (target.contains('*'))
+        throw Failure(ExitCode::Usage, "a count is not needed here", countHint(target.section('*', 0, 0)));
+    Item item = parseItem(target);
+    if (item.type == ValueType::F32)
+        checkComma(target, values);
+    const QByteArray data = encodeValues(item, values);
+    item.count = int(data.size()) / item.valueSize();
+    checkCount(item);
+    return {item, data};
+}
+
+Failure withoutValue(const QString &meant)
+{
+    return Failure(ExitCode::Usage, "no value is given", "write " + meant);
+}
+
+bool isTarget(const QString &text)
+{
+    try {
+        return isTagReference(text) || parseItem(text).count > 0;
+    } catch (const Failure &) {
+        return false;
+    }
+}
+
+// Two arguments for one item: "VW100" and "5".
+bool isTornApart(const QString &target, const QString &value)
+{
+    const bool hasAssignment = target.contains('=') || value.contains('=');
+    return !hasAssignment && !value.isEmpty() && isTarget(target) && !isTarget(value);
+}
+
+} // namespace
+
+Assignment assign(Tag tag, const QString &values)
+{
+    const int room = tag.item.size();
+    if (tag.item.count > 1 && (tag.isScaled() || tag.item.type == ValueType::F32))
+        checkComma(tag.name, values);
+    const QByteArray data = encodeValues(tag.item, tag.isScaled() ? unscaledText(tag, values) : values);
+    if (data.size() > room)
+        throw Failure(ExitCode::Usage, "there are more values than the tag has",
+                      QString("%1 has %2").arg(tag.name).arg(tag.item.count));
+    tag.item.count = int(data.size()) / tag.item.valueSize();
+    return {tag, data};
+}
+
+Assignment parseAssignment(const QString &text)
+{
+    const QString target = text.section('=', 0, 0);
+    const QString values = text.section('=', 1);
+    if (!text.contains('='))
+        throw withoutValue(text.section('*', 0, 0) + "=VALUE");
+    return isTagReference(target) ? assign(findTag(target), values) : assignToItem(target, values);
+}
+
+std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome)
+{
+    std::vector<Assignment> assignments;
+    for (size_t i = 0; i < texts.size(); ++i) {
+        const QString text = QString::fromStdString(texts.at(i));
+        const QString next = i + 1 < texts.size() ? QString::fromStdString(texts.at(i + 1)) : QString();
+        const bool isTorn = isTornApart(text, next);
+        outcome.attempt(text, [&] {
+            assignments.push_back(isTorn ? throw withoutValue(text.section('*', 0, 0) + '=' + next)
+                                         : parseAssignment(text));
+        });
+        if (isTorn)
+            ++i;
+    }
+    return assignments;
+}
+
+} // namespace host

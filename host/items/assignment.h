@@ -1,0 +1,42 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// One item of the command line to write, with its values.
+//
+//   assignment := ADDRESS [ ":" TYPE ] "=" VALUE [ "," VALUE ]...     VB100=17  VW10:i16=-1,0x7f  V10.3=1,0
+//              |  "@" FILE ":" NAME "=" VALUE [ "," VALUE ]...        @tags.csv:Boiler=21.5
+//
+// Addresses and types are those of an item to read; there are as many values as are named. The values
+// stand in value_parser.h; those of a scaled tag are numbers as people see them.
+
+#ifndef HOST_ITEMS_ASSIGNMENT_H
+#define HOST_ITEMS_ASSIGNMENT_H
+
+#include "host/base/options.h"
+#include "host/base/outcome.h"
+#include "host/items/tag.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace host {
+
+struct Assignment
+{
+    Tag tag;         // with as many values as are assigned
+    QByteArray data; // the values' bytes in the controller's order, bits one per byte
+};
+
+// The assignment that a text means. Fails with a hint that names what could have been meant.
+Assignment parseAssignment(const QString &text);
+
+// Those of all texts; every wrong one is reported.
+std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome);
+
+// The same for a tag and its values. Fails when there are more of them than the tag has.
+Assignment assign(Tag tag, const QString &values);
+
+} // namespace host
+
+#endif

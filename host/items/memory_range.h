@@ -1,0 +1,37 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A stretch of one memory area: the elements from a first address to a last one, that one included.
+//
+//   range := FIRST ".." LAST        VB0..VB4095  MB0..31  VW0..VW98  AIW0..62  T0..T255
+//
+// LAST may leave out the area's letters. A range is an item of the type hex: its bytes lie as in the
+// controller.
+
+#ifndef HOST_ITEMS_MEMORY_RANGE_H
+#define HOST_ITEMS_MEMORY_RANGE_H
+
+#include "host/items/item.h"
+
+#include <QString>
+
+namespace host {
+
+// The range that a text means. Fails with a hint that names what could have been meant.
+Item parseRange(const QString &text);
+
+// So many elements from an address on. Fails when there are not that many, and for a bit.
+Item rangeFrom(const Address &first, int count);
+
+// "VB0..VB4095"
+QString rangeText(const Item &range);
+
+// The address of one element, counted from 0; also of the one behind the last.
+QString elementText(const Item &range, int index);
+
+// Some of the elements.
+Item partOf(const Item &range, int index, int count);
+
+} // namespace host
+
+#endif

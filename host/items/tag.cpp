@@ -1,0 +1,120 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/items/tag.h"
+
+#include "host/base/failure.h"
+
+#include <QStringList>
+
+#include <cmath>
+#include <variant>
+
+namespace host {
+
+namespace {
+
+// As many digits as the number in the controller had any: a float has 7, an integer scaled as a double 15.
+constexpr int kFloatDigits = 7;
+constexpr int kDoubleDigits = 15;
+
+// The text of a number times the scale; empty for values that are none.
+struct Scaler
+{
+    QString operator()(qint64 number) const { return text(double(number), kDoubleDigits); }
+    QString operator()(float number) const { return text(double(number), kFloatDigits); }
+    template <typename Other> QString operator()(const Other & /*value*/) const { return QString(); }
+
+    QString text(double number, int digits) const
+    {
+        return QString::number(number * tag.scale + tag.offset, 'g', digits);
+    }
+
+    const Tag &tag;
+};
+
+QString shownText(const Tag &tag, const Value &value)
+{
+    const QString scaled = tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
+    return scaled.isEmpty() ? valueText(value) : scaled;
+}
+
+struct JsonWriter
+{
+    Json operator()(bool bit) const { return bit; }
+    Json operator()(qint64 number) const { return number; }
+    Json operator()(float number) const { return jsonNumber(number); }
+    Json operator()(const Characters &text) const
+    {
+        const QByteArray &bytes = text.bytes;
+        return jsonText(QString::fromLatin1(bytes.constData(), int(bytes.size()))); // Qt 5 would end at a NUL
+    }
+    Json operator()(const HexDigits &hex) const { return jsonText(hex.digits); }
+};
+
+Json jsonValue(const Tag &tag, const Value &value)
+{
+    const QString scaled = tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
+    bool isNumber = false;
+    const double number = scaled.toDouble(&isNumber);
+    if (scaled.isEmpty())
+        return std::visit(JsonWriter(), value);
+    return isNumber && qIsFinite(number) ? Json(number) : jsonText(scaled);
+}
+
+} // namespace
+
+QString unscaledText(const Tag &tag, const QString &values)
+{
+    QStringList numbers;
+    for (const QString &text : values.split(',')) {
+        bool isNumber = false;
+        const double number = (text.toDouble(&isNumber) - tag.offset) / tag.scale;
+        if (!isNumber)
+            throw Failure(ExitCode::Usage, '"' + text + "\" is not a number",
+                          tag.label() + " is scaled: write a number with a point, as 21.5");
+        numbers << (tag.item.type == ValueType::F32 ? QString::number(number, 'g', kDoubleDigits)
+                                                    : QString::number(std::round(number), 'f', 0));
+    }
+    return numbers.join(',');
+}
+
+QString shownText(const Tag &tag, const std::vector<Value> &values)
+{
+    QStringList texts;
+    for (const Value &value : values)
+        texts << shownText(tag, value);
+    if (!tag.unit.isEmpty())
+        texts << tag.unit;
+    return texts.join(' ');
+}
+
+Json tagFields(const Tag &tag)
+{
+    Json fields = Json::object();
+    if (!tag.name.isEmpty())
+        fields["name"] = jsonText(tag.name);
+    fields["address"] = jsonText(tag.item.address.text());
+    fields["type"] = jsonText(typeName(tag.item.type));
+    if (!tag.unit.isEmpty())
+        fields["unit"] = jsonText(tag.unit);
+    return fields;
+}
+
+Json tagRecord(const Tag &tag, const std::vector<Value> &values)
+{
+    Json record = tagFields(tag);
+    record["values"] = Json::array();
+    for (const Value &value : values)
+        record["values"].push_back(jsonValue(tag, value));
+    return record;
+}
+
+Json tagErrorRecord(const Tag &tag, const QString &error)
+{
+    Json record = tagFields(tag);
+    record["error"] = jsonText(error);
+    return record;
+}
+
+} // namespace host

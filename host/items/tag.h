@@ -1,0 +1,54 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// An item under the name that people know it by, with what its number means to them:
+//
+//   shown value = value in the controller * scale + offset, in the unit
+
+#ifndef HOST_ITEMS_TAG_H
+#define HOST_ITEMS_TAG_H
+
+#include "host/items/value.h"
+#include "host/text/json.h"
+
+#include <vector>
+
+namespace host {
+
+struct Tag
+{
+    // An item that nobody named.
+    Tag(const Item &item_) : item(item_) {} // NOLINT(google-explicit-constructor): every item is a tag
+
+    // What it is called on the screen: its name, or else its address.
+    QString label() const { return name.isEmpty() ? item.address.text() : name; }
+
+    bool isScaled() const { return scale != 1 || offset != 0; }
+
+    Item item;
+    QString name;
+    double scale = 1;
+    double offset = 0;
+    QString unit;
+};
+
+// The values, blanks between, and the unit.
+QString shownText(const Tag &tag, const std::vector<Value> &values);
+
+// Numbers as people see them, separated by commas, as they are in the controller: whole ones unless they are
+// floats. Fails on a text that is no number.
+QString unscaledText(const Tag &tag, const QString &values);
+
+// {"name", "address", "type", "unit"}, name and unit only when there are any.
+Json tagFields(const Tag &tag);
+
+// The same and "values": numbers, true or false; a text's bytes are one character each, the bytes of hex
+// are digits.
+Json tagRecord(const Tag &tag, const std::vector<Value> &values);
+
+// The same and "error", for values that there are not.
+Json tagErrorRecord(const Tag &tag, const QString &error);
+
+} // namespace host
+
+#endif

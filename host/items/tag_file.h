@@ -1,0 +1,43 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Items by name, from a file or from the command line.
+//
+//   name,address,type,scale,offset,unit   the columns, in any order; only name and address must be there,
+//                                         others are left out
+//   Boiler,VW100,i16,0.1,-40,°C           separated by commas, semicolons or tabulators
+//   Pump,Q0.3                             cells at the end may be missing
+//   # a comment
+//
+// The address is that of an item, with its type and count if need be, VW10:i16*4; the type is the column's
+// when the address has none.
+
+#ifndef HOST_ITEMS_TAG_FILE_H
+#define HOST_ITEMS_TAG_FILE_H
+
+#include "host/base/options.h"
+#include "host/base/outcome.h"
+#include "host/items/tag.h"
+
+#include <vector>
+
+namespace host {
+
+// The tags of a file's text. Everything wrong in it is reported by its place, "tags.csv:3".
+std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome);
+
+// Whether a text names a tag file, "@tags.csv", or a tag in one, "@tags.csv:Boiler".
+bool isTagReference(const QString &text);
+
+// What is told of a whole file when its lines have been reported.
+Failure brokenTagFile();
+
+// The tag that a reference names. Fails when there is none, or anything wrong in its file.
+Tag findTag(const QString &reference);
+
+// Items as the command line names them; a tag file stands for all the tags in it.
+std::vector<Tag> parseTags(const Texts &texts, Outcome &outcome);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,46 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The values in what a read brought, and how they look.
+
+#ifndef HOST_ITEMS_VALUE_H
+#define HOST_ITEMS_VALUE_H
+
+#include "host/items/item.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <variant>
+#include <vector>
+
+namespace host {
+
+// The characters of one text, as they lie in the controller.
+struct Characters
+{
+    QByteArray bytes;
+};
+
+// Two hexadecimal digits per byte.
+struct HexDigits
+{
+    QString digits;
+};
+
+using Value = std::variant<bool, qint64, float, Characters, HexDigits>;
+
+// Decodes data, which holds item.size() bytes in the controller's order: most significant byte first,
+// bits one per byte. Fails when bytes read as BCD are not.
+std::vector<Value> decodeValues(const Item &item, const QByteArray &data);
+
+// Bits are 0 or 1, a float is as short as still tells it apart, a text stands between quotes with
+// \" \\ and \xNN for what cannot be printed.
+QString valueText(const Value &value);
+
+// All of them, blanks between.
+QString valuesText(const std::vector<Value> &values);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,282 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/items/value_parser.h"
+
+#include "host/base/failure.h"
+#include "host/items/value.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace host {
+
+namespace {
+
+Failure bad(const QString &complaint, const QString &hint)
+{
+    return Failure(ExitCode::Usage, complaint, hint);
+}
+
+QString inQuotes(const QString &text)
+{
+    return '"' + text + '"';
+}
+
+QByteArray bigEndian(quint64 number, int size)
+{
+    QByteArray bytes;
+    for (int i = size - 1; i >= 0; --i)
+        bytes += char(number >> (8 * i) & 0xff);
+    return bytes;
+}
+
+QByteArray encodeBit(const QString &text)
+{
+    static const QHash<QString, char> names = {{"0", 0}, {"off", 0}, {"false", 0},
+                                               {"1", 1}, {"on", 1},  {"true", 1}};
+    if (names.contains(text))
+        return QByteArray(1, names.value(text));
+    const QString nearest = text.toLower();
+    throw bad(inQuotes(text) + " is not a bit", names.contains(nearest)
+                                                    ? "write " + nearest + " instead of " + text
+                                                    : QString("bits are 0 off false and 1 on true"));
+}
+
+struct Range
+{
+    qint64 least;
+    qint64 most;
+};
+
+template <typename Number> Range rangeOf()
+{
+    return {std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max()};
+}
+
+Range rangeOf(const Item &item)
+{
+    switch (item.type) {
+    case ValueType::U8:
+        return rangeOf<quint8>();
+    case ValueType::I8:
+        return rangeOf<qint8>();
+    case ValueType::U16:
+        return rangeOf<quint16>();
+    case ValueType::I16:
+        return rangeOf<qint16>();
+    case ValueType::U32:
+        return rangeOf<quint32>();
+    case ValueType::I32:
+        return rangeOf<qint32>();
+    default: // bcd: two decimal digits per byte
+        return {0, qint64(std::pow(100, item.valueSize())) - 1};
+    }
+}
+
+bool isInRange(const Item &item, qint64 number)
+{
+    const Range range = rangeOf(item);
+    return number >= range.least && number <= range.most;
+}
+
+// What a text that is no whole number was meant to be.
+QString numberHint(const Item &item, const QString &text)
+{
+    static const QRegularExpression based("^(16|2)#([0-9a-fA-F]+)$");
+    static const QRegularExpression hexDigits("^[0-9a-fA-F]+$");
+    static const QRegularExpression fraction("^[+-]?[0-9]*\\.[0-9]*$");
+    if (text.startsWith("0b", Qt::CaseInsensitive))
+        return "0b begins a number of 0 and 1 only, 0x one of hexadecimal digits";
+    const QRegularExpressionMatch match = based.match(text);
+    const QString digits = match.hasMatch() ? match.captured(2) : text;
+    const int base = match.captured(1) == "2" ? 2 : 16;
+    bool isNumber = false;
+    const qint64 number = digits.toLongLong(&isNumber, base);
+    if (isNumber && isInRange(item, number) && (match.hasMatch() || hexDigits.match(text).hasMatch()))
+        return QString("write %1%2 instead of %3").arg(base == 2 ? "0b" : "0x", digits, text);
+    if (fraction.match(text).hasMatch())
+        return "this type holds whole numbers; fractions need f32";
+    return "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
+}
+
+// The number, or for one beyond 63 bits the largest there is, which is too large for every type as well.
+qint64 parseInteger(const Item &item, const QString &text)
+{
+    static const QRegularExpression form("^([+-]?)(0[xX][0-9a-fA-F]+|0[bB][01]+|[0-9]+)$");
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        throw bad(inQuotes(text) + " is not a whole number", numberHint(item, text));
+    const QString digits = match.captured(2).toLower();
+    const int base = digits.startsWith("0x") ? 16 : digits.startsWith("0b") ? 2 : 10;
+    bool isRepresentable = false;
+    qint64 number = (base == 10 ? digits : digits.mid(2)).toLongLong(&isRepresentable, base);
+    if (!isRepresentable)
+        number = std::numeric_limits<qint64>::max();
+    return match.captured(1) == "-" ? -number : number;
+}
+
+// For a negative number where there are none, the narrowest type that holds it.
+QString rangeHint(Item item, const QString &text, qint64 number, qint64 nearest)
+{
+    QString hint = QString("the nearest value is %1").arg(nearest);
+    if (number > 0 || !typeName(item.type).startsWith('u'))
+        return hint;
+    for (const ValueType type : {ValueType::I8, ValueType::I16, ValueType::I32}) {
+        item.type = type;
+        if (canBeTakenAs(item.address, type) && isInRange(item, number))
+            return hint + "; for " + text + " there is " + typeName(type);
+    }
+    return hint;
+}
+
+void checkRange(const Item &item, const QString &text, qint64 number)
+{
+    const Range range = rangeOf(item);
+    const qint64 nearest = std::clamp(number, range.least, range.most);
+    if (nearest == number)
+        return;
+    throw bad(QString("%1 is too %2 for %3: %4 to %5")
+                  .arg(text, number > range.most ? "large" : "small", typeName(item.type))
+                  .arg(range.least)
+                  .arg(range.most),
+              rangeHint(item, text, number, nearest));
+}
+
+QByteArray encodeInteger(const Item &item, const QString &text)
+{
+    const qint64 number = parseInteger(item, text);
+    checkRange(item, text, number);
+    return bigEndian(quint64(number), item.valueSize());
+}
+
+QByteArray encodeBcd(const Item &item, const QString &text)
+{
+    const qint64 number = parseInteger(item, text);
+    checkRange(item, text, number);
+    return QByteArray::fromHex(QByteArray::number(number).rightJustified(2 * item.valueSize(), '0'));
+}
+
+Failure beyondFloat(const QString &text)
+{
+    const double number = text.toDouble();
+    if (std::abs(number) < 1)
+        return bad(text + " is too near to 0 for f32", "the nearest value is 0");
+    const QString largest = valueText(std::numeric_limits<float>::max());
+    const QString sign = number < 0 ? "-" : "";
+    return bad(QString("%1 is too %2 for f32: -%3 to %3").arg(text, number < 0 ? "small" : "large", largest),
+               "the nearest value is " + sign + largest);
+}
+
+// From decimal to binary in one step: by way of a double some numbers would be rounded twice.
+QByteArray encodeFloat(const QString &text)
+{
+    static const QRegularExpression form(
+        "^(-?(?:inf|nan)|([+-]?)(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?)$");
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        throw bad(inQuotes(text) + " is not a number", "numbers are written 1.5, -2e3, inf or nan");
+    const QByteArray digits = (match.captured(2) == "+" ? text.mid(1) : text).toLatin1();
+    float number = 0;
+    const char *end = digits.constData() + digits.size();
+    if (std::from_chars(digits.constData(), end, number).ec != std::errc())
+        throw beyondFloat(text);
+    quint32 bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bigEndian(bits, int(sizeof bits));
+}
+
+QString hexHint(const Item &item, const QString &text)
+{
+    if (text.startsWith("0x", Qt::CaseInsensitive))
+        return "write " + text.mid(2) + " instead of " + text;
+    const int digits = 2 * item.valueSize();
+    return QString("hex is %1 digits for each value of %2, as %3")
+        .arg(digits)
+        .arg(item.address.text(), QString("1a2b3c4d").left(digits));
+}
+
+QByteArray encodeHex(const Item &item, const QString &text)
+{
+    static const QRegularExpression form("^(?:[0-9a-fA-F]{2})+$");
+    if (!form.match(text).hasMatch())
+        throw bad(inQuotes(text) + " is not a row of bytes in hex", hexHint(item, text));
+    QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    if (bytes.size() % item.valueSize() != 0)
+        throw bad(inQuotes(text) + " is no whole number of values", hexHint(item, text));
+    return bytes;
+}
+
+QByteArray encodeValue(const Item &item, const QString &text)
+{
+    switch (item.type) {
+    case ValueType::Bool:
+        return encodeBit(text);
+    case ValueType::F32:
+        return encodeFloat(text);
+    case ValueType::Hex:
+        return encodeHex(item, text);
+    case ValueType::Bcd:
+        return encodeBcd(item, text);
+    default:
+        return encodeInteger(item, text);
+    }
+}
+
+// The character at the start of a text, and how many letters name it.
+std::pair<char, int> takeCharacter(const QString &text)
+{
+    static const QRegularExpression escape("^\\\\(?:([\"\\\\])|x([0-9a-fA-F]{2}))");
+    const QChar letter = text.front();
+    if (letter != '\\') {
+        if (letter < ' ' || letter > '~')
+            throw bad(QString(letter) + " is no character of plain ASCII",
+                      "write other characters as the bytes that the display shows them for, \\xNN each");
+        return {letter.toLatin1(), 1};
+    }
+    const QRegularExpressionMatch match = escape.match(text);
+    if (!match.hasMatch())
+        throw bad(text.left(2) + " means nothing",
+                  "write \\\\ for \\, \\\" for \" and \\xNN for any other byte");
+    if (!match.captured(1).isEmpty())
+        return {match.captured(1).front().toLatin1(), 2};
+    return {char(match.captured(2).toInt(nullptr, 16)), 4};
+}
+
+QByteArray encodeCharacters(QString text)
+{
+    const bool isQuoted = text.startsWith('"');
+    if (isQuoted)
+        text.remove(0, 1);
+    QByteArray bytes;
+    while (!text.isEmpty() && !(isQuoted && text.startsWith('"'))) {
+        const auto [character, length] = takeCharacter(text);
+        bytes += character;
+        text.remove(0, length);
+    }
+    if (isQuoted && text != "\"")
+        throw bad("the quotes do not stand around the whole text", "write \\\" for a quote within it");
+    if (bytes.isEmpty())
+        throw bad("the text is empty", "a text is one character or more; \\x00 is the character 0");
+    return bytes;
+}
+
+} // namespace
+
+QByteArray encodeValues(const Item &item, const QString &text)
+{
+    if (item.type == ValueType::Str)
+        return encodeCharacters(text);
+    QByteArray bytes;
+    for (const QString &value : text.split(','))
+        bytes += encodeValue(item, value.trimmed());
+    return bytes;
+}
+
+} // namespace host

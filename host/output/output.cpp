@@ -1,0 +1,121 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/output/output.h"
+
+#include "host/base/failure.h"
+#include "host/base/interruption.h"
+#include "host/base/report.h"
+#include "host/output/output_form.h"
+
+#include <QFileInfo>
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+namespace {
+
+const QStringList kFormatNames = {"text", "json", "ndjson", "csv", "tsv", "raw"};
+
+Format formatNamed(const std::string &name)
+{
+    return Format(kFormatNames.indexOf(QString::fromStdString(name)));
+}
+
+// Of an output file's name, if that says anything.
+std::optional<Format> formatBySuffix(const Options &options)
+{
+    const QString suffix = QFileInfo(QString::fromStdString(options.output.value_or(""))).suffix();
+    if (suffix == "txt")
+        return Format::Text;
+    if (suffix == "raw" || !kFormatNames.contains(suffix))
+        return std::nullopt;
+    return formatNamed(suffix.toStdString());
+}
+
+// What is nobody's wish for this command.
+Format unaskedFormat(const Options &options, const Schema &schema)
+{
+    const Format format = formatNamed(options.usualFormat.value_or("text"));
+    return format == Format::Raw && !schema.hasRaw ? Format::Text : format;
+}
+
+} // namespace
+
+Format formatOf(const Options &options, const Schema &schema)
+{
+    if (!options.format)
+        return formatBySuffix(options).value_or(unaskedFormat(options, schema));
+    const Format format = formatNamed(*options.format);
+    if (format == Format::Raw && !schema.hasRaw)
+        throw Failure(ExitCode::Usage, schema.command + " has no raw form",
+                      "choose --format text, json, ndjson, csv or tsv");
+    return format;
+}
+
+void tellUnlessUsual(const Options &options, const std::string &format)
+{
+    if (options.verbose && options.usualFormat && *options.usualFormat != format)
+        reportNote(QString("the usual format %1 is left out: the data are %2")
+                       .arg(QString::fromStdString(*options.usualFormat), QString::fromStdString(format)));
+}
+
+Output::Output(const Options &options, const Schema &schema)
+    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, outputSink(options)))
+{
+    tellUnlessUsual(options, kFormatNames.at(int(chosen)).toStdString());
+}
+
+Output::~Output()
+{
+    if (isFinished || interruptingSignal() == 0)
+        return;
+    try {
+        finish();
+    } catch (const Failure &failure) {
+        reportFailure(failure);
+    } catch (const Interrupted &) { // stdout was closed by what the signal also ended
+    }
+}
+
+void Output::setField(const QString &name, const Json &value)
+{
+    form->setField(name, value);
+}
+
+void Output::write(const Json &record)
+{
+    form->write(record);
+}
+
+void Output::write(const Json &record, const QString &text)
+{
+    form->writeLine(record, text);
+}
+
+void Output::writeUnlessText(const Json &record)
+{
+    if (chosen != Format::Text)
+        form->write(record);
+}
+
+void Output::writeText(const QString &text)
+{
+    form->writeText(text);
+}
+
+void Output::writeRaw(const QByteArray &bytes)
+{
+    form->writeRaw(bytes);
+}
+
+void Output::finish()
+{
+    isFinished = true;
+    form->finish();
+    form->commit();
+}
+
+} // namespace host

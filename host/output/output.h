@@ -1,0 +1,86 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A command's data, in the form that --format names, on stdout or in the file that -o names.
+//
+//   text     lines for people, from the command, or a table
+//   json     one document: {"format": "s7ppi.read/1", FIELDS, "items": [RECORDS]}
+//   ndjson   one such object per record and line, with "format" in each
+//   csv tsv  a line of column names, then one line per record; a record with a list "values" is one line per
+//            element, in the column "value", its number from 0 on in the column "index" if there is one
+//   raw      bytes as they lie in the controller
+//
+// Without --format a file is written in the form that its name ends with: .json .ndjson .csv .tsv .txt
+// Otherwise environment or configuration file may say which form is usual; a command that has no such form
+// takes text.
+//
+// Lines are out when a call returns, so that what was got is seen even if the program is stopped then. A file
+// appears when the command has come to its end, or to Ctrl-C, and never in part.
+
+#ifndef HOST_OUTPUT_OUTPUT_H
+#define HOST_OUTPUT_OUTPUT_H
+
+#include "host/base/options.h"
+#include "host/output/schema.h"
+#include "host/text/json.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <string>
+
+namespace host {
+
+// Fails when the command line asks for a form that the command does not have.
+Format formatOf(const Options &options, const Schema &schema);
+
+// With --verbose tells that data are in another form than usual.
+void tellUnlessUsual(const Options &options, const std::string &format);
+
+class OutputForm;
+
+class Output
+{
+public:
+    // Fails when the command has no such form, or the file cannot be written.
+    Output(const Options &options, const Schema &schema);
+
+    // After Ctrl-C finishes what was got; otherwise an output that was not finished leaves no file.
+    ~Output();
+
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+
+    Format format() const { return chosen; }
+
+    // A field of the document beside its records; only json shows it.
+    void setField(const QString &name, const Json &value);
+
+    // A record; in text a line of a table that is printed at the end.
+    void write(const Json &record);
+
+    // The same with its own line, or lines, of text, printed at once.
+    void write(const Json &record, const QString &text);
+
+    // A record that only programs need: nothing in text.
+    void writeUnlessText(const Json &record);
+
+    // Text alone, for other lines that only people need.
+    void writeText(const QString &text);
+
+    // Bytes for the format raw; nothing in others.
+    void writeRaw(const QByteArray &bytes);
+
+    // The end of the data: closes the document, puts the file in its place. Fails when that does not work.
+    void finish();
+
+private:
+    Format chosen;
+    std::unique_ptr<OutputForm> form;
+    bool isFinished = false;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,141 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/output/progress.h"
+
+#include "host/base/colour.h"
+#include "host/base/report.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace host {
+
+namespace {
+
+// Milliseconds between two views.
+constexpr qint64 kInPlaceInterval = 100;
+constexpr qint64 kLineInterval = 5000;
+
+// Before that a rate would be a guess.
+constexpr qint64 kFirstRate = 1000;
+
+const char kEraseLine[] = "\r\x1b[K";
+
+// A line that wraps could not be drawn over.
+QString fitted(const QString &text)
+{
+    winsize size = {};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    return isKnown ? text.left(size.ws_col - 1) : text;
+}
+
+QString rateText(double perSecond, const QString &unit)
+{
+    return QString("%1 %2/s").arg(perSecond, 0, 'f', perSecond < 10 ? 1 : 0).arg(unit);
+}
+
+double rateOf(const Work &work, qint64 milliseconds)
+{
+    return 1000.0 * double(work.done - work.doneBefore) / double(std::max<qint64>(milliseconds, 1));
+}
+
+} // namespace
+
+QString durationText(qint64 milliseconds)
+{
+    const qint64 seconds = (milliseconds + 500) / 1000;
+    if (seconds < 60)
+        return QString("%1 s").arg(seconds);
+    if (seconds < 3600)
+        return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
+    return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60, 2, 10, QChar('0'));
+}
+
+QString progressText(const Work &work, qint64 milliseconds)
+{
+    QString text = QString("%1: %2 of %3 %4, %5 %")
+                       .arg(work.name)
+                       .arg(work.done)
+                       .arg(work.total)
+                       .arg(work.unit)
+                       .arg(work.total > 0 ? 100 * work.done / work.total : 100);
+    const double rate = rateOf(work, milliseconds);
+    if (rate <= 0 || milliseconds < kFirstRate)
+        return text;
+    const qint64 left = qint64(1000.0 * double(work.total - work.done) / rate);
+    return text + ", " + rateText(rate, work.unit) + ", " + durationText(left) + " left";
+}
+
+QString summaryText(const Work &work, qint64 milliseconds)
+{
+    return QString("%1: %2 %3 in %4 s, %5")
+        .arg(work.name)
+        .arg(work.done - work.doneBefore)
+        .arg(work.unit)
+        .arg(double(milliseconds) / 1000, 0, 'f', 1)
+        .arg(rateText(rateOf(work, milliseconds), work.unit));
+}
+
+Progress::Progress(const Options &options, const Work &work_) : style(styleFor(options)), work(work_)
+{
+    sinceStart.start();
+    sinceShown.start();
+    if (style == Style::InPlace)
+        show();
+}
+
+Progress::~Progress()
+{
+    clear();
+}
+
+Progress::Style Progress::styleFor(const Options &options)
+{
+    if (options.quiet)
+        return Style::None;
+    return takesControls(STDERR_FILENO) && !options.verbose ? Style::InPlace : Style::Lines;
+}
+
+void Progress::advance(qint64 amount)
+{
+    work.done += amount;
+    const qint64 interval = style == Style::InPlace ? kInPlaceInterval : kLineInterval;
+    if (style != Style::None && sinceShown.hasExpired(interval))
+        show();
+}
+
+void Progress::show()
+{
+    const QString text = progressText(work, sinceStart.elapsed());
+    sinceShown.restart();
+    if (style == Style::Lines) {
+        reportNote(text);
+        return;
+    }
+    std::cerr << kEraseLine << qUtf8Printable(fitted(text)) << std::flush;
+    isShown = true;
+}
+
+void Progress::clear()
+{
+    if (isShown)
+        std::cerr << kEraseLine << std::flush;
+    isShown = false;
+}
+
+void Progress::note(const QString &text)
+{
+    clear();
+    reportNote(text);
+}
+
+void Progress::finish()
+{
+    note(summaryText(work, sinceStart.elapsed()));
+}
+
+} // namespace host

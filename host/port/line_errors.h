@@ -1,0 +1,33 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The kernel's count of what went wrong with single characters on a line.
+
+#ifndef HOST_PORT_LINE_ERRORS_H
+#define HOST_PORT_LINE_ERRORS_H
+
+#include <QString>
+
+#include <optional>
+
+namespace host {
+
+struct LineErrors
+{
+    int frame = 0; // no stop bit where one belongs
+    int parity = 0;
+    int overrun = 0; // characters that the adapter or the kernel had no room for
+    int breaks = 0;
+};
+
+// Since the port's driver was loaded; nothing when it does not count.
+std::optional<LineErrors> lineErrors(int descriptor);
+
+LineErrors operator-(const LineErrors &after, const LineErrors &before);
+
+// "3 framing errors, 1 parity error"; empty when there are none.
+QString errorsText(const LineErrors &errors);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,104 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/port/line_settings.h"
+
+#include "device_setting.h"
+#include "host/base/failure.h"
+#include "host/text/counted.h"
+
+#include <QStringList>
+
+#include <cstdlib>
+
+namespace host {
+
+namespace {
+
+const QStringList kParityNames = {"none", "odd", "even", "mark", "space"};
+
+// One part in 50 is 2 %.
+constexpr int kSpeedTolerance = 50;
+
+constexpr int kOneStopBitCode = 0;
+constexpr int kTwoStopBitsCode = 2;
+
+Failure unknownCode(const char *what, int code)
+{
+    return Failure(
+        ExitCode::PluginUnusable, QString("the plug-in proposes %1 code %2").arg(what).arg(code),
+        "the plug-in belongs to another host's ports; this host knows parity 0 to 4, stop bits 0 and 2");
+}
+
+Parity parityOfCode(int code)
+{
+    if (code < 0 || code >= kParityNames.size())
+        throw unknownCode("parity", code);
+    return Parity(code);
+}
+
+int stopBitsOfCode(int code)
+{
+    if (code != kOneStopBitCode && code != kTwoStopBitsCode)
+        throw unknownCode("stop-bits", code);
+    return code == kTwoStopBitsCode ? 2 : 1;
+}
+
+Parity parityOfName(const std::string &name)
+{
+    return Parity(kParityNames.indexOf(QString::fromStdString(name)));
+}
+
+QString parityText(Parity parity)
+{
+    return (parity == Parity::None ? "no" : parityName(parity)) + " parity";
+}
+
+QStringList words(const LineSettings &settings)
+{
+    return {QString("%1 baud").arg(settings.baud), parityText(settings.parity),
+            counted(settings.dataBits, "data bit"), counted(settings.stopBits, "stop bit")};
+}
+
+} // namespace
+
+LineSettings lineSettings(const DeviceSetting &setting)
+{
+    return {setting.baudrate, parityOfCode(setting.parity), setting.databits,
+            stopBitsOfCode(setting.stopbits)};
+}
+
+LineSettings withOptions(LineSettings settings, const Options &options)
+{
+    settings.baud = options.baud.value_or(settings.baud);
+    settings.dataBits = options.dataBits.value_or(settings.dataBits);
+    settings.stopBits = options.stopBits.value_or(settings.stopBits);
+    if (options.parity)
+        settings.parity = parityOfName(*options.parity);
+    return settings;
+}
+
+QString lineText(const LineSettings &settings)
+{
+    return words(settings).join(", ");
+}
+
+QString parityName(Parity parity)
+{
+    return kParityNames.at(int(parity));
+}
+
+QString lineDifference(const LineSettings &wanted, LineSettings achieved)
+{
+    if (std::abs(achieved.baud - wanted.baud) <= wanted.baud / kSpeedTolerance)
+        achieved.baud = wanted.baud;
+    const QStringList wantedWords = words(wanted);
+    const QStringList achievedWords = words(achieved);
+    QStringList differences;
+    for (int i = 0; i < int(wantedWords.size()); ++i)
+        if (wantedWords.at(i) != achievedWords.at(i))
+            differences << achievedWords.at(i) + " instead of " + wantedWords.at(i);
+    return differences.join(", ");
+}
+
+} // namespace host

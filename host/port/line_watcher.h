@@ -1,0 +1,46 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Looks at the frames that pass for what tells of the adapter: whether it hears itself, and how long answers
+// let it wait.
+
+#ifndef HOST_PORT_LINE_WATCHER_H
+#define HOST_PORT_LINE_WATCHER_H
+
+#include "host/frames/frame_listener.h"
+
+#include <QElapsedTimer>
+
+namespace host {
+
+class LineWatcher : public FrameListener
+{
+public:
+    void sent(const QByteArray &frame) override;
+    void received(const QByteArray &frame) override;
+    void heardNothing(bool isOver) override;
+
+    // Whether anything came at all.
+    bool hasHeard() const { return heard; }
+
+    // Whether every request so far came back as its own answer; that of the last one may not be told yet. The
+    // driver takes one byte of it and gives up. No controller begins its answer to a request with that byte,
+    // and noise does so only now and then.
+    bool hasEcho() const { return echoes > 0 && echoes >= requests - 1; }
+
+    // From the beginning of a frame sent to the whole of the next one received; milliseconds.
+    qint64 longestWait() const { return longest; }
+
+private:
+    QByteArray lastSent;
+    QElapsedTimer sinceSent;
+    bool isFirst = false; // the next frame received is the first one after what was sent
+    bool heard = false;
+    int requests = 0;
+    int echoes = 0;
+    qint64 longest = 0;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,283 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/port/serial_port.h"
+
+#include "host/base/files_in_use.h"
+#include "host/base/interruption.h"
+#include "host/port/port_details.h"
+#include "host/port/port_holder.h"
+#include "host/port/terminal.h"
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+
+#include <algorithm>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace host {
+
+namespace {
+
+// The one option drivers set: forget what was received.
+constexpr int kPurgeOption = 12;
+
+// Waits are cut into slices so that a signal is seen soon; milliseconds.
+constexpr int kSlice = 50;
+
+// What ends a stretch of bytes that nobody asked for: adapters hand over what they received up to 16 ms late.
+constexpr int kSilence = 20;
+constexpr int kLongestClearing = 1000;
+
+// Looked at without waiting for a carrier.
+bool isTerminal(const QString &name)
+{
+    const int descriptor = ::open(qPrintable(name), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    const bool terminal = descriptor >= 0 && isatty(descriptor);
+    if (descriptor >= 0)
+        close(descriptor);
+    return terminal;
+}
+
+// QSerialPort takes names without a path for devices below /dev.
+QString fullName(const QString &name)
+{
+    const QFileInfo file(name);
+    return file.exists() ? file.absoluteFilePath() : name;
+}
+
+QSerialPort::Parity qtParity(Parity parity)
+{
+    switch (parity) {
+    case Parity::Odd:
+        return QSerialPort::OddParity;
+    case Parity::Even:
+        return QSerialPort::EvenParity;
+    case Parity::Mark:
+        return QSerialPort::MarkParity;
+    case Parity::Space:
+        return QSerialPort::SpaceParity;
+    case Parity::None:
+        break;
+    }
+    return QSerialPort::NoParity;
+}
+
+// What a port of this kind can be asked for at all.
+LineSettings settable(LineSettings line, const QString &name)
+{
+    if (isPseudoTerminal(name)) {
+        line.parity = Parity::None;
+        line.dataBits = 8;
+    }
+    return line;
+}
+
+const char kBusyHint[] = "another program has the port open: end it, or use another port";
+
+QString permissionHint(const QString &name)
+{
+    const QFileInfo file(name);
+    if (file.isReadable() && file.isWritable())
+        return kBusyHint;
+    return "this user may not use the port: join its group, " + file.group();
+}
+
+QString openHint(QSerialPort::SerialPortError error, const QString &name)
+{
+    switch (error) {
+    case QSerialPort::DeviceNotFoundError:
+        return "check the name and the plug; s7ppi without --port looks for USB adapters";
+    case QSerialPort::PermissionError:
+        return permissionHint(name);
+    default:
+        return "check that it is a serial port and takes these line settings";
+    }
+}
+
+int slice(const QDeadlineTimer &deadline)
+{
+    return int(std::min<qint64>(deadline.remainingTime(), kSlice));
+}
+
+} // namespace
+
+SerialPort::SerialPort(const QString &name_, const LineSettings &line_, const Timing &timing_,
+                       Direction direction_)
+    : name(fullName(name_)), line(line_), timing(timing_), direction(direction_)
+{
+    claimFile(name, FileRole::Port);
+    port.setPortName(name);
+    open();
+}
+
+void SerialPort::reopen()
+{
+    port.close();
+    open();
+    lost = false;
+    isSettled = false;
+}
+
+void SerialPort::open()
+{
+    refuseSharing();
+    configure();
+    if (!port.open(QIODevice::ReadWrite))
+        throw openFailure();
+    if (!dropBadParity(port.handle()))
+        throw Failure(ExitCode::PortUnusable, name + " cannot be told to drop bytes with bad parity",
+                      openHint(QSerialPort::UnsupportedOperationError, name));
+    checkLine();
+    checkDirection();
+}
+
+void SerialPort::configure()
+{
+    const LineSettings possible = settable(line, name);
+    port.setBaudRate(possible.baud);
+    port.setParity(qtParity(possible.parity));
+    port.setDataBits(QSerialPort::DataBits(possible.dataBits));
+    port.setStopBits(possible.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+    port.setFlowControl(QSerialPort::NoFlowControl);
+}
+
+Failure SerialPort::openFailure() const
+{
+    QString reason = port.errorString();
+    if (port.error() == QSerialPort::PermissionError)
+        if (const QString holders = holderText(portHolders(name)); !holders.isEmpty())
+            reason = "it is in use by " + holders;
+    return Failure(ExitCode::PortUnusable, name + " cannot be opened: " + reason,
+                   openHint(port.error(), name));
+}
+
+// Not every program locks a port that it uses, and two of them take each other's bytes. What holds the port's
+// end of a pseudo-terminal may be its maker, so that only a lock counts there.
+void SerialPort::refuseSharing() const
+{
+    if (isPseudoTerminal(name) || !isTerminal(name))
+        return;
+    const QString holders = holderText(portHolders(name));
+    if (!holders.isEmpty())
+        throw Failure(ExitCode::PortUnusable, name + " cannot be opened: it is in use by " + holders,
+                      kBusyHint);
+}
+
+void SerialPort::checkLine()
+{
+    const LineSettings achieved = settingsInForce(port.handle());
+    const QString refused = lineDifference(settable(line, name), achieved);
+    if (!refused.isEmpty())
+        throw Failure(ExitCode::PortUnusable, name + " keeps " + refused,
+                      "this adapter cannot do that; use another adapter or other line settings");
+    note = lineDifference(line, achieved);
+}
+
+void SerialPort::checkDirection()
+{
+    const char *obstacle = direction == Direction::ByKernel ? switchRs485(port.handle()) : nullptr;
+    if (obstacle)
+        throw Failure(ExitCode::PortUnusable,
+                      QString("%1 cannot be switched to RS-485: %2").arg(name, obstacle),
+                      "its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
+}
+
+int SerialPort::receive(unsigned char *buffer, int maxLength)
+{
+    const QDeadlineTimer deadline(timing.timeout);
+    while (goesOn() && port.bytesAvailable() < maxLength && !deadline.hasExpired()) {
+        if (!port.waitForReadyRead(slice(deadline)))
+            noteError();
+    }
+    return goesOn() ? int(port.read(reinterpret_cast<char *>(buffer), maxLength)) : -1;
+}
+
+int SerialPort::send(const unsigned char *data, int length)
+{
+    if (!goesOn() || port.write(reinterpret_cast<const char *>(data), length) != length)
+        return -1;
+    const QDeadlineTimer deadline(timing.timeout);
+    while (goesOn() && port.bytesToWrite() > 0 && !deadline.hasExpired()) {
+        if (!port.waitForBytesWritten(slice(deadline)))
+            noteError();
+    }
+    if (goesOn() && port.bytesToWrite() == 0 && tcdrain(port.handle()) == 0)
+        return length;
+    port.clear(QSerialPort::Output); // the rest of a frame must not go out in front of the next one
+    return -1;
+}
+
+bool SerialPort::setOption(int key, const QVariant & /*value*/)
+{
+    if (key != kPurgeOption || !goesOn())
+        return false;
+    isSettled = isSettled && !hasReceived();
+    if (!port.clear(QSerialPort::Input)) {
+        noteError();
+        return false;
+    }
+    if (!isSettled)
+        clearUntilSilent();
+    isSettled = true;
+    return goesOn();
+}
+
+bool SerialPort::hasReceived() const
+{
+    int waiting = 0; // in the kernel
+    return port.bytesAvailable() > 0 || (ioctl(handle(), FIONREAD, &waiting) == 0 && waiting > 0);
+}
+
+// The answer to what an earlier program, or an attempt that was given up, asked for may still be under way.
+// In front of the next answer it would be taken for that, and so would every answer after it.
+void SerialPort::clearUntilSilent()
+{
+    const QDeadlineTimer deadline(kLongestClearing);
+    while (goesOn() && !deadline.hasExpired() && port.waitForReadyRead(kSilence))
+        port.clear(QSerialPort::Input);
+    noteError();
+}
+
+int SerialPort::retry()
+{
+    return goesOn() ? timing.retries : 0;
+}
+
+int SerialPort::stationId()
+{
+    return timing.station;
+}
+
+int SerialPort::delay()
+{
+    return goesOn() ? timing.delay : 0;
+}
+
+// Asked for no event at all, poll() tells only of hang-ups and errors.
+void SerialPort::idle(int milliseconds)
+{
+    pollfd device = {int(port.handle()), 0, 0};
+    lost = lost || poll(&device, 1, milliseconds) > 0;
+}
+
+bool SerialPort::goesOn() const
+{
+    return !lost && interruptingSignal() == 0;
+}
+
+// A wait that brought nothing ends with a time-out error; every other error means that the device
+// behind the port is gone.
+void SerialPort::noteError()
+{
+    const QSerialPort::SerialPortError error = port.error();
+    lost = lost || (error != QSerialPort::NoError && error != QSerialPort::TimeoutError);
+    port.clearError();
+}
+
+} // namespace host

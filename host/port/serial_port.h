@@ -1,0 +1,99 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A serial port as a driver uses it: blocking, one deadline per receive.
+
+#ifndef HOST_PORT_SERIAL_PORT_H
+#define HOST_PORT_SERIAL_PORT_H
+
+#include "abstract_device_interface.h"
+#include "host/base/failure.h"
+#include "host/port/line_settings.h"
+
+#include <QSerialPort>
+#include <QString>
+
+namespace host {
+
+// How the host talks to the controller; times in milliseconds.
+struct Timing
+{
+    int timeout;
+    int retries;
+    int station;
+    int delay;
+};
+
+// Who switches between sending and receiving on two wires: the adapter by itself, or the kernel's driver.
+enum class Direction { ByAdapter, ByKernel };
+
+class SerialPort : public AbstractDeviceInterface
+{
+public:
+    // Opens the port for this program alone. Fails when that does not work or when the port does not
+    // take the settings. A pseudo-terminal has no parity and always 8 data bits; there the two are not
+    // insisted on.
+    SerialPort(const QString &name, const LineSettings &line, const Timing &timing,
+               Direction direction = Direction::ByAdapter);
+
+    // Opens a lost port once more, with the same settings. Fails as long as it is not there.
+    void reopen();
+
+    // Waits for up to maxLength bytes until the time-out, counted from the call, has run out. Below 0
+    // at once when the port is lost or the program is interrupted.
+    int receive(unsigned char *buffer, int maxLength) override;
+
+    // Returns length when all bytes have left, otherwise below 0.
+    int send(const unsigned char *data, int length) override;
+
+    // Key 12 throws away everything that was received and not read; there are no other keys. When there was
+    // something, and at the first time after the port was opened, what is still coming is thrown away too,
+    // until the line has been silent for 20 ms, or for a second.
+    bool setOption(int key, const QVariant &value) override;
+
+    // No repetitions on a port that is lost, or once the program is interrupted.
+    int retry() override;
+    int stationId() override;
+    int delay() override;
+
+    // Waits while nothing is under way; returns early when the port goes away or a signal arrives.
+    void idle(int milliseconds);
+
+    QString portName() const { return name; }
+
+    // The kernel's descriptor of the open port.
+    int handle() const { return int(port.handle()); }
+
+    void setStation(int station) { timing.station = station; }
+
+    // Whether the port went away since it was opened.
+    bool isLost() const { return lost; }
+
+    // What the port does differently from what was asked; empty when nothing.
+    QString lineNote() const { return note; }
+
+private:
+    void open();
+    void configure();
+    Failure openFailure() const;
+    void refuseSharing() const;
+    void checkLine();
+    void checkDirection();
+    bool hasReceived() const;
+    void clearUntilSilent();
+    bool goesOn() const;
+    void noteError();
+
+    QSerialPort port;
+    QString name;
+    LineSettings line;
+    Timing timing;
+    Direction direction;
+    QString note;
+    bool lost = false;
+    bool isSettled = false; // whether nothing of an earlier exchange can be under way
+};
+
+} // namespace host
+
+#endif

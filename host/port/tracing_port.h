@@ -1,0 +1,39 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A port that shows what passes through it.
+
+#ifndef HOST_PORT_TRACING_PORT_H
+#define HOST_PORT_TRACING_PORT_H
+
+#include "host/frames/frame_listener.h"
+#include "host/port/forwarding_port.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace host {
+
+// Passes everything on to another port and tells its listeners of every frame. Frames are received in pieces
+// and told whole. What stays incomplete is told when a receive falls short or the next frame is sent.
+class TracingPort : public ForwardingPort
+{
+public:
+    // The listeners must outlive the port.
+    TracingPort(AbstractDeviceInterface &port, const std::vector<FrameListener *> &listeners);
+    ~TracingPort() override;
+
+    int receive(unsigned char *buffer, int maxLength) override;
+    int send(const unsigned char *data, int length) override;
+
+private:
+    void tellReceived();
+
+    std::vector<FrameListener *> listeners;
+    QByteArray pieces;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,19 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What was watched as one page that needs nothing else: no script, no network. Light or dark as the reader's
+// system is, and readable from a phone's width on.
+
+#ifndef HOST_RECORDING_REPORT_PAGE_H
+#define HOST_RECORDING_REPORT_PAGE_H
+
+#include "host/recording/watch_log.h"
+
+namespace host {
+
+// source: what the page says it was made of.
+QByteArray reportPage(const WatchLog &log, const QString &source);
+
+} // namespace host
+
+#endif

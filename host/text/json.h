@@ -1,0 +1,28 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// JSON, and what Qt's texts and the controller's numbers are in it.
+
+#ifndef HOST_TEXT_JSON_H
+#define HOST_TEXT_JSON_H
+
+#include <nlohmann/json.hpp>
+
+#include <QString>
+
+namespace host {
+
+// An object whose members keep their order.
+using Json = nlohmann::ordered_json;
+
+inline Json jsonText(const QString &text)
+{
+    return text.toStdString();
+}
+
+// As short as still tells the number apart; JSON has none for "inf", "-inf" and "nan", which are texts.
+Json jsonNumber(float number);
+
+} // namespace host
+
+#endif

@@ -1,0 +1,69 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Curves of values over time, drawn in characters.
+//
+//   Boiler  61.5 °C   58 to 64
+//    64 |      .:'
+//    58 |......'
+//        -5 min                now
+
+#ifndef HOST_WATCH_PLOT_H
+#define HOST_WATCH_PLOT_H
+
+#include <QString>
+#include <QStringList>
+
+#include <deque>
+#include <vector>
+
+namespace host {
+
+// The values of a short while, the last of which holds until the next sample.
+struct PlotSample
+{
+    double time; // seconds
+    double low;
+    double high;
+    double last;
+    bool isGap; // nothing is known from here on
+};
+
+// The samples of the last while. However many are added, so few are kept that a screen can just show them.
+class PlotHistory
+{
+public:
+    // span: how much is kept, in seconds.
+    explicit PlotHistory(double span_) : span(span_) {}
+
+    // Times must not go back.
+    void add(double time, double value);
+    void addGap(double time);
+
+    // The one before the span begins is kept: its value holds.
+    const std::deque<PlotSample> &samples() const { return kept; }
+
+private:
+    void put(const PlotSample &sample);
+
+    double span;
+    std::deque<PlotSample> kept;
+};
+
+struct PlotCurve
+{
+    QString label;
+    QString value; // the last one as text
+    const std::deque<PlotSample> &samples;
+};
+
+enum class PlotGlyphs { Braille, Ascii };
+
+// The curves one below the other, and the axis of the time; no line longer than the columns, no more lines
+// than rows. Curves that have no room are counted in a line of their own.
+QStringList plotLines(const std::vector<PlotCurve> &curves, double now, double span, int columns, int rows,
+                      PlotGlyphs glyphs);
+
+} // namespace host
+
+#endif

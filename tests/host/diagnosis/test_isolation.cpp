@@ -1,0 +1,86 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Actions in a process of their own.
+
+#include "host/diagnosis/isolation.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <stdexcept>
+
+#include <unistd.h>
+
+using namespace host;
+using namespace std::chrono_literals;
+
+class TestIsolation : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theResultComesBackWhole();
+    void whatItChangesStaysThere();
+    void aCrashIsTold();
+    void anEndOfTheProcessIsTold();
+    void anExceptionIsNotLetOut();
+    void whatTakesTooLongIsGivenUp();
+};
+
+void TestIsolation::theResultComesBackWhole()
+{
+    const IsolatedEnd end = runIsolated([] { return QByteArray(300000, 'x') + "end"; }, 10s);
+    QCOMPARE(end.fault, QString());
+    QCOMPARE(int(end.result.size()), 300003);
+    QVERIFY(end.result.endsWith("xend"));
+}
+
+void TestIsolation::whatItChangesStaysThere()
+{
+    int number = 1;
+    runIsolated(
+        [&] {
+            number = 2;
+            return QByteArray();
+        },
+        10s);
+    QCOMPARE(number, 1);
+}
+
+void TestIsolation::aCrashIsTold()
+{
+    const IsolatedEnd end = runIsolated(
+        []() -> QByteArray {
+            std::signal(SIGSEGV, SIG_DFL);
+            std::raise(SIGSEGV);
+            return "not reached";
+        },
+        10s);
+    QCOMPARE(end.fault, QString("it crashes: Segmentation fault"));
+    QCOMPARE(end.result, QByteArray());
+}
+
+void TestIsolation::anEndOfTheProcessIsTold()
+{
+    QCOMPARE(runIsolated([]() -> QByteArray { _exit(3); }, 10s).fault, QString("it ends the process with 3"));
+}
+
+void TestIsolation::anExceptionIsNotLetOut()
+{
+    const auto throwing = []() -> QByteArray { throw std::runtime_error("odd"); };
+    QCOMPARE(runIsolated(throwing, 10s).fault, QString("it ends the process with 70"));
+}
+
+void TestIsolation::whatTakesTooLongIsGivenUp()
+{
+    const auto hanging = []() -> QByteArray {
+        while (true)
+            pause();
+    };
+    QCOMPARE(runIsolated(hanging, 50ms).fault, QString("it takes too long"));
+}
+
+QTEST_APPLESS_MAIN(TestIsolation)
+
+#include "test_isolation.moc"

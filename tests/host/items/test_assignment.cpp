@@ -1,0 +1,95 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Items to write: address, type and values.
+
+#include "host/items/assignment.h"
+
+#include "hex.h"
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestAssignment : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void thereAreAsManyValuesAsAreNamed_data();
+    void thereAreAsManyValuesAsAreNamed();
+    void wrongAssignmentsSayWhatCouldBeMeant_data();
+    void wrongAssignmentsSayWhatCouldBeMeant();
+};
+
+void TestAssignment::thereAreAsManyValuesAsAreNamed_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("data");
+    QTest::newRow("VB100=17") << "VB100"
+                              << "u8" << 1 << "11";
+    QTest::newRow("VW10:i16=-1,0x7f") << "VW10"
+                                      << "i16" << 2 << "ffff007f";
+    QTest::newRow("V10.7=1,0,1") << "V10.7"
+                                 << "bool" << 3 << "010001";
+    QTest::newRow("VB0:hex=112233") << "VB0"
+                                    << "hex" << 3 << "112233";
+    QTest::newRow("VW0:hex=1122,33445566") << "VW0"
+                                           << "hex" << 3 << "112233445566";
+    QTest::newRow("VB20:str=a=b") << "VB20"
+                                  << "str" << 3 << "613d62";
+    QTest::newRow("VD0:f32=1.0,5.0") << "VD0"
+                                     << "f32" << 2 << "3f80000040a00000";
+    QTest::newRow("VD0:f32=1,-5") << "VD0"
+                                  << "f32" << 2 << "3f800000c0a00000";
+    QTest::newRow("VD0:f32=1,5,1") << "VD0"
+                                   << "f32" << 3 << "3f80000040a000003f800000";
+    QTest::newRow("T37=300") << "T37"
+                             << "u16" << 1 << "012c";
+    QTest::newRow("VB2097150=1,2") << "VB2097150"
+                                   << "u8" << 2 << "0102";
+}
+
+void TestAssignment::thereAreAsManyValuesAsAreNamed()
+{
+    const Assignment assignment = parseAssignment(QTest::currentDataTag());
+    QTEST(assignment.tag.item.address.text(), "address");
+    QTEST(typeName(assignment.tag.item.type), "type");
+    QTEST(assignment.tag.item.count, "count");
+    QTEST(hex(assignment.data), "data");
+}
+
+void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
+{
+    QTest::addColumn<QString>("failure");
+    const auto row = [](const char *text, const char *failure) {
+        QTest::newRow(text) << "2: " + QString(failure);
+    };
+    row("VB100", "no value is given / write VB100=VALUE");
+    row("VB100*4", "no value is given / write VB100=VALUE");
+    row("VB100*4=1", "a count is not needed here / write VB100=VALUE,VALUE with as many values as you mean");
+    row("VB1:str*3=Hello", "a count is not needed here / write VB1:str=TEXT, a text as long as you mean");
+    row("VD0:f32=1,5",
+        "\"1,5\" may be one number or two / write VD0:f32=1.5 for one number, VD0:f32=1.0,5.0 for two");
+    row("VW2:f32=-1, 50", "\"-1, 50\" may be one number or two / write VW2:f32=-1.50 for one number, "
+                          "VW2:f32=-1.0,50.0 for two");
+    row("vb10=1", "not an address of the controller / write VB10 instead of vb10");
+    row("V10.9=1", "not an address of the controller / write V10.7 instead of V10.9");
+    row("VB10 =1", "not an address of the controller / write VB10 instead of VB10 ");
+    row("VB10:byte=1", "\"byte\" is not a type / write u8 instead of byte");
+    row("V1.0:u8=1", "V1.0 cannot be taken as u8 / V1.0 can be taken as bool; its whole byte is VB1");
+    row("VB0=300", "300 is too large for u8: 0 to 255 / the nearest value is 255");
+    row("VB2097151=1,2", "VB2097151 is not followed by that many values / the largest count here is 1");
+    row("V2097151.7=1,0", "V2097151.7 is not followed by that many values / the largest count here is 1");
+}
+
+void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant()
+{
+    QTEST(failureOf([] { parseAssignment(QTest::currentDataTag()); }), "failure");
+}
+
+QTEST_APPLESS_MAIN(TestAssignment)
+#include "test_assignment.moc"

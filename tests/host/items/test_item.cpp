@@ -1,0 +1,163 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Items of the command line: address, type and count.
+
+#include "host/items/item.h"
+
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestItem : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theAddressGivesTheTypeThatIsLeftOut_data();
+    void theAddressGivesTheTypeThatIsLeftOut();
+    void typeAndCountAreTaken_data();
+    void typeAndCountAreTaken();
+    void wrongItemsSayWhatCouldBeMeant_data();
+    void wrongItemsSayWhatCouldBeMeant();
+};
+
+void TestItem::theAddressGivesTheTypeThatIsLeftOut_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("type");
+    QTest::newRow("bit") << "V10.3"
+                         << "bool";
+    QTest::newRow("byte") << "SMB0"
+                          << "u8";
+    QTest::newRow("word") << "VW100"
+                          << "u16";
+    QTest::newRow("double word") << "MD0"
+                                 << "u32";
+    QTest::newRow("analogue input") << "AIW0"
+                                    << "i16";
+    QTest::newRow("analogue output") << "AQW2"
+                                     << "i16";
+    QTest::newRow("timer") << "T37"
+                           << "u16";
+    QTest::newRow("counter") << "C5"
+                             << "u16";
+    QTest::newRow("high-speed counter") << "HC0"
+                                        << "u32";
+}
+
+void TestItem::theAddressGivesTheTypeThatIsLeftOut()
+{
+    QFETCH(QString, text);
+    const Item item = parseItem(text);
+    QTEST(typeName(item.type), "type");
+    QCOMPARE(item.address.text(), text);
+    QCOMPARE(item.count, 1);
+}
+
+void TestItem::typeAndCountAreTaken_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("valueSize");
+    QTest::newRow("VB100:u8") << "VB100:u8"
+                              << "u8" << 1 << 1;
+    QTest::newRow("VB100:i8*3") << "VB100:i8*3"
+                                << "i8" << 3 << 1;
+    QTest::newRow("VB100:u16") << "VB100:u16"
+                               << "u16" << 1 << 2;
+    QTest::newRow("VD100:i16*5") << "VD100:i16*5"
+                                 << "i16" << 5 << 2;
+    QTest::newRow("VW100:u32") << "VW100:u32"
+                               << "u32" << 1 << 4;
+    QTest::newRow("VW100:i32") << "VW100:i32"
+                               << "i32" << 1 << 4;
+    QTest::newRow("VB100:f32*2") << "VB100:f32*2"
+                                 << "f32" << 2 << 4;
+    QTest::newRow("VB100:hex*4") << "VB100:hex*4"
+                                 << "hex" << 4 << 1;
+    QTest::newRow("VW100:hex*4") << "VW100:hex*4"
+                                 << "hex" << 4 << 2;
+    QTest::newRow("VD100:bcd") << "VD100:bcd"
+                               << "bcd" << 1 << 4;
+    QTest::newRow("T37:hex") << "T37:hex"
+                             << "hex" << 1 << 2;
+    QTest::newRow("HC0:hex") << "HC0:hex"
+                             << "hex" << 1 << 4;
+    QTest::newRow("T37:bool*2") << "T37:bool*2"
+                                << "bool" << 2 << 1;
+    QTest::newRow("HC0:i32") << "HC0:i32"
+                             << "i32" << 1 << 4;
+    QTest::newRow("VB100:str*16") << "VB100:str*16"
+                                  << "str" << 16 << 1;
+    QTest::newRow("V10.3*4") << "V10.3*4"
+                             << "bool" << 4 << 1;
+    QTest::newRow("to the last bit there is") << "V2097151.0*8"
+                                              << "bool" << 8 << 1;
+    QTest::newRow("to the last byte there is") << "VB2097150*2"
+                                               << "u8" << 2 << 1;
+}
+
+void TestItem::typeAndCountAreTaken()
+{
+    QFETCH(QString, text);
+    const Item item = parseItem(text);
+    QTEST(typeName(item.type), "type");
+    QTEST(item.count, "count");
+    QTEST(item.valueSize(), "valueSize");
+}
+
+void TestItem::wrongItemsSayWhatCouldBeMeant_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("failure");
+    const auto row = [](const char *text, const char *failure) {
+        QTest::newRow(text) << QString(text) << "2: " + QString(failure);
+    };
+    const char countHint[] = "a count is a whole number from 1 on, as VB100*4";
+    const char typesHint[] = "types are bool u8 i8 u16 i16 u32 i32 f32 hex bcd str";
+    const char memoryHint[] =
+        "VB1 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; its first bit is V1.0";
+
+    row("vb1:u8*2", "not an address of the controller / write VB1 instead of vb1");
+    row("VB0..VB9", "a range, which only dump takes / write a count, as VB100*4");
+    row("VW1:U16", "\"U16\" is not a type / write u16 instead of U16");
+    row("VW1:word", "\"word\" is not a type / write u16 instead of word");
+    row("VW1:INT", "\"INT\" is not a type / write i16 instead of INT");
+    row("VD1:Real", "\"Real\" is not a type / write f32 instead of Real");
+    row("V1.0:bit", "\"bit\" is not a type / write bool instead of bit");
+    row("VB1:", qPrintable(QString("\"\" is not a type / %1").arg(typesHint)));
+    row("VB1:u64", qPrintable(QString("\"u64\" is not a type / %1").arg(typesHint)));
+    row("VB1:u8:u8", qPrintable(QString("\"u8:u8\" is not a type / %1").arg(typesHint)));
+    row("VB1*", qPrintable(QString("\"\" is not a count / %1").arg(countHint)));
+    row("VB1*0", qPrintable(QString("\"0\" is not a count / %1").arg(countHint)));
+    row("VB1*-1", qPrintable(QString("\"-1\" is not a count / %1").arg(countHint)));
+    row("VB1*2*3", qPrintable(QString("\"2*3\" is not a count / %1").arg(countHint)));
+    row("VB1*99999999999", qPrintable(QString("\"99999999999\" is not a count / %1").arg(countHint)));
+    row("VB1*4:u8", qPrintable(QString("\"4:u8\" is not a count / %1").arg(countHint)));
+    row("VB1:bool", qPrintable(QString("VB1 cannot be taken as bool / %1").arg(memoryHint)));
+    row("SMW2:bool",
+        "SMW2 cannot be taken as bool / SMW2 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; "
+        "its first bit is SM2.0");
+    row("V1.3:u8", "V1.3 cannot be taken as u8 / V1.3 can be taken as bool; its whole byte is VB1");
+    row("T1:f32", "T1 cannot be taken as f32 / T1 can be taken as bool u16 i16 hex");
+    row("C1:bcd", "C1 cannot be taken as bcd / C1 can be taken as bool u16 i16 hex");
+    row("HC1:u16", "HC1 cannot be taken as u16 / HC1 can be taken as u32 i32 hex");
+    row("AIW0:u8", "AIW0 cannot be taken as u8 / AIW0 can be taken as u16 i16 hex bcd");
+    row("VB2097151*2", "VB2097151 is not followed by that many values / the largest count here is 1");
+    row("VD2097144*3", "VD2097144 is not followed by that many values / the largest count here is 2");
+    row("V2097151.1*8", "V2097151.1 is not followed by that many values / the largest count here is 7");
+    row("T0*65537", "T0 is not followed by that many values / the largest count here is 65536");
+}
+
+void TestItem::wrongItemsSayWhatCouldBeMeant()
+{
+    QFETCH(QString, text);
+    QTEST(failureOf([&] { parseItem(text); }), "failure");
+}
+
+QTEST_APPLESS_MAIN(TestItem)
+#include "test_item.moc"

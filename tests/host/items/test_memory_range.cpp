@@ -1,0 +1,84 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Stretches of memory: what is one, and what is meant by what is none.
+
+#include "host/items/memory_range.h"
+
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestMemoryRange : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bothEndsAreIncluded_data();
+    void bothEndsAreIncluded();
+    void whatIsNoRangeGetsTheNearestOne_data();
+    void whatIsNoRangeGetsTheNearestOne();
+    void moreElementsThanAnAddressCanNameAreRefused();
+};
+
+void TestMemoryRange::bothEndsAreIncluded_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("meaning");
+    QTest::addColumn<int>("size");
+    const auto row = [](const char *text, const char *meaning, int size) {
+        QTest::newRow(text) << QString(text) << QString(meaning) << size;
+    };
+    row("VB0..VB4095", "VB0..VB4095", 4096);
+    row("VB0..4095", "VB0..VB4095", 4096);
+    row("MB7..MB7", "MB7..MB7", 1);
+    row("VW0..VW98", "VW0..VW98", 100);
+    row("VD4..VD12", "VD4..VD12", 12);
+    row("AIW0..62", "AIW0..AIW62", 64);
+    row("T0..T255", "T0..T255", 512);
+    row("C5..6", "C5..C6", 4);
+    row("HC0..HC5", "HC0..HC5", 24);
+}
+
+void TestMemoryRange::bothEndsAreIncluded()
+{
+    QFETCH(QString, text);
+    const Item range = parseRange(text);
+    QTEST(rangeText(range), "meaning");
+    QTEST(range.size(), "size");
+}
+
+void TestMemoryRange::whatIsNoRangeGetsTheNearestOne_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("failure");
+    const auto row = [](const char *text, const char *failure) {
+        QTest::newRow(text) << QString(text) << QString(failure);
+    };
+    row("VB0", "2: VB0 is not a range / a range is FIRST..LAST, as VB0..VB4095 or MB0..31");
+    row("vb0..9", "2: vb0: not an address of the controller / write VB0 instead of vb0");
+    row("VB0..vb9", "2: vb9: not an address of the controller / write VB9 instead of vb9");
+    row("V0.0..V3.7", "2: V0.0 is a bit, and ranges are of bytes / its byte is VB0");
+    row("VB0..MB9", "2: VB0 and MB9 are not in the same area / write VB0..VB9");
+    row("VB0..VW8", "2: VB0 and VW8 are not in the same area / write VB0..VB8");
+    row("VB9..VB0", "2: VB0 lies before VB9 / write VB0..VB9");
+    row("VW0..VW9", "2: VW9 begins inside another element counted from VW0 / write VW0..VW8");
+    row("VD2..VD9", "2: VD9 begins inside another element counted from VD2 / write VD2..VD6");
+}
+
+void TestMemoryRange::whatIsNoRangeGetsTheNearestOne()
+{
+    QFETCH(QString, text);
+    QTEST(failureOf([&] { parseRange(text); }), "failure");
+}
+
+void TestMemoryRange::moreElementsThanAnAddressCanNameAreRefused()
+{
+    QCOMPARE(rangeText(rangeFrom(parseAddress("VB2097150"), 2)), QString("VB2097150..VB2097151"));
+    QVERIFY(failureOf([] { rangeFrom(parseAddress("VB2097150"), 3); }).startsWith("2: "));
+}
+
+QTEST_APPLESS_MAIN(TestMemoryRange)
+#include "test_memory_range.moc"

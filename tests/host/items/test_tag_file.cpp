@@ -1,0 +1,230 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Tag files: what they mean, what is wrong with them, and values to and from what people see.
+
+#include "host/items/tag_file.h"
+
+#include "hex.h"
+#include "host/items/assignment.h"
+#include "tests/host/support/failure_of.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace host;
+
+namespace {
+
+const char kTags[] = "name,address,type,scale,offset,unit\n"
+                     "Boiler,VW100,i16,0.1,-40,°C\n"
+                     "Levels,VW10*4,,0.5,,mm\n"
+                     "Speed,VD20,f32,60,,1/min\n"
+                     "Pump,Q0.3\n"
+                     "Label,VB40:str*5\n";
+
+// "Boiler VW100:i16*1 * 0.1 + -40 °C"
+QString textOf(const Tag &tag)
+{
+    return QString("%1 %2:%3*%4 * %5 + %6 %7")
+        .arg(tag.name, tag.item.address.text(), typeName(tag.item.type))
+        .arg(tag.item.count)
+        .arg(tag.scale)
+        .arg(tag.offset)
+        .arg(tag.unit)
+        .trimmed();
+}
+
+QStringList textsOf(const char *file)
+{
+    Outcome outcome;
+    QStringList texts;
+    for (const Tag &tag : parseTagFile("tags.csv", file, outcome))
+        texts << textOf(tag);
+    return texts;
+}
+
+} // namespace
+
+class TestTagFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void everyColumnHasItsMeaning();
+    void filesOfSpreadsheetsAreRead_data();
+    void filesOfSpreadsheetsAreRead();
+    void whatIsWrongInAFileIsAUsageError_data();
+    void whatIsWrongInAFileIsAUsageError();
+    void oneTagOfAFileIsFound();
+    void aTagThatIsNotThereIsToldWithThoseThatAre();
+    void itemsAndFilesMix();
+    void valuesAreShownScaledWithTheirUnit_data();
+    void valuesAreShownScaledWithTheirUnit();
+    void valuesAreAssignedAsTheyAreShown_data();
+    void valuesAreAssignedAsTheyAreShown();
+    void wrongAssignmentsToTagsAreRefused_data();
+    void wrongAssignmentsToTagsAreRefused();
+
+private:
+    QString reference(const QString &name) const { return '@' + directory.filePath("tags.csv") + ':' + name; }
+
+    QTemporaryDir directory;
+};
+
+void TestTagFile::initTestCase()
+{
+    QFile file(directory.filePath("tags.csv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(kTags);
+}
+
+void TestTagFile::everyColumnHasItsMeaning()
+{
+    QCOMPARE(textsOf(kTags), QStringList({"Boiler VW100:i16*1 * 0.1 + -40 °C",
+                                          "Levels VW10:u16*4 * 0.5 + 0 mm", "Speed VD20:f32*1 * 60 + 0 1/min",
+                                          "Pump Q0.3:bool*1 * 1 + 0", "Label VB40:str*5 * 1 + 0"}));
+}
+
+void TestTagFile::filesOfSpreadsheetsAreRead_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("semicolons") << QByteArray("name;address;type\nBoiler;VW100;i16\n");
+    QTest::newRow("tabulators") << QByteArray("name\taddress\ttype\nBoiler\tVW100\ti16");
+    QTest::newRow("another order") << QByteArray("type,address,name\ni16,VW100,Boiler\n");
+    QTest::newRow("quotes") << QByteArray("\"name\",\"address\",\"type\"\n\"Boiler\",\"VW100\",\"i16\"\n");
+    QTest::newRow("ends of lines as on Windows, and a byte order mark")
+        << QByteArray("\xef\xbb\xbfname,address,type\r\nBoiler,VW100,i16\r\n");
+    QTest::newRow("comments, blanks and empty lines")
+        << QByteArray("# tags\n\nname, address, type\n# one\n Boiler , VW100 , i16 \n\n");
+    QTest::newRow("columns of its own")
+        << QByteArray("remark,name,address,Comment,comment,type,\nhot,Boiler,VW100,a,b,i16,\n");
+    QTest::newRow("columns in another case") << QByteArray("Name,ADDRESS,Type\nBoiler,VW100,i16\n");
+    QTest::newRow("the type with the address") << QByteArray("name,address,type\nBoiler,VW100:i16,u32\n");
+}
+
+void TestTagFile::filesOfSpreadsheetsAreRead()
+{
+    QFETCH(QByteArray, file);
+    QCOMPARE(textsOf(file), QStringList({"Boiler VW100:i16*1 * 1 + 0"}));
+}
+
+void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("nothing in it") << QByteArray("");
+    QTest::newRow("no tags") << QByteArray("name,address\n");
+    QTest::newRow("no head") << QByteArray("Boiler,VW100\n");
+    QTest::newRow("a column twice in two cases") << QByteArray("name,address,Name\nBoiler,VW100,Boiler\n");
+    QTest::newRow("a column twice") << QByteArray("name,address,name\nBoiler,VW100,Boiler\n");
+    QTest::newRow("no column for the address") << QByteArray("name,type\nBoiler,i16\n");
+    QTest::newRow("a wrong address") << QByteArray("name,address\nBoiler,vw100\n");
+    QTest::newRow("a wrong type") << QByteArray("name,address,type\nBoiler,VW100,INT\n");
+    QTest::newRow("no name") << QByteArray("name,address\n,VW100\n");
+    QTest::newRow("a name twice") << QByteArray("name,address\nBoiler,VW100\nBoiler,VW102\n");
+    QTest::newRow("a scale that is no number") << QByteArray("name,address,scale\nBoiler,VW100,\"0,1\"\n");
+    QTest::newRow("a scale of nothing") << QByteArray("name,address,scale\nBoiler,VW100,0\n");
+    QTest::newRow("an endless scale") << QByteArray("name,address,scale\nBoiler,VW100,inf\n");
+    QTest::newRow("a scaled bit") << QByteArray("name,address,scale\nPump,Q0.3,2\n");
+    QTest::newRow("too many cells") << QByteArray("name,address\nBoiler,VW100,i16\n");
+    QTest::newRow("an open quote") << QByteArray("name,address\n\"Boiler,VW100\n");
+}
+
+void TestTagFile::whatIsWrongInAFileIsAUsageError()
+{
+    QFETCH(QByteArray, file);
+    Outcome outcome;
+    parseTagFile("tags.csv", file, outcome);
+    QCOMPARE(outcome.exitCode(), int(ExitCode::Usage));
+}
+
+void TestTagFile::oneTagOfAFileIsFound()
+{
+    QCOMPARE(textOf(findTag(reference("Speed"))), QString("Speed VD20:f32*1 * 60 + 0 1/min"));
+}
+
+void TestTagFile::aTagThatIsNotThereIsToldWithThoseThatAre()
+{
+    QCOMPARE(failureOf([this] { findTag(reference("boiler")); }),
+             QString("2: there is no tag \"boiler\" in the file / its tags are Boiler, Levels, Speed, Pump, "
+                     "Label"));
+    QVERIFY(
+        failureOf([] { findTag("@/no/such.csv:Boiler"); }).startsWith("2: /no/such.csv cannot be read: "));
+}
+
+void TestTagFile::itemsAndFilesMix()
+{
+    Outcome outcome;
+    const std::string file = "@" + directory.filePath("tags.csv").toStdString();
+    QStringList labels;
+    for (const Tag &tag : parseTags({"VB0", file + ":Pump", file, "VB1:i8"}, outcome))
+        labels << tag.label();
+    QVERIFY(outcome.isSuccess());
+    QCOMPARE(labels.join(' '), QString("VB0 Pump Boiler Levels Speed Pump Label VB1"));
+}
+
+void TestTagFile::valuesAreShownScaledWithTheirUnit_data()
+{
+    QTest::addColumn<QString>("data");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Boiler") << "0267"
+                            << "21.5 °C";
+    QTest::newRow("Levels") << "0001000300000005"
+                            << "0.5 1.5 0 2.5 mm";
+    QTest::newRow("Speed") << "41c80000"
+                           << "1500 1/min";
+    QTest::newRow("Pump") << "01"
+                          << "1";
+    QTest::newRow("Label") << "48656c6c6f"
+                           << "\"Hello\"";
+}
+
+void TestTagFile::valuesAreShownScaledWithTheirUnit()
+{
+    QFETCH(QString, data);
+    const Tag tag = findTag(reference(QTest::currentDataTag()));
+    QTEST(shownText(tag, decodeValues(tag.item, bytes(qPrintable(data)))), "text");
+}
+
+void TestTagFile::valuesAreAssignedAsTheyAreShown_data()
+{
+    QTest::addColumn<QString>("data");
+    QTest::newRow("Boiler=21.5") << "0267";
+    QTest::newRow("Boiler=-40") << "0000";
+    QTest::newRow("Boiler=-45.04") << "ffce"; // -50.4 is nearest to -50
+    QTest::newRow("Levels=0.5,1.5,0,2.5") << "0001000300000005";
+    QTest::newRow("Levels=0.5") << "0001";
+    QTest::newRow("Levels=0.0,5.0") << "0000000a";
+    QTest::newRow("Speed=1500") << "41c80000";
+    QTest::newRow("Pump=on") << "01";
+    QTest::newRow("Label=Hello") << "48656c6c6f";
+}
+
+void TestTagFile::valuesAreAssignedAsTheyAreShown()
+{
+    const Assignment assignment = parseAssignment(reference(QTest::currentDataTag()));
+    QTEST(hex(assignment.data), "data");
+    QCOMPARE(assignment.tag.item.size(), int(assignment.data.size()));
+}
+
+void TestTagFile::wrongAssignmentsToTagsAreRefused_data()
+{
+    QTest::addColumn<QString>("failure");
+    QTest::newRow("Boiler=warm")
+        << "2: \"warm\" is not a number / Boiler is scaled: write a number with a point, as 21.5";
+    QTest::newRow("Boiler=4000")
+        << "2: 40400 is too large for i16: -32768 to 32767 / the nearest value is 32767";
+    QTest::newRow("Boiler=1,2") << "2: there are more values than the tag has / Boiler has 1";
+    QTest::newRow("Levels=0,5")
+        << "2: \"0,5\" may be one number or two / write Levels=0.5 for one number, Levels=0.0,5.0 for two";
+    QTest::newRow("Label=Hello!") << "2: there are more values than the tag has / Label has 5";
+}
+
+void TestTagFile::wrongAssignmentsToTagsAreRefused()
+{
+    QTEST(failureOf([this] { parseAssignment(reference(QTest::currentDataTag())); }), "failure");
+}
+
+QTEST_APPLESS_MAIN(TestTagFile)
+#include "test_tag_file.moc"

@@ -1,0 +1,246 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Values of the command line as the controller's bytes.
+
+#include "host/items/value_parser.h"
+
+#include "hex.h"
+#include "host/items/value.h"
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestValueParser : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void valuesBecomeBytes_data();
+    void valuesBecomeBytes();
+    void whatReadPrintsCanBeWritten_data();
+    void whatReadPrintsCanBeWritten();
+    void numbersOutOfRangeAreRefusedWithTheNearestOne_data();
+    void numbersOutOfRangeAreRefusedWithTheNearestOne();
+    void garbageIsRefusedWithWhatCouldBeMeant_data();
+    void garbageIsRefusedWithWhatCouldBeMeant();
+};
+
+void TestValueParser::valuesBecomeBytes_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("values");
+    QTest::addColumn<QString>("bytesOfItem");
+    const auto row = [](const char *item, const char *values, const char *bytesOfItem) {
+        QTest::addRow("%s=%s", item, values) << QString(item) << QString(values) << QString(bytesOfItem);
+    };
+    row("V0.0", "0,1,off,on,false,true", "000100010001");
+    row("T37:bool", "on", "01");
+
+    row("VB0", "0,255", "00ff");
+    row("VB0", " 1, 2 ,3", "010203");
+    row("VB0", "0x10,0X1f,0b101,0B1,007,+5", "101f05010705");
+    row("VB0:i8", "-128,127,-1,-0x80,-0b1", "807fff80ff");
+    row("VW0", "0,65535,0x1234", "0000ffff1234");
+    row("VW0:i16", "-32768,32767,-2", "80007ffffffe");
+    row("AIW0", "-2", "fffe");
+    row("T37", "300", "012c");
+    row("C5:i16", "-1", "ffff");
+    row("VD0", "0,4294967295", "00000000ffffffff");
+    row("VD0:i32", "-2147483648,2147483647", "800000007fffffff");
+    row("VB0:u32", "1", "00000001");
+    row("HC0", "100000", "000186a0");
+
+    row("VB0:bcd", "0,99,12", "009912");
+    row("VW0:bcd", "1234,7,9999", "123400079999");
+    row("VD0:bcd", "99999999,0", "9999999900000000");
+
+    row("VB0:hex", "00", "00");
+    row("VB0:hex", "11223344", "11223344");
+    row("VB0:hex", "11,22aB,FF", "1122abff");
+    row("VW0:hex", "11223344,0001", "112233440001");
+    row("VD0:hex", "11223344", "11223344");
+    row("T37:hex", "012c", "012c");
+
+    row("VD0:f32", "0,1,-1.5,+2", "000000003f800000bfc0000040000000");
+    row("VD0:f32", "1.,.5,-.5", "3f8000003f000000bf000000");
+    row("VD0:f32", "1e3,-2E-1,1e+2", "447a0000be4ccccd42c80000");
+    row("VD0:f32", "-0,inf,-inf,nan,-nan", "800000007f800000ff8000007fc00000ffc00000");
+    row("VD0:f32", "3.1415926535897932384626", "40490fdb");
+    row("VD0:f32", "0.0e-99", "00000000");
+    // The largest and the smallest numbers, also when they are the nearest ones only.
+    row("VD0:f32", "3.4028234663852886e38,3.40282350000000000001e38", "7f7fffff7f7fffff");
+    row("VD0:f32", "1e-45,1.4e-45,1.1754944e-38", "000000010000000100800000");
+    // Half way between two numbers: to the even one, unless a digit far behind decides.
+    row("VD0:f32", "16777217,16777219,16777217.00000000000000001", "4b8000004b8000024b800001");
+
+    row("VB0:str", "Hello", "48656c6c6f");
+    row("VB0:str", "\"Hello\"", "48656c6c6f");
+    row("VB0:str", "a, b=c", "612c20623d63");
+    row("VB0:str", " a ", "206120");
+    row("VB0:str", "\"  \"", "2020");
+    row("VB0:str", "say \"a\"", "73617920226122");
+    row("VB0:str", "\\\"\\\\\\x00\\xe4\\xFF", "225c00e4ff");
+    row("VB0:str", "\"\\x410\"", "4130");
+}
+
+void TestValueParser::valuesBecomeBytes()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, values);
+    QString encoded;
+    QCOMPARE(failureOf([&] { encoded = hex(encodeValues(parseItem(item), values)); }), QString());
+    QTEST(encoded, "bytesOfItem");
+}
+
+void TestValueParser::whatReadPrintsCanBeWritten_data()
+{
+    QTest::addColumn<QString>("data");
+    for (const char *item : {"VB0*8", "VB0:i8*8", "VW0*4", "VW0:i16*4", "VD0*2", "VD0:i32*2", "VD0:f32*2",
+                             "VB0:hex*8", "VW0:hex*4", "VD0:hex*2", "VB0:str*8", "T0*4", "HC0:i32*2"})
+        for (const char *data :
+             {"00 01 7f 80 bf fe 22 5c", "3d cc cc cd ff 80 00 00", "00 00 00 01 41 42 43 44"})
+            QTest::addRow("%s", item) << QString(data);
+    QTest::addRow("VD0:bcd*2") << QString("12 34 56 78 00 00 00 99");
+    QTest::addRow("V0.0*8") << QString("01 00 00 01 01 01 00 00");
+}
+
+void TestValueParser::whatReadPrintsCanBeWritten()
+{
+    QFETCH(QString, data);
+    const QByteArray memory = bytes(qPrintable(data));
+    const Item item = parseItem(QTest::currentDataTag());
+    QStringList texts;
+    for (const Value &value : decodeValues(item, memory))
+        texts << valueText(value);
+    QCOMPARE(hex(encodeValues(item, texts.join(','))), hex(memory));
+}
+
+void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("failure");
+    const auto row = [](const char *item, const char *value, const char *failure) {
+        QTest::newRow(value) << QString(item) << QString("2: %1 is too %2").arg(value, failure);
+    };
+    row("VB0", "256", "large for u8: 0 to 255 / the nearest value is 255");
+    row("VB0", "0x100", "large for u8: 0 to 255 / the nearest value is 255");
+    row("VB0", "99999999999999999999999", "large for u8: 0 to 255 / the nearest value is 255");
+    row("VB0", "-1", "small for u8: 0 to 255 / the nearest value is 0; for -1 there is i8");
+    row("VB0", "-99999999999999999999999", "small for u8: 0 to 255 / the nearest value is 0");
+    row("VB0:i8", "128", "large for i8: -128 to 127 / the nearest value is 127");
+    row("VB0:i8", "-129", "small for i8: -128 to 127 / the nearest value is -128");
+    row("VB100", "-129", "small for u8: 0 to 255 / the nearest value is 0; for -129 there is i16");
+    row("VB100", "-40000", "small for u8: 0 to 255 / the nearest value is 0; for -40000 there is i32");
+    row("VW2", "-40000", "small for u16: 0 to 65535 / the nearest value is 0; for -40000 there is i32");
+    row("VB2", "-2147483649", "small for u8: 0 to 255 / the nearest value is 0");
+    row("T38", "-40000", "small for u16: 0 to 65535 / the nearest value is 0");
+    row("VW0", "65536", "large for u16: 0 to 65535 / the nearest value is 65535");
+    row("T37", "-2", "small for u16: 0 to 65535 / the nearest value is 0; for -2 there is i16");
+    row("VW0:i16", "32768", "large for i16: -32768 to 32767 / the nearest value is 32767");
+    row("AQW0", "-32769", "small for i16: -32768 to 32767 / the nearest value is -32768");
+    row("VD0", "4294967296", "large for u32: 0 to 4294967295 / the nearest value is 4294967295");
+    row("VD0:i32", "2147483648",
+        "large for i32: -2147483648 to 2147483647 / the nearest value is 2147483647");
+    row("VD0:i32", "-2147483649",
+        "small for i32: -2147483648 to 2147483647 / the nearest value is -2147483648");
+    row("VB0:bcd", "100", "large for bcd: 0 to 99 / the nearest value is 99");
+    row("VB0:bcd", "-3", "small for bcd: 0 to 99 / the nearest value is 0");
+    row("VW0:bcd", "10000", "large for bcd: 0 to 9999 / the nearest value is 9999");
+    row("VD0:bcd", "100000000", "large for bcd: 0 to 99999999 / the nearest value is 99999999");
+    row("VD0:f32", "3.4028236e38",
+        "large for f32: -3.4028235e+38 to 3.4028235e+38 / the nearest value is 3.4028235e+38");
+    row("VD0:f32", "-1e999",
+        "small for f32: -3.4028235e+38 to 3.4028235e+38 / the nearest value is -3.4028235e+38");
+    row("VD0:f32", "7e-46", "near to 0 for f32 / the nearest value is 0");
+    row("VD0:f32", "-1e-400", "near to 0 for f32 / the nearest value is 0");
+}
+
+void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne()
+{
+    QFETCH(QString, item);
+    QTEST(failureOf([&] { encodeValues(parseItem(item), QTest::currentDataTag()); }), "failure");
+}
+
+void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("values");
+    QTest::addColumn<QString>("failure");
+    const auto row = [](const char *item, const char *values, const QString &failure) {
+        QTest::addRow("%s=%s", item, values) << QString(item) << QString(values) << "2: " + failure;
+    };
+    const QString wholeHint = "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
+    const QString floatHint = "numbers are written 1.5, -2e3, inf or nan";
+    const QString hexHint = "hex is 2 digits for each value of VB0, as 1a";
+    const QString escapeHint = "write \\\\ for \\, \\\" for \" and \\xNN for any other byte";
+
+    row("V0.0", "", "\"\" is not a bit / bits are 0 off false and 1 on true");
+    row("V0.0", "2", "\"2\" is not a bit / bits are 0 off false and 1 on true");
+    row("V0.0", "1,,0", "\"\" is not a bit / bits are 0 off false and 1 on true");
+    row("V0.0", "ON", "\"ON\" is not a bit / write on instead of ON");
+    row("V0.0", "True", "\"True\" is not a bit / write true instead of True");
+
+    row("VB0", "", "\"\" is not a whole number / " + wholeHint);
+    row("VB0", "1,", "\"\" is not a whole number / " + wholeHint);
+    row("VB0", "1 2", "\"1 2\" is not a whole number / " + wholeHint);
+    row("VB0", "12x", "\"12x\" is not a whole number / " + wholeHint);
+    row("VB0", "0x", "\"0x\" is not a whole number / " + wholeHint);
+    row("VB0", "0b12",
+        "\"0b12\" is not a whole number / 0b begins a number of 0 and 1 only, 0x one of hexadecimal digits");
+    row("VB0", "fff", "\"fff\" is not a whole number / " + wholeHint);
+    row("VB0", "16#100", "\"16#100\" is not a whole number / " + wholeHint);
+    row("VW0", "fff", "\"fff\" is not a whole number / write 0xfff instead of fff");
+    row("VB0", "--1", "\"--1\" is not a whole number / " + wholeHint);
+    row("VB0", "1e2", "\"1e2\" is not a whole number / " + wholeHint);
+    row("VW0", "1e2", "\"1e2\" is not a whole number / write 0x1e2 instead of 1e2");
+    row("VB0", "ff", "\"ff\" is not a whole number / write 0xff instead of ff");
+    row("VW0", "16#12Ab", "\"16#12Ab\" is not a whole number / write 0x12Ab instead of 16#12Ab");
+    row("VB0", "2#101", "\"2#101\" is not a whole number / write 0b101 instead of 2#101");
+    row("VB0", "1.5", "\"1.5\" is not a whole number / this type holds whole numbers; fractions need f32");
+    row("VB0:bcd", "1a", "\"1a\" is not a whole number / write 0x1a instead of 1a");
+
+    row("VD0:f32", "", "\"\" is not a number / " + floatHint);
+    row("VD0:f32", ".", "\".\" is not a number / " + floatHint);
+    row("VD0:f32", "1e", "\"1e\" is not a number / " + floatHint);
+    row("VD0:f32", "0x10", "\"0x10\" is not a number / " + floatHint);
+    row("VD0:f32", "infinity", "\"infinity\" is not a number / " + floatHint);
+    row("VD0:f32", "1.5.2", "\"1.5.2\" is not a number / " + floatHint);
+
+    row("VB0:hex", "", "\"\" is not a row of bytes in hex / " + hexHint);
+    row("VB0:hex", "1", "\"1\" is not a row of bytes in hex / " + hexHint);
+    row("VB0:hex", "11 22", "\"11 22\" is not a row of bytes in hex / " + hexHint);
+    row("VB0:hex", "1g", "\"1g\" is not a row of bytes in hex / " + hexHint);
+    row("VB0:hex", "0x12", "\"0x12\" is not a row of bytes in hex / write 12 instead of 0x12");
+    row("VW0:hex", "112233",
+        "\"112233\" is no whole number of values / hex is 4 digits for each value of VW0, as 1a2b");
+    row("VD0:hex", "1122",
+        "\"1122\" is no whole number of values / hex is 8 digits for each value of VD0, as 1a2b3c4d");
+
+    row("VB0:str", "", "the text is empty / a text is one character or more; \\x00 is the character 0");
+    row("VB0:str", "\"\"", "the text is empty / a text is one character or more; \\x00 is the character 0");
+    row("VB0:str", "\"", "the quotes do not stand around the whole text / write \\\" for a quote within it");
+    row("VB0:str", "\"ab",
+        "the quotes do not stand around the whole text / write \\\" for a quote within it");
+    row("VB0:str", "\"a\"b\"",
+        "the quotes do not stand around the whole text / write \\\" for a quote within it");
+    row("VB0:str", "\\n", "\\n means nothing / " + escapeHint);
+    row("VB0:str", "a\\x4", "\\x means nothing / " + escapeHint);
+    row("VB0:str", "a\\", "\\ means nothing / " + escapeHint);
+    row("VB0:str", "\xc3\xa4",
+        QString::fromUtf8(
+            "\xc3\xa4 is no character of plain ASCII / write other characters as the bytes that "
+            "the display shows them for, \\xNN each"));
+}
+
+void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, values);
+    QTEST(failureOf([&] { encodeValues(parseItem(item), values); }), "failure");
+}
+
+QTEST_APPLESS_MAIN(TestValueParser)
+#include "test_value_parser.moc"

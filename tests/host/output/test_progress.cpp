@@ -1,0 +1,82 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What is told of long work: how far it is, how fast, how long yet.
+
+#include "host/output/progress.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestProgress : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void rateAndTimeLeftAreToldOnceTheyAreKnown_data();
+    void rateAndTimeLeftAreToldOnceTheyAreKnown();
+    void whatAnEarlierRunHasDoneIsNoRate();
+    void theEndIsSummedUp();
+    void durationsAreAsLongAsNeeded_data();
+    void durationsAreAsLongAsNeeded();
+};
+
+void TestProgress::rateAndTimeLeftAreToldOnceTheyAreKnown_data()
+{
+    QTest::addColumn<int>("done");
+    QTest::addColumn<int>("milliseconds");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("at the beginning") << 0 << 0 << "VB0..VB999: 0 of 1000 bytes, 0 %";
+    QTest::newRow("too early for a rate") << 222 << 999 << "VB0..VB999: 222 of 1000 bytes, 22 %";
+    QTest::newRow("under way") << 200 << 2000 << "VB0..VB999: 200 of 1000 bytes, 20 %, 100 bytes/s, 8 s left";
+    QTest::newRow("slow") << 10 << 4000 << "VB0..VB999: 10 of 1000 bytes, 1 %, 2.5 bytes/s, 6 min 36 s left";
+    QTest::newRow("nothing done for long") << 0 << 60000 << "VB0..VB999: 0 of 1000 bytes, 0 %";
+    QTest::newRow("all") << 1000 << 2000 << "VB0..VB999: 1000 of 1000 bytes, 100 %, 500 bytes/s, 0 s left";
+}
+
+void TestProgress::rateAndTimeLeftAreToldOnceTheyAreKnown()
+{
+    QFETCH(int, done);
+    QFETCH(int, milliseconds);
+    QTEST(progressText({"VB0..VB999", "bytes", 1000, done, 0}, milliseconds), "text");
+}
+
+void TestProgress::whatAnEarlierRunHasDoneIsNoRate()
+{
+    QCOMPARE(progressText({"VB0..VB999", "bytes", 1000, 900, 800}, 10000),
+             QString("VB0..VB999: 900 of 1000 bytes, 90 %, 10 bytes/s, 10 s left"));
+}
+
+void TestProgress::theEndIsSummedUp()
+{
+    QCOMPARE(summaryText({"VB0..VB999", "bytes", 1000, 1000, 800}, 1600),
+             QString("VB0..VB999: 200 bytes in 1.6 s, 125 bytes/s"));
+    QCOMPARE(summaryText({"T0..T2", "bytes", 6, 6, 0}, 0), QString("T0..T2: 6 bytes in 0.0 s, 6000 bytes/s"));
+}
+
+void TestProgress::durationsAreAsLongAsNeeded_data()
+{
+    QTest::addColumn<qint64>("milliseconds");
+    QTest::addColumn<QString>("text");
+    const auto row = [](qint64 milliseconds, const char *text) {
+        QTest::newRow(text) << milliseconds << QString(text);
+    };
+    row(0, "0 s");
+    row(1500, "2 s");
+    row(59499, "59 s");
+    row(59500, "1 min 00 s");
+    row(125000, "2 min 05 s");
+    row(3599499, "59 min 59 s");
+    row(3599500, "1 h 00 min");
+    row(12000000, "3 h 20 min");
+}
+
+void TestProgress::durationsAreAsLongAsNeeded()
+{
+    QFETCH(qint64, milliseconds);
+    QTEST(durationText(milliseconds), "text");
+}
+
+QTEST_APPLESS_MAIN(TestProgress)
+#include "test_progress.moc"

@@ -1,0 +1,44 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Which adapter is taken when none is named.
+
+#include "host/port/port_choice.h"
+
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestPortChoice : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void noAdapterGivesNoDevice();
+    void theOnlyAdapterIsTaken();
+    void severalAdaptersAreListed();
+};
+
+void TestPortChoice::noAdapterGivesNoDevice()
+{
+    QCOMPARE(onlyAdapter({}), QString());
+}
+
+void TestPortChoice::theOnlyAdapterIsTaken()
+{
+    QCOMPARE(onlyAdapter({{"/dev/ttyUSB3", "PPI cable"}}), QString("/dev/ttyUSB3"));
+}
+
+void TestPortChoice::severalAdaptersAreListed()
+{
+    QCOMPARE(failureOf([] {
+                 onlyAdapter({{"/dev/ttyUSB0", "PPI cable"}, {"/dev/ttyACM0", ""}});
+             }),
+             QString("2: there are several USB serial adapters: /dev/ttyUSB0 (PPI cable), /dev/ttyACM0 / "
+                     "choose one with --port, as --port /dev/ttyUSB0"));
+}
+
+QTEST_APPLESS_MAIN(TestPortChoice)
+#include "test_port_choice.moc"

@@ -1,0 +1,26 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What an expression that must fail says: "exit code: text / hint", or nothing when it does not fail.
+
+#ifndef TESTS_HOST_SUPPORT_FAILURE_OF_H
+#define TESTS_HOST_SUPPORT_FAILURE_OF_H
+
+#include "host/base/failure.h"
+
+template <typename Action> QString failureOf(const Action &action)
+{
+    try {
+        action();
+    } catch (const host::Failure &failure) {
+        return QString("%1: %2 / %3").arg(int(failure.code())).arg(failure.text(), failure.hint());
+    }
+    return QString();
+}
+
+template <typename Action> QString hintOf(const Action &action)
+{
+    return failureOf(action).section(" / ", 1);
+}
+
+#endif

@@ -1,0 +1,94 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Bytes as people write them, and the records of a trace.
+
+#include "host/frames/trace_reader.h"
+#include "host/text/hex_text.h"
+
+#include "hex.h"
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+class TestHexText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anyGroupingIsTaken_data();
+    void anyGroupingIsTaken();
+    void whatIsNoHexIsRefused_data();
+    void whatIsNoHexIsRefused();
+    void aRecordHasTimeDirectionAndBytes();
+    void commentsAreNoRecords();
+    void otherLinesOfATraceAreRefused();
+};
+
+void TestHexText::anyGroupingIsTaken_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char *text :
+         {"10 02 00 5c 5e 16", "1002005C5e16", "10:02:00:5c:5e:16", "0x10, 0x2,0x00 0X5c 5e16",
+          "10-02-00\n5c_5e;16\n", "  1002 005c\t5e 16 ", "-> poll of station 2: 10 02 00 5c 5e 16",
+          "poll of station 2: 1002\nmore: 00 5c 5e16"})
+        QTest::newRow(text) << QString(text);
+}
+
+void TestHexText::anyGroupingIsTaken()
+{
+    QFETCH(QString, text);
+    QCOMPARE(hex(parseHex(text)), QString("1002005c5e16"));
+}
+
+void TestHexText::whatIsNoHexIsRefused_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("letters") << "10 zz"
+                             << "2: \"zz\" is not hexadecimal";
+    QTest::newRow("half a byte") << "10 025"
+                                 << "2: \"025\" is an odd number of digits";
+    QTest::newRow("a mark alone") << "0x"
+                                  << "2: \"0x\" is not hexadecimal";
+    QTest::newRow("beyond ASCII") << QString::fromUtf8("１０")
+                                  << QString::fromUtf8("2: \"１０\" is not hexadecimal");
+}
+
+void TestHexText::whatIsNoHexIsRefused()
+{
+    QFETCH(QString, text);
+    QTEST(failureOf([&] { parseHex(text); }).section(" / ", 0, 0), "complaint");
+}
+
+void TestHexText::aRecordHasTimeDirectionAndBytes()
+{
+    const std::optional<TraceRecord> record =
+        parseTraceLine("2026-01-31T12:00:00.263Z > 10 02 00 5c 5e 16\r");
+    QVERIFY(record);
+    QCOMPARE(record->time, QString("2026-01-31T12:00:00.263Z"));
+    QCOMPARE(record->direction, QString(">"));
+    QCOMPARE(hex(record->bytes), QString("1002005c5e16"));
+    QCOMPARE(parseTraceLine("2026-01-31T12:00:00.264Z < e5")->direction, QString("<"));
+}
+
+void TestHexText::commentsAreNoRecords()
+{
+    QVERIFY(!parseTraceLine("# s7ppi-sim 1.0.0 on /dev/pts/3"));
+    QVERIFY(!parseTraceLine(""));
+    QVERIFY(!parseTraceLine("\r"));
+}
+
+void TestHexText::otherLinesOfATraceAreRefused()
+{
+    QCOMPARE(failureOf([] { parseTraceLine("10 02 00"); }).section(" / ", 0, 0),
+             QString("2: no record of a trace"));
+    QCOMPARE(failureOf([] { parseTraceLine("2026-01-31T12:00:00.264Z < e"); }).section(" / ", 0, 0),
+             QString("2: \"e\" is an odd number of digits"));
+}
+
+QTEST_APPLESS_MAIN(TestHexText)
+
+#include "test_hex_text.moc"

@@ -1,0 +1,146 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Curves in characters.
+
+#include "host/watch/plot.h"
+
+#include <QtTest>
+
+using namespace host;
+
+namespace {
+
+using Samples = std::deque<PlotSample>;
+
+PlotSample sample(double time, double value)
+{
+    return {time, value, value, value, false};
+}
+
+QStringList plotted(const Samples &samples, int columns, int rows, PlotGlyphs glyphs = PlotGlyphs::Ascii)
+{
+    return plotLines({{"VB0", "7", samples}}, 10, 10, columns, rows, glyphs);
+}
+
+} // namespace
+
+class TestPlot : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aStepIsDrawnInAscii();
+    void aStepIsDrawnInDots();
+    void aLevelLiesInTheMiddle();
+    void aGapIsLeftOpen();
+    void whatHeldBeforeTheBeginningIsDrawn();
+    void severalCurvesShareTheRows();
+    void curvesWithoutRoomAreCounted();
+    void noSizeIsTooSmallOrTooLarge();
+    void historyKeepsTheSpanAndWhatHeldBefore();
+    void historyKeepsPeaksOfCrowdedSamples();
+};
+
+void TestPlot::aStepIsDrawnInAscii()
+{
+    const Samples samples = {sample(0, 0), sample(5, 10)};
+    QCOMPARE(plotted(samples, 27, 5).join('\n'), QString("VB0  7   0 to 10\n"
+                                                         "        10 |       :'''''''\n"
+                                                         "           |       :\n"
+                                                         "         0 |.......:\n"
+                                                         "            -10 s       now"));
+}
+
+void TestPlot::aStepIsDrawnInDots()
+{
+    const Samples samples = {sample(0, 0), sample(5, 10)};
+    const QStringList lines = plotted(samples, 22, 4, PlotGlyphs::Braille);
+    QCOMPARE(lines.at(1), QString::fromUtf8("        10 │     ⡏⠉⠉⠉⠉"));
+    QCOMPARE(lines.at(2), QString::fromUtf8("         0 │⣀⣀⣀⣀⣀⡇"));
+}
+
+void TestPlot::aLevelLiesInTheMiddle()
+{
+    const QStringList lines = plotted({sample(0, 100)}, 27, 5);
+    QCOMPARE(lines.at(0), QString("VB0  7"));
+    QCOMPARE(lines.at(1), QString("       110 |"));
+    QVERIFY(lines.at(2).endsWith("|...............") || lines.at(2).endsWith("|'''''''''''''''"));
+    QCOMPARE(lines.at(3), QString("        90 |"));
+}
+
+void TestPlot::aGapIsLeftOpen()
+{
+    const Samples samples = {sample(0, 1), {2, 0, 0, 0, true}, sample(8, 2)};
+    const QStringList lines = plotted(samples, 23, 4);
+    QCOMPARE(lines.at(1), QString("         2 |        '''"));
+    QCOMPARE(lines.at(2), QString("         1 |..."));
+}
+
+void TestPlot::whatHeldBeforeTheBeginningIsDrawn()
+{
+    const Samples samples = {sample(-500, 99), sample(-50, 3)};
+    const QStringList lines = plotted(samples, 23, 5);
+    QCOMPARE(lines.at(1), QString("         4 |"));
+    QVERIFY(lines.at(2).size() == 23);
+}
+
+void TestPlot::severalCurvesShareTheRows()
+{
+    const Samples samples = {sample(0, 1)};
+    const QStringList lines =
+        plotLines({{"A", "1", samples}, {"B", "1", samples}}, 10, 10, 40, 11, PlotGlyphs::Ascii);
+    QCOMPARE(int(lines.size()), 11);
+    QCOMPARE(lines.at(0), QString("A  1"));
+    QCOMPARE(lines.at(5), QString("B  1"));
+}
+
+void TestPlot::curvesWithoutRoomAreCounted()
+{
+    const Samples samples = {sample(0, 1)};
+    const std::vector<PlotCurve> curves(4, {"A", "1", samples});
+    const QStringList lines = plotLines(curves, 10, 10, 40, 8, PlotGlyphs::Ascii);
+    QCOMPARE(int(lines.size()), 8);
+    QCOMPARE(lines.last(), QString("... and 2 more"));
+}
+
+void TestPlot::noSizeIsTooSmallOrTooLarge()
+{
+    const Samples samples = {sample(0, -1e300), sample(3, 1e300), {4, 0, 0, 0, true}, sample(9, 1e-300)};
+    for (const PlotGlyphs glyphs : {PlotGlyphs::Ascii, PlotGlyphs::Braille})
+        for (const int columns : {0, 1, 5, 12, 21, 22, 23, 80, 400})
+            for (const int rows : {-2, 0, 1, 2, 3, 4, 5, 24, 200}) {
+                const QStringList lines = plotLines({{"VB0", "long value", samples}, {"VB1", "", samples}},
+                                                    10, 10, columns, rows, glyphs);
+                QVERIFY(int(lines.size()) <= std::max(rows, 0));
+                for (const QString &line : lines)
+                    QVERIFY2(line.size() <= columns, qPrintable(line));
+            }
+}
+
+void TestPlot::historyKeepsTheSpanAndWhatHeldBefore()
+{
+    PlotHistory history(10);
+    for (int second = 0; second <= 100; ++second)
+        history.add(second, second);
+    QCOMPARE(history.samples().front().time, 89.0);
+    QCOMPARE(history.samples().back().last, 100.0);
+}
+
+void TestPlot::historyKeepsPeaksOfCrowdedSamples()
+{
+    PlotHistory history(100);
+    for (int i = 0; i < 100000; ++i)
+        history.add(i / 1000.0, i == 50001 ? 9 : 1);
+    history.addGap(100);
+    QVERIFY(history.samples().size() < 1100);
+    double peak = 0;
+    for (const PlotSample &sample : history.samples())
+        peak = std::max(peak, sample.high);
+    QCOMPARE(peak, 9.0);
+    QVERIFY(history.samples().back().isGap);
+}
+
+QTEST_APPLESS_MAIN(TestPlot)
+
+#include "test_plot.moc"
