@@ -3,7 +3,7 @@
 //
 // The commands of s7ppi, in the order in which --help lists them.
 
-#include "host/base/exit_code.h"
+#include "host/base/failure.h"
 #include "host/base/standard_streams.h"
 #include "host/cli/program.h"
 #include "host/commands/commands.h"

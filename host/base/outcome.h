@@ -7,7 +7,7 @@
 #define HOST_BASE_OUTCOME_H
 
 #include "host/base/failure.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 
 #include <QString>
 

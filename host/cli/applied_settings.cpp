@@ -4,7 +4,7 @@
 #include "host/cli/applied_settings.h"
 
 #include "host/base/failure.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 #include "host/cli/settings.h"
 
 #include <CLI/CLI.hpp>

@@ -4,16 +4,19 @@
 #include "host/cli/program.h"
 
 #include "host/base/failure.h"
-#include "host/base/report.h"
+#include "host/base/files_in_use.h"
+#include "host/base/interruption.h"
+#include "host/base/messages.h"
 #include "host/cli/applied_settings.h"
 #include "host/cli/command_line.h"
 #include "host/cli/common_options.h"
-#include "host/cli/run.h"
 #include "host/text/nearest_word.h"
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
 #include <sstream>
+#include <string>
 
 namespace host {
 
@@ -109,6 +112,35 @@ int usageError(const CLI::App &app, const CLI::ParseError &error)
     reportFailure(Failure(ExitCode::Usage, QString::fromStdString(usageText(app, error)),
                           QString::fromStdString(usageHint(app))));
     return int(ExitCode::Usage);
+}
+
+constexpr int kSignalExit = 128;
+
+int outcomeOf(Options &options, const std::function<int()> &command)
+{
+    try {
+        settleFiles(options);
+        return command();
+    } catch (const Interrupted &) {
+        return kSignalExit;
+    } catch (const Failure &failure) {
+        if (interruptingSignal() == 0)
+            reportFailure(failure);
+        return int(failure.code());
+    }
+}
+
+// Settles the options' files first. The exit code: the command's own, a failure's after it was reported, or
+// 128 and the signal's number after a signal that ends the program in order.
+int run(Options &options, const std::function<int()> &command)
+{
+    catchInterruptions();
+    setQuiet(options.quiet);
+    setVerbose(options.verbose);
+    installDriverLog(options.verbose);
+    const int exitCode = outcomeOf(options, command);
+    const int signalNumber = interruptingSignal();
+    return signalNumber ? kSignalExit + signalNumber : exitCode;
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The program around its commands: parses the command line, runs the command it chooses.
+// The program around its commands: parses the command line, runs the command it chooses, and turns what
+// that throws into what the shell sees.
 
 #ifndef HOST_CLI_PROGRAM_H
 #define HOST_CLI_PROGRAM_H

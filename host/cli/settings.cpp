@@ -4,7 +4,7 @@
 #include "host/cli/settings.h"
 
 #include "host/base/failure.h"
-#include "host/base/text_input.h"
+#include "host/base/files.h"
 
 #include <CLI/CLI.hpp>
 

@@ -5,8 +5,8 @@
 
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
+#include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
-#include "host/driver/request_frames.h"
 #include "host/driver/write_plan.h"
 #include "host/items/item.h"
 #include "host/items/tag_file.h"
@@ -71,7 +71,7 @@ struct Verdict
     QString writeRefusal; // empty when it can be written
 };
 
-QString writeRefusal(const Item &item, const RequestFrames &frames)
+QString writeRefusal(const Item &item, const DryRun &frames)
 {
     try {
         frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first());
@@ -81,7 +81,7 @@ QString writeRefusal(const Item &item, const RequestFrames &frames)
     }
 }
 
-Verdict verdictOn(const Item &item, const RequestFrames &frames)
+Verdict verdictOn(const Item &item, const DryRun &frames)
 {
     const QList<ReadRequest> requests = planRead(item).requests;
     return {int(requests.size()), frames.ofRead(requests.first().command).first(),
@@ -162,7 +162,7 @@ private:
     void checkItem(const QString &text, const Item &item);
     void checkFile(const QString &reference);
 
-    RequestFrames frames;
+    DryRun frames;
     Output output;
     int right = 0;
     int wrong = 0;

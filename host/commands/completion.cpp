@@ -3,10 +3,10 @@
 
 #include "host/commands/commands.h"
 
-#include "host/base/exit_code.h"
+#include "host/base/failure.h"
 #include "host/cli/command_line.h"
 #include "host/cli/completion_script.h"
-#include "host/output/output_sink.h"
+#include "host/output/sink.h"
 
 #include <memory>
 

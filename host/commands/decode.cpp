@@ -3,15 +3,15 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/files.h"
 #include "host/base/outcome.h"
-#include "host/base/text_input.h"
 #include "host/cli/command_line.h"
-#include "host/frames/frame_explanation.h"
-#include "host/frames/frame_words.h"
-#include "host/frames/trace_reader.h"
+#include "host/frames/explanation.h"
+#include "host/frames/trace_file.h"
+#include "host/frames/words.h"
 #include "host/output/output.h"
-#include "host/text/counted.h"
 #include "host/text/hex_text.h"
+#include "host/text/number_text.h"
 
 #include <memory>
 

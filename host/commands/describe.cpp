@@ -3,7 +3,7 @@
 
 #include "host/commands/commands.h"
 
-#include "host/base/exit_code.h"
+#include "host/base/failure.h"
 #include "host/cli/command_line.h"
 #include "host/diagnosis/plugin_description.h"
 #include "host/driver/plugin.h"

@@ -4,11 +4,11 @@
 #include "host/commands/commands.h"
 
 #include "host/cli/command_line.h"
-#include "host/diagnosis/diagnosis.h"
+#include "host/diagnosis/findings.h"
 #include "host/driver/connection.h"
 #include "host/driver/request_form.h"
 #include "host/output/output.h"
-#include "host/port/line_watcher.h"
+#include "host/port/adapter_probe.h"
 #include "host/port/port_choice.h"
 #include "host/port/port_details.h"
 
@@ -67,7 +67,7 @@ private:
     ExitCode first = ExitCode::Success;
     LineSettings line = {};
     int timeout = 0;
-    LineWatcher watcher;
+    AdapterProbe probe;
     std::unique_ptr<Connection> connection;
 };
 
@@ -176,7 +176,7 @@ bool Doctor::examinePort()
 bool Doctor::examineLine()
 {
     return passes("line", [this] {
-        connection = std::make_unique<Connection>(options, &watcher);
+        connection = std::make_unique<Connection>(options, &probe);
         const QString taken = lineText(line);
         return isPseudoTerminal(connection->portName())
                    ? taken + "; a pseudo-terminal has no speed and no parity"
@@ -188,7 +188,7 @@ void Doctor::examineReads()
 {
     std::optional<LineErrors> before = lineErrors(connection->portHandle());
     ReadTrial trial = tryReads();
-    tell(judgeEcho(watcher.hasHeard(), watcher.hasEcho(), options.echo));
+    tell(judgeEcho(probe.hasHeard(), probe.hasEcho(), options.echo));
     if (tryEcho(trial)) {
         before = lineErrors(connection->portHandle());
         trial = tryReads();
@@ -204,11 +204,11 @@ void Doctor::examineReads()
 // Behind an adapter that hears itself nothing else could be told without taking the echo out.
 bool Doctor::tryEcho(const ReadTrial &trial)
 {
-    if (!watcher.hasEcho() || !trial.answerTimes.isEmpty())
+    if (!probe.hasEcho() || !trial.answerTimes.isEmpty())
         return false;
     options.echo = true;
     connection.reset();
-    connection = std::make_unique<Connection>(options, &watcher);
+    connection = std::make_unique<Connection>(options, &probe);
     return true;
 }
 
@@ -223,7 +223,7 @@ ReadTrial Doctor::tryReads()
     while (trial.reads < reads && hasHope())
         tryRead(trial);
     trial.requests = connection->requestCount() - requestsBefore;
-    trial.longestWait = watcher.longestWait();
+    trial.longestWait = probe.longestWait();
     return trial;
 }
 

@@ -5,15 +5,15 @@
 
 #include "host/base/files_in_use.h"
 #include "host/base/interruption.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/dump/partial_dump.h"
 #include "host/items/memory_range.h"
 #include "host/output/output.h"
-#include "host/output/output_sink.h"
 #include "host/output/progress.h"
+#include "host/output/sink.h"
 
 namespace host {
 

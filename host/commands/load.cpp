@@ -3,11 +3,11 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/files.h"
 #include "host/base/files_in_use.h"
-#include "host/base/report.h"
-#include "host/base/text_input.h"
+#include "host/base/messages.h"
 #include "host/cli/command_line.h"
-#include "host/commands/rehearsal.h"
+#include "host/commands/dry_run_output.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
@@ -282,17 +282,17 @@ QByteArray Loading::readBlock(const Item &block) const
     }
 }
 
-int rehearseLoad(Options options, const Load &load, bool verify)
+int dryRunLoad(Options options, const Load &load, bool verify)
 {
     if (options.format == "raw") // says what the file is
         options.format.reset();
     Output output(options, kFramesSchema);
-    const Rehearsal rehearsal(options, output);
+    const DryRunOutput dryRun(options, output);
     for (const WriteRequest &request : planWrite(load.target, load.data))
-        rehearsal.write(request);
+        dryRun.write(request);
     if (verify)
         for (const ReadRequest &request : planRead(load.target).requests)
-            rehearsal.read(request);
+            dryRun.read(request);
     output.finish();
     return int(ExitCode::Success);
 }
@@ -319,7 +319,7 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 int loadFile(const Options &options, const LoadOptions &own)
 {
     const Load load = loadOf(options, own);
-    return own.dryRun ? rehearseLoad(options, load, own.verify) : writeLoad(options, own, load);
+    return own.dryRun ? dryRunLoad(options, load, own.verify) : writeLoad(options, own, load);
 }
 
 } // namespace

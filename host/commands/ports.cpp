@@ -3,10 +3,9 @@
 
 #include "host/commands/commands.h"
 
-#include "host/base/exit_code.h"
 #include "host/base/failure.h"
+#include "host/base/messages.h"
 #include "host/base/outcome.h"
-#include "host/base/report.h"
 #include "host/cli/command_line.h"
 #include "host/output/output.h"
 #include "host/port/port_details.h"

@@ -7,8 +7,8 @@
 #include "host/cli/command_line.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
+#include "host/items/tag.h"
 #include "host/items/tag_file.h"
-#include "host/items/text_lines.h"
 #include "host/output/output.h"
 
 namespace host {

@@ -3,13 +3,13 @@
 
 #include "host/commands/commands.h"
 
-#include "host/base/exit_code.h"
-#include "host/base/report.h"
-#include "host/base/text_input.h"
+#include "host/base/failure.h"
+#include "host/base/files.h"
+#include "host/base/messages.h"
 #include "host/cli/command_line.h"
-#include "host/output/output_sink.h"
+#include "host/output/sink.h"
 #include "host/recording/report_page.h"
-#include "host/text/counted.h"
+#include "host/text/number_text.h"
 
 #include <QFileInfo>
 
@@ -28,12 +28,12 @@ script and no network, and goes to stdout without -o.)";
 
 int report(const Options &options, const QString &fileName)
 {
-    const WatchLog log = parseWatchLog(fileName, readInput(fileName));
-    if (log.leftOut > 0)
+    const Recording recording = parseRecording(fileName, readInput(fileName));
+    if (recording.leftOut > 0)
         reportWarning(QString("%1: %2 left out, headings that come again or lines that were cut")
-                          .arg(fileName, counted(log.leftOut, "line")));
+                          .arg(fileName, counted(recording.leftOut, "line")));
     const std::unique_ptr<OutputSink> sink = outputSink(options);
-    sink->put(reportPage(log, QFileInfo(fileName).fileName()));
+    sink->put(reportPage(recording, QFileInfo(fileName).fileName()));
     sink->commit();
     return int(ExitCode::Success);
 }

@@ -4,16 +4,16 @@
 #include "host/commands/commands.h"
 
 #include "host/base/interruption.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/driver/connection.h"
 #include "host/driver/request_form.h"
 #include "host/output/output.h"
 #include "host/output/progress.h"
+#include "host/port/adapter_probe.h"
 #include "host/port/echo_port.h"
-#include "host/port/line_watcher.h"
 #include "host/port/port_details.h"
-#include "host/text/numbers.h"
+#include "host/text/number_list.h"
 
 #include <QElapsedTimer>
 
@@ -119,7 +119,7 @@ private:
     QList<int> stations;
     QList<int> bauds;
     Output output;
-    LineWatcher watcher;
+    AdapterProbe probe;
     std::optional<Failure> refusal; // of the first rate that the port does not take
     bool hasOpened = false;
     bool hasFound = false;
@@ -161,7 +161,7 @@ std::unique_ptr<Connection> Scan::connect(int baud)
 {
     progress.clear();
     try {
-        auto connection = std::make_unique<Connection>(lineOptions(options, baud), &watcher);
+        auto connection = std::make_unique<Connection>(lineOptions(options, baud), &probe);
         hasOpened = true;
         return connection;
     } catch (const Failure &failure) {
@@ -217,7 +217,7 @@ std::optional<Answer> Scan::askStation(Connection &connection, int station) cons
     std::optional<Answer> answer = ask(connection);
     if (answer && answer->isBroken())
         answer = ask(connection);
-    if (answer && answer->isBroken() && watcher.hasEcho())
+    if (answer && answer->isBroken() && probe.hasEcho())
         throw echoFailure();
     return answer;
 }

@@ -9,10 +9,10 @@
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/items/tag_file.h"
-#include "host/watch/watch_notes.h"
-#include "host/watch/watch_plot.h"
-#include "host/watch/watch_record.h"
-#include "host/watch/watch_table.h"
+#include "host/watch/notes_view.h"
+#include "host/watch/plot_view.h"
+#include "host/watch/recorder.h"
+#include "host/watch/table_view.h"
 
 #include <QDeadlineTimer>
 
@@ -56,7 +56,7 @@ constexpr qint64 kSlice = 50;
 constexpr int kDefaultInterval = 500;
 constexpr int kDefaultSpan = 5; // minutes
 
-using Views = std::vector<WatchView *>;
+using Views = std::vector<View *>;
 
 class Watcher
 {
@@ -83,7 +83,7 @@ private:
 
 Watcher::Watcher(Connection &connection_, Watch &watch_, const Views &views_)
     : connection(connection_), watch(watch_), views(views_), telling(connection, [this](const QString &text) {
-          for (WatchView *view : views)
+          for (View *view : views)
               view->tell(watch, text);
       })
 {
@@ -106,7 +106,7 @@ void Watcher::poll(WatchedItem &item)
         return;
     }
     const WatchNews news = item.answered(shownText(item.tag, reading.values), Clock::now());
-    for (WatchView *view : views)
+    for (View *view : views)
         view->answered(watch, item, reading, news);
 }
 
@@ -147,7 +147,7 @@ void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
         throw failure;
     if (first == ExitCode::Success)
         first = failure.code();
-    for (WatchView *view : views)
+    for (View *view : views)
         view->failed(watch, item, failure, isNews);
 }
 
@@ -155,7 +155,7 @@ void Watcher::pauseUntil(const QDeadlineTimer &due)
 {
     while (!due.hasExpired()) {
         connection.idle(int(std::min(due.remainingTime(), kSlice)));
-        for (WatchView *view : views)
+        for (View *view : views)
             view->attend(watch);
     }
 }
@@ -168,7 +168,7 @@ int intervalOf(const WatchOptions &options)
 // People follow on a terminal, unless the data or the frames go there.
 bool showsTable(const Options &options)
 {
-    return !options.verbose && !WatchRecord::isOnStdout(options) && TerminalScreen::isThere();
+    return !options.verbose && !Recorder::isOnStdout(options) && TerminalScreen::isThere();
 }
 
 // The items that --plot draws; none without it.
@@ -186,16 +186,16 @@ std::vector<Tag> plottedTags(const Options &options, const WatchOptions &watchOp
     return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
 }
 
-std::unique_ptr<WatchView> peoplesView(const Options &options, const WatchOptions &watchOptions,
-                                       const std::vector<Tag> &plotted, const Connection &connection)
+std::unique_ptr<View> peoplesView(const Options &options, const WatchOptions &watchOptions,
+                                  const std::vector<Tag> &plotted, const Connection &connection)
 {
     if (!showsTable(options))
-        return std::make_unique<WatchNotes>(watchOptions.all);
+        return std::make_unique<NotesView>(watchOptions.all);
     const QString title =
         QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(watchOptions));
     if (plotted.empty())
-        return std::make_unique<WatchTable>(title);
-    return std::make_unique<WatchPlot>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
+        return std::make_unique<TableView>(title);
+    return std::make_unique<PlotView>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
 }
 
 void pollOnAndOn(Watcher &watcher, Watch &watch, const WatchOptions &options)
@@ -218,7 +218,7 @@ struct End
 };
 
 // Until there is nothing more to poll; the terminal is as before when this returns.
-End watchItems(Connection &connection, Watch &watch, std::unique_ptr<WatchView> people, WatchRecord *record,
+End watchItems(Connection &connection, Watch &watch, std::unique_ptr<View> people, Recorder *record,
                const WatchOptions &watchOptions)
 {
     Views views = {people.get()};
@@ -246,7 +246,7 @@ int watchAll(Options options, const WatchOptions &watchOptions)
         return outcome.exitCode();
 
     const std::vector<Tag> plotted = plottedTags(options, watchOptions, tags);
-    std::optional<WatchRecord> record;
+    std::optional<Recorder> record;
     if (options.output || !showsTable(options))
         record.emplace(options, watchOptions.all);
     Connection connection(options);

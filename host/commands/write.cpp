@@ -6,15 +6,14 @@
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
-#include "host/commands/rehearsal.h"
+#include "host/commands/dry_run_output.h"
 #include "host/driver/connection.h"
+#include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
-#include "host/driver/request_frames.h"
 #include "host/driver/write_plan.h"
 #include "host/items/assignment.h"
-#include "host/items/comparison.h"
+#include "host/items/read_back.h"
 #include "host/items/tag.h"
-#include "host/items/text_lines.h"
 #include "host/output/output.h"
 
 namespace host {
@@ -132,7 +131,7 @@ void Writer::readBack(const Assignment &assignment)
 // others differ in number and count.
 void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
 {
-    const RequestFrames frames(options);
+    const DryRun frames(options);
     for (const Assignment &assignment : assignments)
         outcome.attempt(assignment.tag.label(),
                         [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
@@ -160,19 +159,19 @@ int writeAll(const std::vector<Assignment> &assignments, const Options &options,
     return outcome.exitCode();
 }
 
-int rehearseAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
+int dryRunAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
     Output output(options, kFramesSchema);
-    const Rehearsal rehearsal(options, output);
+    const DryRunOutput dryRun(options, output);
     Outcome outcome;
     for (const Assignment &assignment : assignments) {
         const auto failure = outcome.attempt(assignment.tag.label(), [&] {
             for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
-                rehearsal.write(request);
+                dryRun.write(request);
             if (!verify)
                 return;
             for (const ReadRequest &request : planRead(assignment.tag.item).requests)
-                rehearsal.read(request);
+                dryRun.read(request);
         });
         if (failure && failure->isFinal())
             return outcome.exitCode();
@@ -190,7 +189,7 @@ int writeItems(const Options &options, const WriteOptions &writeOptions)
     if (!outcome.isSuccess())
         return outcome.exitCode();
     if (writeOptions.dryRun)
-        return rehearseAll(assignments, options, writeOptions.verify);
+        return dryRunAll(assignments, options, writeOptions.verify);
     checkWritable(assignments, options, outcome);
     return outcome.isSuccess() ? writeAll(assignments, options, writeOptions.verify) : outcome.exitCode();
 }

@@ -4,7 +4,7 @@
 #include "host/diagnosis/plugin_examination.h"
 
 #include "host/base/failure.h"
-#include "host/base/text_input.h"
+#include "host/base/files.h"
 #include "host/diagnosis/elf_file.h"
 #include "host/diagnosis/isolation.h"
 #include "host/diagnosis/plugin_description.h"

@@ -4,7 +4,7 @@
 #include "host/driver/connection.h"
 
 #include "host/base/interruption.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 #include "host/driver/driver_fault.h"
 #include "host/port/port_choice.h"
 
@@ -102,7 +102,7 @@ std::vector<FrameListener *> Connection::listeners(const LineSettings &line, con
     std::vector<FrameListener *> listeners = {&exchange};
     if (options.verbose) {
         showLine(line);
-        lines = std::make_unique<FrameLines>(reportTrace);
+        lines = std::make_unique<TracePrinter>(reportTrace);
         listeners.push_back(lines.get());
     }
     if (options.trace) {
@@ -125,7 +125,7 @@ void Connection::showLine(const LineSettings &line) const
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
     while (true) {
-        exchange = LineWatcher();
+        exchange = AdapterProbe();
         QByteArray data = plugin.driver().read(counter.get(), command);
         if (isAlive()) {
             nextPause = 0;
@@ -138,7 +138,7 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
-    exchange = LineWatcher();
+    exchange = AdapterProbe();
     if (plugin.driver().write(counter.get(), command, data) != 0) {
         checkTrace();
         return;

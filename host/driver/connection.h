@@ -9,11 +9,10 @@
 #include "host/base/options.h"
 #include "host/driver/plugin.h"
 #include "host/driver/simulator_process.h"
-#include "host/frames/frame_lines.h"
 #include "host/frames/trace_file.h"
-#include "host/port/counting_port.h"
+#include "host/frames/trace_printer.h"
+#include "host/port/adapter_probe.h"
 #include "host/port/echo_port.h"
-#include "host/port/line_watcher.h"
 #include "host/port/serial_port.h"
 #include "host/port/tracing_port.h"
 
@@ -106,9 +105,9 @@ private:
     std::unique_ptr<SimulatorProcess> simulator;
     std::unique_ptr<SerialPort> port;
     std::unique_ptr<EchoPort> echo; // null unless the adapter echoes
-    std::unique_ptr<FrameLines> lines;
+    std::unique_ptr<TracePrinter> lines;
     std::unique_ptr<TraceFile> traceFile;
-    LineWatcher exchange; // the read or write under way
+    AdapterProbe exchange; // the read or write under way
     std::unique_ptr<TracingPort> trace;
     std::unique_ptr<CountingPort> counter; // what the driver gets
 };

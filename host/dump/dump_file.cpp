@@ -4,7 +4,7 @@
 #include "host/dump/dump_file.h"
 
 #include "host/base/failure.h"
-#include "host/base/text_input.h"
+#include "host/base/files.h"
 #include "host/items/memory_range.h"
 
 #include <QList>

@@ -3,7 +3,7 @@
 
 #include "host/dump/partial_dump.h"
 
-#include "host/base/write_reason.h"
+#include "host/base/files.h"
 #include "host/items/memory_range.h"
 
 #include <QFileInfo>

@@ -3,7 +3,10 @@
 
 #include "host/frames/trace_file.h"
 
-#include "host/base/write_reason.h"
+#include "host/base/files.h"
+#include "host/text/hex_text.h"
+
+#include <QStringList>
 
 namespace host {
 
@@ -64,6 +67,18 @@ void TraceFile::put(const QByteArray &line)
 QByteArray traceLine(const QDateTime &time, char direction, const QByteArray &frame)
 {
     return timeText(time) + ' ' + direction + ' ' + frame.toHex(' ');
+}
+
+std::optional<TraceRecord> parseTraceLine(const QByteArray &line)
+{
+    const QString text = utf8Text(line).simplified();
+    if (text.isEmpty() || text.startsWith('#'))
+        return std::nullopt;
+    const QString direction = text.section(' ', 1, 1);
+    if (direction != ">" && direction != "<")
+        throw Failure(ExitCode::Usage, "no record of a trace",
+                      "a record is a time, > or <, and bytes; hexadecimal text alone goes without --trace");
+    return TraceRecord{text.section(' ', 0, 0), direction, parseHex(text.section(' ', 2))};
 }
 
 } // namespace host

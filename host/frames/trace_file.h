@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A file with every frame, for a look at it later. A line is in the file as soon as its frame has passed, so
-// that nothing is missing when the program is killed.
+// A file with every frame, for a look at it later: how it is written, and read back. A line is in the file as
+// soon as its frame has passed, so that nothing is missing when the program is killed.
 //
 //   trace   := { frame | "#" COMMENT }
 //   frame   := TIME " " ( ">" | "<" ) " " BYTES        > sent to the controller, < received
@@ -13,8 +13,9 @@
 #define HOST_FRAMES_TRACE_FILE_H
 
 #include "host/base/failure.h"
-#include "host/frames/frame_listener.h"
+#include "host/frames/listener.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QFile>
 #include <QString>
@@ -47,6 +48,16 @@ private:
 
 // Without the line's end.
 QByteArray traceLine(const QDateTime &time, char direction, const QByteArray &frame);
+
+struct TraceRecord
+{
+    QString time;
+    QString direction; // ">" from the master, "<" to it
+    QByteArray bytes;
+};
+
+// Nothing for a comment or an empty line. Fails on what is neither that nor a record.
+std::optional<TraceRecord> parseTraceLine(const QByteArray &line);
 
 } // namespace host
 

@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 #include <variant>
 
@@ -115,6 +116,17 @@ Json tagErrorRecord(const Tag &tag, const QString &error)
     Json record = tagFields(tag);
     record["error"] = jsonText(error);
     return record;
+}
+
+TextLines::TextLines(const std::vector<Tag> &tags)
+{
+    for (const Tag &tag : tags)
+        labelWidth = std::max(labelWidth, int(tag.label().size()));
+}
+
+QString TextLines::line(const Tag &tag, const std::vector<Value> &values) const
+{
+    return tag.label().leftJustified(labelWidth) + ' ' + shownText(tag, values);
 }
 
 } // namespace host

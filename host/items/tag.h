@@ -49,6 +49,20 @@ Json tagRecord(const Tag &tag, const std::vector<Value> &values);
 // The same and "error", for values that there are not.
 Json tagErrorRecord(const Tag &tag, const QString &error);
 
+// Values as text: one line per tag, its label and its values, blanks between.
+class TextLines
+{
+public:
+    // The tags that are going to come, so that their values can stand in one column.
+    explicit TextLines(const std::vector<Tag> &tags);
+
+    // The line without its end.
+    QString line(const Tag &tag, const std::vector<Value> &values) const;
+
+private:
+    int labelWidth = 0;
+};
+
 } // namespace host
 
 #endif

@@ -3,7 +3,7 @@
 
 #include "host/items/tag_file.h"
 
-#include "host/base/text_input.h"
+#include "host/base/files.h"
 #include "host/text/csv.h"
 
 #include <QSet>

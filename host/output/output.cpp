@@ -5,8 +5,8 @@
 
 #include "host/base/failure.h"
 #include "host/base/interruption.h"
-#include "host/base/report.h"
-#include "host/output/output_form.h"
+#include "host/base/messages.h"
+#include "host/output/forms.h"
 
 #include <QFileInfo>
 

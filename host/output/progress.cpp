@@ -4,7 +4,7 @@
 #include "host/output/progress.h"
 
 #include "host/base/colour.h"
-#include "host/base/report.h"
+#include "host/base/messages.h"
 
 #include <algorithm>
 #include <iostream>

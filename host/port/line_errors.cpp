@@ -3,7 +3,7 @@
 
 #include "host/port/line_errors.h"
 
-#include "host/text/counted.h"
+#include "host/text/number_text.h"
 
 #include <QStringList>
 

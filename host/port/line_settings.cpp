@@ -5,7 +5,7 @@
 
 #include "device_setting.h"
 #include "host/base/failure.h"
-#include "host/text/counted.h"
+#include "host/text/number_text.h"
 
 #include <QStringList>
 

@@ -7,7 +7,7 @@
 #include "host/base/interruption.h"
 #include "host/port/port_details.h"
 #include "host/port/port_holder.h"
-#include "host/port/terminal.h"
+#include "host/port/tty_settings.h"
 
 #include <QDeadlineTimer>
 #include <QFileInfo>

@@ -3,7 +3,7 @@
 
 #include "host/port/tracing_port.h"
 
-#include "host/frames/frame_words.h"
+#include "host/frames/words.h"
 
 namespace host {
 

@@ -6,7 +6,7 @@
 #ifndef HOST_PORT_TRACING_PORT_H
 #define HOST_PORT_TRACING_PORT_H
 
-#include "host/frames/frame_listener.h"
+#include "host/frames/listener.h"
 #include "host/port/forwarding_port.h"
 
 #include <QByteArray>

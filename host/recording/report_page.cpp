@@ -7,8 +7,7 @@
 #include "host/driver/driver_fault.h"
 #include "host/recording/statistics.h"
 #include "host/recording/trend_chart.h"
-#include "host/text/counted.h"
-#include "host/text/short_number.h"
+#include "host/text/number_text.h"
 
 #include <QDateTime>
 
@@ -111,15 +110,16 @@ QString durationText(qint64 span)
 }
 
 // In the time of the place where the file was written.
-QString timeText(const WatchLog &log, qint64 time, const char *form)
+QString timeText(const Recording &recording, qint64 time, const char *form)
 {
-    return QDateTime::fromMSecsSinceEpoch(time, Qt::OffsetFromUTC, log.offset).toString(form);
+    return QDateTime::fromMSecsSinceEpoch(time, Qt::OffsetFromUTC, recording.offset).toString(form);
 }
 
-QString shortTimeText(const WatchLog &log, qint64 time)
+QString shortTimeText(const Recording &recording, qint64 time)
 {
     constexpr qint64 kDay = 86400000;
-    return timeText(log, time, log.end - log.begin < kDay ? "HH:mm:ss" : "yyyy-MM-dd HH:mm");
+    return timeText(recording, time,
+                    recording.end - recording.begin < kDay ? "HH:mm:ss" : "yyyy-MM-dd HH:mm");
 }
 
 QString tile(const QString &value, const QString &what, const QString &kind = QString())
@@ -128,15 +128,16 @@ QString tile(const QString &value, const QString &what, const QString &kind = QS
         .arg(kind, value.toHtmlEscaped(), what.toHtmlEscaped());
 }
 
-QString summary(const WatchLog &log, const std::vector<double> &times)
+QString summary(const Recording &recording, const std::vector<double> &times)
 {
-    QString tiles = tile(durationText(log.end - log.begin), "watched");
-    tiles += tile(QString::number(log.series.size()), log.series.size() == 1 ? "value" : "values");
+    QString tiles = tile(durationText(recording.end - recording.begin), "watched");
+    tiles +=
+        tile(QString::number(recording.series.size()), recording.series.size() == 1 ? "value" : "values");
     tiles += tile(QString::number(times.size()), times.size() == 1 ? "answer" : "answers");
     if (!times.empty())
         tiles += tile(milliseconds(percentile(times, 95)), "95 % of answers within");
-    tiles += tile(QString::number(log.errorCount), log.errorCount == 1 ? "error" : "errors",
-                  log.errorCount ? "bad" : "good");
+    tiles += tile(QString::number(recording.errorCount), recording.errorCount == 1 ? "error" : "errors",
+                  recording.errorCount ? "bad" : "good");
     return "<div class=\"tiles\">\n" + tiles + "</div>\n";
 }
 
@@ -159,9 +160,9 @@ QString grid(const ChartFrame &frame)
     return lines;
 }
 
-QString plot(const WatchLog &log, const LoggedSeries &series, const Trend &trend)
+QString plot(const Recording &recording, const RecordedSeries &series, const Trend &trend)
 {
-    const ChartFrame frame = chartFrame(log, trend.least, trend.most);
+    const ChartFrame frame = chartFrame(recording, trend.least, trend.most);
     const QString picture =
         QString("<svg viewBox=\"0 0 %1 %2\" preserveAspectRatio=\"none\" role=\"img\" aria-label=\"%3\">%4"
                 "<path d=\"%5\"/></svg>")
@@ -172,10 +173,10 @@ QString plot(const WatchLog &log, const LoggedSeries &series, const Trend &trend
                    "class=\"scale\"><span>%1</span><span>%2</span><span>%3</span></div>%4"
                    "<div class=\"times\"><span>%5</span><span>%6</span></div></div>\n")
         .arg(shortNumber(frame.top), shortNumber((frame.top + frame.bottom) / 2), shortNumber(frame.bottom),
-             picture, shortTimeText(log, log.begin), shortTimeText(log, log.end));
+             picture, shortTimeText(recording, recording.begin), shortTimeText(recording, recording.end));
 }
 
-QString title(const LoggedSeries &series, const QString &last)
+QString title(const RecordedSeries &series, const QString &last)
 {
     const QString unit = series.unit.isEmpty()
                              ? QString()
@@ -185,19 +186,19 @@ QString title(const LoggedSeries &series, const QString &last)
         .arg(series.label.toHtmlEscaped(), series.type.toHtmlEscaped(), last.toHtmlEscaped(), unit);
 }
 
-int gapsOf(const LoggedSeries &series)
+int gapsOf(const RecordedSeries &series)
 {
     return int(std::count_if(series.samples.begin(), series.samples.end(),
-                             [](const LoggedSample &sample) { return sample.isGap; }));
+                             [](const RecordedSample &sample) { return sample.isGap; }));
 }
 
-QString trendCard(const WatchLog &log, const LoggedSeries &series)
+QString trendCard(const Recording &recording, const RecordedSeries &series)
 {
-    const std::optional<Trend> trend = trendOf(series.samples, log.end);
+    const std::optional<Trend> trend = trendOf(series.samples, recording.end);
     if (!trend)
         return "<section class=\"card\">" + title(series, series.lastText) +
                "<p class=\"quiet\">No numbers: the last value is shown.</p></section>\n";
-    QString card = title(series, shortNumber(trend->last)) + plot(log, series, *trend);
+    QString card = title(series, shortNumber(trend->last)) + plot(recording, series, *trend);
     card += "<dl>" + figure("min", trend->least) + figure("mean", trend->mean) + figure("max", trend->most) +
             "</dl>\n";
     const int gaps = gapsOf(series);
@@ -206,12 +207,13 @@ QString trendCard(const WatchLog &log, const LoggedSeries &series)
     return "<section class=\"card\">" + card + "</section>\n";
 }
 
-QString trends(const WatchLog &log)
+QString trends(const Recording &recording)
 {
     QString cards;
-    for (const LoggedSeries &series : log.series)
-        cards += trendCard(log, series);
-    return log.series.empty() ? QString() : "<h2>Values</h2>\n<div class=\"trends\">\n" + cards + "</div>\n";
+    for (const RecordedSeries &series : recording.series)
+        cards += trendCard(recording, series);
+    return recording.series.empty() ? QString()
+                                    : "<h2>Values</h2>\n<div class=\"trends\">\n" + cards + "</div>\n";
 }
 
 QString binRow(const TimeBin &bin, int fullest)
@@ -245,7 +247,7 @@ QString answerTimes(const std::vector<double> &times)
            "Repetitions are included.</p></div>\n";
 }
 
-QString errorItem(const LoggedError &error)
+QString errorItem(const RecordedError &error)
 {
     return QString("<li class=\"card\"><b>%1</b> <span class=\"bad\">%2</span>"
                    "<p class=\"quiet\">%3</p><p>%4</p></li>\n")
@@ -253,13 +255,13 @@ QString errorItem(const LoggedError &error)
              error.labels.join(", ").toHtmlEscaped(), driverFailure(error.cause).hint().toHtmlEscaped());
 }
 
-QString errors(const WatchLog &log)
+QString errors(const Recording &recording)
 {
-    QList<LoggedError> ordered = log.errors;
+    QList<RecordedError> ordered = recording.errors;
     std::stable_sort(ordered.begin(), ordered.end(),
-                     [](const LoggedError &a, const LoggedError &b) { return a.count > b.count; });
+                     [](const RecordedError &a, const RecordedError &b) { return a.count > b.count; });
     QString items;
-    for (const LoggedError &error : ordered)
+    for (const RecordedError &error : ordered)
         items += errorItem(error);
     return "<h2>Errors</h2>\n" +
            (items.isEmpty() ? "<p class=\"card good\">None.</p>\n" : "<ul>\n" + items + "</ul>\n");
@@ -267,16 +269,16 @@ QString errors(const WatchLog &log)
 
 } // namespace
 
-QByteArray reportPage(const WatchLog &log, const QString &source)
+QByteArray reportPage(const Recording &recording, const QString &source)
 {
-    std::vector<double> times = log.answerTimes;
+    std::vector<double> times = recording.answerTimes;
     std::sort(times.begin(), times.end());
     const QString heading = "Watched: " + source;
-    const QString span = timeText(log, log.begin, "yyyy-MM-dd HH:mm:ss") + " to " +
-                         timeText(log, log.end, "yyyy-MM-dd HH:mm:ss t");
+    const QString span = timeText(recording, recording.begin, "yyyy-MM-dd HH:mm:ss") + " to " +
+                         timeText(recording, recording.end, "yyyy-MM-dd HH:mm:ss t");
     QString page = QString(kHead).replace("%1", heading.toHtmlEscaped());
     page += "<h1>" + heading.toHtmlEscaped() + "</h1>\n<p class=\"quiet\">" + span.toHtmlEscaped() + "</p>\n";
-    page += summary(log, times) + trends(log) + answerTimes(times) + errors(log);
+    page += summary(recording, times) + trends(recording) + answerTimes(times) + errors(recording);
     page +=
         "<footer>Made by s7ppi " S7PPI_VERSION ". A value holds until the next one in the file; means are "
         "over time. Without --all the file has changes and new errors only.</footer>\n";

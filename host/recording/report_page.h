@@ -7,12 +7,12 @@
 #ifndef HOST_RECORDING_REPORT_PAGE_H
 #define HOST_RECORDING_REPORT_PAGE_H
 
-#include "host/recording/watch_log.h"
+#include "host/recording/recording.h"
 
 namespace host {
 
 // source: what the page says it was made of.
-QByteArray reportPage(const WatchLog &log, const QString &source);
+QByteArray reportPage(const Recording &recording, const QString &source);
 
 } // namespace host
 

@@ -8,7 +8,7 @@
 
 namespace host {
 
-std::optional<Trend> trendOf(const std::vector<LoggedSample> &samples, qint64 end)
+std::optional<Trend> trendOf(const std::vector<RecordedSample> &samples, qint64 end)
 {
     std::optional<Trend> trend;
     double weighted = 0;
@@ -16,7 +16,7 @@ std::optional<Trend> trendOf(const std::vector<LoggedSample> &samples, qint64 en
     double plain = 0;
     int count = 0;
     for (size_t i = 0; i < samples.size(); ++i) {
-        const LoggedSample &sample = samples.at(i);
+        const RecordedSample &sample = samples.at(i);
         if (sample.isGap)
             continue;
         if (!trend)

@@ -6,7 +6,7 @@
 #ifndef HOST_RECORDING_STATISTICS_H
 #define HOST_RECORDING_STATISTICS_H
 
-#include "host/recording/watch_log.h"
+#include "host/recording/recording.h"
 
 #include <optional>
 
@@ -21,7 +21,7 @@ struct Trend
 };
 
 // A value holds until the next sample, the last one until the end. Nothing when there is no number at all.
-std::optional<Trend> trendOf(const std::vector<LoggedSample> &samples, qint64 end);
+std::optional<Trend> trendOf(const std::vector<RecordedSample> &samples, qint64 end);
 
 // The smallest of the numbers, which are in order, that so many per cent of them do not exceed. There must be
 // one.

@@ -31,9 +31,9 @@ double yOf(double value, const ChartFrame &frame)
     return (frame.top - value) / (frame.top - frame.bottom) * frame.height;
 }
 
-using Samples = std::vector<LoggedSample>;
+using Samples = std::vector<RecordedSample>;
 
-bool isLess(const LoggedSample &a, const LoggedSample &b)
+bool isLess(const RecordedSample &a, const RecordedSample &b)
 {
     return a.value < b.value;
 }
@@ -43,7 +43,7 @@ void addThinned(Samples &thinned, Samples::const_iterator first, Samples::const_
     Samples kept = {*first, *std::min_element(first, last, isLess), *std::max_element(first, last, isLess),
                     *(last - 1)};
     std::sort(kept.begin(), kept.end(),
-              [](const LoggedSample &a, const LoggedSample &b) { return a.time < b.time; });
+              [](const RecordedSample &a, const RecordedSample &b) { return a.time < b.time; });
     thinned.insert(thinned.end(), kept.begin(), kept.end());
 }
 
@@ -71,7 +71,7 @@ Samples thinnedOut(const Samples &samples, const ChartFrame &frame)
 } // namespace
 
 // A level alone lies in the middle.
-ChartFrame chartFrame(const WatchLog &log, double least, double most)
+ChartFrame chartFrame(const Recording &recording, double least, double most)
 {
     constexpr int kSteps = 4;
     constexpr double kLeastStep = 1e-300;
@@ -80,14 +80,14 @@ ChartFrame chartFrame(const WatchLog &log, double least, double most)
     const double step = roundStep(std::max((most - least + 2 * room) / kSteps, kLeastStep));
     const double bottom = std::floor((least - room) / step) * step;
     const double top = std::ceil((most + room) / step) * step;
-    return {log.begin, log.end, bottom, top, kWidth, kHeight};
+    return {recording.begin, recording.end, bottom, top, kWidth, kHeight};
 }
 
-QString trendPath(const std::vector<LoggedSample> &samples, const ChartFrame &frame)
+QString trendPath(const std::vector<RecordedSample> &samples, const ChartFrame &frame)
 {
     QString path;
     QString level; // empty in a gap
-    for (const LoggedSample &sample : thinnedOut(samples, frame)) {
+    for (const RecordedSample &sample : thinnedOut(samples, frame)) {
         const QString x = coordinate(xOf(sample.time, frame));
         const QString y = sample.isGap ? QString() : coordinate(yOf(sample.value, frame));
         if (level.isEmpty() && !y.isEmpty())

@@ -6,7 +6,7 @@
 #ifndef HOST_RECORDING_TREND_CHART_H
 #define HOST_RECORDING_TREND_CHART_H
 
-#include "host/recording/watch_log.h"
+#include "host/recording/recording.h"
 
 namespace host {
 
@@ -22,11 +22,11 @@ struct ChartFrame
 };
 
 // A scale that begins and ends with round numbers.
-ChartFrame chartFrame(const WatchLog &log, double least, double most);
+ChartFrame chartFrame(const Recording &recording, double least, double most);
 
 // Steps: a value holds until the next. Gaps are left open. Where samples are closer than the picture can
 // show, the first, least, greatest and last of them stand for all.
-QString trendPath(const std::vector<LoggedSample> &samples, const ChartFrame &frame);
+QString trendPath(const std::vector<RecordedSample> &samples, const ChartFrame &frame);
 
 } // namespace host
 

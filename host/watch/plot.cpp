@@ -3,7 +3,7 @@
 
 #include "host/watch/plot.h"
 
-#include "host/text/short_number.h"
+#include "host/text/number_text.h"
 
 #include <algorithm>
 #include <cmath>

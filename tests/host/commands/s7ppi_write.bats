@@ -134,11 +134,11 @@ poll of station 2: 10 02 00 5c 5e 16" ]
     local items=(VB0:hex="$(printf 'ab%.0s' {1..300})" VW10:i16=-5 T37=5 V10.6=1,0,1 AQW2=7)
     run --separate-stderr s7ppi write --dry-run --verify --station 7 "${items[@]}"
     [ "$status" -eq 0 ]
-    local rehearsed=$output
+    local announced=$output
     start s7ppi-sim --station 7
     put -v --verify --station 7 "${items[@]}"
     [ "$status" -eq 0 ]
-    [ "$(sed -n 's/^-> //p' <<<"$stderr")" = "$rehearsed" ]
+    [ "$(sed -n 's/^-> //p' <<<"$stderr")" = "$announced" ]
 }
 
 @test "1: dry-run tells what the driver refuses" {

@@ -6,7 +6,7 @@
 #include "host/driver/connection.h"
 
 #include "hex.h"
-#include "host/base/driver_log.h"
+#include "host/base/messages.h"
 #include "simulator/simulator.h"
 #include "tests/host/support/failure_of.h"
 #include "tests/host/support/pseudo_line.h"

@@ -6,7 +6,7 @@
 #include "host/items/value.h"
 
 #include "hex.h"
-#include "host/items/text_lines.h"
+#include "host/items/tag.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>

@@ -6,7 +6,7 @@
 
 #include "host/port/serial_port.h"
 
-#include "host/port/terminal.h"
+#include "host/port/tty_settings.h"
 #include "tests/host/support/failure_of.h"
 #include "tests/host/support/pseudo_line.h"
 

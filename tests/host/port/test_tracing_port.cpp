@@ -6,7 +6,7 @@
 #include "host/port/tracing_port.h"
 
 #include "hex.h"
-#include "host/frames/frame_lines.h"
+#include "host/frames/trace_printer.h"
 #include "tests/host/support/prepared_port.h"
 
 #include <QtTest>
@@ -48,7 +48,7 @@ void TestTracingPort::anExchangeIsFourLines()
     PreparedPort prepared({bytes("e5"), bytes("68 12 12 68 00 02 08"),
                            bytes("32 03 00 00 00 01 00 02 00 01 00 00 05 01 ff 48 16")});
     QStringList lines;
-    FrameLines shown([&](const QString &line) { lines << line; });
+    TracePrinter shown([&](const QString &line) { lines << line; });
     TracingPort port(prepared, {&shown});
     send(port, "10 02 00 5c 5e 16");
     receive(port, 1);
@@ -67,7 +67,7 @@ void TestTracingPort::silenceAndLossAreShown()
 {
     PreparedPort prepared({QByteArray()});
     QStringList lines;
-    FrameLines shown([&](const QString &line) { lines << line; });
+    TracePrinter shown([&](const QString &line) { lines << line; });
     TracingPort port(prepared, {&shown});
     receive(port, 1);
     receive(port, 1);
@@ -78,7 +78,7 @@ void TestTracingPort::aReceiveThatFallsShortIsShownAtOnce()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
-    FrameLines shown([&](const QString &line) { lines << line; });
+    TracePrinter shown([&](const QString &line) { lines << line; });
     TracingPort port(prepared, {&shown});
     receive(port, 6);
     QCOMPARE(lines, QStringList({"<- incomplete frame: 10 00 02"}));
@@ -88,7 +88,7 @@ void TestTracingPort::anIncompleteFrameIsShownBeforeTheNextOneIsSent()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
-    FrameLines shown([&](const QString &line) { lines << line; });
+    TracePrinter shown([&](const QString &line) { lines << line; });
     TracingPort port(prepared, {&shown});
     receive(port, 3);
     QCOMPARE(lines, QStringList());
@@ -101,7 +101,7 @@ void TestTracingPort::whatIsLeftIsShownAtTheEnd()
 {
     PreparedPort prepared({bytes("10 00 02")});
     QStringList lines;
-    FrameLines shown([&](const QString &line) { lines << line; });
+    TracePrinter shown([&](const QString &line) { lines << line; });
     {
         TracingPort port(prepared, {&shown});
         receive(port, 3);

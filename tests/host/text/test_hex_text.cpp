@@ -1,9 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Bytes as people write them, and the records of a trace.
+// Bytes as people write them.
 
-#include "host/frames/trace_reader.h"
 #include "host/text/hex_text.h"
 
 #include "hex.h"
@@ -22,9 +21,6 @@ private slots:
     void anyGroupingIsTaken();
     void whatIsNoHexIsRefused_data();
     void whatIsNoHexIsRefused();
-    void aRecordHasTimeDirectionAndBytes();
-    void commentsAreNoRecords();
-    void otherLinesOfATraceAreRefused();
 };
 
 void TestHexText::anyGroupingIsTaken_data()
@@ -61,32 +57,6 @@ void TestHexText::whatIsNoHexIsRefused()
 {
     QFETCH(QString, text);
     QTEST(failureOf([&] { parseHex(text); }).section(" / ", 0, 0), "complaint");
-}
-
-void TestHexText::aRecordHasTimeDirectionAndBytes()
-{
-    const std::optional<TraceRecord> record =
-        parseTraceLine("2026-01-31T12:00:00.263Z > 10 02 00 5c 5e 16\r");
-    QVERIFY(record);
-    QCOMPARE(record->time, QString("2026-01-31T12:00:00.263Z"));
-    QCOMPARE(record->direction, QString(">"));
-    QCOMPARE(hex(record->bytes), QString("1002005c5e16"));
-    QCOMPARE(parseTraceLine("2026-01-31T12:00:00.264Z < e5")->direction, QString("<"));
-}
-
-void TestHexText::commentsAreNoRecords()
-{
-    QVERIFY(!parseTraceLine("# s7ppi-sim 1.0.0 on /dev/pts/3"));
-    QVERIFY(!parseTraceLine(""));
-    QVERIFY(!parseTraceLine("\r"));
-}
-
-void TestHexText::otherLinesOfATraceAreRefused()
-{
-    QCOMPARE(failureOf([] { parseTraceLine("10 02 00"); }).section(" / ", 0, 0),
-             QString("2: no record of a trace"));
-    QCOMPARE(failureOf([] { parseTraceLine("2026-01-31T12:00:00.264Z < e"); }).section(" / ", 0, 0),
-             QString("2: \"e\" is an odd number of digits"));
 }
 
 QTEST_APPLESS_MAIN(TestHexText)

@@ -1,0 +1,111 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/base/messages.h"
+
+#include "host/base/colour.h"
+#include "host/base/failure.h"
+#include "host/base/interruption.h"
+
+#include <QtGlobal>
+
+#include <cerrno>
+#include <iostream>
+#include <system_error>
+
+namespace host {
+
+namespace {
+
+constexpr int kStderr = 2;
+const char kProgramLabel[] = "s7ppi:";
+const char kHintLabel[] = "hint:";
+
+bool isQuiet = false;
+bool isVerbose = false;
+
+void printNotice(const QByteArray &label, const char *colour, const QString &text)
+{
+    std::cerr << coloured(label, colour, kStderr).constData() << ' ' << qUtf8Printable(text) << std::endl;
+}
+
+void show(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &text)
+{
+    reportTrace("driver: " + text);
+}
+
+void showWarnings(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        reportWarning(text);
+}
+
+} // namespace
+
+void setQuiet(bool quiet)
+{
+    isQuiet = quiet;
+}
+
+void setVerbose(bool verbose)
+{
+    isVerbose = verbose;
+}
+
+void reportDetail(const QString &text)
+{
+    if (isVerbose)
+        reportNote(text);
+}
+
+void reportNote(const QString &text)
+{
+    if (!isQuiet)
+        printNotice(kProgramLabel, kPlain, text);
+}
+
+void reportWarning(const QString &text)
+{
+    printNotice(kProgramLabel, kYellow, text);
+}
+
+void reportFailure(const Failure &failure)
+{
+    printNotice(kProgramLabel, kRed, failure.text());
+    printNotice(kHintLabel, kCyan, failure.hint());
+}
+
+void reportFailure(const QString &subject, const Failure &failure)
+{
+    reportFailure(Failure(failure.code(), subject + ": " + failure.text(), failure.hint()));
+}
+
+void reportTrace(const QString &line)
+{
+    std::cerr << qUtf8Printable(line) << std::endl;
+}
+
+void printData(const QString &line)
+{
+    printBytes(line.toUtf8() + '\n');
+}
+
+void printBytes(const QByteArray &bytes)
+{
+    std::cout.write(bytes.constData(), bytes.size()).flush();
+    if (std::cout)
+        return;
+    const int reason = errno;
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+    const std::string cause = std::generic_category().message(reason);
+    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + QString::fromStdString(cause),
+                  "the rest was not printed: make room, or send the output elsewhere");
+}
+
+void installDriverLog(bool verbose)
+{
+    qInstallMessageHandler(verbose ? show : showWarnings);
+}
+
+} // namespace host

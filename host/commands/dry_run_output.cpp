@@ -1,0 +1,31 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/commands/dry_run_output.h"
+
+#include "host/frames/words.h"
+
+namespace host {
+
+const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};
+
+DryRunOutput::DryRunOutput(const Options &options, Output &output_) : output(output_), requests(options) {}
+
+void DryRunOutput::write(const WriteRequest &request) const
+{
+    print(requests.ofWrite(request));
+}
+
+void DryRunOutput::read(const ReadRequest &request) const
+{
+    print(requests.ofRead(request.command));
+}
+
+void DryRunOutput::print(const QList<QByteArray> &frames) const
+{
+    for (const QByteArray &frame : frames)
+        output.write({{"meaning", jsonText(frameWords(frame))}, {"bytes", frame.toHex(' ').toStdString()}},
+                     frameLine(frame));
+}
+
+} // namespace host

@@ -1,0 +1,37 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What a driver would send for some requests, as data: one record per frame, meaning and bytes. No
+// port is opened.
+
+#ifndef HOST_COMMANDS_DRY_RUN_OUTPUT_H
+#define HOST_COMMANDS_DRY_RUN_OUTPUT_H
+
+#include "host/driver/dry_run.h"
+#include "host/output/output.h"
+
+namespace host {
+
+// The form of the data.
+extern const Schema kFramesSchema;
+
+class DryRunOutput
+{
+public:
+    // The output must outlive it.
+    DryRunOutput(const Options &options, Output &output);
+
+    // Both fail when the driver refuses the request and sends nothing.
+    void write(const WriteRequest &request) const;
+    void read(const ReadRequest &request) const;
+
+private:
+    void print(const QList<QByteArray> &frames) const;
+
+    Output &output;
+    DryRun requests;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,42 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/dry_run.h"
+
+#include "host/base/messages.h"
+#include "host/driver/driver_fault.h"
+#include "host/driver/dry_run_port.h"
+
+namespace host {
+
+DryRun::DryRun(const Options &options)
+    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid)),
+      showsLog(options.verbose)
+{
+    installDriverLog(false);
+}
+
+DryRun::~DryRun()
+{
+    installDriverLog(showsLog);
+}
+
+QList<QByteArray> DryRun::ofRead(const CommunicatorCommand &command) const
+{
+    return framesOf([&](DryRunPort *port) { plugin.driver().read(port, command); });
+}
+
+QList<QByteArray> DryRun::ofWrite(const WriteRequest &request) const
+{
+    return framesOf([&](DryRunPort *port) { plugin.driver().write(port, request.command, request.data); });
+}
+
+QList<QByteArray> DryRun::framesOf(const std::function<void(DryRunPort *)> &request) const
+{
+    QList<QByteArray> frames;
+    DryRunPort port(station, [&frames](const QByteArray &frame) { frames += frame; });
+    request(&port);
+    return port.hasSent() ? frames : throw driverFailure(plugin.driver().getLastError());
+}
+
+} // namespace host

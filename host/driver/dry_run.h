@@ -1,0 +1,45 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What a driver would send for a request. No port is opened.
+
+#ifndef HOST_DRIVER_DRY_RUN_H
+#define HOST_DRIVER_DRY_RUN_H
+
+#include "host/driver/plugin.h"
+#include "host/driver/read_plan.h"
+#include "host/driver/write_plan.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <functional>
+
+namespace host {
+
+class DryRunPort;
+
+class DryRun
+{
+public:
+    // While it lives the driver's messages are not shown: here they say only that nobody answers.
+    explicit DryRun(const Options &options);
+    ~DryRun();
+
+    // The request and the poll behind it. Both fail when the driver refuses the request and sends nothing.
+    QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
+    QList<QByteArray> ofWrite(const WriteRequest &request) const;
+
+private:
+    Q_DISABLE_COPY(DryRun)
+
+    QList<QByteArray> framesOf(const std::function<void(DryRunPort *)> &request) const;
+
+    Plugin plugin;
+    int station;
+    bool showsLog; // before and after
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,45 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A port that leads nowhere, for a look at what a driver would send.
+
+#ifndef HOST_DRIVER_DRY_RUN_PORT_H
+#define HOST_DRIVER_DRY_RUN_PORT_H
+
+#include "abstract_device_interface.h"
+
+#include <QByteArray>
+
+#include <functional>
+
+namespace host {
+
+// Hands over what is sent, frame by frame. The first receive finds the acknowledgement, without
+// which a driver would not go on to its poll; the answer to that never comes, and nothing is repeated.
+// One port serves one request.
+class DryRunPort : public AbstractDeviceInterface
+{
+public:
+    using TakeFrame = std::function<void(const QByteArray &)>;
+
+    DryRunPort(int station, const TakeFrame &takeFrame);
+
+    int receive(unsigned char *buffer, int maxLength) override;
+    int send(const unsigned char *data, int length) override;
+    bool setOption(int key, const QVariant &value) override;
+    int retry() override;
+    int stationId() override;
+    int delay() override;
+
+    bool hasSent() const { return sent; }
+
+private:
+    int station;
+    TakeFrame takeFrame;
+    bool sent = false;
+    bool acknowledged = false;
+};
+
+} // namespace host
+
+#endif

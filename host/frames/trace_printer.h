@@ -1,0 +1,38 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Frames as lines for people: direction, meaning, bytes.
+//
+//   -> poll of station 2: 10 02 00 5c 5e 16
+//   <- acknowledgement: e5
+//   <- silence
+
+#ifndef HOST_FRAMES_TRACE_PRINTER_H
+#define HOST_FRAMES_TRACE_PRINTER_H
+
+#include "host/frames/listener.h"
+
+#include <QString>
+
+#include <functional>
+
+namespace host {
+
+class TracePrinter : public FrameListener
+{
+public:
+    using WriteLine = std::function<void(const QString &)>;
+
+    explicit TracePrinter(const WriteLine &writeLine);
+
+    void sent(const QByteArray &frame) override;
+    void received(const QByteArray &frame) override;
+    void heardNothing(bool isOver) override;
+
+private:
+    WriteLine writeLine;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,230 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/output/forms.h"
+
+#include "host/output/table.h"
+
+#include <QList>
+#include <QStringList>
+
+#include <string>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+std::string formatName(const Schema &schema)
+{
+    return QString("s7ppi.%1/%2").arg(schema.command).arg(schema.version).toStdString();
+}
+
+// Texts come from QString and are sound, but the driver's may be cut anywhere.
+QByteArray dumped(const Json &value, int indent = -1)
+{
+    return QByteArray::fromStdString(value.dump(indent, ' ', false, Json::error_handler_t::replace));
+}
+
+Json withFormat(const Schema &schema, const Json &members)
+{
+    Json whole = {{"format", formatName(schema)}};
+    whole.update(members);
+    return whole;
+}
+
+class TextForm : public OutputForm
+{
+public:
+    TextForm(const Schema &schema, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), columns(schema.columns)
+    {
+    }
+
+    void write(const Json &record) override { rows += cellRows(record, columns); }
+    void writeLine(const Json & /*record*/, const QString &text) override { writeText(text); }
+    void writeText(const QString &text) override { put(text.toUtf8() + '\n'); }
+    void finish() override;
+
+private:
+    QStringList columns;
+    QList<QStringList> rows;
+};
+
+void TextForm::finish()
+{
+    if (rows.isEmpty())
+        return;
+    QStringList head;
+    for (const QString &column : columns)
+        head << column.toUpper();
+    rows.prepend(head);
+    for (const QString &line : alignedLines(rows))
+        writeText(line);
+}
+
+// One record per line, so that a program that reads along and one that seeks an item find whole lines.
+class JsonForm : public OutputForm
+{
+public:
+    JsonForm(const Schema &schema_, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), schema(schema_), fields({{"format", formatName(schema_)}})
+    {
+    }
+
+    void setField(const QString &name, const Json &value) override { fields[name.toStdString()] = value; }
+    void write(const Json &record) override;
+    void finish() override;
+
+private:
+    void putFields();
+    void beginList();
+
+    Schema schema;
+    Json fields; // still to be put
+    bool hasBegun = false;
+    bool hasRecords = false;
+};
+
+void JsonForm::write(const Json &record)
+{
+    if (schema.list.isEmpty()) {
+        fields.update(record);
+        return;
+    }
+    beginList();
+    put((hasRecords ? ",\n    " : "\n    ") + dumped(record));
+    hasRecords = true;
+}
+
+void JsonForm::finish()
+{
+    if (schema.list.isEmpty()) {
+        put(dumped(fields, 2) + '\n');
+        return;
+    }
+    beginList();
+    put(hasRecords ? "\n  ]" : "]");
+    putFields();
+    put("\n}\n");
+}
+
+void JsonForm::beginList()
+{
+    if (std::exchange(hasBegun, true))
+        return;
+    put("{");
+    putFields();
+    put(",\n  " + dumped(jsonText(schema.list)) + ": [");
+}
+
+// The first field stands behind the brace, all others behind what went before.
+void JsonForm::putFields()
+{
+    for (auto field = fields.begin(); field != fields.end(); ++field) {
+        const bool isFirst = field.key() == "format";
+        put((isFirst ? "\n  " : ",\n  ") + dumped(field.key()) + ": " + dumped(field.value()));
+    }
+    fields.clear();
+}
+
+class NdjsonForm : public OutputForm
+{
+public:
+    NdjsonForm(const Schema &schema_, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), schema(schema_)
+    {
+    }
+
+    void write(const Json &record) override { put(dumped(withFormat(schema, record)) + '\n'); }
+
+private:
+    Schema schema;
+};
+
+// Comma or tabulator separated.
+class SeparatedForm : public OutputForm
+{
+public:
+    using Line = QByteArray (*)(const QStringList &cells);
+
+    SeparatedForm(const QStringList &columns_, Line line_, std::unique_ptr<OutputSink> sink)
+        : OutputForm(std::move(sink)), columns(columns_), line(line_)
+    {
+    }
+
+    void write(const Json &record) override;
+    void finish() override { putHead(); }
+
+private:
+    void putHead();
+
+    QStringList columns;
+    Line line;
+    bool hasHead = false;
+};
+
+void SeparatedForm::write(const Json &record)
+{
+    putHead();
+    for (const QStringList &cells : cellRows(record, columns))
+        put(line(cells));
+}
+
+void SeparatedForm::putHead()
+{
+    if (!std::exchange(hasHead, true))
+        put(line(columns));
+}
+
+// A document without a list of records, as field and value.
+class SeparatedFieldsForm : public SeparatedForm
+{
+public:
+    using SeparatedForm::SeparatedForm;
+
+    void write(const Json &record) override
+    {
+        for (const auto &[field, value] : flatFields(record))
+            SeparatedForm::write({{"field", jsonText(field)}, {"value", value}});
+    }
+};
+
+class RawForm : public OutputForm
+{
+public:
+    using OutputForm::OutputForm;
+
+    void writeRaw(const QByteArray &bytes) override { put(bytes); }
+};
+
+std::unique_ptr<OutputForm> separatedForm(const Schema &schema, SeparatedForm::Line line,
+                                          std::unique_ptr<OutputSink> sink)
+{
+    if (schema.list.isEmpty())
+        return std::make_unique<SeparatedFieldsForm>(QStringList{"field", "value"}, line, std::move(sink));
+    return std::make_unique<SeparatedForm>(schema.columns, line, std::move(sink));
+}
+
+} // namespace
+
+std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink)
+{
+    switch (format) {
+    case Format::JsonDocument:
+        return std::make_unique<JsonForm>(schema, std::move(sink));
+    case Format::JsonLines:
+        return std::make_unique<NdjsonForm>(schema, std::move(sink));
+    case Format::Csv:
+        return separatedForm(schema, csvLine, std::move(sink));
+    case Format::Tsv:
+        return separatedForm(schema, tsvLine, std::move(sink));
+    case Format::Raw:
+        return std::make_unique<RawForm>(std::move(sink));
+    case Format::Text:
+        break;
+    }
+    return std::make_unique<TextForm>(schema, std::move(sink));
+}
+
+} // namespace host

@@ -1,0 +1,48 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The forms of a command's data; see output.h.
+
+#ifndef HOST_OUTPUT_FORMS_H
+#define HOST_OUTPUT_FORMS_H
+
+#include "host/output/schema.h"
+#include "host/output/sink.h"
+#include "host/text/json.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <utility>
+
+namespace host {
+
+// By default a form shows nothing of what it is given.
+class OutputForm
+{
+public:
+    explicit OutputForm(std::unique_ptr<OutputSink> sink) : target(std::move(sink)) {}
+    virtual ~OutputForm() = default;
+
+    virtual void setField(const QString & /*name*/, const Json & /*value*/) {}
+    virtual void write(const Json & /*record*/) {}
+    virtual void writeLine(const Json &record, const QString & /*text*/) { write(record); }
+    virtual void writeText(const QString & /*text*/) {}
+    virtual void writeRaw(const QByteArray & /*bytes*/) {}
+    virtual void finish() {}
+
+    void commit() { target->commit(); }
+
+protected:
+    void put(const QByteArray &bytes) { target->put(bytes); }
+
+private:
+    std::unique_ptr<OutputSink> target;
+};
+
+std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink);
+
+} // namespace host
+
+#endif

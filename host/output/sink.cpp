@@ -1,0 +1,81 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/output/sink.h"
+
+#include "host/base/failure.h"
+#include "host/base/files.h"
+#include "host/base/messages.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace host {
+
+namespace {
+
+class StdoutSink : public OutputSink
+{
+public:
+    void put(const QByteArray &bytes) override { printBytes(bytes); }
+    void commit() override {}
+};
+
+class FileSink : public OutputSink
+{
+public:
+    explicit FileSink(const QString &name);
+
+    void put(const QByteArray &bytes) override;
+    void commit() override;
+
+private:
+    Failure lost() const;
+
+    QSaveFile file;
+};
+
+// What is there and no file, a device say, would be replaced by one.
+void checkName(const QString &name)
+{
+    const QFileInfo info(name);
+    if (info.exists() && !info.isFile())
+        throw Failure(ExitCode::Usage, name + " is no file", "name a file, or send stdout there with >");
+}
+
+FileSink::FileSink(const QString &name) : file(name)
+{
+    checkName(name);
+    if (!file.open(QIODevice::WriteOnly))
+        throw lost();
+}
+
+void FileSink::put(const QByteArray &bytes)
+{
+    if (file.write(bytes) != bytes.size())
+        throw lost();
+}
+
+// commit() alone would not notice that its last buffer found no room.
+void FileSink::commit()
+{
+    if (!file.flush() || !file.commit())
+        throw lost();
+}
+
+Failure FileSink::lost() const
+{
+    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + writeReason(file),
+                   "check the directory, its rights and its room; nothing was left there");
+}
+
+} // namespace
+
+std::unique_ptr<OutputSink> outputSink(const Options &options)
+{
+    if (!options.output || *options.output == "-")
+        return std::make_unique<StdoutSink>();
+    return std::make_unique<FileSink>(QString::fromStdString(*options.output));
+}
+
+} // namespace host

@@ -1,0 +1,41 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/port/adapter_probe.h"
+
+#include "host/frames/words.h"
+
+#include <algorithm>
+
+namespace host {
+
+void AdapterProbe::sent(const QByteArray &frame)
+{
+    lastSent = frame;
+    if (isLongFrame(frame))
+        ++requests;
+    isFirst = true;
+    sinceSent.start();
+}
+
+void AdapterProbe::received(const QByteArray &frame)
+{
+    heard = true;
+    if (isFirst) {
+        longest = std::max(longest, sinceSent.elapsed());
+        if (isLongFrame(lastSent) && lastSent.startsWith(frame))
+            ++echoes;
+    }
+    isFirst = false;
+}
+
+void AdapterProbe::heardNothing(bool /*isOver*/) {}
+
+int CountingPort::send(const unsigned char *data, int length)
+{
+    if (isLongFrame(QByteArray(reinterpret_cast<const char *>(data), length)))
+        ++requests;
+    return ForwardingPort::send(data, length);
+}
+
+} // namespace host

@@ -1,0 +1,63 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What the frames that pass tell of the adapter and its line: whether it hears itself, how long answers let
+// it wait, how many requests were sent.
+
+#ifndef HOST_PORT_ADAPTER_PROBE_H
+#define HOST_PORT_ADAPTER_PROBE_H
+
+#include "host/frames/listener.h"
+#include "host/port/forwarding_port.h"
+
+#include <QByteArray>
+#include <QElapsedTimer>
+
+namespace host {
+
+class AdapterProbe : public FrameListener
+{
+public:
+    void sent(const QByteArray &frame) override;
+    void received(const QByteArray &frame) override;
+    void heardNothing(bool isOver) override;
+
+    // Whether anything came at all.
+    bool hasHeard() const { return heard; }
+
+    // Whether every request so far came back as its own answer; that of the last one may not be told yet. The
+    // driver takes one byte of it and gives up. No controller begins its answer to a request with that byte,
+    // and noise does so only now and then.
+    bool hasEcho() const { return echoes > 0 && echoes >= requests - 1; }
+
+    // From the beginning of a frame sent to the whole of the next one received; milliseconds.
+    qint64 longestWait() const { return longest; }
+
+private:
+    QByteArray lastSent;
+    QElapsedTimer sinceSent;
+    bool isFirst = false; // the next frame received is the first one after what was sent
+    bool heard = false;
+    int requests = 0;
+    int echoes = 0;
+    qint64 longest = 0;
+};
+
+// A port that counts the requests sent through it; every attempt at a read or write sends one.
+class CountingPort : public ForwardingPort
+{
+public:
+    using ForwardingPort::ForwardingPort;
+
+    int send(const unsigned char *data, int length) override;
+
+    // Polls, which belong to the request before them, do not count.
+    int requestCount() const { return requests; }
+
+private:
+    int requests = 0;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,26 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The kernel's view of an open serial port: what it was really set to, and settings that QSerialPort
+// has no name for.
+
+#ifndef HOST_PORT_TTY_SETTINGS_H
+#define HOST_PORT_TTY_SETTINGS_H
+
+#include "host/port/line_settings.h"
+
+namespace host {
+
+// What the kernel does with the line now; all zero when it cannot tell.
+LineSettings settingsInForce(int descriptor);
+
+// Makes the kernel throw away bytes that arrive with bad parity; false when it does not.
+bool dropBadParity(int descriptor);
+
+// Makes the port's driver switch an RS-485 transceiver by RTS: active while it sends. What stands in its
+// way, null when nothing does.
+const char *switchRs485(int descriptor);
+
+} // namespace host
+
+#endif

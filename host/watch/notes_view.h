@@ -1,0 +1,30 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What happens to watched items, as notes on stderr.
+
+#ifndef HOST_WATCH_NOTES_VIEW_H
+#define HOST_WATCH_NOTES_VIEW_H
+
+#include "host/watch/view.h"
+
+namespace host {
+
+class NotesView : public View
+{
+public:
+    // all: every failed poll, not only news.
+    explicit NotesView(bool all);
+
+    void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
+                  WatchNews news) override;
+    void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
+    void tell(const Watch &watch, const QString &text) override;
+
+private:
+    bool all;
+};
+
+} // namespace host
+
+#endif

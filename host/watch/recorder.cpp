@@ -1,0 +1,62 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/watch/recorder.h"
+
+#include <QDateTime>
+
+namespace host {
+
+namespace {
+
+const Schema kSchema = {
+    "watch", 1, "samples", {"time", "name", "address", "type", "index", "value", "unit", "ms", "error"}};
+
+// Local time with its distance from UTC: 2026-11-21T10:07:50.123+01:00
+QString timeText()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODateWithMs);
+}
+
+Json withTime(const QString &time, const Json &fields)
+{
+    Json record = {{"time", time.toStdString()}};
+    record.update(fields);
+    return record;
+}
+
+// To a tenth.
+double milliseconds(WatchDuration time)
+{
+    using Tenths = std::chrono::duration<qint64, std::ratio<1, 10000>>;
+    return double(std::chrono::duration_cast<Tenths>(time).count()) / 10;
+}
+
+} // namespace
+
+Recorder::Recorder(const Options &options, bool all_) : output(options, kSchema), all(all_) {}
+
+bool Recorder::isOnStdout(const Options &options)
+{
+    return !options.output && formatOf(options, kSchema) != Format::Text;
+}
+
+void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const Reading &reading,
+                        WatchNews news)
+{
+    if (!all && news == WatchNews::None)
+        return;
+    const QString time = timeText();
+    Json record = withTime(time, tagRecord(item.tag, reading.values));
+    record["ms"] = milliseconds(reading.answerTime);
+    output.write(record, time + ' ' + item.tag.label() + ' ' + item.values);
+}
+
+void Recorder::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)
+{
+    if (all || isNews)
+        output.writeUnlessText(withTime(timeText(), tagErrorRecord(item.tag, failure.text())));
+}
+
+} // namespace host

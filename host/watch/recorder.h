@@ -1,0 +1,38 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What was watched, as data: "TIME ADDRESS VALUES" in text, records with the time in other forms; for the
+// first values, for every change and after errors.
+
+#ifndef HOST_WATCH_RECORDER_H
+#define HOST_WATCH_RECORDER_H
+
+#include "host/output/output.h"
+#include "host/watch/view.h"
+
+namespace host {
+
+class Recorder : public View
+{
+public:
+    // all: every poll, not only news.
+    Recorder(const Options &options, bool all);
+
+    // Whether stdout is for programs, by the form that the data have there.
+    static bool isOnStdout(const Options &options);
+
+    void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
+                  WatchNews news) override;
+    void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
+
+    // The end of the watching.
+    void finish() { output.finish(); }
+
+private:
+    Output output;
+    bool all;
+};
+
+} // namespace host
+
+#endif

@@ -1,0 +1,33 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Where the watched items are followed.
+
+#ifndef HOST_WATCH_VIEW_H
+#define HOST_WATCH_VIEW_H
+
+#include "host/base/failure.h"
+#include "host/watch/watched_items.h"
+
+namespace host {
+
+class View
+{
+public:
+    virtual ~View() = default;
+
+    // A poll of one item brought values, or failed; what of it is news.
+    virtual void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
+                          WatchNews news) = 0;
+    virtual void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) = 0;
+
+    // Called often while nothing happens.
+    virtual void attend(const Watch & /*watch*/) {}
+
+    // Something happened to all of them.
+    virtual void tell(const Watch & /*watch*/, const QString & /*text*/) {}
+};
+
+} // namespace host
+
+#endif

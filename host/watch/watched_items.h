@@ -1,0 +1,87 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What is known of the watched items, and what there is to tell at the end.
+
+#ifndef HOST_WATCH_WATCHED_ITEMS_H
+#define HOST_WATCH_WATCHED_ITEMS_H
+
+#include "host/items/tag.h"
+
+#include <QMap>
+#include <QStringList>
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+namespace host {
+
+using WatchTime = std::chrono::steady_clock::time_point;
+using WatchDuration = std::chrono::steady_clock::duration;
+
+// What a poll of an item brought, compared with the poll before.
+enum class WatchNews { None, Changed, Recovered };
+
+class WatchedItem
+{
+public:
+    explicit WatchedItem(const Tag &tag);
+
+    // A poll that brought values. The first values count as changed.
+    WatchNews answered(const QString &values, WatchTime now);
+
+    // A poll that failed. True when that is news: the poll before did not fail, or with another error.
+    bool failed(const QString &error);
+
+    Tag tag;
+    QString values;                     // as text; empty until there are any
+    std::optional<WatchTime> changedAt; // none until other values came than the first
+    bool hasJustChanged = false;        // with the last answer
+    bool isFailing = false;             // the last poll failed: the values are old
+    QString lastError;                  // stays when later polls succeed
+    int attempts = 0;                   // requests sent, repetitions included
+    int errors = 0;                     // polls that failed in spite of them
+};
+
+// How long answers took.
+class AnswerTimes
+{
+public:
+    void add(WatchDuration time);
+
+    int count() const { return answers; }
+    WatchDuration mean() const;
+    WatchDuration longest() const { return maximum; }
+
+private:
+    int answers = 0;
+    WatchDuration total{};
+    WatchDuration maximum{};
+};
+
+struct Watch
+{
+    explicit Watch(const std::vector<Tag> &watched);
+
+    std::vector<WatchedItem> items;
+    int polls = 0;
+    AnswerTimes answerTimes; // of one request, from the call of the driver to its data, repetitions included
+    QMap<QString, int> errors; // failed polls of an item by their cause
+    int latePolls = 0;         // took longer than the interval
+    int returns = 0;           // how often the port was lost and came back
+};
+
+// What a poll of an item brought.
+struct Reading
+{
+    std::vector<Value> values;
+    WatchDuration answerTime; // of its slowest request
+};
+
+// Polls, answer times, attempts and errors per item, errors per cause.
+QStringList watchSummary(const Watch &watch);
+
+} // namespace host
+
+#endif
