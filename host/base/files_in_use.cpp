@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <optional>
+#include <string>
 #include <vector>
 
 #include <sys/stat.h>

@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <iostream>
+#include <string>
 #include <system_error>
 
 namespace host {

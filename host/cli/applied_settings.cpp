@@ -9,8 +9,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QString>
+
 #include <algorithm>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace host {
 

@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
 namespace host {
 
 namespace {

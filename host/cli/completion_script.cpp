@@ -3,6 +3,9 @@
 
 #include "host/cli/completion_script.h"
 
+#include <QString>
+#include <QStringList>
+
 namespace host {
 
 namespace {

@@ -8,6 +8,8 @@
 
 #include "host/cli/completion.h"
 
+#include <QString>
+
 namespace host {
 
 QString bashScript(const Completion &completion);

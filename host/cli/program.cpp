@@ -14,6 +14,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QString>
+
 #include <functional>
 #include <sstream>
 #include <string>

@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QByteArray>
+#include <QList>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -15,6 +17,8 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace host {
 

@@ -12,9 +12,14 @@
 #include "host/items/tag_file.h"
 #include "host/output/output.h"
 
+#include <QByteArray>
 #include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <string>
 
 namespace host {
 

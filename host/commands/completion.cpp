@@ -8,7 +8,11 @@
 #include "host/cli/completion_script.h"
 #include "host/output/sink.h"
 
+#include <QString>
+
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace host {
 

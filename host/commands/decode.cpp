@@ -13,7 +13,13 @@
 #include "host/text/hex_text.h"
 #include "host/text/number_text.h"
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace host {
 

@@ -9,6 +9,8 @@
 #include "host/driver/plugin.h"
 #include "host/output/output.h"
 
+#include <memory>
+
 namespace host {
 
 namespace {

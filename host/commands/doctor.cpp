@@ -13,8 +13,13 @@
 #include "host/port/port_details.h"
 
 #include <QElapsedTimer>
+#include <QList>
+#include <QString>
 
 #include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
 
 namespace host {
 

@@ -5,6 +5,9 @@
 
 #include "host/frames/words.h"
 
+#include <QByteArray>
+#include <QList>
+
 namespace host {
 
 const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};

@@ -10,6 +10,9 @@
 #include "host/driver/dry_run.h"
 #include "host/output/output.h"
 
+#include <QByteArray>
+#include <QList>
+
 namespace host {
 
 // The form of the data.

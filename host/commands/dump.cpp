@@ -15,6 +15,11 @@
 #include "host/output/progress.h"
 #include "host/output/sink.h"
 
+#include <QString>
+
+#include <memory>
+#include <string>
+
 namespace host {
 
 namespace {

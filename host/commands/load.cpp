@@ -16,6 +16,13 @@
 #include "host/items/memory_range.h"
 #include "host/output/progress.h"
 
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <string>
+
 namespace host {
 
 namespace {

@@ -8,7 +8,11 @@
 #include "host/diagnosis/plugin_examination.h"
 #include "host/output/output.h"
 
+#include <QString>
+#include <QStringList>
+
 #include <memory>
+#include <string>
 
 namespace host {
 

@@ -10,6 +10,12 @@
 #include "host/output/output.h"
 #include "host/port/port_details.h"
 
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+
 namespace host {
 
 namespace {

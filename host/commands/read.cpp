@@ -11,6 +11,12 @@
 #include "host/items/tag_file.h"
 #include "host/output/output.h"
 
+#include <QByteArray>
+
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace host {
 
 namespace {

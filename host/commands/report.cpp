@@ -12,8 +12,10 @@
 #include "host/text/number_text.h"
 
 #include <QFileInfo>
+#include <QString>
 
 #include <memory>
+#include <string>
 
 namespace host {
 

@@ -16,6 +16,12 @@
 #include "host/text/number_list.h"
 
 #include <QElapsedTimer>
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace host {
 

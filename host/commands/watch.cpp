@@ -14,10 +14,15 @@
 #include "host/watch/recorder.h"
 #include "host/watch/table_view.h"
 
+#include <QByteArray>
 #include <QDeadlineTimer>
+#include <QString>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace host {

@@ -16,6 +16,14 @@
 #include "host/items/tag.h"
 #include "host/output/output.h"
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace host {
 
 namespace {

@@ -12,6 +12,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace host {
 
 enum class Verdict { Good, Warning, Failed };

@@ -5,6 +5,10 @@
 
 #include "host/port/line_settings.h"
 
+#include <QString>
+
+#include <memory>
+
 namespace host {
 
 namespace {

@@ -9,6 +9,7 @@
 #include "host/driver/plugin.h"
 #include "host/text/json.h"
 
+#include <QString>
 #include <QStringList>
 
 namespace host {

@@ -10,12 +10,16 @@
 #include "host/diagnosis/plugin_description.h"
 #include "host/driver/plugin.h"
 
+#include <QByteArray>
 #include <QFileInfo>
 #include <QJsonObject>
 #include <QLibrary>
 #include <QPluginLoader>
 
+#include <chrono>
 #include <exception>
+#include <memory>
+#include <string>
 
 namespace host {
 

@@ -8,10 +8,14 @@
 #include "host/driver/driver_fault.h"
 #include "host/port/port_choice.h"
 
+#include <QByteArray>
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QString>
+#include <QStringList>
 
 #include <algorithm>
+#include <optional>
 
 #include <poll.h>
 

@@ -16,6 +16,9 @@
 #include "host/port/serial_port.h"
 #include "host/port/tracing_port.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <functional>
 #include <memory>
 #include <utility>

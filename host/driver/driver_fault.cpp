@@ -3,6 +3,7 @@
 
 #include "host/driver/driver_fault.h"
 
+#include <QString>
 #include <QStringList>
 
 #include <optional>

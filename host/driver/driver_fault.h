@@ -8,6 +8,8 @@
 
 #include "host/base/failure.h"
 
+#include <QString>
+
 namespace host {
 
 // The failure behind a driver's error text. Texts that are not known count as a broken answer.

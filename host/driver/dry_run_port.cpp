@@ -5,6 +5,8 @@
 
 #include "host/frames/words.h"
 
+#include <QVariant>
+
 namespace host {
 
 DryRunPort::DryRunPort(int station_, const TakeFrame &takeFrame_) : station(station_), takeFrame(takeFrame_)

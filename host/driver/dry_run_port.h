@@ -9,6 +9,7 @@
 #include "abstract_device_interface.h"
 
 #include <QByteArray>
+#include <QVariant>
 
 #include <functional>
 

@@ -9,6 +9,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonObject>
+#include <QString>
+
+#include <utility>
 
 namespace host {
 

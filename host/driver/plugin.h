@@ -12,6 +12,7 @@
 #include "host/base/options.h"
 
 #include <QPluginLoader>
+#include <QString>
 #include <QStringList>
 
 #include <memory>

@@ -6,6 +6,8 @@
 #include "host/base/failure.h"
 #include "host/items/memory_range.h"
 
+#include <QString>
+
 namespace host {
 
 namespace {

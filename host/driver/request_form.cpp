@@ -3,6 +3,8 @@
 
 #include "host/driver/request_form.h"
 
+#include <QString>
+
 #include <algorithm>
 
 namespace host {

@@ -16,6 +16,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QString>
 
 namespace host {
 

@@ -5,6 +5,7 @@
 
 #include "host/base/failure.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFile>

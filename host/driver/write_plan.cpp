@@ -3,6 +3,10 @@
 
 #include "host/driver/write_plan.h"
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
 #include <algorithm>
 
 namespace host {

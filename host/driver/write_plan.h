@@ -12,6 +12,9 @@
 
 #include "host/driver/request_form.h"
 
+#include <QByteArray>
+#include <QList>
+
 namespace host {
 
 struct WriteRequest

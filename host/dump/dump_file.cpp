@@ -8,6 +8,7 @@
 #include "host/items/memory_range.h"
 
 #include <QList>
+#include <QString>
 
 #include <optional>
 

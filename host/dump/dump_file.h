@@ -17,6 +17,7 @@
 #include "host/items/item.h"
 
 #include <QByteArray>
+#include <QString>
 
 namespace host {
 

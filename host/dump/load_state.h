@@ -13,6 +13,7 @@
 #include "host/items/item.h"
 
 #include <QByteArray>
+#include <QString>
 
 namespace host {
 

@@ -6,7 +6,9 @@
 #include "host/base/files.h"
 #include "host/items/memory_range.h"
 
+#include <QByteArray>
 #include <QFileInfo>
+#include <QString>
 
 #include <cerrno>
 

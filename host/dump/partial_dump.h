@@ -10,8 +10,10 @@
 #include "host/base/failure.h"
 #include "host/dump/dump_file.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QFile>
+#include <QString>
 
 namespace host {
 

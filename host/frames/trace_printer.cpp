@@ -5,6 +5,8 @@
 
 #include "host/frames/words.h"
 
+#include <QByteArray>
+
 namespace host {
 
 TracePrinter::TracePrinter(const WriteLine &writeLine_) : writeLine(writeLine_) {}

@@ -12,6 +12,7 @@
 
 #include "host/frames/listener.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>

@@ -6,6 +6,7 @@
 #include "host/base/failure.h"
 
 #include <QHash>
+#include <QList>
 #include <QRegularExpression>
 
 #include <algorithm>

@@ -8,6 +8,7 @@
 #include "host/items/value_parser.h"
 
 #include <QRegularExpression>
+#include <QString>
 
 namespace host {
 

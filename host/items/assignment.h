@@ -17,6 +17,7 @@
 #include "host/items/tag.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <vector>
 

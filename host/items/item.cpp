@@ -7,6 +7,8 @@
 
 #include <QHash>
 #include <QList>
+#include <QString>
+#include <QStringList>
 
 #include <utility>
 

@@ -17,6 +17,8 @@
 
 #include "host/items/address.h"
 
+#include <QString>
+
 namespace host {
 
 enum class ValueType { Bool, U8, I8, U16, I16, U32, I32, F32, Hex, Bcd, Str };

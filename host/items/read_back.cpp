@@ -6,6 +6,9 @@
 #include "host/base/failure.h"
 #include "host/items/value.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <algorithm>
 
 namespace host {

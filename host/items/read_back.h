@@ -8,6 +8,8 @@
 
 #include "host/items/assignment.h"
 
+#include <QByteArray>
+
 namespace host {
 
 // Fails with the first difference, expected and read, when data is not what was assigned. Bytes are

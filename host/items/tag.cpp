@@ -5,6 +5,8 @@
 
 #include "host/base/failure.h"
 
+#include <QByteArray>
+#include <QString>
 #include <QStringList>
 
 #include <algorithm>

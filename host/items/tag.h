@@ -11,6 +11,8 @@
 #include "host/items/value.h"
 #include "host/text/json.h"
 
+#include <QString>
+
 #include <vector>
 
 namespace host {

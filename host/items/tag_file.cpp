@@ -6,10 +6,14 @@
 #include "host/base/files.h"
 #include "host/text/csv.h"
 
+#include <QByteArray>
 #include <QSet>
+#include <QString>
 #include <QStringList>
 
 #include <cmath>
+#include <optional>
+#include <string>
 
 namespace host {
 

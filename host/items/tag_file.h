@@ -19,6 +19,9 @@
 #include "host/base/outcome.h"
 #include "host/items/tag.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <vector>
 
 namespace host {

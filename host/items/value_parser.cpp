@@ -8,12 +8,14 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QString>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace host {
 

@@ -15,6 +15,7 @@
 #include "host/items/item.h"
 
 #include <QByteArray>
+#include <QString>
 
 namespace host {
 

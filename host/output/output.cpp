@@ -9,6 +9,7 @@
 #include "host/output/forms.h"
 
 #include <QFileInfo>
+#include <QStringList>
 
 #include <optional>
 #include <string>

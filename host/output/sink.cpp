@@ -9,6 +9,7 @@
 
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QString>
 
 namespace host {
 

@@ -4,6 +4,7 @@
 #include "host/output/table.h"
 
 #include <algorithm>
+#include <string>
 
 namespace host {
 

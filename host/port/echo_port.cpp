@@ -3,6 +3,9 @@
 
 #include "host/port/echo_port.h"
 
+#include <QString>
+
+#include <algorithm>
 #include <utility>
 
 namespace host {

@@ -8,6 +8,8 @@
 
 #include "abstract_device_interface.h"
 
+#include <QVariant>
+
 namespace host {
 
 class ForwardingPort : public AbstractDeviceInterface

@@ -9,7 +9,9 @@
 
 #include <QStringList>
 
+#include <cmath>
 #include <cstdlib>
+#include <string>
 
 namespace host {
 

@@ -6,7 +6,9 @@
 #include "host/base/failure.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QString>
 
 #include <unistd.h>
 

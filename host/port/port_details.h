@@ -8,6 +8,8 @@
 
 #include "host/port/port_holder.h"
 
+#include <QList>
+#include <QString>
 #include <QStringList>
 
 #include <optional>

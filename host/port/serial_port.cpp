@@ -11,6 +11,7 @@
 
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QVariant>
 
 #include <algorithm>
 

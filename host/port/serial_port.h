@@ -12,6 +12,7 @@
 
 #include <QSerialPort>
 #include <QString>
+#include <QVariant>
 
 namespace host {
 

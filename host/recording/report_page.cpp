@@ -9,9 +9,14 @@
 #include "host/recording/trend_chart.h"
 #include "host/text/number_text.h"
 
+#include <QByteArray>
 #include <QDateTime>
+#include <QList>
+#include <QString>
 
 #include <algorithm>
+#include <optional>
+#include <vector>
 
 namespace host {
 

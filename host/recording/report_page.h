@@ -9,6 +9,9 @@
 
 #include "host/recording/recording.h"
 
+#include <QByteArray>
+#include <QString>
+
 namespace host {
 
 // source: what the page says it was made of.

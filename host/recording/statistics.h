@@ -9,6 +9,7 @@
 #include "host/recording/recording.h"
 
 #include <optional>
+#include <vector>
 
 namespace host {
 

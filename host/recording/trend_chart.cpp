@@ -5,8 +5,11 @@
 
 #include "host/recording/statistics.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace host {
 

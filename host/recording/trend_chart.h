@@ -8,6 +8,10 @@
 
 #include "host/recording/recording.h"
 
+#include <QString>
+
+#include <vector>
+
 namespace host {
 
 // What the picture shows, and how large it is in its own units.

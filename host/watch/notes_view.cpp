@@ -5,6 +5,8 @@
 
 #include "host/base/messages.h"
 
+#include <QString>
+
 namespace host {
 
 NotesView::NotesView(bool all_) : all(all_) {}

@@ -8,6 +8,8 @@
 
 #include "host/watch/view.h"
 
+#include <QString>
+
 namespace host {
 
 class NotesView : public View

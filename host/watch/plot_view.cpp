@@ -5,8 +5,12 @@
 
 #include "host/base/failure.h"
 
+#include <QString>
+#include <QStringList>
+
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include <langinfo.h>
 

@@ -12,6 +12,10 @@
 
 #include <QElapsedTimer>
 #include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
 
 namespace host {
 

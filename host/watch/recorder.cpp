@@ -4,6 +4,10 @@
 #include "host/watch/recorder.h"
 
 #include <QDateTime>
+#include <QString>
+
+#include <chrono>
+#include <ratio>
 
 namespace host {
 

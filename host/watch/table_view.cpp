@@ -3,7 +3,12 @@
 
 #include "host/watch/table_view.h"
 
+#include <QList>
+#include <QString>
+#include <QStringList>
+
 #include <algorithm>
+#include <chrono>
 
 namespace host {
 

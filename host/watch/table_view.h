@@ -16,6 +16,9 @@
 #include "host/watch/terminal_screen.h"
 #include "host/watch/view.h"
 
+#include <QString>
+#include <QStringList>
+
 namespace host {
 
 // The table's lines, cut to a screen's columns; when there are more items than rows, the last line says so.

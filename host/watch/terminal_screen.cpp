@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QRegularExpression>
+#include <QString>
 
 #include <algorithm>
 #include <cstdint>

@@ -9,6 +9,8 @@
 #include "host/base/failure.h"
 #include "host/watch/watched_items.h"
 
+#include <QString>
+
 namespace host {
 
 class View

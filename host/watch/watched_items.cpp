@@ -5,6 +5,8 @@
 
 #include "host/text/number_text.h"
 
+#include <QString>
+
 #include <algorithm>
 #include <utility>
 

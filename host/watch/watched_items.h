@@ -9,6 +9,7 @@
 #include "host/items/tag.h"
 
 #include <QMap>
+#include <QString>
 #include <QStringList>
 
 #include <chrono>

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <optional>
+
 using namespace host;
 
 namespace {

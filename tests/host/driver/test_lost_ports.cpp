@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <memory>
 #include <thread>
+#include <utility>
 
 using namespace host;
 

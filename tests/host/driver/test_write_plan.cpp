@@ -11,6 +11,8 @@
 
 #include <QtTest>
 
+#include <utility>
+
 using namespace host;
 
 namespace {

@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <vector>
+
 using namespace host;
 
 namespace {

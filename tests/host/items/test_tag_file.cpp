@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <string>
+
 using namespace host;
 
 namespace {

@@ -10,6 +10,8 @@
 
 #include <QtTest>
 
+#include <optional>
+
 using namespace host;
 
 namespace {

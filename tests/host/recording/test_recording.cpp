@@ -13,6 +13,8 @@
 #include <QtTest>
 
 #include <numeric>
+#include <optional>
+#include <vector>
 
 using namespace host;
 

@@ -8,6 +8,7 @@
 
 #include "communicator_command.h"
 
+#include <QString>
 #include <QStringList>
 
 inline QString commandText(const CommunicatorCommand &command)

@@ -8,6 +8,8 @@
 
 #include "host/base/failure.h"
 
+#include <QString>
+
 template <typename Action> QString failureOf(const Action &action)
 {
     try {

@@ -11,6 +11,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QVariant>
 
 #include <algorithm>
 

@@ -7,6 +7,9 @@
 
 #include <QtTest>
 
+#include <string>
+#include <vector>
+
 using namespace host;
 
 class TestNearestWord : public QObject

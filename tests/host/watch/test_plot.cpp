@@ -7,6 +7,10 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <deque>
+#include <vector>
+
 using namespace host;
 
 namespace {

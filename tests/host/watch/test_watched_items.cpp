@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <chrono>
+
 using namespace host;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
