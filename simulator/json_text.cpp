@@ -3,7 +3,7 @@
 
 #include "simulator/json_text.h"
 
-#include "simulator/user_error.h"
+#include "simulator/memory_file_error.h"
 
 #include <iterator>
 #include <set>

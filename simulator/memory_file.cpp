@@ -3,6 +3,8 @@
 
 #include "simulator/memory_file.h"
 
+#include "simulator/user_error.h"
+
 #include <QFile>
 #include <QSaveFile>
 

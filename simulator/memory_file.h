@@ -6,7 +6,10 @@
 #ifndef SIMULATOR_MEMORY_FILE_H
 #define SIMULATOR_MEMORY_FILE_H
 
+#include "simulator/memory_file_error.h"
 #include "simulator/memory_json.h"
+
+#include <string>
 
 namespace sim {
 

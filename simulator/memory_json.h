@@ -20,7 +20,7 @@
 
 #include "simulator/live_value.h"
 #include "simulator/memory.h"
-#include "simulator/user_error.h"
+#include "simulator/memory_file_error.h"
 
 #include <string>
 #include <vector>

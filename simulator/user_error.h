@@ -23,13 +23,6 @@ private:
     std::runtime_error m_hint; // its text is copied without a throw, as that of an exception must be
 };
 
-// A memory file that cannot be read, used or written.
-class MemoryFileError : public UserError
-{
-public:
-    using UserError::UserError;
-};
-
 } // namespace sim
 
 #endif
