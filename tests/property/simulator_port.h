@@ -7,7 +7,7 @@
 #define TESTS_PROPERTY_SIMULATOR_PORT_H
 
 #include "abstract_device_interface.h"
-#include "simulator/station.h"
+#include "simulator/controller/station.h"
 
 class SimulatorPort : public AbstractDeviceInterface
 {

@@ -3,8 +3,8 @@
 //
 // Faults as people write them.
 
-#include "simulator/fault.h"
-#include "simulator/nearest_name.h"
+#include "simulator/faults/fault.h"
+#include "simulator/text/nearest_name.h"
 
 #include <QtTest>
 

@@ -7,7 +7,7 @@
 #include "conversation.h"
 #include "seed.h"
 
-#include "simulator/trace.h"
+#include "simulator/trace/trace.h"
 
 #include <QtTest>
 

@@ -5,7 +5,7 @@
 
 #include "conversation.h"
 
-#include "simulator/live_value.h"
+#include "simulator/controller/live_value.h"
 
 #include <QtTest>
 

@@ -5,7 +5,7 @@
 
 #include "seed.h"
 
-#include "simulator/memory_file.h"
+#include "simulator/controller/memory_file.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -6,7 +6,7 @@
 #include "conversation.h"
 #include "raw_terminal.h"
 
-#include "simulator/memory_file.h"
+#include "simulator/controller/memory_file.h"
 
 #include <QFile>
 #include <QFileInfo>

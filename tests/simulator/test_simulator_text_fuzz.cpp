@@ -5,8 +5,8 @@
 
 #include "seed.h"
 
-#include "simulator/fault.h"
-#include "simulator/memory_json.h"
+#include "simulator/controller/memory_json.h"
+#include "simulator/faults/fault.h"
 
 #include <QtTest>
 

@@ -5,7 +5,7 @@
 
 #include "conversation.h"
 
-#include "simulator/trace.h"
+#include "simulator/trace/trace.h"
 
 #include <QtTest>
 

@@ -5,7 +5,7 @@
 
 #include "conversation.h"
 
-#include "simulator/trace_file.h"
+#include "simulator/trace/trace_file.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,0 +1,61 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The memory areas of the simulated controller, a larger S7-200: what they are called, how a request
+// names them, how large they are and what may be done with them.
+
+#ifndef SIMULATOR_CONTROLLER_AREAS_H
+#define SIMULATOR_CONTROLLER_AREAS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace sim {
+
+enum class AreaKind {
+    PlainBytes,  // bits, bytes, words and double words at any byte
+    AnalogWords, // whole words at even bytes
+    Timers,      // numbered objects
+    Counters,
+    HighSpeedCounters,
+};
+
+// Codes by which a request names an area.
+constexpr uint8_t kAreaS = 0x04;
+constexpr uint8_t kAreaSM = 0x05;
+constexpr uint8_t kAreaAI = 0x06;
+constexpr uint8_t kAreaAQ = 0x07;
+constexpr uint8_t kAreaC = 0x1E;
+constexpr uint8_t kAreaT = 0x1F;
+constexpr uint8_t kAreaHC = 0x20;
+constexpr uint8_t kAreaI = 0x81;
+constexpr uint8_t kAreaQ = 0x82;
+constexpr uint8_t kAreaM = 0x83;
+constexpr uint8_t kAreaV = 0x84;
+
+constexpr size_t kTimerCount = 256;
+constexpr size_t kCounterCount = 256;
+constexpr size_t kHighSpeedCounterCount = 6;
+
+struct Area
+{
+    const char *name;
+    uint8_t code;
+    AreaKind kind;
+    uint32_t size; // bytes, or objects for the numbered kinds
+    uint16_t db;   // data block number that a request must give
+    bool writable; // over the line
+
+    bool holdsObjects() const { return kind != AreaKind::PlainBytes && kind != AreaKind::AnalogWords; }
+};
+
+// In the order in which a memory file lists them.
+const std::array<Area, 11> &areas();
+
+// Null when there is no such area.
+const Area *findArea(uint8_t code);
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,150 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/controller/live_value.h"
+
+#include "simulator/text/nearest_name.h"
+
+#include <algorithm>
+#include <cmath>
+#include <regex>
+#include <stdexcept>
+
+namespace sim {
+
+struct LiveValue::Form
+{
+    Kind kind;
+    const char *name;
+    const char *arguments; // for the user
+    std::regex pattern;    // of all behind the name: first number, second number, number and unit of the time
+};
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+[[noreturn]] void refuse(const std::string &text)
+{
+    throw std::invalid_argument(text);
+}
+
+double numberIn(const std::ssub_match &text, double otherwise)
+{
+    return text.length() > 0 ? std::stod(text) : otherwise;
+}
+
+double secondsIn(const std::string &unit)
+{
+    if (unit == "ms")
+        return 0.001;
+    if (unit == "min")
+        return 60;
+    return unit == "h" ? 3600 : 1;
+}
+
+double inSeconds(Time time)
+{
+    return std::chrono::duration<double>(time).count();
+}
+
+} // namespace
+
+const std::vector<LiveValue::Form> &LiveValue::forms()
+{
+    const std::string number = "([-+]?[0-9]{1,10}(?:\\.[0-9]{1,9})?)";
+    const std::string time = "([0-9]{1,9}(?:\\.[0-9]{1,9})?)(ms|s|min|h)";
+    const std::string rate = "([0-9]{1,9}(?:\\.[0-9]{1,9})?)?(ms|s|min|h)";
+    static const std::vector<Form> all = {
+        {Kind::Ramp, "ramp", ":FROM..TO/TIME, as ramp:0..1000/10s",
+         std::regex(":" + number + "\\.\\." + number + "/" + time)},
+        {Kind::Sine, "sine", ":MIDDLE+-AMPLITUDE/TIME, as sine:500+-400/30s",
+         std::regex(":" + number + "(?:\\+-|\u00b1)" + number + "/" + time)},
+        {Kind::Clock, "clock", ", without arguments", std::regex("()()()()")},
+        {Kind::Counter, "counter", ":STEP/TIME, as counter:1/s", std::regex(":" + number + "()/" + rate)},
+        {Kind::Blink, "blink", ":TIME, as blink:1s", std::regex(":()()" + time)},
+    };
+    return all;
+}
+
+LiveValue::LiveValue(const std::string &place, const std::string &course)
+    : m_placeText(place), m_courseText(course), m_place(parsePlace(place))
+{
+    const size_t colon = std::min(course.find(':'), course.size());
+    const Form &form = entryNamed(course.substr(0, colon), forms(), "kind of live value");
+    const std::string arguments = course.substr(colon);
+    std::smatch parts;
+    if (!std::regex_match(arguments, parts, form.pattern))
+        refuse('"' + course + "\": give " + form.name + form.arguments);
+    m_kind = form.kind;
+    m_first = numberIn(parts[1], 0);
+    m_second = numberIn(parts[2], 0);
+    m_period = numberIn(parts[3], 1) * secondsIn(parts[4]);
+    check();
+}
+
+void LiveValue::check() const
+{
+    const bool wantsBit = m_kind == Kind::Blink;
+    if (wantsBit != (m_place.width == 1))
+        refuse(m_placeText + ": " + (wantsBit ? "only a bit can blink" : "a bit can only blink"));
+    if (m_kind == Kind::Clock && (m_place.width != 32 || m_place.isFloat))
+        refuse(m_placeText + ": clock needs a double word");
+    if (m_period <= 0)
+        refuse('"' + m_courseText + "\": the time must be longer than 0");
+    if (m_kind == Kind::Counter && m_first == 0.0)
+        refuse('"' + m_courseText + "\": the step must not be 0");
+    const bool sine = m_kind == Kind::Sine;
+    const double amplitude = std::fabs(m_second);
+    const double lowest = sine ? m_first - amplitude : m_first;
+    const double highest = sine ? m_first + amplitude : m_second;
+    if (!holds(m_place, lowest) || !holds(m_place, highest))
+        refuse('"' + m_courseText + "\" goes beyond what " + m_placeText + " can hold");
+}
+
+void LiveValue::store(Memory &memory, Time now, Time start) const
+{
+    storeNumber(memory, m_place,
+                m_kind == Kind::Clock ? std::floor(inSeconds(now)) : at(inSeconds(now - start)));
+}
+
+double LiveValue::at(double seconds) const
+{
+    const double phase = std::fmod(seconds, m_period) / m_period;
+    switch (m_kind) {
+    case Kind::Ramp:
+        return m_first + (m_second - m_first) * phase;
+    case Kind::Sine:
+        return m_first + m_second * std::sin(2 * kPi * phase);
+    case Kind::Counter: {
+        const double count = std::floor(m_first * seconds / m_period);
+        return m_place.isFloat ? count : std::fmod(count, std::ldexp(1.0, static_cast<int>(m_place.width)));
+    }
+    default:
+        return phase < 0.5 ? 1 : 0;
+    }
+}
+
+std::vector<LiveValue> parseLiveValues(const std::string &text)
+{
+    if (text == "demo") {
+        return {{"VW200", "ramp:0..1000/10s"},
+                {"VW202", "sine:500+-400/30s"},
+                {"VD204:f32", "sine:21.5+-2.5/60s"},
+                {"VD208", "clock"},
+                {"V212.0", "blink:1s"},
+                {"MB10", "ramp:255..0/5s"},
+                {"AIW0", "sine:16000+-8000/20s"},
+                {"AQW0", "ramp:-32000..32000/60s"},
+                {"SM0.5", "blink:1s"},
+                {"T40", "counter:10/s"},
+                {"C6", "counter:1/s"},
+                {"HC1", "counter:1000/s"}};
+    }
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos)
+        refuse('"' + text + "\" is neither PLACE=KIND:ARGUMENTS, as VW100=ramp:0..1000/10s, nor demo");
+    return {LiveValue(text.substr(0, equals), text.substr(equals + 1))};
+}
+
+} // namespace sim

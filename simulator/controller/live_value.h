@@ -1,0 +1,60 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A number in the memory that changes by itself, so that there is something to watch. Written as
+// PLACE=KIND[:ARGUMENTS]:
+//
+//    VW100=ramp:0..1000/10s         from 0 to 1000 within 10 seconds, then again from 0
+//    VW102=sine:500+-400/30s        around 500, once up and down in 30 seconds; "±" will do, too
+//    VD0=clock                      seconds since the beginning of 1970, UTC
+//    C5=counter:1/s                 one more every second, from 0; begins again when the place is full
+//    V10.3=blink:1s                 on for half a second, off for half a second
+//
+// Times are a number and ms, s, min or h; numbers may have a sign and a fraction. Ramp, sine and counter
+// begin when the simulator does. What a master writes to such a place stays for a moment only.
+
+#ifndef SIMULATOR_CONTROLLER_LIVE_VALUE_H
+#define SIMULATOR_CONTROLLER_LIVE_VALUE_H
+
+#include "simulator/controller/place.h"
+#include "simulator/protocol/clock.h"
+
+namespace sim {
+
+class LiveValue
+{
+public:
+    // place and course are what stands left and right of "=". Throws std::invalid_argument with a text for
+    // the user.
+    LiveValue(const std::string &place, const std::string &course);
+
+    void store(Memory &memory, Time now, Time start) const;
+
+    const std::string &place() const { return m_placeText; }
+    const std::string &course() const { return m_courseText; }
+
+private:
+    enum class Kind { Ramp, Sine, Clock, Counter, Blink };
+    struct Form;
+
+    static const std::vector<Form> &forms();
+
+    void check() const;
+    double at(double seconds) const;
+
+    std::string m_placeText;
+    std::string m_courseText;
+    Place m_place;
+    Kind m_kind = Kind::Clock;
+    double m_first = 0;  // ramp: begin; sine: middle; counter: step
+    double m_second = 0; // ramp: end; sine: amplitude
+    double m_period = 1; // seconds
+};
+
+// "VW100=ramp:0..1000/10s", or "demo": a dozen values of all kinds and areas, none of them where the example
+// memory has something.
+std::vector<LiveValue> parseLiveValues(const std::string &text);
+
+} // namespace sim
+
+#endif

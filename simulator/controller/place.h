@@ -1,0 +1,42 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A number's place in the memory, as people write it:
+//
+//    V10.3              a bit of I Q V M SM S
+//    VB100 MW2 SMD28    a byte, word or double word of these
+//    AIW0 AQW2          an analogue word, at an even byte
+//    T37 C5 HC0         the current value: 16 bits, HC 32
+//    VD4:f32            a double word that holds a floating-point number
+
+#ifndef SIMULATOR_CONTROLLER_PLACE_H
+#define SIMULATOR_CONTROLLER_PLACE_H
+
+#include "simulator/controller/memory.h"
+
+#include <string>
+
+namespace sim {
+
+struct Place
+{
+    const Area *area = nullptr;
+    uint32_t number = 0; // of the first byte, or of the object
+    unsigned bit = 0;
+    unsigned width = 0; // in bits; 1: a single bit
+    bool isFloat = false;
+};
+
+// Throws std::invalid_argument with a text for the user.
+Place parsePlace(const std::string &text);
+
+// Whether the place can hold the number: floating-point ones hold any, all others what fits with or without
+// a sign.
+bool holds(const Place &place, double number);
+
+// Rounds, and keeps the low bits of what does not fit.
+void storeNumber(Memory &memory, const Place &place, double number);
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,47 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/faults/fault_plan.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sim {
+
+namespace {
+
+// With that probability, in steps of a hundredth of a percent.
+bool happens(double percent, Random &random)
+{
+    return percent >= 100 || static_cast<double>(random() % 10000) < std::ceil(percent * 100);
+}
+
+} // namespace
+
+const Fault *Faults::find(FaultKind kind) const
+{
+    const auto found = std::find_if(m_faults.begin(), m_faults.end(),
+                                    [kind](const Fault &fault) { return fault.kind == kind; });
+    return found == m_faults.end() ? nullptr : &*found;
+}
+
+Faults FaultPlan::ofNextRequest()
+{
+    ++m_requests;
+    Faults faults;
+    for (const Fault &fault : m_faults) {
+        const bool numbered = fault.request == 0 || fault.request == m_requests;
+        if (numbered && happens(fault.percent, m_random))
+            faults.add(fault);
+    }
+    return faults;
+}
+
+bool FaultPlan::isPermanent(FaultKind kind) const
+{
+    return std::any_of(m_faults.begin(), m_faults.end(), [kind](const Fault &fault) {
+        return fault.kind == kind && fault.request == 0 && fault.percent >= 100;
+    });
+}
+
+} // namespace sim

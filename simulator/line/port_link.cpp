@@ -1,0 +1,53 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/line/port_link.h"
+
+#include "simulator/line/line.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace sim {
+
+namespace {
+
+// One that a killed program has left leads nowhere, or by chance to the terminal that is new.
+bool isStale(const std::string &path, const std::string &target)
+{
+    std::error_code error;
+    return fs::is_symlink(path, error) &&
+           (!fs::exists(path, error) || fs::read_symlink(path, error) == target);
+}
+
+const char *hintFor(const std::string &path)
+{
+    std::error_code error;
+    return fs::is_symlink(path, error) ? "end the other simulator, or remove the link"
+                                       : "choose a name that is free, in a folder that may be written to";
+}
+
+} // namespace
+
+PortLink::PortLink(const std::string &path, const std::string &target) : m_path(path), m_target(target)
+{
+    std::error_code error;
+    if (isStale(m_path, m_target))
+        fs::remove(m_path, error);
+    fs::create_symlink(m_target, m_path, error);
+    if (error)
+        throw LineError(QString::fromLatin1("cannot make the link %1: %2")
+                            .arg(QString::fromStdString(path), QString::fromStdString(error.message())),
+                        QString::fromLatin1(hintFor(path)));
+}
+
+PortLink::~PortLink()
+{
+    std::error_code error;
+    if (fs::read_symlink(m_path, error) == m_target) // else another program has taken the name over
+        fs::remove(m_path, error);
+}
+
+} // namespace sim

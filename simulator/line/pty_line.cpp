@@ -1,0 +1,109 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/line/pty_line.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace sim {
+
+namespace {
+
+QString errorText(const char *what)
+{
+    return QString::fromLatin1("cannot make a pseudo-terminal: %1: %2")
+        .arg(QString::fromLatin1(what), QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+void check(bool good, const char *what)
+{
+    if (!good)
+        throw LineError(errorText(what),
+                        QString::fromLatin1("mount /dev/pts, or name a serial port with --port"));
+}
+
+// No echo, no line editing, no translation of any byte.
+bool setRaw(int terminal)
+{
+    termios settings;
+    if (tcgetattr(terminal, &settings) != 0)
+        return false;
+    cfmakeraw(&settings);
+    return tcsetattr(terminal, TCSANOW, &settings) == 0;
+}
+
+} // namespace
+
+PtyLine::PtyLine()
+{
+    try {
+        open();
+    } catch (const LineError &) {
+        closeAll();
+        throw;
+    }
+    m_notifier = std::make_unique<QSocketNotifier>(m_controller, QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
+}
+
+PtyLine::~PtyLine()
+{
+    m_notifier.reset();
+    closeAll();
+}
+
+void PtyLine::open()
+{
+    m_controller = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    check(m_controller >= 0, "open");
+    check(grantpt(m_controller) == 0, "grant");
+    check(unlockpt(m_controller) == 0, "unlock");
+    std::array<char, 128> name;
+    check(ptsname_r(m_controller, name.data(), name.size()) == 0, "name");
+    m_name = QString::fromLocal8Bit(name.data());
+    m_slave = ::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    check(m_slave >= 0, "open its other side");
+    check(setRaw(m_slave), "set raw mode");
+    check(fcntl(m_controller, F_SETFL, O_RDWR | O_NONBLOCK) == 0, "set non-blocking mode");
+}
+
+void PtyLine::closeAll()
+{
+    if (m_slave >= 0)
+        close(m_slave);
+    if (m_controller >= 0)
+        close(m_controller);
+}
+
+void PtyLine::readAll()
+{
+    std::array<char, 512> buffer;
+    const ssize_t size = read(m_controller, buffer.data(), buffer.size());
+    if (size > 0) {
+        // A master that opened the slave side for itself alone and was killed would lock out all others.
+        ioctl(m_slave, TIOCNXCL);
+        Q_EMIT received(QByteArray(buffer.data(), static_cast<int>(size)));
+    } else if (size < 0 && errno != EAGAIN && errno != EINTR) {
+        m_notifier->setEnabled(false);
+        Q_EMIT lost();
+    }
+}
+
+void PtyLine::send(const Bytes &bytes)
+{
+    // Fails or falls short only when no master has read for thousands of bytes: lost.
+    const ssize_t written = write(m_controller, bytes.data(), bytes.size());
+    static_cast<void>(written);
+}
+
+} // namespace sim

@@ -1,0 +1,41 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A new pseudo-terminal. Masters may open and close its slave side as often as they like.
+
+#ifndef SIMULATOR_LINE_PTY_LINE_H
+#define SIMULATOR_LINE_PTY_LINE_H
+
+#include "simulator/line/line.h"
+
+#include <memory>
+
+class QSocketNotifier;
+
+namespace sim {
+
+class PtyLine : public Line
+{
+    Q_OBJECT
+
+public:
+    PtyLine(); // throws LineError
+    ~PtyLine() override;
+
+    QString name() const override { return m_name; }
+    void send(const Bytes &bytes) override;
+
+private:
+    void open();
+    void closeAll();
+    void readAll();
+
+    int m_controller = -1; // our side
+    int m_slave = -1;      // held open, or our side would report a hang-up whenever no master is there
+    QString m_name;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,48 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/line/serial_line.h"
+
+#include <QFileInfo>
+
+namespace sim {
+
+namespace {
+
+// What is no path to Qt it looks for in /dev, also when it is in the folder.
+QString locationOf(const QString &device)
+{
+    const QFileInfo info(device);
+    return info.exists() ? info.absoluteFilePath() : device;
+}
+
+} // namespace
+
+SerialLine::SerialLine(const QString &device, qint32 baudRate, QSerialPort::Parity parity) : m_device(device)
+{
+    m_port.setPortName(locationOf(device));
+    m_port.setBaudRate(baudRate);
+    m_port.setParity(parity);
+    if (!m_port.open(QIODevice::ReadWrite))
+        throw LineError(
+            QString::fromLatin1("cannot open %1: %2").arg(device, m_port.errorString()),
+            QString::fromLatin1("s7ppi ports lists the ports that there are, and who may use them"));
+    connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });
+    connect(&m_port, &QSerialPort::errorOccurred, this, &SerialLine::reportError);
+}
+
+void SerialLine::send(const Bytes &bytes)
+{
+    m_port.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
+}
+
+// A port that is gone shows as one of several errors, over and over: the first one is told.
+void SerialLine::reportError(QSerialPort::SerialPortError error)
+{
+    if (error == QSerialPort::NoError)
+        return;
+    m_port.disconnect(this);
+    Q_EMIT lost();
+}
+
+} // namespace sim

@@ -1,0 +1,41 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Runs a simulator in real time on a line: what the line brings goes to the simulator, what the simulator
+// sends goes back when it is due.
+
+#ifndef SIMULATOR_LINE_SERVER_H
+#define SIMULATOR_LINE_SERVER_H
+
+#include "simulator/line/line.h"
+#include "simulator/line/simulator.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+namespace sim {
+
+class Server : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Both must outlive the server. The simulator's clock runs on from where it stands.
+    Server(Line &line, Simulator &simulator);
+
+private:
+    void take(const QByteArray &bytes);
+    void keepTime();
+    void send(const Bytes &bytes);
+    void setTimer();
+
+    Line &m_line;
+    Simulator &m_simulator;
+    const Time m_start;
+    QElapsedTimer m_elapsed;
+    QTimer m_timer;
+};
+
+} // namespace sim
+
+#endif

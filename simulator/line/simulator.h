@@ -1,0 +1,96 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// A line with simulated controllers on it: bytes in, bytes out, and a clock that only its user moves. It
+// opens no port, never sleeps and starts no thread. Tests meet it through simulator/simulator.h, the program
+// s7ppi-sim puts it on a real line with Server.
+//
+// Without faults that need time, without a pace and without a turnaround time, everything goes out at once,
+// and the clock may stand still.
+
+#ifndef SIMULATOR_LINE_SIMULATOR_H
+#define SIMULATOR_LINE_SIMULATOR_H
+
+#include "simulator/controller/station.h"
+#include "simulator/line/outbox.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace sim {
+
+enum class Traffic {
+    Received, // a whole frame
+    Sent,     // all that goes out at one time, damaged by a fault or not; told when its first byte goes
+    Skipped,  // received bytes that made no frame
+};
+
+class Simulator
+{
+public:
+    using Listener = std::function<void(Time, Traffic, const Bytes &)>;
+
+    // start: what the clock shows. Live values count from here; only "clock" shows the time itself.
+    explicit Simulator(Time start = Time::zero());
+
+    // The station stays where it is. Takes the place of one that had the same address.
+    Station &addStation(uint8_t address, const Memory &memory = exampleMemory());
+
+    // Null when there is none.
+    Station *station(uint8_t address);
+
+    // All that concern a request act together, in the order in which they were added; of those that exclude
+    // each other the first one acts. Requests for any of the stations count.
+    void addFault(const Fault &fault) { m_plan.add(fault); }
+
+    // For faults with chance in them. Without it every Simulator makes the same choices.
+    void setSeed(uint32_t seed) { m_plan.seed(seed); }
+
+    // Lets every byte, received or sent, take the time of 11 bits at this rate, one after the other as on a
+    // two-wire line. 0: bytes take no time.
+    void setPace(unsigned baudRate);
+
+    // The time between the end of a request and the reply's first byte.
+    void setTurnaround(Time time) { m_turnaround = time; }
+
+    // Told in the order in which it happens, with the time of it.
+    void setListener(Listener listener) { m_listener = std::move(listener); }
+
+    // Takes what comes from the line now, in pieces of any size. Returns what goes out now.
+    Bytes feed(const uint8_t *data, size_t size);
+    Bytes feed(const Bytes &data) { return feed(data.data(), data.size()); }
+
+    // Moves the clock, never backwards. Returns what has gone out meanwhile.
+    Bytes advance(Time span) { return advanceTo(m_now + span); }
+    Bytes advanceTo(Time now);
+
+    Time now() const { return m_now; }
+
+    // When advanceTo() will have something to do; nothing when only feed() will.
+    std::optional<Time> nextDue() const;
+
+private:
+    void take(const Frame &frame);
+    void send(const Reply &reply);
+    void storeLiveValues();
+    Bytes takeDue();
+    void tellSkipped();
+    void tell(Time time, Traffic traffic, const Bytes &bytes) const;
+
+    const Time m_start;
+    Time m_now;
+    Time m_lineFree;     // all bytes so far have passed the line then
+    Time m_silenceAfter; // a frame that has begun by then is given up
+    Time m_byteTime{0};
+    Time m_turnaround{0};
+    std::map<uint8_t, Station> m_stations;
+    FaultPlan m_plan;
+    FrameReader m_reader;
+    Outbox m_outbox;
+    Listener m_listener;
+};
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,33 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/protocol/cursor.h"
+
+namespace sim {
+
+bool Cursor::claim(size_t size)
+{
+    m_ok = m_ok && size <= left();
+    return m_ok;
+}
+
+uint32_t Cursor::take(size_t size)
+{
+    uint32_t value = 0;
+    if (!claim(size))
+        return value;
+    for (size_t i = 0; i < size; ++i)
+        value = value << 8 | m_bytes[m_position++];
+    return value;
+}
+
+Bytes Cursor::takeBytes(size_t size)
+{
+    if (!claim(size))
+        return {};
+    const auto first = m_bytes.begin() + static_cast<std::ptrdiff_t>(m_position);
+    m_position += size;
+    return Bytes(first, first + static_cast<std::ptrdiff_t>(size));
+}
+
+} // namespace sim

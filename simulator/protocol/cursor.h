@@ -1,0 +1,44 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Reads fields one after the other out of received bytes, numbers most significant byte first. A read
+// past the end gives 0 (or fewer bytes) and makes the cursor fail for good: read a whole block first,
+// then ask ok() once.
+
+#ifndef SIMULATOR_PROTOCOL_CURSOR_H
+#define SIMULATOR_PROTOCOL_CURSOR_H
+
+#include "simulator/protocol/bytes.h"
+
+#include <cstddef>
+
+namespace sim {
+
+class Cursor
+{
+public:
+    // The bytes must outlive the cursor.
+    explicit Cursor(const Bytes &bytes) : m_bytes(bytes) {}
+
+    uint8_t take8() { return static_cast<uint8_t>(take(1)); }
+    uint16_t take16() { return static_cast<uint16_t>(take(2)); }
+    uint32_t take24() { return take(3); }
+    uint32_t take32() { return take(4); }
+    Bytes takeBytes(size_t size);
+
+    bool ok() const { return m_ok; }
+    size_t position() const { return m_position; }
+    size_t left() const { return m_bytes.size() - m_position; }
+
+private:
+    uint32_t take(size_t size);
+    bool claim(size_t size);
+
+    const Bytes &m_bytes;
+    size_t m_position = 0;
+    bool m_ok = true;
+};
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,156 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "simulator/protocol/layer2.h"
+
+#include <cassert>
+
+namespace sim {
+
+namespace {
+
+constexpr uint8_t kSd1 = 0x10;
+constexpr uint8_t kSd2 = 0x68;
+constexpr uint8_t kEndDelimiter = 0x16;
+
+constexpr size_t kSd1Size = 6;
+constexpr size_t kSd2HeadSize = 4; // 68 LE LE 68
+constexpr size_t kAddressSize = 3; // DA SA FC
+constexpr size_t kTailSize = 2;    // FCS 16
+
+constexpr uint8_t kRequestBit = 0x40;
+constexpr uint8_t kFrameCountBits = 0x30;
+constexpr uint8_t kSendAndRequestData = 0x0C;
+
+// From first to the byte before last.
+uint8_t checkSum(const Bytes &frame, size_t first, size_t last)
+{
+    uint8_t sum = 0;
+    for (size_t i = first; i < last; ++i)
+        sum = static_cast<uint8_t>(sum + frame[i]);
+    return sum;
+}
+
+void appendTail(Bytes &frame, size_t firstSummed)
+{
+    frame.push_back(checkSum(frame, firstSummed, frame.size()));
+    frame.push_back(kEndDelimiter);
+}
+
+// frame may go on behind size.
+bool hasGoodTail(const Bytes &frame, size_t firstSummed, size_t size)
+{
+    const size_t fcs = size - kTailSize;
+    return frame[fcs + 1] == kEndDelimiter && frame[fcs] == checkSum(frame, firstSummed, fcs);
+}
+
+} // namespace
+
+bool isRequest(const Frame &frame)
+{
+    return (frame.function & kRequestBit) != 0;
+}
+
+bool isSendAndRequestData(const Frame &frame)
+{
+    return (frame.function & ~kFrameCountBits) == (kRequestBit | kSendAndRequestData);
+}
+
+Bytes sd1(uint8_t destination, uint8_t source, uint8_t function)
+{
+    Bytes frame = {kSd1, destination, source, function};
+    appendTail(frame, 1);
+    return frame;
+}
+
+Bytes sd2(uint8_t destination, uint8_t source, uint8_t function, const Bytes &pdu)
+{
+    assert(pdu.size() <= kMaxPduSize);
+    const auto length = static_cast<uint8_t>(kAddressSize + pdu.size());
+    Bytes frame = {kSd2, length, length, kSd2, destination, source, function};
+    append(frame, pdu);
+    appendTail(frame, kSd2HeadSize);
+    return frame;
+}
+
+std::optional<Frame> FrameReader::next()
+{
+    for (Start start = examine(); start != Start::Incomplete; start = examine()) {
+        if (start == Start::Whole)
+            return takeFrame();
+        skipByte();
+    }
+    return std::nullopt;
+}
+
+Bytes FrameReader::takeSkipped()
+{
+    Bytes skipped;
+    skipped.swap(m_skipped);
+    return skipped;
+}
+
+void FrameReader::abandon()
+{
+    append(m_skipped, m_buffer);
+    m_buffer.clear();
+}
+
+FrameReader::Start FrameReader::examine() const
+{
+    if (m_buffer.empty())
+        return Start::Incomplete;
+    if (m_buffer[0] == kSd1)
+        return examineSd1();
+    return m_buffer[0] == kSd2 ? examineSd2() : Start::NoFrame;
+}
+
+FrameReader::Start FrameReader::examineSd1() const
+{
+    if (m_buffer.size() < kSd1Size)
+        return Start::Incomplete;
+    return hasGoodTail(m_buffer, 1, kSd1Size) ? Start::Whole : Start::NoFrame;
+}
+
+// Refuses a bad head at its first wrong byte, so that noise holds up the line as little as possible.
+FrameReader::Start FrameReader::examineSd2() const
+{
+    const size_t received = m_buffer.size();
+    if (received > 1 && m_buffer[1] < kAddressSize)
+        return Start::NoFrame;
+    if (received > 2 && m_buffer[2] != m_buffer[1])
+        return Start::NoFrame;
+    if (received > 3 && m_buffer[3] != kSd2)
+        return Start::NoFrame;
+    if (received < kSd2HeadSize)
+        return Start::Incomplete;
+    const size_t size = kSd2HeadSize + m_buffer[1] + kTailSize;
+    if (received < size)
+        return Start::Incomplete;
+    return hasGoodTail(m_buffer, kSd2HeadSize, size) ? Start::Whole : Start::NoFrame;
+}
+
+Frame FrameReader::takeFrame()
+{
+    Frame frame;
+    frame.hasPdu = m_buffer[0] == kSd2;
+    const size_t head = frame.hasPdu ? kSd2HeadSize : 1;
+    const size_t size = frame.hasPdu ? kSd2HeadSize + m_buffer[1] + kTailSize : kSd1Size;
+    const auto end = m_buffer.begin() + static_cast<std::ptrdiff_t>(size);
+    frame.destination = m_buffer[head];
+    frame.source = m_buffer[head + 1];
+    frame.function = m_buffer[head + 2];
+    frame.pdu.assign(m_buffer.begin() + static_cast<std::ptrdiff_t>(head + kAddressSize),
+                     end - static_cast<std::ptrdiff_t>(kTailSize));
+    frame.wire.assign(m_buffer.begin(), end);
+    m_buffer.erase(m_buffer.begin(), end);
+    return frame;
+}
+
+void FrameReader::skipByte()
+{
+    m_skipped.push_back(m_buffer.front());
+    m_buffer.erase(m_buffer.begin());
+}
+
+} // namespace sim

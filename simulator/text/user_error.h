@@ -1,0 +1,28 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What the user is told when something cannot be done.
+
+#ifndef SIMULATOR_TEXT_USER_ERROR_H
+#define SIMULATOR_TEXT_USER_ERROR_H
+
+#include <stdexcept>
+#include <string>
+
+namespace sim {
+
+// what() says what is wrong and where, hint() what helps.
+class UserError : public std::runtime_error
+{
+public:
+    UserError(const std::string &text, const std::string &hint) : std::runtime_error(text), m_hint(hint) {}
+
+    const char *hint() const noexcept { return m_hint.what(); }
+
+private:
+    std::runtime_error m_hint; // its text is copied without a throw, as that of an exception must be
+};
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,23 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The traffic in words, for people who watch the line:
+//    > 10 02 00 5c 5e 16  0 to 2: poll
+//    < e5  acknowledged
+
+#ifndef SIMULATOR_TRACE_TRACE_H
+#define SIMULATOR_TRACE_TRACE_H
+
+#include "simulator/line/simulator.h"
+
+#include <string>
+
+namespace sim {
+
+// One line, without a line end. ">" is what a master sends, "<" what it receives, "?" what came from it and
+// made no frame.
+std::string traceLine(Traffic traffic, const Bytes &bytes);
+
+} // namespace sim
+
+#endif

@@ -1,0 +1,39 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// The traffic as a file that programs can read. docs/trace-format.md describes it.
+
+#ifndef SIMULATOR_TRACE_TRACE_FILE_H
+#define SIMULATOR_TRACE_TRACE_FILE_H
+
+#include "simulator/line/simulator.h"
+
+#include <fstream>
+#include <string>
+
+namespace sim {
+
+// "2026-01-31T12:00:00.250Z > 10 02 00 5c 5e 16", without a line end. ">" is what a master sends, "<" what
+// it receives. The time counts from the beginning of 1970, UTC.
+std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes);
+
+class TraceFile
+{
+public:
+    // Begins the file anew, with the heading as a comment. Throws UserError.
+    TraceFile(const std::string &path, const std::string &heading);
+
+    // What is written can be read at once. False, once, when the file takes no more; later records are lost.
+    bool write(Time time, Traffic traffic, const Bytes &bytes);
+
+    bool isGood() const { return m_file.good(); }
+
+private:
+    bool writeLine(const std::string &line);
+
+    std::ofstream m_file;
+};
+
+} // namespace sim
+
+#endif
