@@ -22,20 +22,20 @@ public:
     using pointer = const char *;
     using reference = const char &;
 
-    LineCounter(const char *place, int &line) : m_place(place), m_line(&line) {}
+    LineCounter(const char *place_, int &line_) : place(place_), line(&line_) {}
 
-    reference operator*() const { return *m_place; }
+    reference operator*() const { return *place; }
     LineCounter &operator++()
     {
-        *m_line += *m_place++ == '\n' ? 1 : 0;
+        *line += *place++ == '\n' ? 1 : 0;
         return *this;
     }
-    bool operator==(const LineCounter &other) const { return m_place == other.m_place; }
-    bool operator!=(const LineCounter &other) const { return m_place != other.m_place; }
+    bool operator==(const LineCounter &other) const { return place == other.place; }
+    bool operator!=(const LineCounter &other) const { return place != other.place; }
 
 private:
-    const char *m_place;
-    int *m_line;
+    const char *place;
+    int *line;
 };
 
 std::string lineText(int line)

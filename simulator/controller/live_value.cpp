@@ -68,7 +68,7 @@ const std::vector<LiveValue::Form> &LiveValue::forms()
 }
 
 LiveValue::LiveValue(const std::string &place, const std::string &course)
-    : m_placeText(place), m_courseText(course), m_place(parsePlace(place))
+    : placeText(place), courseText(course), target(parsePlace(place))
 {
     const size_t colon = std::min(course.find(':'), course.size());
     const Form &form = entryNamed(course.substr(0, colon), forms(), "kind of live value");
@@ -76,49 +76,49 @@ LiveValue::LiveValue(const std::string &place, const std::string &course)
     std::smatch parts;
     if (!std::regex_match(arguments, parts, form.pattern))
         refuse('"' + course + "\": give " + form.name + form.arguments);
-    m_kind = form.kind;
-    m_first = numberIn(parts[1], 0);
-    m_second = numberIn(parts[2], 0);
-    m_period = numberIn(parts[3], 1) * secondsIn(parts[4]);
+    kind = form.kind;
+    first = numberIn(parts[1], 0);
+    second = numberIn(parts[2], 0);
+    period = numberIn(parts[3], 1) * secondsIn(parts[4]);
     check();
 }
 
 void LiveValue::check() const
 {
-    const bool wantsBit = m_kind == Kind::Blink;
-    if (wantsBit != (m_place.width == 1))
-        refuse(m_placeText + ": " + (wantsBit ? "only a bit can blink" : "a bit can only blink"));
-    if (m_kind == Kind::Clock && (m_place.width != 32 || m_place.isFloat))
-        refuse(m_placeText + ": clock needs a double word");
-    if (m_period <= 0)
-        refuse('"' + m_courseText + "\": the time must be longer than 0");
-    if (m_kind == Kind::Counter && m_first == 0.0)
-        refuse('"' + m_courseText + "\": the step must not be 0");
-    const bool sine = m_kind == Kind::Sine;
-    const double amplitude = std::fabs(m_second);
-    const double lowest = sine ? m_first - amplitude : m_first;
-    const double highest = sine ? m_first + amplitude : m_second;
-    if (!holds(m_place, lowest) || !holds(m_place, highest))
-        refuse('"' + m_courseText + "\" goes beyond what " + m_placeText + " can hold");
+    const bool wantsBit = kind == Kind::Blink;
+    if (wantsBit != (target.width == 1))
+        refuse(placeText + ": " + (wantsBit ? "only a bit can blink" : "a bit can only blink"));
+    if (kind == Kind::Clock && (target.width != 32 || target.isFloat))
+        refuse(placeText + ": clock needs a double word");
+    if (period <= 0)
+        refuse('"' + courseText + "\": the time must be longer than 0");
+    if (kind == Kind::Counter && first == 0.0)
+        refuse('"' + courseText + "\": the step must not be 0");
+    const bool sine = kind == Kind::Sine;
+    const double amplitude = std::fabs(second);
+    const double lowest = sine ? first - amplitude : first;
+    const double highest = sine ? first + amplitude : second;
+    if (!holds(target, lowest) || !holds(target, highest))
+        refuse('"' + courseText + "\" goes beyond what " + placeText + " can hold");
 }
 
 void LiveValue::store(Memory &memory, Time now, Time start) const
 {
-    storeNumber(memory, m_place,
-                m_kind == Kind::Clock ? std::floor(inSeconds(now)) : at(inSeconds(now - start)));
+    storeNumber(memory, target,
+                kind == Kind::Clock ? std::floor(inSeconds(now)) : at(inSeconds(now - start)));
 }
 
 double LiveValue::at(double seconds) const
 {
-    const double phase = std::fmod(seconds, m_period) / m_period;
-    switch (m_kind) {
+    const double phase = std::fmod(seconds, period) / period;
+    switch (kind) {
     case Kind::Ramp:
-        return m_first + (m_second - m_first) * phase;
+        return first + (second - first) * phase;
     case Kind::Sine:
-        return m_first + m_second * std::sin(2 * kPi * phase);
+        return first + second * std::sin(2 * kPi * phase);
     case Kind::Counter: {
-        const double count = std::floor(m_first * seconds / m_period);
-        return m_place.isFloat ? count : std::fmod(count, std::ldexp(1.0, static_cast<int>(m_place.width)));
+        const double count = std::floor(first * seconds / period);
+        return target.isFloat ? count : std::fmod(count, std::ldexp(1.0, static_cast<int>(target.width)));
     }
     default:
         return phase < 0.5 ? 1 : 0;

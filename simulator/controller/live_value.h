@@ -30,8 +30,8 @@ public:
 
     void store(Memory &memory, Time now, Time start) const;
 
-    const std::string &place() const { return m_placeText; }
-    const std::string &course() const { return m_courseText; }
+    const std::string &place() const { return placeText; }
+    const std::string &course() const { return courseText; }
 
 private:
     enum class Kind { Ramp, Sine, Clock, Counter, Blink };
@@ -42,13 +42,13 @@ private:
     void check() const;
     double at(double seconds) const;
 
-    std::string m_placeText;
-    std::string m_courseText;
-    Place m_place;
-    Kind m_kind = Kind::Clock;
-    double m_first = 0;  // ramp: begin; sine: middle; counter: step
-    double m_second = 0; // ramp: end; sine: amplitude
-    double m_period = 1; // seconds
+    std::string placeText;
+    std::string courseText;
+    Place target;
+    Kind kind = Kind::Clock;
+    double first = 0;  // ramp: begin; sine: middle; counter: step
+    double second = 0; // ramp: end; sine: amplitude
+    double period = 1; // seconds
 };
 
 // "VW100=ramp:0..1000/10s", or "demo": a dozen values of all kinds and areas, none of them where the example

@@ -39,7 +39,7 @@ std::string areaNames()
 class MemoryReader
 {
 public:
-    explicit MemoryReader(const std::string &text) : m_text(parseJson(text)) {}
+    explicit MemoryReader(const std::string &text) : source(parseJson(text)) {}
 
     StoredMemory read();
 
@@ -63,21 +63,21 @@ private:
 
     void readLiveValue(const std::string &place, const Json &json);
 
-    const JsonText m_text;
-    size_t m_keysRead = 0;
-    StoredMemory m_stored;
+    const JsonText source;
+    size_t keysRead = 0;
+    StoredMemory stored;
 };
 
 StoredMemory MemoryReader::read()
 {
-    forEach(m_text.json, "the whole file",
+    forEach(source.json, "the whole file",
             [this](const std::string &name, const Json &json) { readPart(name, json); });
-    return std::move(m_stored);
+    return std::move(stored);
 }
 
 void MemoryReader::fail(const std::string &where, const std::string &what) const
 {
-    const int line = m_keysRead == 0 ? 1 : m_text.keyLines[m_keysRead - 1];
+    const int line = keysRead == 0 ? 1 : source.keyLines[keysRead - 1];
     failAt("line " + std::to_string(line), where + ": " + what);
 }
 
@@ -86,7 +86,7 @@ template <typename Use> void MemoryReader::forEach(const Json &json, const std::
     if (!json.is_object())
         fail(where, "must be an object in braces");
     for (const auto &[key, value] : json.items()) {
-        ++m_keysRead;
+        ++keysRead;
         use(key, value);
     }
 }
@@ -124,7 +124,7 @@ size_t MemoryReader::numberIn(const Area &area, const std::string &key) const
 
 void MemoryReader::readBytes(const Area &area, const Json &json)
 {
-    Bytes &bytes = m_stored.memory.bytes(area.code);
+    Bytes &bytes = stored.memory.bytes(area.code);
     std::vector<bool> given(bytes.size());
     forEach(json, area.name, [&](const std::string &key, const Json &text) {
         const size_t first = numberIn(area, key);
@@ -165,7 +165,7 @@ void MemoryReader::readObjects(const Area &area, const Json &json)
 
 void MemoryReader::readObject(const Area &area, size_t number, const Json &json)
 {
-    Memory &memory = m_stored.memory;
+    Memory &memory = stored.memory;
     const std::string where = placeText(area, number);
     if (area.kind == AreaKind::HighSpeedCounters)
         memory.highSpeedCounters[number] = valueOf<uint32_t>(json, where);
@@ -205,7 +205,7 @@ void MemoryReader::readLiveValue(const std::string &place, const Json &json)
     if (!json.is_string())
         fail(kLive, place + " must be a text, as \"ramp:0..1000/10s\"");
     try {
-        m_stored.live.emplace_back(place, json.get<std::string>());
+        stored.live.emplace_back(place, json.get<std::string>());
     } catch (const std::invalid_argument &error) {
         fail(kLive, error.what());
     }

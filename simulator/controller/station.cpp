@@ -32,18 +32,18 @@ uint8_t addressWith(const Faults &faults, FaultKind kind, uint8_t address)
 
 } // namespace
 
-Station::Station(uint8_t address, Memory memory) : m_address(address), m_memory(std::move(memory)) {}
+Station::Station(uint8_t address, Memory memory) : ownAddress(address), ownMemory(std::move(memory)) {}
 
 Reply Station::handle(const Frame &frame, FaultPlan &plan)
 {
-    if (frame.destination != m_address || !isRequest(frame))
+    if (frame.destination != ownAddress || !isRequest(frame))
         return {};
     Reply reply;
     if (!isSendAndRequestData(frame))
-        reply.bytes = sd1(frame.source, m_address, kServiceNotActive);
+        reply.bytes = sd1(frame.source, ownAddress, kServiceNotActive);
     else
         reply = frame.hasPdu ? takeRequest(frame, plan) : answerPoll(frame);
-    if (m_echoing)
+    if (isEchoing)
         reply.echo = frame.wire;
     return reply;
 }
@@ -53,46 +53,46 @@ Bytes Station::receive(const uint8_t *data, size_t size)
     FaultPlan noFaults;
     Bytes sent;
     for (size_t i = 0; i < size; ++i) {
-        m_reader.push(data[i]);
-        while (const std::optional<Frame> frame = m_reader.next())
+        reader.push(data[i]);
+        while (const std::optional<Frame> frame = reader.next())
             append(sent, handle(*frame, noFaults).bytes);
     }
-    m_reader.takeSkipped();
+    reader.takeSkipped();
     return sent;
 }
 
 void Station::storeLiveValues(Time now, Time start)
 {
-    for (const LiveValue &value : m_live)
-        value.store(m_memory, now, start);
+    for (const LiveValue &value : liveValues)
+        value.store(ownMemory, now, start);
 }
 
 Reply Station::takeRequest(const Frame &frame, FaultPlan &plan)
 {
     const Faults faults = plan.ofNextRequest();
-    m_master = frame.source;
-    m_echoing = faults.has(FaultKind::Echo);
-    m_owed.clear();
-    if (std::optional<Bytes> refusal = insteadOfAcknowledgement(faults, m_master, m_address)) {
+    master = frame.source;
+    isEchoing = faults.has(FaultKind::Echo);
+    owed.clear();
+    if (std::optional<Bytes> refusal = insteadOfAcknowledgement(faults, master, ownAddress)) {
         Reply reply;
         reply.bytes = std::move(*refusal);
         return reply;
     }
     if (faults.has(FaultKind::NotReady))
-        m_owed.push_back(acknowledgement({}, plan.random()));
-    m_owed.push_back(answer(answerFrame(frame, faults), faults, plan.random()));
+        owed.push_back(acknowledgement({}, plan.random()));
+    owed.push_back(answer(answerFrame(frame, faults), faults, plan.random()));
     return acknowledgement(faults, plan.random());
 }
 
 Reply Station::answerPoll(const Frame &frame)
 {
-    if (m_owed.empty() || frame.source != m_master) {
+    if (owed.empty() || frame.source != master) {
         Reply nothingOwed;
         nothingOwed.bytes = {kShortAcknowledgement};
         return nothingOwed;
     }
-    Reply reply = std::move(m_owed.front());
-    m_owed.pop_front();
+    Reply reply = std::move(owed.front());
+    owed.pop_front();
     return reply;
 }
 
@@ -103,7 +103,7 @@ Bytes Station::answerFrame(const Frame &request, const Faults &faults)
     if (faults.has(FaultKind::StaleReference))
         --job.reference;
     return sd2(addressWith(faults, FaultKind::WrongDestination, request.source),
-               addressWith(faults, FaultKind::WrongSource, m_address), kAnswer, doJob(job, faults));
+               addressWith(faults, FaultKind::WrongSource, ownAddress), kAnswer, doJob(job, faults));
 }
 
 Bytes Station::doJob(const Job &job, const Faults &faults)
@@ -117,14 +117,14 @@ Bytes Station::doJob(const Job &job, const Faults &faults)
         return encodeWriteAnswer(job.reference,
                                  code ? Bytes(job.items.size(), *code) : writeItems(job, faults));
     const std::vector<ReadResult> refused(job.items.size(), ReadResult{code.value_or(kSuccess), {}});
-    return encodeReadAnswer(job.reference, code ? refused : readItems(m_memory, job.items));
+    return encodeReadAnswer(job.reference, code ? refused : readItems(ownMemory, job.items));
 }
 
 // The return code of each item.
 Bytes Station::writeItems(const Job &job, const Faults &faults)
 {
-    Memory discarded = m_memory;
-    Memory &memory = faults.has(FaultKind::IgnoreWrites) ? discarded : m_memory;
+    Memory discarded = ownMemory;
+    Memory &memory = faults.has(FaultKind::IgnoreWrites) ? discarded : ownMemory;
     Bytes codes;
     for (size_t i = 0; i < job.items.size(); ++i)
         codes.push_back(writeItem(memory, job.items[i], job.data[i]));

@@ -39,12 +39,12 @@ public:
     Bytes receive(const uint8_t *data, size_t size);
     Bytes receive(const Bytes &data) { return receive(data.data(), data.size()); }
 
-    uint8_t address() const { return m_address; }
-    Memory &memory() { return m_memory; }
-    const Memory &memory() const { return m_memory; }
+    uint8_t address() const { return ownAddress; }
+    Memory &memory() { return ownMemory; }
+    const Memory &memory() const { return ownMemory; }
 
     // Changes by itself from now on; where two values have the same place, the later one stays.
-    void addLiveValue(LiveValue value) { m_live.push_back(std::move(value)); }
+    void addLiveValue(LiveValue value) { liveValues.push_back(std::move(value)); }
     void storeLiveValues(Time now, Time start);
 
 private:
@@ -54,13 +54,13 @@ private:
     Bytes doJob(const Job &job, const Faults &faults);
     Bytes writeItems(const Job &job, const Faults &faults);
 
-    const uint8_t m_address;
-    Memory m_memory;
-    std::vector<LiveValue> m_live;
-    uint8_t m_master = 0;     // sender of the last request
-    bool m_echoing = false;   // since the last request
-    std::deque<Reply> m_owed; // what this master's next polls get
-    FrameReader m_reader;     // of receive()
+    const uint8_t ownAddress;
+    Memory ownMemory;
+    std::vector<LiveValue> liveValues;
+    uint8_t master = 0;     // sender of the last request
+    bool isEchoing = false; // since the last request
+    std::deque<Reply> owed; // what this master's next polls get
+    FrameReader reader;     // of receive()
 };
 
 } // namespace sim

@@ -20,26 +20,26 @@ bool happens(double percent, Random &random)
 
 const Fault *Faults::find(FaultKind kind) const
 {
-    const auto found = std::find_if(m_faults.begin(), m_faults.end(),
-                                    [kind](const Fault &fault) { return fault.kind == kind; });
-    return found == m_faults.end() ? nullptr : &*found;
+    const auto found =
+        std::find_if(faults.begin(), faults.end(), [kind](const Fault &fault) { return fault.kind == kind; });
+    return found == faults.end() ? nullptr : &*found;
 }
 
 Faults FaultPlan::ofNextRequest()
 {
-    ++m_requests;
-    Faults faults;
-    for (const Fault &fault : m_faults) {
-        const bool numbered = fault.request == 0 || fault.request == m_requests;
-        if (numbered && happens(fault.percent, m_random))
-            faults.add(fault);
+    ++requests;
+    Faults chosen;
+    for (const Fault &fault : faults) {
+        const bool numbered = fault.request == 0 || fault.request == requests;
+        if (numbered && happens(fault.percent, generator))
+            chosen.add(fault);
     }
-    return faults;
+    return chosen;
 }
 
 bool FaultPlan::isPermanent(FaultKind kind) const
 {
-    return std::any_of(m_faults.begin(), m_faults.end(), [kind](const Fault &fault) {
+    return std::any_of(faults.begin(), faults.end(), [kind](const Fault &fault) {
         return fault.kind == kind && fault.request == 0 && fault.percent >= 100;
     });
 }

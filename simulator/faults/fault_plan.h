@@ -21,16 +21,16 @@ using Random = std::mt19937;
 class Faults
 {
 public:
-    void add(const Fault &fault) { m_faults.push_back(fault); }
+    void add(const Fault &fault) { faults.push_back(fault); }
 
     bool has(FaultKind kind) const { return find(kind) != nullptr; }
     const Fault *find(FaultKind kind) const; // the first one; null when there is none
 
-    std::vector<Fault>::const_iterator begin() const { return m_faults.begin(); }
-    std::vector<Fault>::const_iterator end() const { return m_faults.end(); }
+    std::vector<Fault>::const_iterator begin() const { return faults.begin(); }
+    std::vector<Fault>::const_iterator end() const { return faults.end(); }
 
 private:
-    std::vector<Fault> m_faults;
+    std::vector<Fault> faults;
 };
 
 // Without a seed every run makes the same choices, so that tests can be repeated.
@@ -38,8 +38,8 @@ private:
 class FaultPlan
 {
 public:
-    void add(const Fault &fault) { m_faults.push_back(fault); }
-    void seed(uint32_t seed) { m_random.seed(seed); }
+    void add(const Fault &fault) { faults.push_back(fault); }
+    void seed(uint32_t seed) { generator.seed(seed); }
 
     Faults ofNextRequest();
 
@@ -47,12 +47,12 @@ public:
     bool isPermanent(FaultKind kind) const;
 
     // For what the faults do at random.
-    Random &random() { return m_random; }
+    Random &random() { return generator; }
 
 private:
-    std::vector<Fault> m_faults;
-    Random m_random;
-    unsigned m_requests = 0; // so far
+    std::vector<Fault> faults;
+    Random generator;
+    unsigned requests = 0; // so far
 };
 
 } // namespace sim

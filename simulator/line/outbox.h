@@ -43,7 +43,7 @@ private:
         Time due() const { return start + perByte * static_cast<Time::rep>(taken + 1); }
     };
 
-    std::list<Piece> m_pieces; // by their start
+    std::list<Piece> pieces; // by their start
 };
 
 } // namespace sim

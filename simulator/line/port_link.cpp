@@ -31,12 +31,12 @@ const char *hintFor(const std::string &path)
 
 } // namespace
 
-PortLink::PortLink(const std::string &path, const std::string &target) : m_path(path), m_target(target)
+PortLink::PortLink(const std::string &path_, const std::string &target_) : path(path_), target(target_)
 {
     std::error_code error;
-    if (isStale(m_path, m_target))
-        fs::remove(m_path, error);
-    fs::create_symlink(m_target, m_path, error);
+    if (isStale(path, target))
+        fs::remove(path, error);
+    fs::create_symlink(target, path, error);
     if (error)
         throw LineError(QString::fromLatin1("cannot make the link %1: %2")
                             .arg(QString::fromStdString(path), QString::fromStdString(error.message())),
@@ -46,8 +46,8 @@ PortLink::PortLink(const std::string &path, const std::string &target) : m_path(
 PortLink::~PortLink()
 {
     std::error_code error;
-    if (fs::read_symlink(m_path, error) == m_target) // else another program has taken the name over
-        fs::remove(m_path, error);
+    if (fs::read_symlink(path, error) == target) // else another program has taken the name over
+        fs::remove(path, error);
 }
 
 } // namespace sim

@@ -23,8 +23,8 @@ public:
     PortLink &operator=(const PortLink &) = delete;
 
 private:
-    const std::string m_path;
-    const std::string m_target;
+    const std::string path;
+    const std::string target;
 };
 
 } // namespace sim

@@ -52,49 +52,49 @@ PtyLine::PtyLine()
         closeAll();
         throw;
     }
-    m_notifier = std::make_unique<QSocketNotifier>(m_controller, QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
+    notifier = std::make_unique<QSocketNotifier>(controller, QSocketNotifier::Read);
+    connect(notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
 }
 
 PtyLine::~PtyLine()
 {
-    m_notifier.reset();
+    notifier.reset();
     closeAll();
 }
 
 void PtyLine::open()
 {
-    m_controller = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    check(m_controller >= 0, "open");
-    check(grantpt(m_controller) == 0, "grant");
-    check(unlockpt(m_controller) == 0, "unlock");
+    controller = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    check(controller >= 0, "open");
+    check(grantpt(controller) == 0, "grant");
+    check(unlockpt(controller) == 0, "unlock");
     std::array<char, 128> name;
-    check(ptsname_r(m_controller, name.data(), name.size()) == 0, "name");
-    m_name = QString::fromLocal8Bit(name.data());
-    m_slave = ::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    check(m_slave >= 0, "open its other side");
-    check(setRaw(m_slave), "set raw mode");
-    check(fcntl(m_controller, F_SETFL, O_RDWR | O_NONBLOCK) == 0, "set non-blocking mode");
+    check(ptsname_r(controller, name.data(), name.size()) == 0, "name");
+    slaveName = QString::fromLocal8Bit(name.data());
+    slave = ::open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    check(slave >= 0, "open its other side");
+    check(setRaw(slave), "set raw mode");
+    check(fcntl(controller, F_SETFL, O_RDWR | O_NONBLOCK) == 0, "set non-blocking mode");
 }
 
 void PtyLine::closeAll()
 {
-    if (m_slave >= 0)
-        close(m_slave);
-    if (m_controller >= 0)
-        close(m_controller);
+    if (slave >= 0)
+        close(slave);
+    if (controller >= 0)
+        close(controller);
 }
 
 void PtyLine::readAll()
 {
     std::array<char, 512> buffer;
-    const ssize_t size = read(m_controller, buffer.data(), buffer.size());
+    const ssize_t size = read(controller, buffer.data(), buffer.size());
     if (size > 0) {
         // A master that opened the slave side for itself alone and was killed would lock out all others.
-        ioctl(m_slave, TIOCNXCL);
+        ioctl(slave, TIOCNXCL);
         Q_EMIT received(QByteArray(buffer.data(), static_cast<int>(size)));
     } else if (size < 0 && errno != EAGAIN && errno != EINTR) {
-        m_notifier->setEnabled(false);
+        notifier->setEnabled(false);
         Q_EMIT lost();
     }
 }
@@ -102,7 +102,7 @@ void PtyLine::readAll()
 void PtyLine::send(const Bytes &bytes)
 {
     // Fails or falls short only when no master has read for thousands of bytes: lost.
-    const ssize_t written = write(m_controller, bytes.data(), bytes.size());
+    const ssize_t written = write(controller, bytes.data(), bytes.size());
     static_cast<void>(written);
 }
 

@@ -22,7 +22,7 @@ public:
     PtyLine(); // throws LineError
     ~PtyLine() override;
 
-    QString name() const override { return m_name; }
+    QString name() const override { return slaveName; }
     void send(const Bytes &bytes) override;
 
 private:
@@ -30,10 +30,10 @@ private:
     void closeAll();
     void readAll();
 
-    int m_controller = -1; // our side
-    int m_slave = -1;      // held open, or our side would report a hang-up whenever no master is there
-    QString m_name;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    int controller = -1; // our side
+    int slave = -1;      // held open, or our side would report a hang-up whenever no master is there
+    QString slaveName;
+    std::unique_ptr<QSocketNotifier> notifier;
 };
 
 } // namespace sim

@@ -18,22 +18,22 @@ QString locationOf(const QString &device)
 
 } // namespace
 
-SerialLine::SerialLine(const QString &device, qint32 baudRate, QSerialPort::Parity parity) : m_device(device)
+SerialLine::SerialLine(const QString &device_, qint32 baudRate, QSerialPort::Parity parity) : device(device_)
 {
-    m_port.setPortName(locationOf(device));
-    m_port.setBaudRate(baudRate);
-    m_port.setParity(parity);
-    if (!m_port.open(QIODevice::ReadWrite))
+    port.setPortName(locationOf(device));
+    port.setBaudRate(baudRate);
+    port.setParity(parity);
+    if (!port.open(QIODevice::ReadWrite))
         throw LineError(
-            QString::fromLatin1("cannot open %1: %2").arg(device, m_port.errorString()),
+            QString::fromLatin1("cannot open %1: %2").arg(device, port.errorString()),
             QString::fromLatin1("s7ppi ports lists the ports that there are, and who may use them"));
-    connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });
-    connect(&m_port, &QSerialPort::errorOccurred, this, &SerialLine::reportError);
+    connect(&port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(port.readAll()); });
+    connect(&port, &QSerialPort::errorOccurred, this, &SerialLine::reportError);
 }
 
 void SerialLine::send(const Bytes &bytes)
 {
-    m_port.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
+    port.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
 }
 
 // A port that is gone shows as one of several errors, over and over: the first one is told.
@@ -41,7 +41,7 @@ void SerialLine::reportError(QSerialPort::SerialPortError error)
 {
     if (error == QSerialPort::NoError)
         return;
-    m_port.disconnect(this);
+    port.disconnect(this);
     Q_EMIT lost();
 }
 

@@ -20,14 +20,14 @@ public:
     // Throws LineError.
     SerialLine(const QString &device, qint32 baudRate, QSerialPort::Parity parity);
 
-    QString name() const override { return m_device; }
+    QString name() const override { return device; }
     void send(const Bytes &bytes) override;
 
 private:
     void reportError(QSerialPort::SerialPortError error);
 
-    const QString m_device;
-    QSerialPort m_port;
+    const QString device;
+    QSerialPort port;
 };
 
 } // namespace sim

@@ -29,11 +29,11 @@ private:
     void send(const Bytes &bytes);
     void setTimer();
 
-    Line &m_line;
-    Simulator &m_simulator;
-    const Time m_start;
-    QElapsedTimer m_elapsed;
-    QTimer m_timer;
+    Line &line;
+    Simulator &simulator;
+    const Time startTime;
+    QElapsedTimer sinceStart;
+    QTimer timer;
 };
 
 } // namespace sim

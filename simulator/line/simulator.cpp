@@ -19,34 +19,34 @@ constexpr unsigned kBitsPerByte = 11; // start, 8 data bits, parity, stop
 
 } // namespace
 
-Simulator::Simulator(Time start) : m_start(start), m_now(start), m_lineFree(start), m_silenceAfter(start) {}
+Simulator::Simulator(Time start) : startTime(start), clock(start), lineFree(start), silenceAfter(start) {}
 
 Station &Simulator::addStation(uint8_t address, const Memory &memory)
 {
-    m_stations.erase(address);
-    return m_stations.try_emplace(address, address, memory).first->second;
+    stations.erase(address);
+    return stations.try_emplace(address, address, memory).first->second;
 }
 
 Station *Simulator::station(uint8_t address)
 {
-    const auto found = m_stations.find(address);
-    return found == m_stations.end() ? nullptr : &found->second;
+    const auto found = stations.find(address);
+    return found == stations.end() ? nullptr : &found->second;
 }
 
 void Simulator::setPace(unsigned baudRate)
 {
-    m_byteTime = baudRate == 0 ? Time::zero() : Time(kBitsPerByte * Time(1s)) / baudRate;
+    byteTime = baudRate == 0 ? Time::zero() : Time(kBitsPerByte * Time(1s)) / baudRate;
 }
 
 Bytes Simulator::feed(const uint8_t *data, size_t size)
 {
-    m_silenceAfter = m_now + kSilence;
-    m_lineFree = std::max(m_now, m_lineFree) + m_byteTime * static_cast<Time::rep>(size);
+    silenceAfter = clock + kSilence;
+    lineFree = std::max(clock, lineFree) + byteTime * static_cast<Time::rep>(size);
     storeLiveValues();
     Bytes sent;
     for (size_t i = 0; i < size; ++i) {
-        m_reader.push(data[i]);
-        while (const std::optional<Frame> frame = m_reader.next()) {
+        reader.push(data[i]);
+        while (const std::optional<Frame> frame = reader.next()) {
             take(*frame);
             append(sent, takeDue());
         }
@@ -58,10 +58,10 @@ Bytes Simulator::feed(const uint8_t *data, size_t size)
 
 Bytes Simulator::advanceTo(Time now)
 {
-    m_now = std::max(m_now, now);
+    clock = std::max(clock, now);
     storeLiveValues();
-    if (m_reader.hasBegun() && m_now >= m_silenceAfter) {
-        m_reader.abandon();
+    if (reader.hasBegun() && clock >= silenceAfter) {
+        reader.abandon();
         tellSkipped();
     }
     return takeDue();
@@ -69,54 +69,54 @@ Bytes Simulator::advanceTo(Time now)
 
 std::optional<Time> Simulator::nextDue() const
 {
-    const std::optional<Time> due = m_outbox.nextDue();
-    if (!m_reader.hasBegun())
+    const std::optional<Time> due = outbox.nextDue();
+    if (!reader.hasBegun())
         return due;
-    return due ? std::min(*due, m_silenceAfter) : m_silenceAfter;
+    return due ? std::min(*due, silenceAfter) : silenceAfter;
 }
 
 void Simulator::take(const Frame &frame)
 {
     tellSkipped();
-    tell(m_now, Traffic::Received, frame.wire);
+    tell(clock, Traffic::Received, frame.wire);
     if (Station *addressed = station(frame.destination))
-        send(addressed->handle(frame, m_plan));
-    else if (m_plan.isPermanent(FaultKind::Echo)) // an adapter hears itself, whoever it speaks to
-        m_outbox.post(frame.wire, m_now, Time::zero());
+        send(addressed->handle(frame, plan));
+    else if (plan.isPermanent(FaultKind::Echo)) // an adapter hears itself, whoever it speaks to
+        outbox.post(frame.wire, clock, Time::zero());
 }
 
 // A late reply leaves the line free until it begins: what the master sends meanwhile is answered at once.
 void Simulator::send(const Reply &reply)
 {
-    m_outbox.post(reply.echo, m_now, Time::zero());
-    const Time start = m_lineFree + m_turnaround;
-    m_outbox.post(reply.bytes, start + reply.late, m_byteTime);
+    outbox.post(reply.echo, clock, Time::zero());
+    const Time start = lineFree + turnaround;
+    outbox.post(reply.bytes, start + reply.late, byteTime);
     if (!reply.bytes.empty() && reply.late == Time::zero())
-        m_lineFree = start + m_byteTime * static_cast<Time::rep>(reply.bytes.size());
+        lineFree = start + byteTime * static_cast<Time::rep>(reply.bytes.size());
 }
 
 void Simulator::storeLiveValues()
 {
-    for (auto &station : m_stations)
-        station.second.storeLiveValues(m_now, m_start);
+    for (auto &station : stations)
+        station.second.storeLiveValues(clock, startTime);
 }
 
 Bytes Simulator::takeDue()
 {
-    return m_outbox.take(m_now, [this](Time time, const Bytes &bytes) { tell(time, Traffic::Sent, bytes); });
+    return outbox.take(clock, [this](Time time, const Bytes &bytes) { tell(time, Traffic::Sent, bytes); });
 }
 
 void Simulator::tellSkipped()
 {
-    const Bytes skipped = m_reader.takeSkipped();
+    const Bytes skipped = reader.takeSkipped();
     if (!skipped.empty())
-        tell(m_now, Traffic::Skipped, skipped);
+        tell(clock, Traffic::Skipped, skipped);
 }
 
 void Simulator::tell(Time time, Traffic traffic, const Bytes &bytes) const
 {
-    if (m_listener)
-        m_listener(time, traffic, bytes);
+    if (listener)
+        listener(time, traffic, bytes);
 }
 
 } // namespace sim

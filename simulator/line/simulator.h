@@ -42,30 +42,30 @@ public:
 
     // All that concern a request act together, in the order in which they were added; of those that exclude
     // each other the first one acts. Requests for any of the stations count.
-    void addFault(const Fault &fault) { m_plan.add(fault); }
+    void addFault(const Fault &fault) { plan.add(fault); }
 
     // For faults with chance in them. Without it every Simulator makes the same choices.
-    void setSeed(uint32_t seed) { m_plan.seed(seed); }
+    void setSeed(uint32_t seed) { plan.seed(seed); }
 
     // Lets every byte, received or sent, take the time of 11 bits at this rate, one after the other as on a
     // two-wire line. 0: bytes take no time.
     void setPace(unsigned baudRate);
 
     // The time between the end of a request and the reply's first byte.
-    void setTurnaround(Time time) { m_turnaround = time; }
+    void setTurnaround(Time time) { turnaround = time; }
 
     // Told in the order in which it happens, with the time of it.
-    void setListener(Listener listener) { m_listener = std::move(listener); }
+    void setListener(Listener listener_) { listener = std::move(listener_); }
 
     // Takes what comes from the line now, in pieces of any size. Returns what goes out now.
     Bytes feed(const uint8_t *data, size_t size);
     Bytes feed(const Bytes &data) { return feed(data.data(), data.size()); }
 
     // Moves the clock, never backwards. Returns what has gone out meanwhile.
-    Bytes advance(Time span) { return advanceTo(m_now + span); }
+    Bytes advance(Time span) { return advanceTo(clock + span); }
     Bytes advanceTo(Time now);
 
-    Time now() const { return m_now; }
+    Time now() const { return clock; }
 
     // When advanceTo() will have something to do; nothing when only feed() will.
     std::optional<Time> nextDue() const;
@@ -78,17 +78,17 @@ private:
     void tellSkipped();
     void tell(Time time, Traffic traffic, const Bytes &bytes) const;
 
-    const Time m_start;
-    Time m_now;
-    Time m_lineFree;     // all bytes so far have passed the line then
-    Time m_silenceAfter; // a frame that has begun by then is given up
-    Time m_byteTime{0};
-    Time m_turnaround{0};
-    std::map<uint8_t, Station> m_stations;
-    FaultPlan m_plan;
-    FrameReader m_reader;
-    Outbox m_outbox;
-    Listener m_listener;
+    const Time startTime;
+    Time clock;
+    Time lineFree;     // all bytes so far have passed the line then
+    Time silenceAfter; // a frame that has begun by then is given up
+    Time byteTime{0};
+    Time turnaround{0};
+    std::map<uint8_t, Station> stations;
+    FaultPlan plan;
+    FrameReader reader;
+    Outbox outbox;
+    Listener listener;
 };
 
 } // namespace sim

@@ -106,32 +106,32 @@ private:
     void listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes);
     bool save();
 
-    const sim::Options m_options;
-    sim::Simulator m_simulator{timeOfDay()};
-    std::vector<sim::StoredMemory> m_stored; // one for each station of the options
-    std::unique_ptr<sim::TraceFile> m_trace;
+    const sim::Options options;
+    sim::Simulator simulator{timeOfDay()};
+    std::vector<sim::StoredMemory> stored; // one for each station of the options
+    std::unique_ptr<sim::TraceFile> trace;
 };
 
-Program::Program(const sim::Options &options) : m_options(options)
+Program::Program(const sim::Options &options_) : options(options_)
 {
-    for (const sim::StationOption &station : m_options.stations)
+    for (const sim::StationOption &station : options.stations)
         if (!station.saveFile.empty())
             sim::checkSavable(station.saveFile);
-    for (const sim::StationOption &station : m_options.stations)
-        m_stored.push_back(addStation(m_simulator, station, m_options.live));
-    m_simulator.setPace(m_options.pace);
-    m_simulator.setTurnaround(std::chrono::milliseconds(m_options.turnaround));
-    m_simulator.setListener([this](sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes) {
+    for (const sim::StationOption &station : options.stations)
+        stored.push_back(addStation(simulator, station, options.live));
+    simulator.setPace(options.pace);
+    simulator.setTurnaround(std::chrono::milliseconds(options.turnaround));
+    simulator.setListener([this](sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes) {
         listen(time, traffic, bytes);
     });
 }
 
 void Program::listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes)
 {
-    if (m_options.verbose)
+    if (options.verbose)
         std::cerr << sim::traceLine(traffic, bytes) << std::endl;
-    if (m_trace && !m_trace->write(time, traffic, bytes))
-        sim::complain(m_options.trace + ": cannot write, the trace ends here",
+    if (trace && !trace->write(time, traffic, bytes))
+        sim::complain(options.trace + ": cannot write, the trace ends here",
                       "make room and start again; the line is served on");
 }
 
@@ -139,21 +139,20 @@ int Program::run()
 {
     const int result = serve();
     const bool saved = save();
-    const bool traced = !m_trace || m_trace->isGood();
+    const bool traced = !trace || trace->isGood();
     return result == sim::kDone && !(saved && traced) ? sim::kOutputLost : result;
 }
 
 int Program::serve()
 {
     const sim::StopSignals stopSignals;
-    const auto line = openLine(m_options);
+    const auto line = openLine(options);
     const std::string name = line->name().toStdString();
-    if (!m_options.trace.empty())
-        m_trace = std::make_unique<sim::TraceFile>(m_options.trace, "s7ppi-sim " S7PPI_VERSION " on " + name);
-    const auto link =
-        m_options.link.empty() ? nullptr : std::make_unique<sim::PortLink>(m_options.link, name);
-    addFaults(m_simulator, m_options);
-    const sim::Server server(*line, m_simulator);
+    if (!options.trace.empty())
+        trace = std::make_unique<sim::TraceFile>(options.trace, "s7ppi-sim " S7PPI_VERSION " on " + name);
+    const auto link = options.link.empty() ? nullptr : std::make_unique<sim::PortLink>(options.link, name);
+    addFaults(simulator, options);
+    const sim::Server server(*line, simulator);
     QObject::connect(&stopSignals, &sim::StopSignals::received, [] { QCoreApplication::exit(sim::kDone); });
     QObject::connect(line.get(), &sim::Line::lost, [&name] {
         sim::complain(name + " is lost",
@@ -170,13 +169,13 @@ int Program::serve()
 bool Program::save()
 {
     bool good = true;
-    for (size_t i = 0; i < m_stored.size(); ++i) {
-        const sim::StationOption &option = m_options.stations[i];
+    for (size_t i = 0; i < stored.size(); ++i) {
+        const sim::StationOption &option = options.stations[i];
         if (option.saveFile.empty())
             continue;
-        m_stored[i].memory = m_simulator.station(option.address)->memory();
+        stored[i].memory = simulator.station(option.address)->memory();
         try {
-            sim::saveMemory(m_stored[i], option.saveFile);
+            sim::saveMemory(stored[i], option.saveFile);
         } catch (const sim::MemoryFileError &error) {
             sim::complain(error.what(), error.hint());
             good = false;

@@ -30,18 +30,18 @@ StopSignals::StopSignals()
 {
     const sigset_t set = stopSignals();
     sigprocmask(SIG_BLOCK, &set, nullptr);
-    m_signals = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
-    m_notifier = new QSocketNotifier(m_signals, QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, [this] {
-        m_notifier->setEnabled(false);
+    descriptor = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+    notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] {
+        notifier->setEnabled(false);
         Q_EMIT received();
     });
 }
 
 StopSignals::~StopSignals()
 {
-    m_notifier->setEnabled(false);
-    close(m_signals);
+    notifier->setEnabled(false);
+    close(descriptor);
 }
 
 } // namespace sim

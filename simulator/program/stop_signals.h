@@ -25,8 +25,8 @@ Q_SIGNALS:
     void received();
 
 private:
-    int m_signals = -1; // a signalfd
-    QSocketNotifier *m_notifier = nullptr;
+    int descriptor = -1; // a signalfd
+    QSocketNotifier *notifier = nullptr;
 };
 
 } // namespace sim

@@ -7,8 +7,8 @@ namespace sim {
 
 bool Cursor::claim(size_t size)
 {
-    m_ok = m_ok && size <= left();
-    return m_ok;
+    complete = complete && size <= left();
+    return complete;
 }
 
 uint32_t Cursor::take(size_t size)
@@ -17,7 +17,7 @@ uint32_t Cursor::take(size_t size)
     if (!claim(size))
         return value;
     for (size_t i = 0; i < size; ++i)
-        value = value << 8 | m_bytes[m_position++];
+        value = value << 8 | source[next++];
     return value;
 }
 
@@ -25,8 +25,8 @@ Bytes Cursor::takeBytes(size_t size)
 {
     if (!claim(size))
         return {};
-    const auto first = m_bytes.begin() + static_cast<std::ptrdiff_t>(m_position);
-    m_position += size;
+    const auto first = source.begin() + static_cast<std::ptrdiff_t>(next);
+    next += size;
     return Bytes(first, first + static_cast<std::ptrdiff_t>(size));
 }
 

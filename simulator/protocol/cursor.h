@@ -18,7 +18,7 @@ class Cursor
 {
 public:
     // The bytes must outlive the cursor.
-    explicit Cursor(const Bytes &bytes) : m_bytes(bytes) {}
+    explicit Cursor(const Bytes &bytes) : source(bytes) {}
 
     uint8_t take8() { return static_cast<uint8_t>(take(1)); }
     uint16_t take16() { return static_cast<uint16_t>(take(2)); }
@@ -26,17 +26,17 @@ public:
     uint32_t take32() { return take(4); }
     Bytes takeBytes(size_t size);
 
-    bool ok() const { return m_ok; }
-    size_t position() const { return m_position; }
-    size_t left() const { return m_bytes.size() - m_position; }
+    bool ok() const { return complete; }
+    size_t position() const { return next; }
+    size_t left() const { return source.size() - next; }
 
 private:
     uint32_t take(size_t size);
     bool claim(size_t size);
 
-    const Bytes &m_bytes;
-    size_t m_position = 0;
-    bool m_ok = true;
+    const Bytes &source;
+    size_t next = 0;
+    bool complete = true;
 };
 
 } // namespace sim

@@ -4,6 +4,7 @@
 #include "simulator/protocol/layer2.h"
 
 #include <cassert>
+#include <utility>
 
 namespace sim {
 
@@ -85,72 +86,70 @@ std::optional<Frame> FrameReader::next()
 
 Bytes FrameReader::takeSkipped()
 {
-    Bytes skipped;
-    skipped.swap(m_skipped);
-    return skipped;
+    return std::exchange(skipped, {});
 }
 
 void FrameReader::abandon()
 {
-    append(m_skipped, m_buffer);
-    m_buffer.clear();
+    append(skipped, buffer);
+    buffer.clear();
 }
 
 FrameReader::Start FrameReader::examine() const
 {
-    if (m_buffer.empty())
+    if (buffer.empty())
         return Start::Incomplete;
-    if (m_buffer[0] == kSd1)
+    if (buffer[0] == kSd1)
         return examineSd1();
-    return m_buffer[0] == kSd2 ? examineSd2() : Start::NoFrame;
+    return buffer[0] == kSd2 ? examineSd2() : Start::NoFrame;
 }
 
 FrameReader::Start FrameReader::examineSd1() const
 {
-    if (m_buffer.size() < kSd1Size)
+    if (buffer.size() < kSd1Size)
         return Start::Incomplete;
-    return hasGoodTail(m_buffer, 1, kSd1Size) ? Start::Whole : Start::NoFrame;
+    return hasGoodTail(buffer, 1, kSd1Size) ? Start::Whole : Start::NoFrame;
 }
 
 // Refuses a bad head at its first wrong byte, so that noise holds up the line as little as possible.
 FrameReader::Start FrameReader::examineSd2() const
 {
-    const size_t received = m_buffer.size();
-    if (received > 1 && m_buffer[1] < kAddressSize)
+    const size_t received = buffer.size();
+    if (received > 1 && buffer[1] < kAddressSize)
         return Start::NoFrame;
-    if (received > 2 && m_buffer[2] != m_buffer[1])
+    if (received > 2 && buffer[2] != buffer[1])
         return Start::NoFrame;
-    if (received > 3 && m_buffer[3] != kSd2)
+    if (received > 3 && buffer[3] != kSd2)
         return Start::NoFrame;
     if (received < kSd2HeadSize)
         return Start::Incomplete;
-    const size_t size = kSd2HeadSize + m_buffer[1] + kTailSize;
+    const size_t size = kSd2HeadSize + buffer[1] + kTailSize;
     if (received < size)
         return Start::Incomplete;
-    return hasGoodTail(m_buffer, kSd2HeadSize, size) ? Start::Whole : Start::NoFrame;
+    return hasGoodTail(buffer, kSd2HeadSize, size) ? Start::Whole : Start::NoFrame;
 }
 
 Frame FrameReader::takeFrame()
 {
     Frame frame;
-    frame.hasPdu = m_buffer[0] == kSd2;
+    frame.hasPdu = buffer[0] == kSd2;
     const size_t head = frame.hasPdu ? kSd2HeadSize : 1;
-    const size_t size = frame.hasPdu ? kSd2HeadSize + m_buffer[1] + kTailSize : kSd1Size;
-    const auto end = m_buffer.begin() + static_cast<std::ptrdiff_t>(size);
-    frame.destination = m_buffer[head];
-    frame.source = m_buffer[head + 1];
-    frame.function = m_buffer[head + 2];
-    frame.pdu.assign(m_buffer.begin() + static_cast<std::ptrdiff_t>(head + kAddressSize),
+    const size_t size = frame.hasPdu ? kSd2HeadSize + buffer[1] + kTailSize : kSd1Size;
+    const auto end = buffer.begin() + static_cast<std::ptrdiff_t>(size);
+    frame.destination = buffer[head];
+    frame.source = buffer[head + 1];
+    frame.function = buffer[head + 2];
+    frame.pdu.assign(buffer.begin() + static_cast<std::ptrdiff_t>(head + kAddressSize),
                      end - static_cast<std::ptrdiff_t>(kTailSize));
-    frame.wire.assign(m_buffer.begin(), end);
-    m_buffer.erase(m_buffer.begin(), end);
+    frame.wire.assign(buffer.begin(), end);
+    buffer.erase(buffer.begin(), end);
     return frame;
 }
 
 void FrameReader::skipByte()
 {
-    m_skipped.push_back(m_buffer.front());
-    m_buffer.erase(m_buffer.begin());
+    skipped.push_back(buffer.front());
+    buffer.erase(buffer.begin());
 }
 
 } // namespace sim

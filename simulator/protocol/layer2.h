@@ -53,7 +53,7 @@ Bytes sd2(uint8_t destination, uint8_t source, uint8_t function, const Bytes &pd
 class FrameReader
 {
 public:
-    void push(uint8_t byte) { m_buffer.push_back(byte); }
+    void push(uint8_t byte) { buffer.push_back(byte); }
 
     // The next complete frame, if there is one. Call until there is none.
     std::optional<Frame> next();
@@ -65,7 +65,7 @@ public:
     void abandon();
 
     // Whether a frame has begun and not ended.
-    bool hasBegun() const { return !m_buffer.empty(); }
+    bool hasBegun() const { return !buffer.empty(); }
 
 private:
     enum class Start { NoFrame, Incomplete, Whole };
@@ -76,8 +76,8 @@ private:
     Frame takeFrame();
     void skipByte();
 
-    Bytes m_buffer;
-    Bytes m_skipped;
+    Bytes buffer;
+    Bytes skipped;
 };
 
 } // namespace sim

@@ -15,12 +15,12 @@ namespace sim {
 class UserError : public std::runtime_error
 {
 public:
-    UserError(const std::string &text, const std::string &hint) : std::runtime_error(text), m_hint(hint) {}
+    UserError(const std::string &text, const std::string &hint) : std::runtime_error(text), hintText(hint) {}
 
-    const char *hint() const noexcept { return m_hint.what(); }
+    const char *hint() const noexcept { return hintText.what(); }
 
 private:
-    std::runtime_error m_hint; // its text is copied without a throw, as that of an exception must be
+    std::runtime_error hintText; // its text is copied without a throw, as that of an exception must be
 };
 
 } // namespace sim

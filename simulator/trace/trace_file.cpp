@@ -37,7 +37,7 @@ std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes)
     return timeText(time) + (traffic == Traffic::Sent ? " < " : " > ") + hexText(bytes);
 }
 
-TraceFile::TraceFile(const std::string &path, const std::string &heading) : m_file(path)
+TraceFile::TraceFile(const std::string &path, const std::string &heading) : file(path)
 {
     if (!writeLine("# " + heading))
         throw UserError(path + ": cannot write: " + std::strerror(errno),
@@ -51,7 +51,7 @@ bool TraceFile::write(Time time, Traffic traffic, const Bytes &bytes)
 
 bool TraceFile::writeLine(const std::string &line)
 {
-    m_file << line << std::endl;
+    file << line << std::endl;
     return isGood();
 }
 

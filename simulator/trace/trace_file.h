@@ -26,12 +26,12 @@ public:
     // What is written can be read at once. False, once, when the file takes no more; later records are lost.
     bool write(Time time, Traffic traffic, const Bytes &bytes);
 
-    bool isGood() const { return m_file.good(); }
+    bool isGood() const { return file.good(); }
 
 private:
     bool writeLine(const std::string &line);
 
-    std::ofstream m_file;
+    std::ofstream file;
 };
 
 } // namespace sim

@@ -14,25 +14,25 @@
 #include <unistd.h>
 
 RawTerminal::RawTerminal(const QString &name)
-    : m_terminal(open(name.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC))
+    : terminal(open(name.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {
     termios settings;
-    if (m_terminal < 0 || tcgetattr(m_terminal, &settings) != 0)
+    if (terminal < 0 || tcgetattr(terminal, &settings) != 0)
         return;
     cfmakeraw(&settings);
-    tcsetattr(m_terminal, TCSANOW, &settings);
+    tcsetattr(terminal, TCSANOW, &settings);
 }
 
 RawTerminal::~RawTerminal()
 {
     if (isOpen())
-        close(m_terminal);
+        close(terminal);
 }
 
 QString RawTerminal::ask(const QString &hexText, int answerSize)
 {
     const QByteArray request = bytes(hexText.toLatin1().constData());
-    if (write(m_terminal, request.constData(), size_t(request.size())) != request.size())
+    if (write(terminal, request.constData(), size_t(request.size())) != request.size())
         return "not sent";
     return read(answerSize, 5000);
 }
@@ -44,13 +44,13 @@ bool RawTerminal::isSilent()
 
 bool RawTerminal::setExclusive()
 {
-    return ioctl(m_terminal, TIOCEXCL) == 0;
+    return ioctl(terminal, TIOCEXCL) == 0;
 }
 
 bool RawTerminal::isExclusive() const
 {
     int exclusive = 0;
-    return ioctl(m_terminal, TIOCGEXCL, &exclusive) == 0 && exclusive != 0;
+    return ioctl(terminal, TIOCGEXCL, &exclusive) == 0 && exclusive != 0;
 }
 
 QString RawTerminal::read(int size, int milliseconds)
@@ -59,11 +59,11 @@ QString RawTerminal::read(int size, int milliseconds)
     QElapsedTimer timer;
     timer.start();
     while (received.size() < size) {
-        pollfd ready = {m_terminal, POLLIN, 0};
+        pollfd ready = {terminal, POLLIN, 0};
         if (poll(&ready, 1, int(qMax<qint64>(0, milliseconds - timer.elapsed()))) <= 0)
             break;
         QByteArray piece(size - int(received.size()), '\0');
-        const ssize_t count = ::read(m_terminal, piece.data(), size_t(piece.size()));
+        const ssize_t count = ::read(terminal, piece.data(), size_t(piece.size()));
         if (count <= 0)
             break;
         received += piece.left(int(count));

@@ -13,13 +13,13 @@ class RawTerminal
 public:
     // Opens a terminal and sets it to raw mode, or takes over an open one as it is.
     explicit RawTerminal(const QString &name);
-    explicit RawTerminal(int terminal) : m_terminal(terminal) {}
+    explicit RawTerminal(int terminal_) : terminal(terminal_) {}
     ~RawTerminal();
 
     RawTerminal(const RawTerminal &) = delete;
     RawTerminal &operator=(const RawTerminal &) = delete;
 
-    bool isOpen() const { return m_terminal >= 0; }
+    bool isOpen() const { return terminal >= 0; }
 
     // Sends all of it and returns what came back: as many bytes, or fewer when 5 seconds are over.
     QString ask(const QString &hexText, int answerSize);
@@ -34,7 +34,7 @@ public:
 private:
     QString read(int size, int milliseconds);
 
-    int m_terminal;
+    int terminal;
 };
 
 #endif

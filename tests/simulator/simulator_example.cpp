@@ -14,20 +14,20 @@ using namespace std::chrono_literals;
 class SimulatedPort
 {
 public:
-    explicit SimulatedPort(sim::Simulator &line) : m_line(line) {}
+    explicit SimulatedPort(sim::Simulator &simulator) : line(simulator) {}
 
-    void write(const sim::Bytes &bytes) { sim::append(m_arrived, m_line.feed(bytes)); }
+    void write(const sim::Bytes &bytes) { sim::append(arrived, line.feed(bytes)); }
 
     // What is there when the time is up.
     sim::Bytes read(sim::Time timeOut)
     {
-        sim::append(m_arrived, m_line.advance(timeOut));
-        return std::exchange(m_arrived, {});
+        sim::append(arrived, line.advance(timeOut));
+        return std::exchange(arrived, {});
     }
 
 private:
-    sim::Simulator &m_line;
-    sim::Bytes m_arrived;
+    sim::Simulator &line;
+    sim::Bytes arrived;
 };
 
 int main()

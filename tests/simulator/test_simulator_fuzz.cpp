@@ -42,7 +42,7 @@ std::vector<sim::Bytes> goodFrames()
 class Fuzzer
 {
 public:
-    explicit Fuzzer(unsigned seed) : m_random(seed), m_good(goodFrames()) {}
+    explicit Fuzzer(unsigned seed) : random(seed), good(goodFrames()) {}
 
     sim::Bytes next()
     {
@@ -57,8 +57,8 @@ public:
     }
 
 private:
-    size_t below(size_t bound) { return m_random() % bound; }
-    const sim::Bytes &anyGoodFrame() { return m_good[below(m_good.size())]; }
+    size_t below(size_t bound) { return random() % bound; }
+    const sim::Bytes &anyGoodFrame() { return good[below(good.size())]; }
 
     // Rich in the bytes that mean something to the framing.
     uint8_t anyByte()
@@ -93,8 +93,8 @@ private:
         return sim::sd2(2, 0, 0x6C, pdu);
     }
 
-    std::mt19937 m_random;
-    std::vector<sim::Bytes> m_good;
+    std::mt19937 random;
+    std::vector<sim::Bytes> good;
 };
 
 // Acknowledgements and frames from 2, and nothing else.

@@ -45,45 +45,45 @@ class Simulator
 public:
     explicit Simulator(const QStringList &options = {})
     {
-        m_process.start(S7PPI_SIM_PROGRAM, options);
-        if (!m_process.waitForStarted()) // a signal to a process that is none would go to all
+        process.start(S7PPI_SIM_PROGRAM, options);
+        if (!process.waitForStarted()) // a signal to a process that is none would go to all
             qFatal("%s does not start", S7PPI_SIM_PROGRAM);
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
+        while (!process.canReadLine() && process.waitForReadyRead(10000)) {
         }
-        m_firstLine = QString::fromLocal8Bit(m_process.readLine());
+        printed = QString::fromLocal8Bit(process.readLine());
     }
 
     ~Simulator()
     {
-        if (m_process.state() != QProcess::NotRunning) {
-            m_process.kill();
-            m_process.waitForFinished();
+        if (process.state() != QProcess::NotRunning) {
+            process.kill();
+            process.waitForFinished();
         }
     }
 
-    QString firstLine() const { return m_firstLine; }
-    QString portName() const { return m_firstLine.trimmed(); }
+    QString firstLine() const { return printed; }
+    QString portName() const { return printed.trimmed(); }
 
     // The exit status; -1 when it did not exit by itself.
     int waitForEnd()
     {
-        const bool ended = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(10000);
-        return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+        const bool ended = process.state() == QProcess::NotRunning || process.waitForFinished(10000);
+        return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
 
     int stop(int signal = SIGTERM)
     {
-        ::kill(static_cast<pid_t>(m_process.processId()), signal);
+        ::kill(static_cast<pid_t>(process.processId()), signal);
         return waitForEnd();
     }
 
     void kill()
     {
-        m_process.kill();
-        m_process.waitForFinished();
+        process.kill();
+        process.waitForFinished();
     }
 
-    QString messages() { return QString::fromLocal8Bit(m_process.readAllStandardError()); }
+    QString messages() { return QString::fromLocal8Bit(process.readAllStandardError()); }
 
     // The only message, when a hint follows it; otherwise all there are.
     QString complaint()
@@ -93,11 +93,11 @@ public:
         return lines.size() == 3 && lines[1].startsWith("hint: ") && lines[2].isEmpty() ? lines[0] : text;
     }
 
-    QString furtherOutput() { return QString::fromLocal8Bit(m_process.readAllStandardOutput()); }
+    QString furtherOutput() { return QString::fromLocal8Bit(process.readAllStandardOutput()); }
 
 private:
-    QProcess m_process;
-    QString m_firstLine;
+    QProcess process;
+    QString printed; // the first line on stdout
 };
 
 void writeFile(const QString &path, const QByteArray &content)

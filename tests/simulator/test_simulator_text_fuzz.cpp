@@ -28,7 +28,7 @@ const std::string kMemory = R"({
 class Misspeller
 {
 public:
-    explicit Misspeller(unsigned seed) : m_random(seed) {}
+    explicit Misspeller(unsigned seed) : random(seed) {}
 
     std::string misspelt(std::string text)
     {
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    size_t below(size_t bound) { return m_random() % bound; }
+    size_t below(size_t bound) { return random() % bound; }
 
     std::string letter()
     {
@@ -50,7 +50,7 @@ private:
         return std::string(1, below(4) == 0 ? char(below(256)) : common[below(common.size())]);
     }
 
-    std::mt19937 m_random;
+    std::mt19937 random;
 };
 
 // Whether the text was taken. Lets anything but the refusal it expects end the test.

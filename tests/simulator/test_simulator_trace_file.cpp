@@ -28,17 +28,17 @@ public:
     explicit FileSizeLimit(rlim_t bytes)
     {
         std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limited = {bytes, m_before.rlim_max};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit limited = {bytes, before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limited);
     }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before); }
 
     FileSizeLimit(const FileSizeLimit &) = delete;
     FileSizeLimit &operator=(const FileSizeLimit &) = delete;
 
 private:
-    rlimit m_before = {};
+    rlimit before = {};
 };
 
 } // namespace
