@@ -3,6 +3,7 @@
 //
 // s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
 
+#include "common/standard_streams.h"
 #include "simulator/controller/memory_file.h"
 #include "simulator/line/port_link.h"
 #include "simulator/line/pty_line.h"
@@ -10,7 +11,6 @@
 #include "simulator/line/server.h"
 #include "simulator/program/complaint.h"
 #include "simulator/program/options.h"
-#include "simulator/program/standard_streams.h"
 #include "simulator/program/stop_signals.h"
 #include "simulator/trace/trace.h"
 #include "simulator/trace/trace_file.h"
@@ -204,7 +204,7 @@ int runProgram(const sim::Options &options)
 
 int main(int argc, char *argv[])
 {
-    sim::keepClosedStreams();
+    common::keepClosedStreams();
     // Whoever reads the frames of -v may go: the memory is saved all the same.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {

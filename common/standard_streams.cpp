@@ -1,14 +1,15 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
-#include "simulator/program/standard_streams.h"
+#include "common/standard_streams.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace sim {
+namespace common {
 
-// The lowest free descriptor is the one that open() gives.
+// The kernel gives open() the lowest free descriptor, which is the closed stream's, as the loop goes upwards.
+// Opened the wrong way round, the stream fails as a closed one does.
 void keepClosedStreams()
 {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
@@ -16,4 +17,4 @@ void keepClosedStreams()
             static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
-} // namespace sim
+} // namespace common
