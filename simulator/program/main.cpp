@@ -3,6 +3,7 @@
 //
 // s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
 
+#include "common/exit_code.h"
 #include "common/standard_streams.h"
 #include "simulator/controller/memory_file.h"
 #include "simulator/line/port_link.h"
@@ -30,6 +31,8 @@
 #include <csignal>
 
 namespace {
+
+using common::ExitCode;
 
 sim::Time timeOfDay()
 {
@@ -92,17 +95,23 @@ std::unique_ptr<sim::Line> openLine(const sim::Options &options)
                                              parityNamed(options.parity));
 }
 
+// Ends the event loop, whose result this exit code then is.
+void end(ExitCode exitCode)
+{
+    QCoreApplication::exit(int(exitCode));
+}
+
 // The simulator as the command line wants it.
 class Program
 {
 public:
     explicit Program(const sim::Options &options);
 
-    // Until a signal ends it or the line is lost. Returns the exit code.
-    int run();
+    // Until a signal ends it or the line is lost.
+    ExitCode run();
 
 private:
-    int serve();
+    ExitCode serve();
     void listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes);
     bool save();
 
@@ -135,15 +144,15 @@ void Program::listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &byt
                       "make room and start again; the line is served on");
 }
 
-int Program::run()
+ExitCode Program::run()
 {
-    const int result = serve();
+    const ExitCode result = serve();
     const bool saved = save();
     const bool traced = !trace || trace->isGood();
-    return result == sim::kDone && !(saved && traced) ? sim::kOutputLost : result;
+    return result == ExitCode::Success && !(saved && traced) ? ExitCode::OutputLost : result;
 }
 
-int Program::serve()
+ExitCode Program::serve()
 {
     const sim::StopSignals stopSignals;
     const auto line = openLine(options);
@@ -153,16 +162,16 @@ int Program::serve()
     const auto link = options.link.empty() ? nullptr : std::make_unique<sim::PortLink>(options.link, name);
     addFaults(simulator, options);
     const sim::Server server(*line, simulator);
-    QObject::connect(&stopSignals, &sim::StopSignals::received, [] { QCoreApplication::exit(sim::kDone); });
+    QObject::connect(&stopSignals, &sim::StopSignals::received, [] { end(ExitCode::Success); });
     QObject::connect(line.get(), &sim::Line::lost, [&name] {
         sim::complain(name + " is lost",
                       "plug the adapter in again, look for its name with s7ppi ports, and start again");
-        QCoreApplication::exit(sim::kPortLost);
+        end(ExitCode::PortLost);
     });
     if (!(std::cout << name << std::endl))
         throw sim::UserError("stdout does not take the port's name",
                              "make room, or send the output elsewhere");
-    return QCoreApplication::exec();
+    return ExitCode(QCoreApplication::exec());
 }
 
 // Every station that can be saved is, even when another one cannot.
@@ -184,19 +193,19 @@ bool Program::save()
     return good;
 }
 
-int runProgram(const sim::Options &options)
+ExitCode runProgram(const sim::Options &options)
 {
     try {
         return Program(options).run();
     } catch (const sim::MemoryFileError &error) {
         sim::complain(error.what(), error.hint());
-        return sim::kBadUsage;
+        return ExitCode::Usage;
     } catch (const sim::LineError &error) {
         sim::complain(error.what(), error.hint());
-        return sim::kPortProblem;
+        return ExitCode::PortUnusable;
     } catch (const sim::UserError &error) {
         sim::complain(error.what(), error.hint());
-        return sim::kOutputLost;
+        return ExitCode::OutputLost;
     }
 }
 
@@ -209,12 +218,12 @@ int main(int argc, char *argv[])
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         const QCoreApplication application(argc, argv);
-        int exitCode = sim::kDone;
+        ExitCode exitCode = ExitCode::Success;
         const std::optional<sim::Options> options = sim::parseOptions(argc, argv, exitCode);
-        return options ? runProgram(*options) : exitCode;
+        return int(options ? runProgram(*options) : exitCode);
     } catch (const std::exception &error) {
         sim::complain(std::string("internal failure: ") + error.what(),
                       "free some memory; it may be a bug, too");
-        return sim::kInternal;
+        return int(ExitCode::Internal);
     }
 }

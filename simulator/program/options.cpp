@@ -257,7 +257,7 @@ std::vector<StationOption> stationsOf(const CommandLine &line)
 
 } // namespace
 
-std::optional<Options> parseOptions(int argc, char *argv[], int &exitCode)
+std::optional<Options> parseOptions(int argc, char *argv[], common::ExitCode &exitCode)
 {
     CLI::App app("A simulated S7-200 controller: a PPI station with memory.", "s7ppi-sim");
     CommandLine line;
@@ -267,7 +267,7 @@ std::optional<Options> parseOptions(int argc, char *argv[], int &exitCode)
         line.save = app.count("--save") > 0;
         line.options.stations = stationsOf(line);
     } catch (const CLI::ParseError &error) {
-        exitCode = app.exit(error) == 0 ? kDone : kBadUsage;
+        exitCode = app.exit(error) == 0 ? common::ExitCode::Success : common::ExitCode::Usage;
         return std::nullopt;
     }
     return line.options;

@@ -6,23 +6,14 @@
 #ifndef SIMULATOR_PROGRAM_OPTIONS_H
 #define SIMULATOR_PROGRAM_OPTIONS_H
 
+#include "common/exit_code.h"
+
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <cstdint>
-
 namespace sim {
-
-// The same numbers as those of s7ppi.
-enum ExitCode {
-    kDone = 0,
-    kBadUsage = 2, // command line or memory file
-    kPortProblem = 3,
-    kPortLost = 6,
-    kInternal = 70,  // out of memory, say; EX_SOFTWARE of sysexits.h
-    kOutputLost = 74 // a file or stdout takes no data; EX_IOERR
-};
 
 struct StationOption
 {
@@ -49,7 +40,7 @@ struct Options
 
 // Nothing when the program has nothing more to do than to end with that exit code: help was shown, or what is
 // wrong.
-std::optional<Options> parseOptions(int argc, char *argv[], int &exitCode);
+std::optional<Options> parseOptions(int argc, char *argv[], common::ExitCode &exitCode);
 
 } // namespace sim
 
