@@ -3,7 +3,7 @@
 
 #include "simulator/controller/live_value.h"
 
-#include "simulator/text/nearest_name.h"
+#include "simulator/text/named_entry.h"
 
 #include <algorithm>
 #include <cmath>

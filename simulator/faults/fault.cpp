@@ -3,7 +3,7 @@
 
 #include "simulator/faults/fault.h"
 
-#include "simulator/text/nearest_name.h"
+#include "simulator/text/named_entry.h"
 #include "simulator/text/number_text.h"
 
 #include <algorithm>

@@ -4,7 +4,6 @@
 // Faults as people write them.
 
 #include "simulator/faults/fault.h"
-#include "simulator/text/nearest_name.h"
 
 #include <QtTest>
 
@@ -38,8 +37,6 @@ private slots:
     void badTextIsRefused();
     void chanceIsKnown_data();
     void chanceIsKnown();
-    void nearestNameTakesTheFewestChanges_data();
-    void nearestNameTakesTheFewestChanges();
 };
 
 void TestSimulatorFaultText::everyKindHasItsOwnName()
@@ -94,6 +91,7 @@ void TestSimulatorFaultText::badTextIsRefused_data()
 {
     QTest::addColumn<QString>("error");
     QTest::newRow("silemt") << "\"silemt\" is no kind of fault; the nearest is silent";
+    QTest::newRow("ECHO") << "\"ECHO\" is no kind of fault; the nearest is echo";
     QTest::newRow("Silent") << "\"Silent\" is no kind of fault; the nearest is silent";
     QTest::newRow("silent ") << "\"silent \" is no kind of fault; the nearest is silent";
     QTest::newRow("bad-crc@1") << "\"bad-crc\" is no kind of fault; the nearest is bad-end";
@@ -138,24 +136,6 @@ void TestSimulatorFaultText::chanceIsKnown()
 {
     QFETCH(bool, random);
     QCOMPARE(sim::isRandom(sim::parseFault(QTest::currentDataTag())), random);
-}
-
-void TestSimulatorFaultText::nearestNameTakesTheFewestChanges_data()
-{
-    QTest::addColumn<QString>("nearest");
-    QTest::newRow("one") << "one";
-    QTest::newRow("oen") << "one"; // two characters changed, any other name takes more
-    QTest::newRow("thre") << "three";
-    QTest::newRow("tthree") << "three";
-    QTest::newRow("two four") << "four";
-    QTest::newRow("x") << "one"; // no nearer than two, but the first of them
-}
-
-void TestSimulatorFaultText::nearestNameTakesTheFewestChanges()
-{
-    QFETCH(QString, nearest);
-    const std::vector<std::string> names = {"one", "two", "three", "four"};
-    QCOMPARE(QString::fromStdString(sim::nearestName(QTest::currentDataTag(), names)), nearest);
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorFaultText)
