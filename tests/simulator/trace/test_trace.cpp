@@ -77,4 +77,4 @@ void TestSimulatorTrace::directionIsShown()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorTrace)
-#include "test_simulator_trace.moc"
+#include "test_trace.moc"

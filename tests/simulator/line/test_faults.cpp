@@ -381,4 +381,4 @@ void TestSimulatorFaults::sameSeedGivesTheSameRun()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorFaults)
-#include "test_simulator_faults.moc"
+#include "test_faults.moc"

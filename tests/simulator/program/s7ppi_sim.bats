@@ -519,9 +519,9 @@ milliseconds() {
 }
 
 @test "the example of the page is the one that is built" {
-    local tests=$BATS_TEST_DIRNAME
-    sed -n '/^.\{3\}cpp$/,/^.\{3\}$/p' "$tests/../../docs/simulator.md" | sed '1d;$d' >shown
-    sed -n '/^#include/,$p' "$tests/simulator_example.cpp" >built
+    local top=$BATS_TEST_DIRNAME/../../..
+    sed -n '/^.\{3\}cpp$/,/^.\{3\}$/p' "$top/docs/simulator.md" | sed '1d;$d' >shown
+    sed -n '/^#include/,$p' "$top/tests/simulator/simulator_example.cpp" >built
     [ -s built ]
     diff shown built
 }

@@ -203,4 +203,4 @@ void TestSimulatorLayer2::abandonedFrameGivesWayAtOnce()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorLayer2)
-#include "test_simulator_layer2.moc"
+#include "test_layer2.moc"

@@ -139,4 +139,4 @@ void TestSimulatorTextFuzz::hugeNamesAreRefused()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorTextFuzz)
-#include "test_simulator_text_fuzz.moc"
+#include "test_text_fuzz.moc"

@@ -224,4 +224,4 @@ void TestSimulatorWrites::largestWriteFillsTheLargestFrame()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorWrites)
-#include "test_simulator_writes.moc"
+#include "test_writes.moc"

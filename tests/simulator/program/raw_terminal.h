@@ -3,8 +3,8 @@
 //
 // The master's end of a terminal: raw, in hexadecimal, with a time limit for every read.
 
-#ifndef TESTS_SIMULATOR_RAW_TERMINAL_H
-#define TESTS_SIMULATOR_RAW_TERMINAL_H
+#ifndef TESTS_SIMULATOR_PROGRAM_RAW_TERMINAL_H
+#define TESTS_SIMULATOR_PROGRAM_RAW_TERMINAL_H
 
 #include <QString>
 

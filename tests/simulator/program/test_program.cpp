@@ -493,4 +493,4 @@ void TestSimulatorProgram::helpAndVersionAreTold()
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorProgram)
-#include "test_simulator_program.moc"
+#include "test_program.moc"

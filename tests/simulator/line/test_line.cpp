@@ -222,4 +222,4 @@ void TestSimulatorLine::writtenLiveValueIsOverwritten()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorLine)
-#include "test_simulator_line.moc"
+#include "test_line.moc"

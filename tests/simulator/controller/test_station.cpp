@@ -155,4 +155,4 @@ void TestSimulatorStation::severalFramesMayComeAtOnce()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorStation)
-#include "test_simulator_station.moc"
+#include "test_station.moc"

@@ -43,7 +43,7 @@ QString complaint(const QString &text)
 
 } // namespace
 
-class TestSimulatorLive : public QObject
+class TestSimulatorLiveValue : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private slots:
     void badTextIsRefused();
 };
 
-void TestSimulatorLive::valueIsThatOfItsTime_data()
+void TestSimulatorLiveValue::valueIsThatOfItsTime_data()
 {
     QTest::addColumn<QString>("course");
     QTest::addColumn<int>("milliseconds");
@@ -96,7 +96,7 @@ void TestSimulatorLive::valueIsThatOfItsTime_data()
     QTest::newRow("blink slowly") << "V0.7=blink:2min" << 59999 << "8000 0000";
 }
 
-void TestSimulatorLive::valueIsThatOfItsTime()
+void TestSimulatorLiveValue::valueIsThatOfItsTime()
 {
     QFETCH(QString, course);
     QFETCH(int, milliseconds);
@@ -104,7 +104,7 @@ void TestSimulatorLive::valueIsThatOfItsTime()
     QCOMPARE(bytesAt(memoryWith(course, milliseconds), sim::kAreaV, 0, 4), plain(vd0));
 }
 
-void TestSimulatorLive::everyAreaCanLive_data()
+void TestSimulatorLiveValue::everyAreaCanLive_data()
 {
     QTest::addColumn<QString>("place");
     QTest::addColumn<int>("area");
@@ -119,7 +119,7 @@ void TestSimulatorLive::everyAreaCanLive_data()
     QTest::newRow("AQ") << "AQW62" << int(sim::kAreaAQ) << 63;
 }
 
-void TestSimulatorLive::everyAreaCanLive()
+void TestSimulatorLiveValue::everyAreaCanLive()
 {
     QFETCH(QString, place);
     QFETCH(int, area);
@@ -128,14 +128,14 @@ void TestSimulatorLive::everyAreaCanLive()
     QCOMPARE(bytesAt(memory, uint8_t(area), last, 1), QString("05"));
 }
 
-void TestSimulatorLive::numbersLieInTheMemoryOfObjects()
+void TestSimulatorLiveValue::numbersLieInTheMemoryOfObjects()
 {
     QCOMPARE(int(memoryWith("T37=ramp:0..300/3s", 1000).timers[37].value), 100);
     QCOMPARE(int(memoryWith("C255=counter:1/s", 7000).counters[255].value), 7);
     QCOMPARE(memoryWith("HC5=counter:100000/s", 7000).highSpeedCounters[5], 700000u);
 }
 
-void TestSimulatorLive::onlyTheNamedBitChanges()
+void TestSimulatorLiveValue::onlyTheNamedBitChanges()
 {
     sim::Memory memory;
     memory.bytes(sim::kAreaM)[3] = 0xA5;
@@ -146,13 +146,13 @@ void TestSimulatorLive::onlyTheNamedBitChanges()
     QCOMPARE(int(memory.bytes(sim::kAreaM)[3]), 0xA5);
 }
 
-void TestSimulatorLive::demoChangesInEverySecond()
+void TestSimulatorLiveValue::demoChangesInEverySecond()
 {
     for (int i = 0; i < 10; ++i)
         QVERIFY(!(memoryWith("demo", 700 * i) == memoryWith("demo", 700 * i + 700)));
 }
 
-void TestSimulatorLive::demoLeavesTheExampleAlone()
+void TestSimulatorLiveValue::demoLeavesTheExampleAlone()
 {
     sim::Memory memory = sim::exampleMemory();
     for (const sim::LiveValue &value : sim::parseLiveValues("demo"))
@@ -164,7 +164,7 @@ void TestSimulatorLive::demoLeavesTheExampleAlone()
     QCOMPARE(memory.highSpeedCounters[0], 100000u);
 }
 
-void TestSimulatorLive::badTextIsRefused_data()
+void TestSimulatorLiveValue::badTextIsRefused_data()
 {
     const QString noPlace =
         "is no place in the memory; such are V10.3 VB10 VW10 VD10 VD10:f32 AIW0 T37 C5 HC0";
@@ -206,11 +206,11 @@ void TestSimulatorLive::badTextIsRefused_data()
     QTest::newRow("C0=ramp:0..65536/1s") << "\"ramp:0..65536/1s\" goes beyond what C0 can hold";
 }
 
-void TestSimulatorLive::badTextIsRefused()
+void TestSimulatorLiveValue::badTextIsRefused()
 {
     QFETCH(QString, error);
     QCOMPARE(complaint(QTest::currentDataTag()), error);
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorLive)
-#include "test_simulator_live.moc"
+QTEST_APPLESS_MAIN(TestSimulatorLiveValue)
+#include "test_live_value.moc"

@@ -195,4 +195,4 @@ void TestSimulatorFuzz::everyFaultSurvivesAnyBytes()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorFuzz)
-#include "test_simulator_fuzz.moc"
+#include "test_fuzz.moc"

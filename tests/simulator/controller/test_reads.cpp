@@ -263,4 +263,4 @@ void TestSimulatorReads::referenceComesBack()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorReads)
-#include "test_simulator_reads.moc"
+#include "test_reads.moc"

@@ -396,4 +396,4 @@ void TestSimulatorMemoryFile::failedSavingLeavesNothingBeside()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorMemoryFile)
-#include "test_simulator_memory_file.moc"
+#include "test_memory_file.moc"

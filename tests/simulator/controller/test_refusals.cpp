@@ -308,4 +308,4 @@ void TestSimulatorRefusals::refusedJobIsAnsweredByteForByte()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorRefusals)
-#include "test_simulator_refusals.moc"
+#include "test_refusals.moc"

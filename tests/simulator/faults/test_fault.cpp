@@ -24,7 +24,7 @@ QString complaint(const QString &text)
 
 } // namespace
 
-class TestSimulatorFaultText : public QObject
+class TestSimulatorFault : public QObject
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ private slots:
     void chanceIsKnown();
 };
 
-void TestSimulatorFaultText::everyKindHasItsOwnName()
+void TestSimulatorFault::everyKindHasItsOwnName()
 {
     QCOMPARE(int(sim::faultNames().size()), int(sim::FaultKind::Echo) + 1);
     std::set<sim::FaultKind> kinds;
@@ -50,7 +50,7 @@ void TestSimulatorFaultText::everyKindHasItsOwnName()
     QCOMPARE(kinds.size(), sim::faultNames().size());
 }
 
-void TestSimulatorFaultText::textIsRead_data()
+void TestSimulatorFault::textIsRead_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("argument"); // -1: none
@@ -69,7 +69,7 @@ void TestSimulatorFaultText::textIsRead_data()
     QTest::newRow("item-refused=fe") << int(sim::FaultKind::ItemRefused) << 254 << 0 << 100.0;
 }
 
-void TestSimulatorFaultText::textIsRead()
+void TestSimulatorFault::textIsRead()
 {
     QFETCH(int, kind);
     QFETCH(int, argument);
@@ -82,12 +82,12 @@ void TestSimulatorFaultText::textIsRead()
     QCOMPARE(fault.percent, percent);
 }
 
-void TestSimulatorFaultText::percentageMayHaveAFraction()
+void TestSimulatorFault::percentageMayHaveAFraction()
 {
     QCOMPARE(sim::parseFault("silent%0.5").percent, 0.5);
 }
 
-void TestSimulatorFaultText::badTextIsRefused_data()
+void TestSimulatorFault::badTextIsRefused_data()
 {
     QTest::addColumn<QString>("error");
     QTest::newRow("silemt") << "\"silemt\" is no kind of fault; the nearest is silent";
@@ -117,13 +117,13 @@ void TestSimulatorFaultText::badTextIsRefused_data()
             << QString("%P: \"") + number + "\" is not a percentage above 0, up to 100";
 }
 
-void TestSimulatorFaultText::badTextIsRefused()
+void TestSimulatorFault::badTextIsRefused()
 {
     QFETCH(QString, error);
     QCOMPARE(complaint(QTest::currentDataTag()), error);
 }
 
-void TestSimulatorFaultText::chanceIsKnown_data()
+void TestSimulatorFault::chanceIsKnown_data()
 {
     QTest::addColumn<bool>("random");
     for (const char *text : {"silent%50", "corrupt", "corrupt=1%50", "noise", "noise-ack", "noise-inside@1"})
@@ -132,11 +132,11 @@ void TestSimulatorFaultText::chanceIsKnown_data()
         QTest::newRow(text) << false;
 }
 
-void TestSimulatorFaultText::chanceIsKnown()
+void TestSimulatorFault::chanceIsKnown()
 {
     QFETCH(bool, random);
     QCOMPARE(sim::isRandom(sim::parseFault(QTest::currentDataTag())), random);
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorFaultText)
-#include "test_simulator_fault_text.moc"
+QTEST_APPLESS_MAIN(TestSimulatorFault)
+#include "test_fault.moc"

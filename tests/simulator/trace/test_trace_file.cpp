@@ -139,4 +139,4 @@ void TestSimulatorTraceFile::fileThatTakesNoMoreIsToldOnce()
 }
 
 QTEST_APPLESS_MAIN(TestSimulatorTraceFile)
-#include "test_simulator_trace_file.moc"
+#include "test_trace_file.moc"
