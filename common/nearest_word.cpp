@@ -24,9 +24,9 @@ std::string plain(const std::string &text)
     return letters;
 }
 
-// How many changes turn one text into the other, worked out letter by letter of one: row[j] is that of its
-// letters so far and the first j letters of the other. Only three rows are kept, as the text may be anything,
-// of any length.
+// How many changes turn one text into the other. After each letter of `one`, row[j] is the distance of its
+// letters so far from the first j letters of `other`. Only three rows are kept, as a user's text may have any
+// length.
 size_t distance(const std::string &one, const std::string &other)
 {
     std::vector<size_t> row(other.size() + 1);

@@ -8,7 +8,11 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 

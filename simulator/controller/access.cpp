@@ -3,10 +3,13 @@
 
 #include "simulator/controller/access.h"
 
+#include "simulator/controller/areas.h"
+#include "simulator/protocol/bytes.h"
 #include "simulator/protocol/cursor.h"
 #include "simulator/protocol/layer2.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace sim {
 

@@ -20,6 +20,9 @@
 #include "simulator/controller/memory.h"
 #include "simulator/protocol/layer7.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace sim {
 
 // One result per item; the answer that carries them never exceeds kMaxPduSize.

@@ -5,6 +5,7 @@
 
 #include "simulator/controller/memory_file_error.h"
 
+#include <cstddef>
 #include <iterator>
 #include <set>
 

@@ -6,7 +6,9 @@
 #include "simulator/text/named_entry.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <regex>
 #include <stdexcept>
 

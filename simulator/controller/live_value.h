@@ -16,8 +16,12 @@
 #ifndef SIMULATOR_CONTROLLER_LIVE_VALUE_H
 #define SIMULATOR_CONTROLLER_LIVE_VALUE_H
 
+#include "simulator/controller/memory.h"
 #include "simulator/controller/place.h"
 #include "simulator/protocol/clock.h"
+
+#include <string>
+#include <vector>
 
 namespace sim {
 

@@ -9,6 +9,8 @@
 #include "simulator/controller/areas.h"
 #include "simulator/protocol/bytes.h"
 
+#include <array>
+#include <cstdint>
 #include <map>
 
 namespace sim {

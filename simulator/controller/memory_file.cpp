@@ -5,6 +5,7 @@
 
 #include "simulator/text/user_error.h"
 
+#include <QByteArray>
 #include <QFile>
 #include <QSaveFile>
 

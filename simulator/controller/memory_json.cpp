@@ -3,13 +3,20 @@
 
 #include "simulator/controller/memory_json.h"
 
+#include "simulator/controller/areas.h"
 #include "simulator/controller/json_text.h"
+#include "simulator/protocol/bytes.h"
 #include "simulator/protocol/hex_text.h"
 #include "simulator/text/number_text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <optional>
 #include <set>
+#include <stdexcept>
+#include <utility>
 
 namespace sim {
 

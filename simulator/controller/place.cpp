@@ -3,7 +3,10 @@
 
 #include "simulator/controller/place.h"
 
+#include "simulator/protocol/bytes.h"
+
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <regex>
 #include <stdexcept>

@@ -12,8 +12,10 @@
 #ifndef SIMULATOR_CONTROLLER_PLACE_H
 #define SIMULATOR_CONTROLLER_PLACE_H
 
+#include "simulator/controller/areas.h"
 #include "simulator/controller/memory.h"
 
+#include <cstdint>
 #include <string>
 
 namespace sim {

@@ -4,7 +4,9 @@
 #include "simulator/controller/station.h"
 
 #include "simulator/controller/access.h"
+#include "simulator/faults/fault.h"
 
+#include <optional>
 #include <utility>
 
 namespace sim {

@@ -18,11 +18,18 @@
 
 #include "simulator/controller/live_value.h"
 #include "simulator/controller/memory.h"
+#include "simulator/faults/fault_plan.h"
 #include "simulator/faults/reply.h"
+#include "simulator/protocol/bytes.h"
+#include "simulator/protocol/clock.h"
 #include "simulator/protocol/layer2.h"
 #include "simulator/protocol/layer7.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <utility>
+#include <vector>
 
 namespace sim {
 

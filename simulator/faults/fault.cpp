@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <stdexcept>
+#include <system_error>
 
 namespace sim {
 

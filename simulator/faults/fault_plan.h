@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <random>
+#include <vector>
 
 namespace sim {
 

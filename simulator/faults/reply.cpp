@@ -3,9 +3,13 @@
 
 #include "simulator/faults/reply.h"
 
+#include "simulator/faults/fault.h"
 #include "simulator/protocol/layer2.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <utility>
 
 namespace sim {
 

@@ -10,6 +10,7 @@
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
 
+#include <cstddef>
 #include <functional>
 #include <list>
 #include <optional>

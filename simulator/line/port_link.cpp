@@ -5,6 +5,8 @@
 
 #include "simulator/line/line.h"
 
+#include <QString>
+
 #include <filesystem>
 #include <system_error>
 

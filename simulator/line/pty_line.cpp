@@ -3,6 +3,7 @@
 
 #include "simulator/line/pty_line.h"
 
+#include <QByteArray>
 #include <QSocketNotifier>
 
 #include <array>

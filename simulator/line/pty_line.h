@@ -7,6 +7,9 @@
 #define SIMULATOR_LINE_PTY_LINE_H
 
 #include "simulator/line/line.h"
+#include "simulator/protocol/bytes.h"
+
+#include <QString>
 
 #include <memory>
 

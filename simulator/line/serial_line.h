@@ -7,8 +7,10 @@
 #define SIMULATOR_LINE_SERIAL_LINE_H
 
 #include "simulator/line/line.h"
+#include "simulator/protocol/bytes.h"
 
 #include <QSerialPort>
+#include <QString>
 
 namespace sim {
 

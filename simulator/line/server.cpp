@@ -4,6 +4,10 @@
 #include "simulator/line/server.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 
 namespace sim {
 

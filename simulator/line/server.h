@@ -9,7 +9,10 @@
 
 #include "simulator/line/line.h"
 #include "simulator/line/simulator.h"
+#include "simulator/protocol/bytes.h"
+#include "simulator/protocol/clock.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
 #include <QTimer>
 

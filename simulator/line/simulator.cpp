@@ -4,6 +4,7 @@
 #include "simulator/line/simulator.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace sim {
 

@@ -11,12 +11,22 @@
 #ifndef SIMULATOR_LINE_SIMULATOR_H
 #define SIMULATOR_LINE_SIMULATOR_H
 
+#include "simulator/controller/memory.h"
 #include "simulator/controller/station.h"
+#include "simulator/faults/fault.h"
+#include "simulator/faults/fault_plan.h"
+#include "simulator/faults/reply.h"
 #include "simulator/line/outbox.h"
+#include "simulator/protocol/bytes.h"
+#include "simulator/protocol/clock.h"
+#include "simulator/protocol/layer2.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace sim {
 

@@ -5,30 +5,45 @@
 
 #include "common/exit_code.h"
 #include "common/standard_streams.h"
+#include "simulator/controller/live_value.h"
+#include "simulator/controller/memory.h"
 #include "simulator/controller/memory_file.h"
+#include "simulator/controller/memory_file_error.h"
+#include "simulator/controller/memory_json.h"
+#include "simulator/controller/station.h"
+#include "simulator/faults/fault.h"
+#include "simulator/line/line.h"
 #include "simulator/line/port_link.h"
 #include "simulator/line/pty_line.h"
 #include "simulator/line/serial_line.h"
 #include "simulator/line/server.h"
+#include "simulator/line/simulator.h"
 #include "simulator/program/complaint.h"
 #include "simulator/program/options.h"
 #include "simulator/program/stop_signals.h"
+#include "simulator/protocol/bytes.h"
+#include "simulator/protocol/clock.h"
+#include "simulator/text/user_error.h"
 #include "simulator/trace/trace.h"
 #include "simulator/trace/trace_file.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QSerialPort>
+#include <QString>
 
-#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <csignal>
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "simulator/protocol/bytes.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace sim {
 

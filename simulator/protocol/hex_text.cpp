@@ -3,6 +3,8 @@
 
 #include "simulator/protocol/hex_text.h"
 
+#include <cstddef>
+
 namespace sim {
 
 namespace {

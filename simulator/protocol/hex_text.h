@@ -8,6 +8,7 @@
 
 #include "simulator/protocol/bytes.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 

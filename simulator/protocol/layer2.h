@@ -16,6 +16,7 @@
 #include "simulator/protocol/bytes.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 namespace sim {

@@ -23,7 +23,9 @@
 #include "simulator/protocol/bytes.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace sim {
 

@@ -9,6 +9,7 @@
 #include <charconv>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace sim {
 

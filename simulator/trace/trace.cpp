@@ -3,8 +3,14 @@
 
 #include "simulator/trace/trace.h"
 
+#include "simulator/controller/areas.h"
 #include "simulator/protocol/cursor.h"
 #include "simulator/protocol/hex_text.h"
+#include "simulator/protocol/layer2.h"
+#include "simulator/protocol/layer7.h"
+
+#include <cstdint>
+#include <optional>
 
 namespace sim {
 

@@ -9,6 +9,7 @@
 #define SIMULATOR_TRACE_TRACE_H
 
 #include "simulator/line/simulator.h"
+#include "simulator/protocol/bytes.h"
 
 #include <string>
 

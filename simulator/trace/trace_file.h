@@ -7,6 +7,8 @@
 #define SIMULATOR_TRACE_TRACE_FILE_H
 
 #include "simulator/line/simulator.h"
+#include "simulator/protocol/bytes.h"
+#include "simulator/protocol/clock.h"
 
 #include <fstream>
 #include <string>

@@ -4,6 +4,7 @@
 #include "simulator_port.h"
 
 #include <algorithm>
+#include <cstddef>
 
 int SimulatorPort::receive(unsigned char *buffer, int maxLength)
 {

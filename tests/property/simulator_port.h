@@ -8,6 +8,7 @@
 
 #include "abstract_device_interface.h"
 #include "simulator/controller/station.h"
+#include "simulator/protocol/bytes.h"
 
 class SimulatorPort : public AbstractDeviceInterface
 {

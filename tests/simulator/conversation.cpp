@@ -3,6 +3,11 @@
 
 #include "conversation.h"
 
+#include <QByteArray>
+
+#include <cstdint>
+#include <optional>
+
 namespace {
 
 QString number(int value, int bytes)

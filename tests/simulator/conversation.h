@@ -10,6 +10,8 @@
 
 #include "simulator/simulator.h"
 
+#include <QString>
+
 #include <functional>
 
 // "FF 04" and "ff04" alike come out as "ff04", the form in which bytes are compared.

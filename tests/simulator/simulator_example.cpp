@@ -5,6 +5,7 @@
 
 #include "simulator/simulator.h"
 
+#include <chrono>
 #include <iostream>
 #include <utility>
 

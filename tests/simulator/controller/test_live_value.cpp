@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <chrono>
+#include <cstdint>
 #include <stdexcept>
 
 using namespace std::chrono_literals;

@@ -5,14 +5,20 @@
 
 #include "seed.h"
 
+#include "simulator/controller/areas.h"
+#include "simulator/controller/memory.h"
 #include "simulator/controller/memory_file.h"
+#include "simulator/controller/memory_file_error.h"
+#include "simulator/controller/memory_json.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cstdint>
 #include <random>
+#include <string>
 
 namespace {
 

@@ -8,6 +8,8 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 
 namespace {
 

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <cstdint>
+
 namespace {
 
 // Reads of one byte, references 1 and 2.

@@ -5,12 +5,19 @@
 
 #include "seed.h"
 
+#include "simulator/controller/live_value.h"
+#include "simulator/controller/memory.h"
+#include "simulator/controller/memory_file_error.h"
 #include "simulator/controller/memory_json.h"
 #include "simulator/faults/fault.h"
 
 #include <QtTest>
 
+#include <chrono>
+#include <cstddef>
 #include <random>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {

@@ -7,6 +7,10 @@
 
 #include <QtTest>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <set>
 
 using namespace std::chrono_literals;

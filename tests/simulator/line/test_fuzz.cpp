@@ -11,7 +11,13 @@
 
 #include <QtTest>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <random>
+#include <string>
+#include <vector>
 
 using namespace std::chrono_literals;
 

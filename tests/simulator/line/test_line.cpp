@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <chrono>
+
 using namespace std::chrono_literals;
 
 namespace {

@@ -5,7 +5,10 @@
 
 #include "hex.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
+
+#include <cstddef>
 
 #include <fcntl.h>
 #include <poll.h>

@@ -16,6 +16,7 @@
 #include <QtTest>
 
 #include <csignal>
+#include <cstdint>
 #include <memory>
 
 #include <fcntl.h>

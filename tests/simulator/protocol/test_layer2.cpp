@@ -7,6 +7,10 @@
 
 #include <QtTest>
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
 namespace {
 
 const QString kRequest = "68 07 07 68 02 00 6c 32 01 00 00 a1 16";

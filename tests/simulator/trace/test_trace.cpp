@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <string>
+
 class TestSimulatorTrace : public QObject
 {
     Q_OBJECT

@@ -11,9 +11,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <stdexcept>
-
+#include <chrono>
 #include <csignal>
+#include <stdexcept>
 
 #include <sys/resource.h>
 
