@@ -21,10 +21,13 @@ if(S7PPI_WARNINGS_AS_ERRORS)
   target_compile_options(s7ppi_options INTERFACE -Werror)
 endif()
 
-# The log lines carry the source's path relative to the build, never the path of a developer's tree.
+# The log lines carry the source's path relative to the build, never the path of a developer's tree. A compiler
+# cache gives the compiler paths that are relative already, to the build directory.
+file(RELATIVE_PATH source_from_build ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR})
 check_cxx_compiler_flag(-fmacro-prefix-map=a=b S7PPI_HAVE_MACRO_PREFIX_MAP)
 if(S7PPI_HAVE_MACRO_PREFIX_MAP)
-  target_compile_options(s7ppi_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=../../../)
+  target_compile_options(s7ppi_options INTERFACE
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=../../../ -fmacro-prefix-map=${source_from_build}=../../../)
 else()
   message(WARNING "This compiler is too old for -fmacro-prefix-map: log lines will carry the path of this tree.")
 endif()
@@ -41,4 +44,9 @@ if(S7PPI_SANITIZE)
   target_compile_options(s7ppi_options INTERFACE
     -fsanitize=${S7PPI_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(s7ppi_options INTERFACE -fsanitize=${S7PPI_SANITIZE})
+endif()
+
+# ccache and gcc: a precompiled header is one of the file's inputs.
+if(S7PPI_PRECOMPILED AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(s7ppi_options INTERFACE -fpch-preprocess)
 endif()

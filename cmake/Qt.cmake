@@ -26,6 +26,14 @@ else()
   message(FATAL_ERROR "QT_MAJOR is ${QT_MAJOR}; it must be 4, 5 or 6")
 endif()
 
+# Qt Test tells every file where the build is. Nothing here asks for that, and a compiler cache could not give
+# the file to a build at another place.
+if(BUILD_TESTING AND QT_MAJOR GREATER 4)
+  get_target_property(definitions ${S7PPI_QT_PREFIX}Test INTERFACE_COMPILE_DEFINITIONS)
+  list(FILTER definitions EXCLUDE REGEX "^QT_TESTCASE_(BUILD|SOURCE)DIR=")
+  set_target_properties(${S7PPI_QT_PREFIX}Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS "${definitions}")
+endif()
+
 foreach(module IN LISTS S7PPI_QT_MODULES)
   string(TOLOWER s7ppi_qt_${module} name)
   add_library(${name} INTERFACE)
