@@ -9,6 +9,7 @@
 #include "outcome.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -121,6 +122,6 @@ void TestBitReads::timersAndMemoryAreNotTraced()
     QCOMPARE(outcome.texts, QStringList());
 }
 
-QTEST_APPLESS_MAIN(TestBitReads)
+TEST_CLASS(TestBitReads)
 
 #include "test_bit_reads.moc"

@@ -10,6 +10,7 @@
 #include "outcome.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -260,6 +261,6 @@ void TestBitWrites::writeWithoutBitsIsInvalidAndNotSent()
     QVERIFY(port.scriptIsFinished());
 }
 
-QTEST_APPLESS_MAIN(TestBitWrites)
+TEST_CLASS(TestBitWrites)
 
 #include "test_bit_writes.moc"

@@ -5,6 +5,7 @@
 
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -335,6 +336,6 @@ void TestDecoders::returnCodeOfTimersAndCountersIsHandedOut()
     QCOMPARE(int(code), 0x06);
 }
 
-QTEST_APPLESS_MAIN(TestDecoders)
+TEST_CLASS(TestDecoders)
 
 #include "test_decoders.moc"

@@ -14,6 +14,7 @@
 #include "scripted_port.h"
 #include "silent_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -404,6 +405,6 @@ void TestGoodExchanges::bytesBehindTheAcknowledgementAreThrownAway()
     QCOMPARE(outcomeOf(good, port).result, QString(good.result));
 }
 
-QTEST_APPLESS_MAIN(TestGoodExchanges)
+TEST_CLASS(TestGoodExchanges)
 
 #include "test_good_exchanges.moc"

@@ -9,6 +9,7 @@
 #include "log_capture.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -138,6 +139,6 @@ void TestLateAnswers::lateAnswerIsRefusedWhereAnAcknowledgementIsDue()
     QVERIFY(port.scriptIsFinished());
 }
 
-QTEST_APPLESS_MAIN(TestLateAnswers)
+TEST_CLASS(TestLateAnswers)
 
 #include "test_late_answers.moc"

@@ -6,6 +6,7 @@
 #include "hex.h"
 #include "log_capture.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -194,6 +195,6 @@ void TestLayer2Checks::failedCheckWritesNoLogLine()
     QCOMPARE(log.lines(), QStringList());
 }
 
-QTEST_APPLESS_MAIN(TestLayer2Checks)
+TEST_CLASS(TestLayer2Checks)
 
 #include "test_layer2_checks.moc"

@@ -12,6 +12,7 @@
 #include "sample_rows.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -291,6 +292,6 @@ void TestLineFaults::claimedHeadOfThreeBytesIsInvalid()
     QCOMPARE(reasonOf(port), QString("invalid response"));
 }
 
-QTEST_APPLESS_MAIN(TestLineFaults)
+TEST_CLASS(TestLineFaults)
 
 #include "test_line_faults.moc"

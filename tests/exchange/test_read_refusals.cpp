@@ -10,6 +10,7 @@
 #include "hex.h"
 #include "outcome.h"
 #include "sample_rows.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -348,6 +349,6 @@ void TestReadRefusals::hugeCountOfARefusedAnswerFails()
     QVERIFY(outcome.failed);
 }
 
-QTEST_APPLESS_MAIN(TestReadRefusals)
+TEST_CLASS(TestReadRefusals)
 
 #include "test_read_refusals.moc"

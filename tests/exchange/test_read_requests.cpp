@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "hex.h"
 #include "outcome.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -212,6 +213,6 @@ void TestReadRequests::countsBeyond16Bits()
     QCOMPARE(askedFor(read).mid(12, 4), expected);
 }
 
-QTEST_APPLESS_MAIN(TestReadRequests)
+TEST_CLASS(TestReadRequests)
 
 #include "test_read_requests.moc"

@@ -8,6 +8,7 @@
 #include "hex.h"
 #include "outcome.h"
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -212,6 +213,6 @@ void TestReadResults::negativeCountGivesNoData()
     QCOMPARE(outcomeOfRead(read, Answer(item)).result, QString(""));
 }
 
-QTEST_APPLESS_MAIN(TestReadResults)
+TEST_CLASS(TestReadResults)
 
 #include "test_read_results.moc"

@@ -8,6 +8,7 @@
 #include "simatic_s7_200_ppi/ppi_layer2.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
 #include "simatic_s7_200_ppi/ppi_static.h"
+#include "test_class.h"
 #include "tools/address_text.h"
 
 #include <QtTest>
@@ -496,6 +497,6 @@ void TestRequests::everyPDUAdvancesTheReferenceOnce()
     QCOMPARE(int(reference), 0);
 }
 
-QTEST_APPLESS_MAIN(TestRequests)
+TEST_CLASS(TestRequests)
 
 #include "test_requests.moc"

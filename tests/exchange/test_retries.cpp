@@ -11,6 +11,7 @@
 #include "sample_rows.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -451,6 +452,6 @@ void TestRetries::panelIsStation0()
     QCOMPARE(driver.getSourceAddr(nullptr), 0);
 }
 
-QTEST_APPLESS_MAIN(TestRetries)
+TEST_CLASS(TestRetries)
 
 #include "test_retries.moc"

@@ -8,6 +8,7 @@
 #include "simatic_s7_200_ppi/ppi_layer2.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -99,6 +100,5 @@ void TestSignatures::answers()
     QVERIFY(isThere<QString(Byte)>(S7_200_PPIReadRspErrorCodeToStr));
 }
 
-QTEST_APPLESS_MAIN(TestSignatures)
-
+TEST_CLASS(TestSignatures)
 #include "test_signatures.moc"

@@ -11,6 +11,7 @@
 #include "samples.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 #include "tools/diagnostics.h"
 #include "tools/pack.h"
 
@@ -133,5 +134,5 @@ void TestThreads::twoLinesAtOnceAreServedLikeEachAlone()
     QCOMPARE(second.failureCount(), kRounds * kFailuresPerRound);
 }
 
-QTEST_APPLESS_MAIN(TestThreads)
+TEST_CLASS(TestThreads)
 #include "test_threads.moc"

@@ -9,6 +9,7 @@
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -231,6 +232,6 @@ void TestWriteDecoders::dataThatNoArrayHoldsAreRefused()
     QVERIFY(!canBeFitted(command(dataType, "VW0", count)));
 }
 
-QTEST_APPLESS_MAIN(TestWriteDecoders)
+TEST_CLASS(TestWriteDecoders)
 
 #include "test_write_decoders.moc"

@@ -12,6 +12,7 @@
 #include "sample_rows.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -190,6 +191,6 @@ void TestWriteRefusals::refusedWriteUsesNoReference()
     QVERIFY(port.scriptIsFinished());
 }
 
-QTEST_APPLESS_MAIN(TestWriteRefusals)
+TEST_CLASS(TestWriteRefusals)
 
 #include "test_write_refusals.moc"

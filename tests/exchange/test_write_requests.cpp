@@ -5,6 +5,7 @@
 
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -606,6 +607,6 @@ void TestWriteRequests::referenceWrapsFrom65535To0()
     QCOMPARE(int(reference), 0);
 }
 
-QTEST_APPLESS_MAIN(TestWriteRequests)
+TEST_CLASS(TestWriteRequests)
 
 #include "test_write_requests.moc"

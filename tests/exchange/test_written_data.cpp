@@ -11,6 +11,7 @@
 #include "outcome.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -324,6 +325,6 @@ void TestWrittenData::handlersMakeOneAttempt()
     }
 }
 
-QTEST_APPLESS_MAIN(TestWrittenData)
+TEST_CLASS(TestWrittenData)
 
 #include "test_written_data.moc"

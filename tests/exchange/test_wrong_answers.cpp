@@ -13,6 +13,7 @@
 #include "sample_rows.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -302,6 +303,6 @@ void TestWrongAnswers::debugModeDoesNotChangeTheLog()
     QCOMPARE(log.texts(), QStringList() << "plc no response");
 }
 
-QTEST_APPLESS_MAIN(TestWrongAnswers)
+TEST_CLASS(TestWrongAnswers)
 
 #include "test_wrong_answers.moc"

@@ -4,6 +4,7 @@
 // Calls of the port that go wrong: each one in every way, once and from then on.
 
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -129,6 +130,6 @@ void TestFaultCalls::moreThanWasAskedForCountsAsAllOfIt()
     }
 }
 
-QTEST_APPLESS_MAIN(TestFaultCalls)
+TEST_CLASS(TestFaultCalls)
 
 #include "test_fault_calls.moc"

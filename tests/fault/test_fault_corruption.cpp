@@ -5,6 +5,7 @@
 
 #include "hex.h"
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -172,6 +173,6 @@ void TestFaultCorruption::twoWrongBytesPassOnlyWhenTheyCancelWhereNothingElseLoo
     QVERIFY(pairs.believed > 0 && pairs.believed < pairs.all);
 }
 
-QTEST_APPLESS_MAIN(TestFaultCorruption)
+TEST_CLASS(TestFaultCorruption)
 
 #include "test_fault_corruption.moc"

@@ -5,6 +5,7 @@
 // over of one request, the next one is good.
 
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -163,6 +164,6 @@ void TestFaultDelivery::repliesWhoseRestComesTooLateAreRefused()
     QVERIFY2(unnoticed.isEmpty(), qPrintable(unnoticed));
 }
 
-QTEST_APPLESS_MAIN(TestFaultDelivery)
+TEST_CLASS(TestFaultDelivery)
 
 #include "test_fault_delivery.moc"

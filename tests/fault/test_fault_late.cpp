@@ -5,6 +5,7 @@
 
 #include "hex.h"
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -128,6 +129,6 @@ void TestFaultLate::portThatKeepsOldBytesLeavesTheReferenceToTellThem()
     QVERIFY2(comparison.difference.isEmpty(), qPrintable(comparison.difference));
 }
 
-QTEST_APPLESS_MAIN(TestFaultLate)
+TEST_CLASS(TestFaultLate)
 
 #include "test_fault_late.moc"

@@ -6,6 +6,7 @@
 
 #include "random.h"
 #include "samples.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -85,6 +86,6 @@ void TestFaultStorm::driverDoesAsTheModelWhateverGoesWrong()
     QVERIFY(failed > scenes / 10);
 }
 
-QTEST_APPLESS_MAIN(TestFaultStorm)
+TEST_CLASS(TestFaultStorm)
 
 #include "test_fault_storm.moc"

@@ -8,6 +8,7 @@
 
 #include "simatic_s7_200_ppi/ppi_layer2.h"
 #include "simatic_s7_200_ppi/ppi_response.h"
+#include "test_class.h"
 
 #include <QStringList>
 #include <QtTest>
@@ -277,6 +278,6 @@ void TestAnswers::messagesOfReturnCodes()
     }));
 }
 
-QTEST_APPLESS_MAIN(TestAnswers)
+TEST_CLASS(TestAnswers)
 
 #include "test_answers.moc"

@@ -9,6 +9,7 @@
 #include "simatic_s7_200_ppi/ppi_address.h"
 #include "simatic_s7_200_ppi/ppi_layer2.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -276,6 +277,6 @@ void TestBuilders::addressTexts()
     }));
 }
 
-QTEST_APPLESS_MAIN(TestBuilders)
+TEST_CLASS(TestBuilders)
 
 #include "test_builders.moc"

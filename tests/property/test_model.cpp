@@ -6,6 +6,7 @@
 
 #include "draw.h"
 #include "liar.h"
+#include "test_class.h"
 
 #include <QSet>
 #include <QtTest>
@@ -112,6 +113,6 @@ void TestModel::bitsBehindAStrangeFirstBit()
     QVERIFY(comparison.driver.outcomes.at(0).isWritten);
 }
 
-QTEST_APPLESS_MAIN(TestModel)
+TEST_CLASS(TestModel)
 
 #include "test_model.moc"

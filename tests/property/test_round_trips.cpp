@@ -10,6 +10,7 @@
 #include "log_capture.h"
 #include "random.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -345,6 +346,6 @@ void TestRoundTrips::largestWrite()
     QVERIFY(link.station.memory() == before);
 }
 
-QTEST_APPLESS_MAIN(TestRoundTrips)
+TEST_CLASS(TestRoundTrips)
 
 #include "test_round_trips.moc"

@@ -6,6 +6,7 @@
 
 #include "lots.h"
 
+#include "test_class.h"
 #include "tools/address_text.h"
 #include "tools/bits.h"
 #include "tools/byte_order.h"
@@ -621,6 +622,6 @@ void TestToolkit::dumps()
     }));
 }
 
-QTEST_APPLESS_MAIN(TestToolkit)
+TEST_CLASS(TestToolkit)
 
 #include "test_toolkit.moc"

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "guarded_bytes.h"
+#include "test_class.h"
 #include "tools/address_text.h"
 
 #include <QtTest>
@@ -225,5 +226,5 @@ void TestAddressText::hexadecimalTextNeedsNoEnd()
     QCOMPARE(HexToUInt(zero.text() + 1, 0), 0u);
 }
 
-QTEST_APPLESS_MAIN(TestAddressText)
+TEST_CLASS(TestAddressText)
 #include "test_address_text.moc"

@@ -4,6 +4,7 @@
 #include "guarded_bytes.h"
 #include "hex.h"
 #include "short_memory.h"
+#include "test_class.h"
 #include "tools/bits.h"
 
 #include <QtTest>
@@ -415,5 +416,5 @@ void TestBits::shiftKeepsWholeBytesAtTheEnd()
     QCOMPARE(hex(shifted(bits.toLatin1().constData(), n)), result);
 }
 
-QTEST_APPLESS_MAIN(TestBits)
+TEST_CLASS(TestBits)
 #include "test_bits.moc"

@@ -4,6 +4,7 @@
 #include "guarded_bytes.h"
 #include "hex.h"
 #include "short_memory.h"
+#include "test_class.h"
 #include "tools/byte_order.h"
 
 #include <QtTest>
@@ -216,5 +217,5 @@ void TestByteOrder::conversionInPlaceDoesNotTouchACopy()
     QCOMPARE(hex(copy), QString("0102"));
 }
 
-QTEST_APPLESS_MAIN(TestByteOrder)
+TEST_CLASS(TestByteOrder)
 #include "test_byte_order.moc"

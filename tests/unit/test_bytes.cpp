@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "hex.h"
+#include "test_class.h"
 #include "tools/bytes.h"
 
 #include <QtTest>
@@ -144,5 +145,5 @@ void TestBytes::rotateArrayBringsTheFirstToTheEnd()
     QCOMPARE(hex(array), rotated);
 }
 
-QTEST_APPLESS_MAIN(TestBytes)
+TEST_CLASS(TestBytes)
 #include "test_bytes.moc"

@@ -4,6 +4,7 @@
 // Check values are those that the catalogues of CRCs publish for the text 123456789.
 
 #include "hex.h"
+#include "test_class.h"
 #include "tools/checksum.h"
 
 #include <QtTest>
@@ -272,5 +273,5 @@ void TestChecksum::sickShiftsOneBitAndTakesTwoBytes()
              after);
 }
 
-QTEST_APPLESS_MAIN(TestChecksum)
+TEST_CLASS(TestChecksum)
 #include "test_checksum.moc"

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "communicator_command.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -71,5 +72,5 @@ void TestCommunicatorCommand::eachTypeHasAtMostOnePredicate()
     QCOMPARE(predicates(dataType), names);
 }
 
-QTEST_APPLESS_MAIN(TestCommunicatorCommand)
+TEST_CLASS(TestCommunicatorCommand)
 #include "test_communicator_command.moc"

@@ -4,6 +4,7 @@
 #include "device_setting.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -533,5 +534,5 @@ void TestDeviceSetting::dumpShowsNegativeNumbers()
                                       "parity: -2147483648 linkID: -4 current ip: \"\" current port: 0 "));
 }
 
-QTEST_APPLESS_MAIN(TestDeviceSetting)
+TEST_CLASS(TestDeviceSetting)
 #include "test_device_setting.moc"

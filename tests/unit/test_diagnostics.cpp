@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "hex.h"
+#include "test_class.h"
 #include "tools/diagnostics.h"
 
 #include <QtTest>
@@ -160,5 +161,5 @@ void TestDiagnostics::emptyListOfSizesIsEmpty()
     QCOMPARE(EmptyPackageSizeList(), QList<int>());
 }
 
-QTEST_APPLESS_MAIN(TestDiagnostics)
+TEST_CLASS(TestDiagnostics)
 #include "test_diagnostics.moc"

@@ -5,6 +5,7 @@
 #include "device_setting.h"
 #include "driver_interface.h"
 #include "driver_setting.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -110,5 +111,5 @@ void TestDriverInterface::theIdentifierEndsInNameAndVersion()
     QVERIFY(QString(qobject_interface_iid<DriverInterface *>()).endsWith(".drivers.DriverInterface/1.1"));
 }
 
-QTEST_APPLESS_MAIN(TestDriverInterface)
+TEST_CLASS(TestDriverInterface)
 #include "test_driver_interface.moc"

@@ -4,6 +4,7 @@
 #include "driver_setting.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -162,5 +163,5 @@ void TestDriverSetting::dumpShowsNegativeNumbers()
     QCOMPARE(log.lines(), QStringList("timeout: -1 retry: -2 stationid: -3 delay: -2147483648 "));
 }
 
-QTEST_APPLESS_MAIN(TestDriverSetting)
+TEST_CLASS(TestDriverSetting)
 #include "test_driver_setting.moc"

@@ -5,6 +5,7 @@
 
 #include "hex.h"
 #include "short_memory.h"
+#include "test_class.h"
 #include "tools/pack.h"
 
 #include <QtTest>
@@ -575,5 +576,5 @@ void TestPack::formsWithArgumentListsDoTheSame()
     QCOMPARE(unpackThroughVaList(buffer, "Q"), -1);
 }
 
-QTEST_APPLESS_MAIN(TestPack)
+TEST_CLASS(TestPack)
 #include "test_pack.moc"

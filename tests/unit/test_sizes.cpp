@@ -3,6 +3,7 @@
 
 #include "hex.h"
 #include "short_memory.h"
+#include "test_class.h"
 #include "tools/sizes.h"
 
 #include <QtTest>
@@ -295,5 +296,5 @@ void TestSizes::to64bitsDataFillsToFourOnly()
     QCOMPARE(hex(To64bitsData(QByteArray::fromHex(data.toLatin1()))), filled);
 }
 
-QTEST_APPLESS_MAIN(TestSizes)
+TEST_CLASS(TestSizes)
 #include "test_sizes.moc"

@@ -5,6 +5,7 @@
 // tests and only during the tested call: Qt Test watches its own tests by the clock.
 
 #include "fake_sleep.h"
+#include "test_class.h"
 #include "tools/timing.h"
 
 #include <QtTest>
@@ -143,5 +144,5 @@ void TestTiming::millisecondsNeverGoBackWithTheWallClock()
     QCOMPARE(millisecondsWith(timeOf(100, 2000000), timeOf(0, 0)) - before, qint64(2));
 }
 
-QTEST_APPLESS_MAIN(TestTiming)
+TEST_CLASS(TestTiming)
 #include "test_timing.moc"

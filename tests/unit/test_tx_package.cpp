@@ -3,6 +3,7 @@
 
 #include "hex.h"
 #include "short_memory.h"
+#include "test_class.h"
 #include "tools/tx_package.h"
 
 #include <QtTest>
@@ -628,5 +629,5 @@ void TestTxPackage::clearAllStartsAgain()
     QCOMPARE(sizesOf(package), QString("1"));
 }
 
-QTEST_APPLESS_MAIN(TestTxPackage)
+TEST_CLASS(TestTxPackage)
 #include "test_tx_package.moc"
