@@ -18,7 +18,7 @@ namespace {
 constexpr uint8_t kTimerStatus = 0x02;   // bit 1 of a timer record's status byte
 constexpr uint8_t kCounterStatus = 0x10; // bit 4 of a counter record's status byte
 
-// Bytes of one element as data; 0 for an unknown kind.
+// How many bytes one element takes as data; 0 for an unknown kind.
 size_t elementSize(uint8_t transport)
 {
     switch (transport) {
@@ -57,6 +57,7 @@ bool hasElements(AreaKind kind, uint8_t transport)
     return false;
 }
 
+// The kind of data in which the item is read.
 uint8_t dataTransport(const Item &item, const Area &area)
 {
     if (area.holdsObjects())
@@ -69,6 +70,7 @@ size_t dataSize(const Item &item)
     return item.count * elementSize(item.transport);
 }
 
+// The item's length field, which counts bits or bytes as the kind of data wants it.
 uint16_t dataLength(const Item &item, uint8_t transport)
 {
     if (transport == kDataBit)
@@ -76,6 +78,7 @@ uint16_t dataLength(const Item &item, uint8_t transport)
     return static_cast<uint16_t>(transport == kDataBytes ? dataSize(item) * 8 : dataSize(item));
 }
 
+// Areas of bytes are addressed in bits, the others by the number of an object.
 uint8_t checkPlace(const Item &item, const Area &area)
 {
     if (area.holdsObjects())
@@ -87,7 +90,8 @@ uint8_t checkPlace(const Item &item, const Area &area)
     return wholeByte && wholeWord && inside ? kSuccess : kInvalidAddress;
 }
 
-// area is that of the item, null when there is none. room: the most data that fits.
+// Returns the code that refuses the item, or success. The area is that of the item, null when there is none;
+// room is the most data that fits. Where several things are wrong, the first check decides.
 uint8_t checkItem(const Item &item, const Area *area, size_t room, bool writing)
 {
     if (!area || item.db != area->db)
@@ -165,7 +169,8 @@ void writeBytes(Memory &memory, const Item &item, const Bytes &data)
     *first = static_cast<uint8_t>(data[0] != 0 ? *first | mask : *first & ~mask);
 }
 
-// 00 (timers: 00 00 00) and the value. False when a record begins otherwise; nothing is written then.
+// A written record has zeros where a record that is read has the status and, in timers, the value's upper
+// half; its last two bytes are the value. Returns false, and writes nothing, when a record begins otherwise.
 bool writeRecords(TimerOrCounter *first, const Item &item, const Bytes &data)
 {
     const size_t padding = elementSize(item.transport) - 2;

@@ -25,10 +25,11 @@
 
 namespace sim {
 
-// One result per item; the answer that carries them never exceeds kMaxPduSize.
+// Returns one result per item. The answer that carries them never exceeds kMaxPduSize: an item that does not
+// fit behind those before it is refused.
 std::vector<ReadResult> readItems(const Memory &memory, const std::vector<Item> &items);
 
-// The return code. Memory changes only on success.
+// Returns the item's return code. The memory changes only on success.
 uint8_t writeItem(Memory &memory, const Item &item, const Data &data);
 
 } // namespace sim

@@ -11,6 +11,7 @@ const std::array<Area, 11> &areas()
 {
     // The process images I and Q take writes like any memory; the next cycle of a real controller may
     // overwrite them. The analogue inputs and the high-speed counters belong to the hardware alone.
+    //   name, code, kind, size, data block, writable
     static const std::array<Area, 11> table = {{
         {"I", kAreaI, AreaKind::PlainBytes, 16, 0, true},
         {"Q", kAreaQ, AreaKind::PlainBytes, 16, 0, true},

@@ -21,7 +21,7 @@ enum class AreaKind {
     HighSpeedCounters,
 };
 
-// Codes by which a request names an area.
+// These codes name an area in a request.
 constexpr uint8_t kAreaS = 0x04;
 constexpr uint8_t kAreaSM = 0x05;
 constexpr uint8_t kAreaAI = 0x06;
@@ -34,6 +34,7 @@ constexpr uint8_t kAreaQ = 0x82;
 constexpr uint8_t kAreaM = 0x83;
 constexpr uint8_t kAreaV = 0x84;
 
+// How many objects a larger S7-200 has.
 constexpr size_t kTimerCount = 256;
 constexpr size_t kCounterCount = 256;
 constexpr size_t kHighSpeedCounterCount = 6;
@@ -43,17 +44,17 @@ struct Area
     const char *name;
     uint8_t code;
     AreaKind kind;
-    uint32_t size; // bytes, or objects for the numbered kinds
-    uint16_t db;   // data block number that a request must give
-    bool writable; // over the line
+    uint32_t size; // in bytes, or in objects where the area holds numbered objects
+    uint16_t db;   // the number of the data block, which a request must give
+    bool writable; // whether a master may write it
 
     bool holdsObjects() const { return kind != AreaKind::PlainBytes && kind != AreaKind::AnalogWords; }
 };
 
-// In the order in which a memory file lists them.
+// Returns all areas, in the order in which a memory file lists them.
 const std::array<Area, 11> &areas();
 
-// Null when there is no such area.
+// Returns null when there is no such area.
 const Area *findArea(uint8_t code);
 
 } // namespace sim

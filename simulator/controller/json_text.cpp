@@ -13,7 +13,8 @@ namespace sim {
 
 namespace {
 
-// Goes through a text and counts the lines that it has begun.
+// An iterator that goes through a text and counts the lines that it has begun. When the parser reports a key,
+// the iterator has come just behind it; so the line of the key is known.
 class LineCounter
 {
 public:
@@ -44,6 +45,7 @@ std::string lineText(int line)
     return "line " + std::to_string(line);
 }
 
+// Takes the place and the reason out of what the parser says:
 // "[json.exception.parse_error.101] parse error at line 3, column 5: what"
 [[noreturn]] void failWith(const Json::exception &error, int line)
 {

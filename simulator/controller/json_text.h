@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// JSON text taken apart, with what a message to the text's author needs: the line of every key.
+// JSON text, read with what a message to its author needs: the line of every key.
 
 #ifndef SIMULATOR_CONTROLLER_JSON_TEXT_H
 #define SIMULATOR_CONTROLLER_JSON_TEXT_H
@@ -20,14 +20,14 @@ using Json = nlohmann::ordered_json;
 struct JsonText
 {
     Json json;
-    std::vector<int> keyLines; // of all keys, in the order of the text; counted from 1
+    std::vector<int> keyLines; // the lines of all keys, in the order of the text; the first line is 1
 };
 
-// Throws the MemoryFileError of a place in the text, such as "line 3".
+// Throws a MemoryFileError that tells the place in the text, such as "line 3".
 [[noreturn]] void failAt(const std::string &place, const std::string &what);
 
-// Throws MemoryFileError: no JSON, or a key that comes twice in an object. JSON itself allows that, and one
-// of the two would silently be lost.
+// Throws MemoryFileError when the text is no JSON, or when a key comes twice in an object: JSON itself allows
+// that, but one of the two would silently be lost.
 JsonText parseJson(const std::string &text);
 
 } // namespace sim

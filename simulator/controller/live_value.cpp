@@ -14,12 +14,13 @@
 
 namespace sim {
 
+// How users write a kind of live value.
 struct LiveValue::Form
 {
     Kind kind;
     const char *name;
-    const char *arguments; // for the user
-    std::regex pattern;    // of all behind the name: first number, second number, number and unit of the time
+    const char *arguments; // as the user is told of them
+    std::regex pattern;    // of what follows the name: two numbers, then number and unit of the time
 };
 
 namespace {
@@ -52,6 +53,7 @@ double inSeconds(Time time)
 
 } // namespace
 
+// The numbers of digits are bounded, as std::stod throws at a number that is too large for a double.
 const std::vector<LiveValue::Form> &LiveValue::forms()
 {
     const std::string number = "([-+]?[0-9]{1,10}(?:\\.[0-9]{1,9})?)";

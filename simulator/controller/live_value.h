@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A number in the memory that changes by itself, so that there is something to watch. Written as
-// PLACE=KIND[:ARGUMENTS]:
+// Live values: numbers in the memory that change by themselves, so that there is something to watch. A user
+// writes them as PLACE=KIND[:ARGUMENTS]:
 //
 //    VW100=ramp:0..1000/10s         from 0 to 1000 within 10 seconds, then again from 0
 //    VW102=sine:500+-400/30s        around 500, once up and down in 30 seconds; "±" will do, too
@@ -32,6 +32,7 @@ public:
     // the user.
     LiveValue(const std::string &place, const std::string &course);
 
+    // Writes the number that the value has now, having begun at start.
     void store(Memory &memory, Time now, Time start) const;
 
     const std::string &place() const { return placeText; }
@@ -50,13 +51,13 @@ private:
     std::string courseText;
     Place target;
     Kind kind = Kind::Clock;
-    double first = 0;  // ramp: begin; sine: middle; counter: step
-    double second = 0; // ramp: end; sine: amplitude
-    double period = 1; // seconds
+    double first = 0;  // where a ramp begins, the middle of a sine, the step of a counter
+    double second = 0; // where a ramp ends, the amplitude of a sine
+    double period = 1; // in seconds
 };
 
-// "VW100=ramp:0..1000/10s", or "demo": a dozen values of all kinds and areas, none of them where the example
-// memory has something.
+// Reads one value, as "VW100=ramp:0..1000/10s", or the word "demo", which stands for a dozen values of all
+// kinds and areas, none of them where the example memory has something.
 std::vector<LiveValue> parseLiveValues(const std::string &text);
 
 } // namespace sim

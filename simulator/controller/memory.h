@@ -15,7 +15,7 @@
 
 namespace sim {
 
-// A timer or counter. Writes over the line set the current value; the preset and the status bit are the
+// One timer or counter. Writes over the line set the current value; the preset and the status bit are the
 // control program's business and keep what the memory file gave them.
 struct TimerOrCounter
 {
@@ -42,7 +42,7 @@ struct Memory
 
 bool operator==(const Memory &a, const Memory &b);
 
-// Something to look at without a memory file:
+// A controller without a memory file begins with something to look at:
 //    VB100 to VB103   11 22 33 44
 //    SMB0             01 (SM0.0 is always on)
 //    T37              value 300, preset 100, status bit on

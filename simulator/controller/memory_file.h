@@ -13,10 +13,11 @@
 
 namespace sim {
 
-// Throws MemoryFileError.
+// Throws MemoryFileError when the file cannot be read or is no memory file.
 StoredMemory loadMemory(const std::string &path);
 
-// Throws UserError when a memory could not even be begun to be saved there.
+// Throws UserError when saving could not even begin there. Asked at the start, it spares the user a run whose
+// memory is lost at its end.
 void checkSavable(const std::string &path);
 
 // Replaces the file as a whole: it is either the old one or the new one at any time. Throws MemoryFileError.

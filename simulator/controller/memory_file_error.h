@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What is wrong with a memory file.
+// The error of memory files.
 
 #ifndef SIMULATOR_CONTROLLER_MEMORY_FILE_ERROR_H
 #define SIMULATOR_CONTROLLER_MEMORY_FILE_ERROR_H
@@ -10,7 +10,7 @@
 
 namespace sim {
 
-// A memory file cannot be read, used or written.
+// It is thrown when a memory file cannot be read, used or written.
 class MemoryFileError : public UserError
 {
 public:

@@ -118,7 +118,7 @@ const Area &MemoryReader::areaNamed(const std::string &name) const
     fail(quoted(name), "is not a part of the memory; there are " + areaNames() + kLive);
 }
 
-// A byte or object number inside the area.
+// Reads the number of a byte or object, which must lie inside the area.
 size_t MemoryReader::numberIn(const Area &area, const std::string &key) const
 {
     const std::optional<size_t> number = parseNumber<size_t>(key);
@@ -129,6 +129,7 @@ size_t MemoryReader::numberIn(const Area &area, const std::string &key) const
     return *number;
 }
 
+// Two texts may not give the same byte: which of them holds would depend on their order.
 void MemoryReader::readBytes(const Area &area, const Json &json)
 {
     Bytes &bytes = stored.memory.bytes(area.code);
@@ -218,6 +219,7 @@ void MemoryReader::readLiveValue(const std::string &place, const Json &json)
     }
 }
 
+// Writes a text for every run of bytes that are not zero, so that the file stays short.
 Json formatBytes(const Bytes &bytes)
 {
     const auto isZero = [](uint8_t byte) { return byte == 0; };

@@ -11,9 +11,10 @@
 //        "live": { "VW300": "ramp:0..1000/10s", "V310.0": "blink:1s" }
 //    }
 //
-// Byte areas (I, Q, V, M, SM, S, AI, AQ): bytes in hexadecimal from a byte number on; blanks between
-// bytes are allowed. T, C and HC: objects by number; what is left out is zero or off, as is all memory
-// that the text does not mention. live: values that change by themselves, see live_value.h.
+// Areas of bytes (I, Q, V, M, SM, S, AI, AQ) have bytes in hexadecimal from a byte number on, with or without
+// blanks between them. T, C and HC have objects by number. What is left out of an object is zero or off, as
+// is all memory that the text does not mention. Under live stand values that change by themselves, see
+// live_value.h.
 
 #ifndef SIMULATOR_CONTROLLER_MEMORY_JSON_H
 #define SIMULATOR_CONTROLLER_MEMORY_JSON_H
@@ -27,16 +28,17 @@
 
 namespace sim {
 
+// All that a memory file holds.
 struct StoredMemory
 {
     Memory memory;
     std::vector<LiveValue> live;
 };
 
-// Throws MemoryFileError.
+// Throws MemoryFileError, which tells the line, when the text is no memory.
 StoredMemory parseMemory(const std::string &text);
 
-// Only what is not zero. parseMemory(formatMemory(m)) is m again.
+// Writes only what is not zero. parseMemory(formatMemory(m)) is m again.
 std::string formatMemory(const StoredMemory &stored);
 
 } // namespace sim

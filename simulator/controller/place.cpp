@@ -15,6 +15,7 @@ namespace sim {
 
 namespace {
 
+// In bits, of the current value of timers and counters, and of high-speed counters.
 constexpr unsigned kObjectWidth = 16;
 constexpr unsigned kHighSpeedCounterWidth = 32;
 
@@ -42,8 +43,9 @@ unsigned objectWidth(AreaKind kind)
     return kind == AreaKind::HighSpeedCounters ? kHighSpeedCounterWidth : kObjectWidth;
 }
 
-// What the letters of an area mean with a bit number behind the dot, or without: a bit, an object's value,
-// or with one letter more a byte, word or double word. 0 when they do not mean this area.
+// The width in bits of what the letters mean in this area, with a bit number behind them or without: its name
+// alone means a bit or an object's value, and one letter more a byte, word or double word. 0 when they do not
+// mean this area.
 unsigned widthIn(const Area &area, const std::string &letters, bool hasBit)
 {
     const std::string name = area.name;

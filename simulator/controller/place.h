@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A number's place in the memory, as people write it:
+// Places: where a number stands in the memory, as people write it:
 //
 //    V10.3              a bit of I Q V M SM S
 //    VB100 MW2 SMD28    a byte, word or double word of these
@@ -23,20 +23,20 @@ namespace sim {
 struct Place
 {
     const Area *area = nullptr;
-    uint32_t number = 0; // of the first byte, or of the object
+    uint32_t number = 0; // that of the first byte, or of the object
     unsigned bit = 0;
-    unsigned width = 0; // in bits; 1: a single bit
+    unsigned width = 0; // in bits; 1 for a single bit
     bool isFloat = false;
 };
 
 // Throws std::invalid_argument with a text for the user.
 Place parsePlace(const std::string &text);
 
-// Whether the place can hold the number: floating-point ones hold any, all others what fits with or without
-// a sign.
+// Whether the place can hold the number. A floating-point place holds any; the others hold what fits into
+// their bits, with a sign or without one.
 bool holds(const Place &place, double number);
 
-// Rounds, and keeps the low bits of what does not fit.
+// Rounds the number, and keeps the low bits of one that does not fit.
 void storeNumber(Memory &memory, const Place &place, double number);
 
 } // namespace sim

@@ -13,7 +13,7 @@ namespace sim {
 
 namespace {
 
-// The code with which all items are refused; nothing when no fault asks for that.
+// Gives the code with which all items are refused; nothing when no fault asks for that.
 std::optional<uint8_t> refusalCode(const Faults &faults)
 {
     for (const Fault &fault : faults) {
@@ -25,7 +25,7 @@ std::optional<uint8_t> refusalCode(const Faults &faults)
     return std::nullopt;
 }
 
-// address, or that which a fault of the kind puts in its place: its argument or the next one.
+// Gives the address, or what a fault of the kind puts in its place: its argument, or the next address.
 uint8_t addressWith(const Faults &faults, FaultKind kind, uint8_t address)
 {
     const Fault *fault = faults.find(kind);
@@ -98,7 +98,7 @@ Reply Station::answerPoll(const Frame &frame)
     return reply;
 }
 
-// Does the job.
+// Does the job of a request, at once, and returns the answer that the master will poll for.
 Bytes Station::answerFrame(const Frame &request, const Faults &faults)
 {
     Job job = decodeJob(request.pdu);
@@ -122,7 +122,8 @@ Bytes Station::doJob(const Job &job, const Faults &faults)
     return encodeReadAnswer(job.reference, code ? refused : readItems(ownMemory, job.items));
 }
 
-// The return code of each item.
+// Returns the code of each item. Writes that a fault ignores go to a copy, so that they get the codes that
+// they would get otherwise.
 Bytes Station::writeItems(const Job &job, const Faults &faults)
 {
     Memory discarded = ownMemory;

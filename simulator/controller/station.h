@@ -38,7 +38,8 @@ class Station
 public:
     explicit Station(uint8_t address, Memory memory = exampleMemory());
 
-    // The plan is asked for the faults of each request for this station.
+    // Returns what the station sends for a frame, whoever it is for. Takes the faults of each request for
+    // this station from the plan.
     Reply handle(const Frame &frame, FaultPlan &plan);
 
     // Takes what came from the line, in pieces of any size; returns what the station sends. Damaged frames
@@ -50,7 +51,7 @@ public:
     Memory &memory() { return ownMemory; }
     const Memory &memory() const { return ownMemory; }
 
-    // Changes by itself from now on; where two values have the same place, the later one stays.
+    // The value changes by itself from now on. Where two values have the same place, the later one stays.
     void addLiveValue(LiveValue value) { liveValues.push_back(std::move(value)); }
     void storeLiveValues(Time now, Time start);
 
@@ -64,10 +65,10 @@ private:
     const uint8_t ownAddress;
     Memory ownMemory;
     std::vector<LiveValue> liveValues;
-    uint8_t master = 0;     // sender of the last request
-    bool isEchoing = false; // since the last request
+    uint8_t master = 0;     // who sent the last request
+    bool isEchoing = false; // whether a fault of the last request has the line echo
     std::deque<Reply> owed; // what this master's next polls get
-    FrameReader reader;     // of receive()
+    FrameReader reader;     // for receive()
 };
 
 } // namespace sim

@@ -16,6 +16,9 @@ namespace sim {
 
 namespace {
 
+// Name, base, smallest, largest, and what holds when it is left out. The longest frame has 261 bytes, of
+// which at least one is kept or missing, and whose last one is at position 260. STATION may be any byte, also
+// one that is no station. CODE may not be FF, which is success.
 const FaultArgument kMilliseconds = {"MS", 10, 1, 600000, 1000};
 const FaultArgument kMissing = {"BYTES", 10, 1, 260, 3};
 const FaultArgument kKept = {"BYTES", 10, 1, 260, 6};
@@ -29,7 +32,7 @@ const FaultArgument kCode = {"CODE", 16, 0x00, 0xFE, 0x05};
     throw std::invalid_argument(text);
 }
 
-// Nothing when the text is no number or out of bounds.
+// Gives nothing when the text is no number or one that is out of bounds.
 std::optional<unsigned> parseNumberFrom(unsigned smallest, unsigned largest, const std::string &text,
                                         int base = 10)
 {

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Misbehaviour on request: what goes wrong, and with which requests.
+// Faults: what goes wrong on purpose, and with which requests.
 
 #ifndef SIMULATOR_FAULTS_FAULT_H
 #define SIMULATOR_FAULTS_FAULT_H
@@ -13,19 +13,19 @@
 namespace sim {
 
 enum class FaultKind {
-    // instead of the acknowledgement; the job is not done
+    // These come instead of the acknowledgement, and the job is not done.
     NoResource,
     NotActive,
     Silent,
     WrongAcknowledgement,
-    // with the acknowledgement
+    // These come with the acknowledgement.
     LateAcknowledgement,
     NoiseBeforeAcknowledgement,
-    // in the answer's place
+    // These decide what a poll gets, or when it gets the answer.
     NoAnswer,
     NotReady,
     Late,
-    // in the answer's frame
+    // These damage the answer's frame.
     Truncated,
     Short,
     Corrupt,
@@ -35,46 +35,48 @@ enum class FaultKind {
     BadEnd,
     WrongSource,
     WrongDestination,
-    // in the answer's PDU; all but the first leave the job undone
+    // These stand in the answer's PDU. All but the first leave the job undone.
     StaleReference,
     ErrorClass,
     HardwareFault,
     ItemRefused,
     IgnoreWrites,
-    // on the line
+    // An echo comes from the line and not from the controller.
     Echo,
 };
 
+// One fault as it was asked for.
 struct Fault
 {
     FaultKind kind = FaultKind::Silent;
-    std::optional<unsigned> argument; // nothing: the kind takes none, or makes its own choice
-    unsigned request = 0;             // only the one with this number, counted from 1; 0: every request
-    double percent = 100;             // of those, so many at random
+    std::optional<unsigned> argument; // without one the kind takes none, or makes its own choice
+    unsigned request = 0; // the number of the one that it concerns, from 1 on; 0 for every request
+    double percent = 100; // how many of those it concerns, by chance
 };
 
-// What stands behind "=".
+// What a kind takes behind "=": a number, its name in the help, and its bounds.
 struct FaultArgument
 {
     const char *name;
-    int base; // of the number's digits
+    int base; // of the number's digits, 10 or 16
     unsigned smallest;
     unsigned largest;
-    std::optional<unsigned> standard; // when it is left out; nothing: the kind makes its own choice
+    std::optional<unsigned> standard; // when it is left out; without one the kind chooses
 };
 
+// A kind as users meet it.
 struct FaultName
 {
     FaultKind kind;
     const char *name;
-    const FaultArgument *argument; // null: it takes none
+    const FaultArgument *argument; // null when it takes none
     const char *meaning;
 };
 
-// Every kind, in the order in which they are declared.
+// Returns every kind, in the order in which they are declared.
 const std::vector<FaultName> &faultNames();
 
-// KIND[=ARGUMENT][@N|%P], such as "late=300@2". Throws std::invalid_argument with a text for the user.
+// Reads KIND[=ARGUMENT][@N|%P], such as "late=300@2". Throws std::invalid_argument with a text for the user.
 Fault parseFault(const std::string &text);
 
 // Whether chance decides when it happens or what it does.

@@ -10,7 +10,7 @@ namespace sim {
 
 namespace {
 
-// With that probability, in steps of a hundredth of a percent.
+// Whether it happens this time, with a probability in steps of a hundredth of a percent.
 bool happens(double percent, Random &random)
 {
     return percent >= 100 || static_cast<double>(random() % 10000) < std::ceil(percent * 100);

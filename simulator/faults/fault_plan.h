@@ -15,7 +15,8 @@
 
 namespace sim {
 
-// Drawn from with % only: the library's distributions differ from one library to the other.
+// Numbers are drawn from it with % only, as the distributions of one standard library differ from those of
+// another.
 using Random = std::mt19937;
 
 // The faults of one request, in the order in which they were asked for.
@@ -25,7 +26,7 @@ public:
     void add(const Fault &fault) { faults.push_back(fault); }
 
     bool has(FaultKind kind) const { return find(kind) != nullptr; }
-    const Fault *find(FaultKind kind) const; // the first one; null when there is none
+    const Fault *find(FaultKind kind) const; // returns the first one, null when there is none
 
     std::vector<Fault>::const_iterator begin() const { return faults.begin(); }
     std::vector<Fault>::const_iterator end() const { return faults.end(); }
@@ -44,10 +45,10 @@ public:
 
     Faults ofNextRequest();
 
-    // Whether the fault is with every request.
+    // Whether a fault of this kind is with every request.
     bool isPermanent(FaultKind kind) const;
 
-    // For what the faults do at random.
+    // The generator is also that of what the faults do by chance.
     Random &random() { return generator; }
 
 private:

@@ -15,6 +15,7 @@ namespace sim {
 
 namespace {
 
+// A station never sends these two in their places.
 constexpr uint8_t kWrongAcknowledgement = 0x00;
 constexpr uint8_t kWrongEnd = 0x17;
 
@@ -41,13 +42,15 @@ void invertByte(Bytes &bytes, std::optional<unsigned> position, Random &random)
     byte = static_cast<uint8_t>(~byte);
 }
 
-// The last byte but so many; nothing happens when the bytes are fewer.
+// Changes the byte that has so many others behind it. Faults act together: one before may have cut so much
+// off that it is gone, and then nothing happens.
 template <typename Change> void changeFromEnd(Bytes &bytes, size_t behind, Change change)
 {
     if (bytes.size() > behind)
         change(bytes[bytes.size() - 1 - behind]);
 }
 
+// Does nothing for faults of other kinds.
 void damage(Bytes &bytes, const Fault &fault, Random &random)
 {
     const size_t argument = fault.argument.value_or(0);
@@ -60,7 +63,7 @@ void damage(Bytes &bytes, const Fault &fault, Random &random)
         return invertByte(bytes, fault.argument, random);
     case FaultKind::Noise:
         return insertNoise(bytes, 0, argument, random);
-    case FaultKind::NoiseInside: // never in front, never at the end
+    case FaultKind::NoiseInside: // neither in front, which is Noise, nor behind, where the frame stays whole
         return insertNoise(bytes, bytes.size() < 2 ? 0 : 1 + random() % (bytes.size() - 1), argument, random);
     case FaultKind::BadCheckSum:
         return changeFromEnd(bytes, 1, [](uint8_t &byte) { ++byte; });

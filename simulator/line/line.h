@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Where the bytes come from and go to. Runs on Qt's event loop.
+// Lines: where the bytes come from and go to. They run on Qt's event loop.
 
 #ifndef SIMULATOR_LINE_LINE_H
 #define SIMULATOR_LINE_LINE_H
@@ -15,7 +15,7 @@
 
 namespace sim {
 
-// A line that cannot be opened.
+// It is thrown when a line cannot be opened.
 class LineError : public UserError
 {
 public:
@@ -27,16 +27,16 @@ class Line : public QObject
     Q_OBJECT
 
 public:
-    // What a master opens.
+    // Returns the name that a master opens.
     virtual QString name() const = 0;
 
-    // Bytes that nobody takes are lost, as on a real line; never blocks.
+    // Never blocks. Bytes that nobody takes are lost, as on a real line.
     virtual void send(const Bytes &bytes) = 0;
 
 Q_SIGNALS:
     void received(const QByteArray &bytes);
 
-    // The line is gone for good. Said once.
+    // The line is gone for good. Emitted once.
     void lost();
 };
 

@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What waits to go out over the line, and when. What has the same time goes out in the order in which it
-// was posted.
+// The outbox holds what waits to go out over the line, and when it is due. Bytes that are due at the same
+// time go out in the order in which they were posted.
 
 #ifndef SIMULATOR_LINE_OUTBOX_H
 #define SIMULATOR_LINE_OUTBOX_H
@@ -20,19 +20,20 @@ namespace sim {
 class Outbox
 {
 public:
-    // Told of each piece as a whole when its first byte goes out.
+    // It is told of each piece as a whole when the first byte of it goes out.
     using Listener = std::function<void(Time, const Bytes &)>;
 
     // The first byte is due perByte after start, each other one perByte after the one before it.
     void post(const Bytes &bytes, Time start, Time perByte);
 
-    // All bytes that are due.
+    // Takes out all bytes that are due.
     Bytes take(Time now, const Listener &listener);
 
-    // When the next byte is due; nothing when none waits.
+    // Tells when the next byte is due; nothing when none waits.
     std::optional<Time> nextDue() const;
 
 private:
+    // What was posted at once. Its bytes leave one by one.
     struct Piece
     {
         Bytes bytes;
@@ -44,7 +45,7 @@ private:
         Time due() const { return start + perByte * static_cast<Time::rep>(taken + 1); }
     };
 
-    std::list<Piece> pieces; // by their start
+    std::list<Piece> pieces; // sorted by their start
 };
 
 } // namespace sim

@@ -16,7 +16,8 @@ namespace sim {
 
 namespace {
 
-// One that a killed program has left leads nowhere, or by chance to the terminal that is new.
+// Whether a killed program has left the link. It leads nowhere then, or by chance to the new terminal, as the
+// kernel gives names again.
 bool isStale(const std::string &path, const std::string &target)
 {
     std::error_code error;

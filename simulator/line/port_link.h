@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A symbolic link that gives a pseudo-terminal a lasting name. It goes when this object goes,
-// unless it leads elsewhere by then.
+// A symbolic link that gives a pseudo-terminal a lasting name, as the kernel gives it another one in every
+// run. The link goes when this object goes, unless it leads elsewhere by then.
 
 #ifndef SIMULATOR_LINE_PORT_LINK_H
 #define SIMULATOR_LINE_PORT_LINK_H

@@ -33,7 +33,7 @@ void check(bool good, const char *what)
                         QString::fromLatin1("mount /dev/pts, or name a serial port with --port"));
 }
 
-// No echo, no line editing, no translation of any byte.
+// Turns off echo, line editing and the translation of any byte.
 bool setRaw(int terminal)
 {
     termios settings;
@@ -102,7 +102,7 @@ void PtyLine::readAll()
 
 void PtyLine::send(const Bytes &bytes)
 {
-    // Fails or falls short only when no master has read for thousands of bytes: lost.
+    // This fails or falls short only when no master has read for thousands of bytes. They are lost then.
     const ssize_t written = write(controller, bytes.data(), bytes.size());
     static_cast<void>(written);
 }

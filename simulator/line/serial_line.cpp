@@ -9,7 +9,8 @@ namespace sim {
 
 namespace {
 
-// What is no path to Qt it looks for in /dev, also when it is in the folder.
+// Qt looks in /dev for a name that does not begin like a path. A user who names a file of the working
+// directory means that one.
 QString locationOf(const QString &device)
 {
     const QFileInfo info(device);
@@ -36,7 +37,7 @@ void SerialLine::send(const Bytes &bytes)
     port.write(reinterpret_cast<const char *>(bytes.data()), static_cast<qint64>(bytes.size()));
 }
 
-// A port that is gone shows as one of several errors, over and over: the first one is told.
+// A port that is gone reports one of several errors, over and over. Only the first one is passed on.
 void SerialLine::reportError(QSerialPort::SerialPortError error)
 {
     if (error == QSerialPort::NoError)

@@ -46,6 +46,7 @@ void Server::setTimer()
     const std::optional<Time> due = simulator.nextDue();
     if (!due)
         return timer.stop();
+    // Rounded down, the timer would fire before the time has come, and again and again until it has.
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - simulator.now());
     timer.start(std::max(wait, std::chrono::milliseconds(0)));
 }

@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Runs a simulator in real time on a line: what the line brings goes to the simulator, what the simulator
-// sends goes back when it is due.
+// The server runs a simulator in real time on a line: it passes to the simulator what the line brings, and to
+// the line what the simulator sends, when it is due.
 
 #ifndef SIMULATOR_LINE_SERVER_H
 #define SIMULATOR_LINE_SERVER_H

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 // for any serial adapter's buffering and well below a master's reply time-out.
 constexpr Time kSilence = 200ms;
 
-constexpr unsigned kBitsPerByte = 11; // start, 8 data bits, parity, stop
+constexpr unsigned kBitsPerByte = 11; // start bit, 8 data bits, parity bit, stop bit
 
 } // namespace
 

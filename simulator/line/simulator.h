@@ -30,9 +30,10 @@
 
 namespace sim {
 
+// What a listener is told of.
 enum class Traffic {
     Received, // a whole frame
-    Sent,     // all that goes out at one time, damaged by a fault or not; told when its first byte goes
+    Sent,     // a whole reply or echo, damaged by a fault or not, when its first byte goes out
     Skipped,  // received bytes that made no frame
 };
 
@@ -41,30 +42,32 @@ class Simulator
 public:
     using Listener = std::function<void(Time, Traffic, const Bytes &)>;
 
-    // start: what the clock shows. Live values count from here; only "clock" shows the time itself.
+    // The clock shows start. Live values count from there; only those of the kind "clock" show the time
+    // itself.
     explicit Simulator(Time start = Time::zero());
 
-    // The station stays where it is. Takes the place of one that had the same address.
+    // The new station takes the place of one that had the same address. The returned one stays where it is
+    // until another takes its place.
     Station &addStation(uint8_t address, const Memory &memory = exampleMemory());
 
-    // Null when there is none.
+    // Returns null when there is no station with this address.
     Station *station(uint8_t address);
 
-    // All that concern a request act together, in the order in which they were added; of those that exclude
-    // each other the first one acts. Requests for any of the stations count.
+    // All faults that concern a request act together, in the order in which they were added; of those that
+    // exclude each other the first one acts. The requests for all stations count together.
     void addFault(const Fault &fault) { plan.add(fault); }
 
-    // For faults with chance in them. Without it every Simulator makes the same choices.
+    // The seed is for faults with chance in them. Without one every Simulator makes the same choices.
     void setSeed(uint32_t seed) { plan.seed(seed); }
 
     // Lets every byte, received or sent, take the time of 11 bits at this rate, one after the other as on a
-    // two-wire line. 0: bytes take no time.
+    // two-wire line. At a rate of 0 bytes take no time.
     void setPace(unsigned baudRate);
 
-    // The time between the end of a request and the reply's first byte.
+    // Sets the time between the end of a request and the first byte of the reply.
     void setTurnaround(Time time) { turnaround = time; }
 
-    // Told in the order in which it happens, with the time of it.
+    // The listener is told of the traffic in the order in which it happens, with the time of it.
     void setListener(Listener listener_) { listener = std::move(listener_); }
 
     // Takes what comes from the line now, in pieces of any size. Returns what goes out now.
@@ -77,7 +80,7 @@ public:
 
     Time now() const { return clock; }
 
-    // When advanceTo() will have something to do; nothing when only feed() will.
+    // Tells when advanceTo() will have something to do; nothing when only feed() will.
     std::optional<Time> nextDue() const;
 
 private:
@@ -90,8 +93,8 @@ private:
 
     const Time startTime;
     Time clock;
-    Time lineFree;     // all bytes so far have passed the line then
-    Time silenceAfter; // a frame that has begun by then is given up
+    Time lineFree;     // when all bytes so far have passed the line
+    Time silenceAfter; // when a frame that has begun is given up
     Time byteTime{0};
     Time turnaround{0};
     std::map<uint8_t, Station> stations;

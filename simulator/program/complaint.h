@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What the program s7ppi-sim tells its user, on stderr.
+// What s7ppi-sim tells its user on stderr.
 
 #ifndef SIMULATOR_PROGRAM_COMPLAINT_H
 #define SIMULATOR_PROGRAM_COMPLAINT_H
@@ -10,12 +10,13 @@
 
 namespace sim {
 
+// Tells what the user may want to know. Nothing is wrong.
 void note(const std::string &text);
 
-// Something cannot be done; a second line tells what helps.
+// Tells that something cannot be done; a second line, the hint, tells what helps.
 void complain(const std::string &text, const std::string &hint);
 
-// The two lines of complain().
+// Returns the two lines of complain().
 std::string complaint(const std::string &text, const std::string &hint);
 
 } // namespace sim

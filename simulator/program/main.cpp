@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
+// The program s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
 
 #include "common/exit_code.h"
 #include "common/standard_streams.h"
@@ -54,7 +54,7 @@ sim::Time timeOfDay()
     return std::chrono::duration_cast<sim::Time>(std::chrono::system_clock::now().time_since_epoch());
 }
 
-// A file that is to be made at the end is not missed at the beginning.
+// A station whose memory is saved to the file that it comes from may begin without that file.
 sim::StoredMemory memoryFor(const sim::StationOption &option)
 {
     const bool isNew = option.memoryFile == option.saveFile &&
@@ -65,7 +65,7 @@ sim::StoredMemory memoryFor(const sim::StationOption &option)
                                               : sim::loadMemory(option.memoryFile);
 }
 
-// The live values of the command line come behind those of the file, and never get into it.
+// The live values of the command line come behind those of the file, so that they win, and never get into it.
 sim::StoredMemory addStation(sim::Simulator &simulator, const sim::StationOption &option,
                              const std::vector<std::string> &live)
 {
@@ -116,13 +116,13 @@ void end(ExitCode exitCode)
     QCoreApplication::exit(int(exitCode));
 }
 
-// The simulator as the command line wants it.
+// One run of the simulator as the command line wants it.
 class Program
 {
 public:
     explicit Program(const sim::Options &options);
 
-    // Until a signal ends it or the line is lost.
+    // Runs until a signal ends it or the line is lost.
     ExitCode run();
 
 private:
@@ -189,7 +189,7 @@ ExitCode Program::serve()
     return ExitCode(QCoreApplication::exec());
 }
 
-// Every station that can be saved is, even when another one cannot.
+// Saves every station that can be saved, even when another one cannot.
 bool Program::save()
 {
     bool good = true;
@@ -229,7 +229,7 @@ ExitCode runProgram(const sim::Options &options)
 int main(int argc, char *argv[])
 {
     common::keepClosedStreams();
-    // Whoever reads the frames of -v may go: the memory is saved all the same.
+    // When whoever reads the frames of -v goes away, writing them fails and the memory is saved all the same.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         const QCoreApplication application(argc, argv);

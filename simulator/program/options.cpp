@@ -57,7 +57,7 @@ A write to a timer or counter sets its current value and nothing else.
 Exit codes: 0 ended by a signal, 2 bad usage or memory file, 3 the port could not be
 opened, 6 the port was lost, 70 internal failure, 74 a file could not be written.)";
 
-constexpr size_t kKindWidth = 29; // of the table of faults
+constexpr size_t kKindWidth = 29; // of the first column in the table of faults
 
 // What the parser fills in, as it was typed.
 struct CommandLine
@@ -74,7 +74,8 @@ struct CommandLine
     throw CLI::ValidationError(text);
 }
 
-// The message of what the function throws; empty when it throws nothing.
+// Returns the message of what the function throws; empty when it throws nothing, as the parser wants it of a
+// check.
 template <typename Function> std::string complaintOf(Function function)
 {
     try {
@@ -122,7 +123,7 @@ std::string standardText(const FaultArgument &argument)
     return argument.base == 16 ? hexText(static_cast<uint8_t>(number)) : std::to_string(number);
 }
 
-// A table with a line for each kind.
+// Returns a table with a line for each kind.
 std::string faultHelp()
 {
     std::string text;
@@ -139,7 +140,8 @@ std::string faultHelp()
     return text;
 }
 
-// The same without its limits in the help, where the option's own text tells them.
+// Returns the check without the limits that it would show in the help, where the option's own text tells
+// them.
 CLI::Validator unspoken(CLI::Validator check)
 {
     return check.description("");
@@ -224,6 +226,7 @@ void declareOptions(CLI::App &app, CommandLine &line)
     app.add_flag("-v,--verbose", line.options.verbose, "Show the frames on stderr");
 }
 
+// Of two stations with one address only the later one would be there; of two memories in one file, too.
 void checkTwins(const std::vector<StationOption> &stations)
 {
     std::set<uint8_t> addresses;

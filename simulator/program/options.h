@@ -18,28 +18,28 @@ namespace sim {
 struct StationOption
 {
     uint8_t address = 2;
-    std::string memoryFile; // empty: the example memory
-    std::string saveFile;   // empty: not saved
+    std::string memoryFile; // empty for the example memory
+    std::string saveFile;   // empty when the memory is not saved
 };
 
 struct Options
 {
-    std::vector<StationOption> stations; // at least one, every address once
-    std::string port;                    // empty: a new pseudo-terminal
+    std::vector<StationOption> stations; // at least one, with different addresses
+    std::string port;                    // empty for a new pseudo-terminal
     std::string link;
     int baudRate = 9600;
     std::string parity = "even";
-    std::vector<std::string> faults; // all good
-    std::vector<std::string> live;   // all good
+    std::vector<std::string> faults; // parseFault() takes each of them
+    std::vector<std::string> live;   // parseLiveValues() takes each of them
     std::optional<uint32_t> seed;
-    unsigned pace = 0; // baud; 0: bytes take no time
-    int turnaround = 0;
+    unsigned pace = 0;  // in baud; 0 when bytes take no time
+    int turnaround = 0; // in milliseconds
     std::string trace;
     bool verbose = false;
 };
 
-// Nothing when the program has nothing more to do than to end with that exit code: help was shown, or what is
-// wrong.
+// Gives nothing when the program has nothing more to do than to end with that exit code: the user was shown
+// the help, or what is wrong.
 std::optional<Options> parseOptions(int argc, char *argv[], common::ExitCode &exitCode);
 
 } // namespace sim

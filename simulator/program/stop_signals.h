@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Turns SIGINT, SIGTERM and SIGHUP (its terminal is closed) into an event of the event loop. One object at a
-// time; the signals stay blocked after it, so that none cuts short what is done at the end.
+// Turns SIGINT, SIGTERM and SIGHUP (the terminal is closed) into an event of the event loop. There may be one
+// object at a time. The signals stay blocked after it, so that none cuts short what is done at the end.
 
 #ifndef SIMULATOR_PROGRAM_STOP_SIGNALS_H
 #define SIMULATOR_PROGRAM_STOP_SIGNALS_H

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Byte strings of the line, numbers most significant byte first.
+// Bytes as they go over the line. The protocol sends a number with its most significant byte first.
 
 #ifndef SIMULATOR_PROTOCOL_BYTES_H
 #define SIMULATOR_PROTOCOL_BYTES_H

@@ -5,6 +5,8 @@
 
 namespace sim {
 
+// Whether so many bytes are left. Once a read has failed all later ones do, or they would read from the wrong
+// place.
 bool Cursor::claim(size_t size)
 {
     complete = complete && size <= left();

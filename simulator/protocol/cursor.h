@@ -1,9 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Reads fields one after the other out of received bytes, numbers most significant byte first. A read
-// past the end gives 0 (or fewer bytes) and makes the cursor fail for good: read a whole block first,
-// then ask ok() once.
+// A cursor reads fields one after the other out of received bytes. A read past the end gives 0, or no bytes,
+// and makes the cursor fail for good; so its user reads a whole block first and asks ok() once.
 
 #ifndef SIMULATOR_PROTOCOL_CURSOR_H
 #define SIMULATOR_PROTOCOL_CURSOR_H

@@ -14,12 +14,14 @@
 
 namespace sim {
 
+// Writes one byte as two digits, in small letters.
 std::string hexText(uint8_t byte);
 
-// Two small digits a byte, with the separator between bytes.
+// Writes two digits a byte, in small letters, with the separator between bytes.
 std::string hexText(const Bytes &bytes, const char *separator = " ");
 
-// Digits of either case, two a byte; blanks between bytes are allowed. Nothing when the text is no such.
+// Reads digits in small letters or capitals, two a byte, with or without blanks between bytes. Gives nothing
+// when the text is anything else.
 std::optional<Bytes> parseHex(const std::string &text);
 
 } // namespace sim

@@ -19,11 +19,15 @@ constexpr size_t kSd2HeadSize = 4; // 68 LE LE 68
 constexpr size_t kAddressSize = 3; // DA SA FC
 constexpr size_t kTailSize = 2;    // FCS 16
 
+// A function code: bit 6 tells a request from an answer, the low nibble is the service. In a request, bits 4
+// and 5 number the frames, so that a station can tell a repeated one. This one does a repeated job again,
+// which leaves the memory as it is. A master's requests have 6C and its polls 5C, which differ in these bits
+// alone.
 constexpr uint8_t kRequestBit = 0x40;
 constexpr uint8_t kFrameCountBits = 0x30;
 constexpr uint8_t kSendAndRequestData = 0x0C;
 
-// From first to the byte before last.
+// The sum of the bytes from number first to the one before number last, modulo 256.
 uint8_t checkSum(const Bytes &frame, size_t first, size_t last)
 {
     uint8_t sum = 0;
@@ -38,7 +42,7 @@ void appendTail(Bytes &frame, size_t firstSummed)
     frame.push_back(kEndDelimiter);
 }
 
-// frame may go on behind size.
+// Looks at the first size bytes; others may follow them.
 bool hasGoodTail(const Bytes &frame, size_t firstSummed, size_t size)
 {
     const size_t fcs = size - kTailSize;
@@ -111,7 +115,8 @@ FrameReader::Start FrameReader::examineSd1() const
     return hasGoodTail(buffer, 1, kSd1Size) ? Start::Whole : Start::NoFrame;
 }
 
-// Refuses a bad head at its first wrong byte, so that noise holds up the line as little as possible.
+// Refuses a bad head at its first wrong byte. To wait for the whole frame that a false length promises would
+// hold up the good frames in it.
 FrameReader::Start FrameReader::examineSd2() const
 {
     const size_t received = buffer.size();

@@ -14,6 +14,8 @@ constexpr uint8_t kTypeJob = 0x01;
 constexpr uint8_t kTypeAcknowledge = 0x02;
 constexpr uint8_t kTypeAnswer = 0x03;
 
+// Every item begins with these three bytes: it specifies a variable, ten more bytes follow, and they name it
+// by area and address.
 constexpr uint8_t kVariableSpecification = 0x12;
 constexpr uint8_t kAddressLength = 0x0A;
 constexpr uint8_t kAnyPointer = 0x10;
@@ -40,7 +42,7 @@ JobHeader takeHeader(Cursor &cursor)
     return header;
 }
 
-// False when the bytes do not hold an item.
+// Returns false when the bytes do not hold an item.
 bool takeItem(Cursor &cursor, Item &item)
 {
     const bool known = cursor.take8() == kVariableSpecification && cursor.take8() == kAddressLength &&
@@ -53,12 +55,14 @@ bool takeItem(Cursor &cursor, Item &item)
     return known && cursor.ok();
 }
 
+// The bytes of data whose length field is given. Unknown kinds count as bits: the item is refused in the end,
+// and the ones behind it still have to be found.
 size_t dataSize(uint8_t transport, uint16_t length)
 {
     return transport == kDataRecords ? length : (length + 7u) / 8;
 }
 
-// False when the bytes do not hold an entry.
+// Returns false when the bytes do not hold the data of one item. Behind the last data there is no fill byte.
 bool takeData(Cursor &cursor, bool last, Data &data)
 {
     const bool reservedIsZero = cursor.take8() == 0;
@@ -110,7 +114,7 @@ std::optional<JobError> takeParametersAndData(Cursor &cursor, const JobHeader &h
     return std::nullopt;
 }
 
-// Header and parameters, alike for reads and writes.
+// The header and the parameters of an answer, which are alike for reads and writes.
 Bytes answerHead(uint16_t reference, Function function, size_t items, size_t dataLength)
 {
     Bytes pdu = {kProtocolId, kTypeAnswer, 0, 0};

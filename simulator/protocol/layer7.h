@@ -29,9 +29,10 @@
 
 namespace sim {
 
+// What a job asks for.
 enum class Function : uint8_t { Read = 0x04, Write = 0x05 };
 
-// Element kinds of an item.
+// The kinds of elements that an item may ask for.
 constexpr uint8_t kTransportBit = 0x01;
 constexpr uint8_t kTransportByte = 0x02;
 constexpr uint8_t kTransportWord = 0x04;
@@ -40,12 +41,12 @@ constexpr uint8_t kTransportCounter = 0x1E;
 constexpr uint8_t kTransportTimer = 0x1F;
 constexpr uint8_t kTransportHighSpeedCounter = 0x20;
 
-// Kinds of data.
+// The kinds of data in an answer or a write job. They say how its length counts.
 constexpr uint8_t kDataBit = 0x03;     // one byte per bit, length in bits
 constexpr uint8_t kDataBytes = 0x04;   // length in bits
 constexpr uint8_t kDataRecords = 0x09; // length in bytes
 
-// Return codes of an item.
+// The return codes of an item.
 constexpr uint8_t kHardwareFault = 0x01;
 constexpr uint8_t kIllegalAccess = 0x03;
 constexpr uint8_t kInvalidAddress = 0x05;
@@ -53,6 +54,7 @@ constexpr uint8_t kUnsupportedType = 0x06;
 constexpr uint8_t kNoSuchObjectOrLength = 0x0A;
 constexpr uint8_t kSuccess = 0xFF;
 
+// One item of a job: so many elements of a kind, from an address of an area on.
 struct Item
 {
     uint8_t transport = 0;
@@ -62,6 +64,7 @@ struct Item
     uint32_t address = 0;
 };
 
+// The data of one item, without the fill byte.
 struct Data
 {
     uint8_t transport = 0;
@@ -69,26 +72,32 @@ struct Data
     Bytes bytes;
 };
 
+// Why a job is refused as a whole; the two bytes go into the head of the refusal.
 struct JobError
 {
     uint8_t errorClass = 0;
     uint8_t errorCode = 0;
 };
 
+// The PDU is no job, or neither a read nor a write.
 constexpr JobError kServiceNotImplemented = {0x81, 0x04};
+
+// Its lengths and counts contradict each other, or a field has a value that it cannot have.
 constexpr JobError kInconsistentPdu = {0x85, 0x00};
 
 struct Job
 {
-    uint16_t reference = 0; // as far as the PDU holds one, even when there is an error
-    std::optional<JobError> error;
+    uint16_t reference = 0; // the master's number of the job, as far as the PDU holds one, even in a bad job
+    std::optional<JobError> error; // when there is one, nothing below it means anything
     Function function = Function::Read;
     std::vector<Item> items;
     std::vector<Data> data; // one per item of a write job
 };
 
+// Reads a PDU that came from a master. Whatever stands in it, the outcome is a job, good or with an error.
 Job decodeJob(const Bytes &pdu);
 
+// What became of one item of a read job: its data, or the code that refuses it.
 struct ReadResult
 {
     uint8_t code = kSuccess;
@@ -101,6 +110,8 @@ constexpr size_t readAnswerSize(size_t items)
     return 14 + 4 * items;
 }
 
+// The PDUs of the answers: one result, or return code, per item; the error of a job that is refused as a
+// whole.
 Bytes encodeReadAnswer(uint16_t reference, const std::vector<ReadResult> &results);
 Bytes encodeWriteAnswer(uint16_t reference, const Bytes &codes);
 Bytes encodeRefusal(uint16_t reference, const JobError &error);

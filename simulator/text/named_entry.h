@@ -14,8 +14,8 @@
 
 namespace sim {
 
-// The entry of a table whose member name is that name. Throws std::invalid_argument with a text for the user,
-// who looked for such a thing: "kind of fault". There must be at least one entry.
+// Returns the entry of a table whose member `name` is that name. Throws std::invalid_argument with a text for
+// the user, who looked for such a thing: "kind of fault". There must be at least one entry.
 template <typename Table>
 const typename Table::value_type &entryNamed(const std::string &name, const Table &table, const char *thing)
 {

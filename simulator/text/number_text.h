@@ -13,7 +13,7 @@
 
 namespace sim {
 
-// The whole text as a number; nothing when it is none, or none that the type can hold.
+// Reads the whole text as a number. Gives nothing when it is none, or none that the type can hold.
 template <typename Number> std::optional<Number> parseNumber(std::string_view text, int base = 10)
 {
     Number number = 0;

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What the user is told when something cannot be done.
+// The error that ends in front of the user: it says what cannot be done, and what helps.
 
 #ifndef SIMULATOR_TEXT_USER_ERROR_H
 #define SIMULATOR_TEXT_USER_ERROR_H

@@ -59,17 +59,18 @@ std::string meaningOfJob(const Bytes &pdu)
     return text;
 }
 
+// Tells the code of the first item only, so that the line stays short.
 std::string meaningOfAnswer(const Bytes &pdu)
 {
     Cursor cursor(pdu);
-    cursor.takeBytes(4);
+    cursor.takeBytes(4); // protocol, type, reserved
     const std::string name = "answer " + std::to_string(cursor.take16());
-    cursor.takeBytes(4);
+    cursor.takeBytes(4); // parameterLength, dataLength
     const uint8_t errorClass = cursor.take8();
     const uint8_t errorCode = cursor.take8();
     if (errorClass != 0 || errorCode != 0)
         return name + ": error " + hexText(errorClass) + " " + hexText(errorCode);
-    cursor.takeBytes(2);
+    cursor.takeBytes(2); // function, itemCount
     const uint8_t code = cursor.take8();
     return cursor.ok() ? name + ": first item's code " + hexText(code) : name;
 }

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The traffic in words, for people who watch the line:
+// The traffic in words, for people who watch the line. It looks from the master's side:
 //    > 10 02 00 5c 5e 16  0 to 2: poll
 //    < e5  acknowledged
 
@@ -15,8 +15,8 @@
 
 namespace sim {
 
-// One line, without a line end. ">" is what a master sends, "<" what it receives, "?" what came from it and
-// made no frame.
+// Returns one line, without a line end. ">" is what a master sends, "<" what it receives, "?" what came from
+// it and made no frame.
 std::string traceLine(Traffic traffic, const Bytes &bytes);
 
 } // namespace sim

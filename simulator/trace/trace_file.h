@@ -15,8 +15,8 @@
 
 namespace sim {
 
-// "2026-01-31T12:00:00.250Z > 10 02 00 5c 5e 16", without a line end. ">" is what a master sends, "<" what
-// it receives. The time counts from the beginning of 1970, UTC.
+// Returns "2026-01-31T12:00:00.250Z > 10 02 00 5c 5e 16", without a line end. ">" is what a master sends, "<"
+// what it receives. The time counts from the beginning of 1970, UTC.
 std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes);
 
 class TraceFile
@@ -25,7 +25,8 @@ public:
     // Begins the file anew, with the heading as a comment. Throws UserError.
     TraceFile(const std::string &path, const std::string &heading);
 
-    // What is written can be read at once. False, once, when the file takes no more; later records are lost.
+    // What is written can be read at once. Returns false once, when the file takes no more; later records are
+    // lost.
     bool write(Time time, Traffic traffic, const Bytes &bytes);
 
     bool isGood() const { return file.good(); }
