@@ -99,10 +99,9 @@ void readRest(Connection &connection, PartialDump &part, Progress &progress)
     const int index = int(part.dump().data.size()) / range.valueSize();
     if (index == range.count)
         return;
-    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
     for (const Item &block : readBlocks(partOf(range, index, range.count - index))) {
         try {
-            part.append(readItem(block, read));
+            part.append(readItem(connection, block));
         } catch (const Failure &failure) {
             throw failure.about(rangeText(block));
         }

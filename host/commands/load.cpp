@@ -281,9 +281,8 @@ Differences Loading::compare(const Item &range, Progress &progress, bool onlyFir
 
 QByteArray Loading::readBlock(const Item &block) const
 {
-    const ReadFunction read = [this](const CommunicatorCommand &command) { return connection.read(command); };
     try {
-        return readItem(block, read);
+        return readItem(connection, block);
     } catch (const Failure &failure) {
         throw failure.about(rangeText(block));
     }

@@ -53,8 +53,7 @@ private:
 
 void Reader::read(const Tag &tag)
 {
-    const ReadFunction run = [&](const CommunicatorCommand &command) { return connection.read(command); };
-    const QByteArray data = readItem(tag.item, run);
+    const QByteArray data = readItem(connection, tag.item);
     if (output.format() == Format::Raw) {
         output.writeRaw(data);
         return;

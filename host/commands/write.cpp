@@ -128,8 +128,7 @@ void Writer::write(const Assignment &assignment)
 void Writer::readBack(const Assignment &assignment)
 {
     const Tag &tag = assignment.tag;
-    const ReadFunction read = [&](const CommunicatorCommand &command) { return connection.read(command); };
-    const QByteArray data = readItem(tag.item, read);
+    const QByteArray data = readItem(connection, tag.item);
     checkReadBack(assignment, data);
     const std::vector<Value> values = decodeValues(tag.item, data);
     output.write(tagRecord(tag, values), lines.line(tag, values));

@@ -4,6 +4,7 @@
 #include "host/driver/read_plan.h"
 
 #include "host/base/failure.h"
+#include "host/driver/connection.h"
 #include "host/items/memory_range.h"
 
 #include <QString>
@@ -82,6 +83,11 @@ QByteArray readItem(const Item &item, const ReadFunction &read)
     for (const ReadRequest &request : plan.requests)
         data += run(request, read);
     return plan.firstBit < 0 ? data : pickBits(data, plan.firstBit, item.count);
+}
+
+QByteArray readItem(Connection &connection, const Item &item)
+{
+    return readItem(item, [&](const CommunicatorCommand &command) { return connection.read(command); });
 }
 
 QList<Item> readBlocks(const Item &range)

@@ -15,6 +15,8 @@
 
 namespace host {
 
+class Connection;
+
 struct ReadRequest
 {
     CommunicatorCommand command;
@@ -33,8 +35,11 @@ ReadPlan planRead(const Item &item);
 // Runs one request: the driver's data, or a Failure thrown.
 using ReadFunction = std::function<QByteArray(const CommunicatorCommand &)>;
 
-// The bytes of an item, as decodeValues() takes them.
+// The bytes of an item, as decodeValues() takes them. Fails when a request does, or brings too few of them.
 QByteArray readItem(const Item &item, const ReadFunction &read);
+
+// The same bytes, from the controller at the end of a connection.
+QByteArray readItem(Connection &connection, const Item &item);
 
 // The range in parts that one frame carries to the host, in order.
 QList<Item> readBlocks(const Item &range);

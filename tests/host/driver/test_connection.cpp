@@ -1,0 +1,76 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Items read over a connection, from the embedded simulator with its example memory.
+
+#include "host/driver/connection.h"
+
+#include "hex.h"
+#include "host/driver/read_plan.h"
+#include "tests/host/support/failure_of.h"
+
+#include <QtTest>
+
+using namespace host;
+
+namespace {
+
+Options simulated()
+{
+    Options options;
+    options.port = "sim";
+    options.plugin = PLUGIN_FILE;
+    return options;
+}
+
+} // namespace
+
+class TestConnection : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void anItemIsReadInTheControllersOrder_data();
+    void anItemIsReadInTheControllersOrder();
+    void aLongItemTakesSeveralRequests();
+    void aRefusalIsTheItemsFailure();
+};
+
+void TestConnection::initTestCase()
+{
+    qputenv("PATH", PROGRAM_DIR);
+}
+
+void TestConnection::anItemIsReadInTheControllersOrder_data()
+{
+    QTest::addColumn<QString>("data");
+    const auto row = [](const char *item, const char *data) { QTest::newRow(item) << QString(data); };
+    row("VB100*4", "11223344");
+    row("VW100*2", "11223344");
+    row("VD100", "11223344");
+    row("V100.0*5", "0100000001");
+    row("V100.4*9", "010000000001000000");
+}
+
+void TestConnection::anItemIsReadInTheControllersOrder()
+{
+    Connection connection(simulated());
+    QTEST(QString(hex(readItem(connection, parseItem(QTest::currentDataTag())))), "data");
+}
+
+void TestConnection::aLongItemTakesSeveralRequests()
+{
+    Connection connection(simulated());
+    QCOMPARE(int(readItem(connection, parseItem("VB0*500")).size()), 500);
+    QCOMPARE(connection.requestCount(), 3);
+}
+
+void TestConnection::aRefusalIsTheItemsFailure()
+{
+    Connection connection(simulated());
+    QVERIFY(failureOf([&] { readItem(connection, parseItem("VB60000")); }).startsWith("1: "));
+}
+
+QTEST_GUILESS_MAIN(TestConnection)
+#include "test_connection.moc"
