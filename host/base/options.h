@@ -12,6 +12,13 @@
 
 namespace host {
 
+// The port's name that stands for the embedded simulator.
+constexpr char kSimulatorPort[] = "sim";
+
+// The stations of a line. 0 is usually the master's own, which no controller has.
+constexpr int kFirstStation = 0;
+constexpr int kLastStation = 126;
+
 // Words of the command line.
 using Texts = std::vector<std::string>;
 

@@ -35,8 +35,14 @@ public:
     void add(const QString &subject, const Failure &failure)
     {
         reportFailure(subject, failure);
+        keep(failure.code());
+    }
+
+    // How a part ended whose failure, if any, is told elsewhere.
+    void keep(ExitCode code)
+    {
         if (first == ExitCode::Success)
-            first = failure.code();
+            first = code;
     }
 
     // The meaning of all texts, each by parse(); every wrong one is reported.
@@ -51,6 +57,7 @@ public:
     }
 
     bool isSuccess() const { return first == ExitCode::Success; }
+    ExitCode code() const { return first; }
     int exitCode() const { return int(first); }
 
 private:

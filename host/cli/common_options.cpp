@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+
 namespace host {
 
 namespace {
@@ -14,10 +16,12 @@ namespace {
 void addPortOptions(CLI::App &app, Options &options)
 {
     const char *group = "Port and controller";
-    app.add_option("--port", options.port, "Serial device, or \"sim\" for a simulated controller")
+    app.add_option("--port", options.port,
+                   std::string("Serial device, or \"") + kSimulatorPort + "\" for a simulated controller")
         ->type_name("DEV")
         ->group(group);
-    addNumber(app, "--station", options.station, 1, 126, "The controller's station")->group(group);
+    addNumber(app, "--station", options.station, kFirstStation + 1, kLastStation, "The controller's station")
+        ->group(group);
     addNumber(app, "--timeout", options.timeout, 1, 600000, "Wait for an answer, in ms")->group(group);
     addNumber(app, "--retries", options.retries, 0, 1000, "How often to repeat what failed")->group(group);
     addNumber(app, "--delay", options.delay, 0, 4294, "Pause before each attempt, in ms")->group(group);

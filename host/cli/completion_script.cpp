@@ -3,6 +3,8 @@
 
 #include "host/cli/completion_script.h"
 
+#include "host/base/options.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -83,7 +85,7 @@ QString bashValue(const CompletedOption &option)
     case CompletedValue::File:
         return "_s7ppi_files '' \"$word\"";
     case CompletedValue::Device:
-        return "_s7ppi_files 'sim' \"$word\"";
+        return QString("_s7ppi_files '%1' \"$word\"").arg(kSimulatorPort);
     case CompletedValue::Word:
     case CompletedValue::None:
         break;
@@ -196,7 +198,7 @@ QString fishValue(const CompletedOption &option)
     case CompletedValue::File:
         return " -r -F";
     case CompletedValue::Device:
-        return " -r -F -a sim";
+        return QString(" -r -F -a ") + kSimulatorPort;
     case CompletedValue::Word:
         return " -x";
     case CompletedValue::None:

@@ -171,7 +171,7 @@ private:
     Output output;
     int right = 0;
     int wrong = 0;
-    ExitCode first = ExitCode::Success;
+    Outcome outcome;
 };
 
 template <typename Check> void Checker::attempt(const QString &text, const Check &check)
@@ -182,8 +182,7 @@ template <typename Check> void Checker::attempt(const QString &text, const Check
         if (failure.isFinal())
             throw;
         ++wrong;
-        if (first == ExitCode::Success)
-            first = failure.code();
+        outcome.keep(failure.code());
         output.write(invalidRecord(text, failure), invalidText(text, failure));
     }
 }
@@ -197,12 +196,12 @@ void Checker::checkItem(const QString &text, const Item &item)
 
 void Checker::checkFile(const QString &reference)
 {
-    Outcome outcome;
-    for (const Tag &tag : parseTags({reference.toStdString()}, outcome)) {
+    Outcome lines; // of the file
+    for (const Tag &tag : parseTags({reference.toStdString()}, lines)) {
         const QString text = reference + ':' + tag.name;
         attempt(text, [&] { checkItem(text, tag.item); });
     }
-    if (!outcome.isSuccess())
+    if (!lines.isSuccess())
         throw brokenTagFile();
 }
 
@@ -222,7 +221,7 @@ void Checker::finish()
 {
     output.finish();
     if (wrong > 0)
-        throw Failure(first, QString("%1 of %2 not valid").arg(wrong).arg(right + wrong),
+        throw Failure(outcome.code(), QString("%1 of %2 not valid").arg(wrong).arg(right + wrong),
                       "the data tell what could be meant instead");
 }
 

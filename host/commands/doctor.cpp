@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/diagnosis/findings.h"
 #include "host/driver/connection.h"
@@ -29,8 +30,6 @@ constexpr int kDefaultReads = 20;
 
 // A controller that has not answered so often at the beginning is not asked on.
 constexpr int kPatience = 3;
-
-const char kSimulator[] = "sim";
 
 const char kFooter[] = R"(
 The checks go from the ground up: plug-in, port, rights, lock, adapter, line, and then reads
@@ -69,7 +68,7 @@ private:
     Options options;
     int reads;
     Output output;
-    ExitCode first = ExitCode::Success;
+    Outcome outcome;
     LineSettings line = {};
     int timeout = 0;
     AdapterProbe probe;
@@ -92,13 +91,12 @@ int Doctor::run()
         tell(failedFinding("line", failure));
     }
     output.finish();
-    return int(first);
+    return outcome.exitCode();
 }
 
 void Doctor::tell(const Finding &finding)
 {
-    if (first == ExitCode::Success)
-        first = finding.code;
+    outcome.keep(finding.code);
     output.write({{"check", jsonText(finding.check)},
                   {"verdict", jsonText(verdictName(finding.verdict))},
                   {"text", jsonText(finding.text)},
@@ -140,17 +138,18 @@ bool Doctor::examinePlugin()
 bool Doctor::choosePort()
 {
     return passes("port", [this]() -> QString {
-        if (options.port)
-            return QString::fromStdString(*options.port);
-        const QString adapter = onlyAdapter(usbAdapters());
-        options.port = adapter.isEmpty() ? kSimulator : adapter.toStdString();
-        return adapter.isEmpty() ? "no USB serial adapter is there: a simulated controller" : adapter;
+        const bool isNamed = options.port.has_value();
+        QString port = choosePort(options);
+        options.port = port.toStdString();
+        if (port == kSimulatorPort && !isNamed)
+            return "no USB serial adapter is there: a simulated controller";
+        return port;
     });
 }
 
 bool Doctor::examinePort()
 {
-    if (*options.port == kSimulator)
+    if (*options.port == kSimulatorPort)
         return true;
     PortDetails port;
     const bool exists = passes("adapter", [&] {

@@ -7,6 +7,7 @@
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
+#include "host/commands/progress_notes.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/dump/partial_dump.h"
@@ -116,7 +117,7 @@ void readAll(Connection &connection, PartialDump &part, const Options &options)
     if (before > 0)
         tellEarlierPart(part);
     Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
-    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    const Connection::Telling notes = notesAbove(progress, connection);
     try {
         readRest(connection, part, progress);
     } catch (const Failure &failure) {

@@ -8,6 +8,7 @@
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
+#include "host/commands/progress_notes.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
@@ -180,7 +181,7 @@ void Loading::goOn()
 Differences Loading::compareEarlier(const Item &earlier) const
 {
     Progress progress(options, {rangeText(earlier) + " compared", "bytes", earlier.size(), 0, 0});
-    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    const Connection::Telling notes = notesAbove(progress, connection);
     try {
         return compare(earlier, progress, true);
     } catch (...) {
@@ -196,7 +197,7 @@ void Loading::write(bool restart)
     if (written == int(load.data.size()))
         return;
     Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
-    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    const Connection::Telling notes = notesAbove(progress, connection);
     try {
         writeRest(progress);
     } catch (...) {
@@ -249,7 +250,7 @@ void Loading::keepState()
 void Loading::verify()
 {
     Progress progress(options, {rangeText(load.target) + " read back", "bytes", load.data.size(), 0, 0});
-    const Connection::Telling telling(connection, [&progress](const QString &text) { progress.note(text); });
+    const Connection::Telling notes = notesAbove(progress, connection);
     Differences differences;
     try {
         differences = compare(load.target, progress, false);

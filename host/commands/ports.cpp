@@ -88,7 +88,7 @@ int listPorts(const Options &options, const Texts &names)
             output.write(recordOf(port), textOf(port));
         });
     if (ports.isEmpty())
-        reportNote("there are no serial ports: plug in an adapter, or use --port sim");
+        reportNote(QString("there are no serial ports: plug in an adapter, or use --port ") + kSimulatorPort);
     output.finish();
     return outcome.exitCode();
 }

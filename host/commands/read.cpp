@@ -5,6 +5,7 @@
 
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
+#include "host/commands/item_run.h"
 #include "host/driver/connection.h"
 #include "host/driver/read_plan.h"
 #include "host/items/tag.h"
@@ -33,23 +34,26 @@ the columns: name,address,type,scale,offset,unit. What is shown is value * scale
 class Reader
 {
 public:
-    Reader(const Options &options, const std::vector<Tag> &tags)
-        : output(options, kSchema), lines(tags), connection(options)
+    Reader(const Options &options, const std::vector<Tag> &tags_)
+        : tags(tags_), output(options, kSchema), lines(tags), connection(options)
     {
     }
 
-    void read(const Tag &tag);
-    void noteFailure(const Tag &tag, const Failure &failure)
-    {
-        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
-    }
-    void finish() { output.finish(); }
+    int run();
 
 private:
+    void read(const Tag &tag);
+
+    const std::vector<Tag> &tags;
     Output output;
     TextLines lines;
     Connection connection;
 };
+
+int Reader::run()
+{
+    return runItems(tags, output, [this](int index) { read(tags[size_t(index)]); });
+}
 
 void Reader::read(const Tag &tag)
 {
@@ -62,27 +66,14 @@ void Reader::read(const Tag &tag)
     output.write(tagRecord(tag, values), lines.line(tag, values));
 }
 
-// An item that fails is reported and the next one read, as long as there is a port and a stdout; the exit
-// code is that of the first failure.
+// All texts must be right before the first item is read.
 int readItems(const Options &options, const Texts &texts)
 {
     Outcome outcome;
     const std::vector<Tag> tags = parseTags(texts, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
-
-    Reader reader(options, tags);
-    for (const Tag &tag : tags) {
-        const auto failure = outcome.attempt(tag.label(), [&] { reader.read(tag); });
-        if (failure && failure->code() == ExitCode::OutputLost)
-            return outcome.exitCode();
-        if (failure)
-            reader.noteFailure(tag, *failure);
-        if (failure && failure->isFinal())
-            break;
-    }
-    reader.finish();
-    return outcome.exitCode();
+    return Reader(options, tags).run();
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
+#include "host/commands/progress_notes.h"
 #include "host/driver/connection.h"
 #include "host/driver/request_form.h"
 #include "host/output/output.h"
@@ -43,9 +44,9 @@ What is found is printed at once. The exit code is 4 when no station answered.
 
 Options: s7ppi --help)";
 
-const char kAllStations[] = "0..126";
+const QString kAllStations = QString("%1..%2").arg(kFirstStation).arg(kLastStation);
 const char kAllBauds[] = "9600,19200,187500"; // what the controllers can be set to
-const NumberKind kStation = {"station", 0, 126, true};
+const NumberKind kStation = {"station", kFirstStation, kLastStation, true};
 const NumberKind kBaud = {"baud rate", 50, 4000000, false};
 
 // A station that does not answer in this time is taken as absent; milliseconds.
@@ -134,7 +135,7 @@ private:
 
 Scan::Scan(const Options &options_, const ScanOptions &own)
     : options(options_),
-      stations(parseNumbers(QString::fromStdString(own.stations.value_or(kAllStations)), kStation)),
+      stations(parseNumbers(own.stations ? QString::fromStdString(*own.stations) : kAllStations, kStation)),
       bauds(baudsOf(options_, own)),
       output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
       progress(options_, {"scan", "stations", qint64(stations.size()) * bauds.size(), 0, 0})
@@ -197,7 +198,7 @@ void Scan::reportRefusal() const
 // What was found stays, however the scan ends.
 void Scan::scanLine(Connection &connection, int baud)
 {
-    const Connection::Telling telling(connection, [this](const QString &text) { progress.note(text); });
+    const Connection::Telling notes = notesAbove(progress, connection);
     int current = 0;
     try {
         for (const int station : stations) {
@@ -256,7 +257,8 @@ void declareScan(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<ScanOptions>();
     CLI::App *command = addCommand(app, line, "scan", "Find the stations on a line",
                                    [own](const Options &options) { return scan(options, *own); });
-    addText(*command, "--stations,--station", own->stations, "LIST", "Which, as 2 or 2,5..9, else 0..126");
+    addText(*command, "--stations,--station", own->stations, "LIST",
+            "Which, as 2 or 2,5..9, else " + kAllStations.toStdString());
     addText(*command, "--baud", own->bauds, "LIST", "At which rates, as 9600,19200 or all");
     setFooter(*command, kFooter);
 }

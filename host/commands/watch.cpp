@@ -71,7 +71,7 @@ public:
     void poll();
     void pauseUntil(const QDeadlineTimer &due);
 
-    ExitCode firstFailure() const { return first; }
+    ExitCode firstFailure() const { return outcome.code(); }
 
 private:
     void poll(WatchedItem &item);
@@ -82,7 +82,7 @@ private:
     Connection &connection;
     Watch &watch;
     const Views &views;
-    ExitCode first = ExitCode::Success;
+    Outcome outcome;
     const Connection::Telling telling;
 };
 
@@ -150,8 +150,7 @@ void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
     const bool isNews = item.failed(failure.text());
     if (failure.isFinal())
         throw failure;
-    if (first == ExitCode::Success)
-        first = failure.code();
+    outcome.keep(failure.code());
     for (View *view : views)
         view->failed(watch, item, failure, isNews);
 }

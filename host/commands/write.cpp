@@ -7,6 +7,7 @@
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
+#include "host/commands/item_run.h"
 #include "host/driver/connection.h"
 #include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
@@ -88,30 +89,43 @@ void writeItem(const Assignment &assignment, Connection &connection)
     }
 }
 
+std::vector<Tag> tagsOf(const std::vector<Assignment> &assignments)
+{
+    std::vector<Tag> tags;
+    tags.reserve(assignments.size());
+    for (const Assignment &assignment : assignments)
+        tags.push_back(assignment.tag);
+    return tags;
+}
+
 class Writer
 {
 public:
-    Writer(const Options &options_, const std::vector<Tag> &tags, bool verify_)
-        : options(options_), verify(verify_), output(options, kSchema), lines(tags), connection(options)
+    Writer(const Options &options_, const std::vector<Assignment> &assignments_, bool verify_)
+        : options(options_), assignments(assignments_), tags(tagsOf(assignments)), verify(verify_),
+          output(options, kSchema), lines(tags), connection(options)
     {
     }
 
-    void write(const Assignment &assignment);
-    void noteFailure(const Tag &tag, const Failure &failure)
-    {
-        output.writeUnlessText(tagErrorRecord(tag, failure.text()));
-    }
-    void finish() { output.finish(); }
+    int run();
 
 private:
+    void write(const Assignment &assignment);
     void readBack(const Assignment &assignment);
 
     const Options &options;
+    const std::vector<Assignment> &assignments;
+    std::vector<Tag> tags;
     bool verify;
     Output output;
     TextLines lines;
     Connection connection;
 };
+
+int Writer::run()
+{
+    return runItems(tags, output, [this](int index) { write(assignments[size_t(index)]); });
+}
 
 void Writer::write(const Assignment &assignment)
 {
@@ -144,28 +158,6 @@ void checkWritable(const std::vector<Assignment> &assignments, const Options &op
                         [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
 }
 
-int writeAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
-{
-    std::vector<Tag> tags;
-    tags.reserve(assignments.size());
-    for (const Assignment &assignment : assignments)
-        tags.push_back(assignment.tag);
-
-    Writer writer(options, tags, verify);
-    Outcome outcome;
-    for (const Assignment &assignment : assignments) {
-        const auto failure = outcome.attempt(assignment.tag.label(), [&] { writer.write(assignment); });
-        if (failure && failure->code() == ExitCode::OutputLost)
-            return outcome.exitCode();
-        if (failure)
-            writer.noteFailure(assignment.tag, *failure);
-        if (failure && failure->isFinal())
-            break;
-    }
-    writer.finish();
-    return outcome.exitCode();
-}
-
 int dryRunAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
 {
     Output output(options, kFramesSchema);
@@ -187,8 +179,7 @@ int dryRunAll(const std::vector<Assignment> &assignments, const Options &options
     return outcome.exitCode();
 }
 
-// All items must be right before the first is written. An item that fails is reported and the next one
-// written, as long as the port is there; the exit code is that of the first failure.
+// All items must be right, and be such as the driver writes, before the first is written.
 int writeItems(const Options &options, const WriteOptions &writeOptions)
 {
     Outcome outcome;
@@ -198,7 +189,7 @@ int writeItems(const Options &options, const WriteOptions &writeOptions)
     if (writeOptions.dryRun)
         return dryRunAll(assignments, options, writeOptions.verify);
     checkWritable(assignments, options, outcome);
-    return outcome.isSuccess() ? writeAll(assignments, options, writeOptions.verify) : outcome.exitCode();
+    return outcome.isSuccess() ? Writer(options, assignments, writeOptions.verify).run() : outcome.exitCode();
 }
 
 } // namespace

@@ -23,8 +23,6 @@ namespace host {
 
 namespace {
 
-const char kSimulatorName[] = "sim";
-
 // Milliseconds between two tries to open a lost port again; each pause is twice the one before. The first
 // try needs none, unless the port was lost before it brought anything.
 constexpr int kFirstPause = 500;
@@ -54,22 +52,24 @@ Connection::Connection(const Options &options, FrameListener *watcher_)
     : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)), watcher(watcher_),
       reconnects(options.reconnect), tell(reportNote)
 {
-    openPort(choosePort(options), options);
+    openPort(startPort(options), options);
     plugin.driver().setDebugMode(options.verbose);
     plugin.driver().initialize(counter.get());
 }
 
-QString Connection::choosePort(const Options &options)
+// The name of the device to open.
+QString Connection::startPort(const Options &options)
 {
-    if (options.port)
-        return *options.port == kSimulatorName ? startSimulator() : QString::fromStdString(*options.port);
-    QString adapter = onlyAdapter(usbAdapters());
-    if (!adapter.isEmpty()) {
-        reportNote("using the USB serial adapter " + adapter);
-        return adapter;
+    const bool isNamed = options.port.has_value();
+    QString chosen = choosePort(options);
+    if (chosen != kSimulatorPort) {
+        if (!isNamed)
+            reportNote("using the USB serial adapter " + chosen);
+        return chosen;
     }
     QString simulated = startSimulator();
-    reportNote("no USB serial adapter found: using a simulated controller on " + simulated);
+    if (!isNamed)
+        reportNote("no USB serial adapter found: using a simulated controller on " + simulated);
     return simulated;
 }
 
@@ -82,7 +82,7 @@ QString Connection::startSimulator()
 
 QString Connection::portLabel() const
 {
-    return simulator ? QString(kSimulatorName) : portName();
+    return simulator ? QString(kSimulatorPort) : portName();
 }
 
 void Connection::openPort(const QString &name, const Options &options)

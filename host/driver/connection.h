@@ -83,7 +83,7 @@ public:
     };
 
 private:
-    QString choosePort(const Options &options);
+    QString startPort(const Options &options);
     QString startSimulator();
     void openPort(const QString &name, const Options &options);
     std::vector<FrameListener *> listeners(const LineSettings &line, const Options &options);

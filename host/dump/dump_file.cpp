@@ -5,6 +5,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/files.h"
+#include "host/base/options.h"
 #include "host/items/memory_range.h"
 
 #include <QList>
@@ -120,9 +121,9 @@ void DumpParser::takeStation(const QList<QByteArray> &words)
 {
     bool isNumber = false;
     const int number = fieldOf(words, "station").toInt(&isNumber);
-    if (!isNumber || number < 0 || number > 126)
+    if (!isNumber || number < kFirstStation || number > kLastStation)
         throw wrong('"' + QString::fromUtf8(words.last()) + "\" is no station",
-                    "stations have numbers up to 126");
+                    QString("stations have numbers up to %1").arg(kLastStation));
     station = number;
 }
 

@@ -42,4 +42,15 @@ QString onlyAdapter(const QList<UsbAdapter> &adapters)
                   "choose one with --port, as --port " + adapters.first().device);
 }
 
+QString usualPort(const QList<UsbAdapter> &adapters)
+{
+    const QString adapter = onlyAdapter(adapters);
+    return adapter.isEmpty() ? QString(kSimulatorPort) : adapter;
+}
+
+QString choosePort(const Options &options)
+{
+    return options.port ? QString::fromStdString(*options.port) : usualPort(usbAdapters());
+}
+
 } // namespace host

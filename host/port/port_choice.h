@@ -6,6 +6,8 @@
 #ifndef HOST_PORT_PORT_CHOICE_H
 #define HOST_PORT_PORT_CHOICE_H
 
+#include "host/base/options.h"
+
 #include <QList>
 #include <QString>
 
@@ -21,6 +23,13 @@ QList<UsbAdapter> usbAdapters();
 
 // The device of the only adapter; empty when there is none. Fails, naming all, when there are several.
 QString onlyAdapter(const QList<UsbAdapter> &adapters);
+
+// The port that is used unless another one is named: the only adapter, or the embedded simulator without any.
+// Fails like onlyAdapter().
+QString usualPort(const QList<UsbAdapter> &adapters);
+
+// The port that the options name, or else the usual one of this machine.
+QString choosePort(const Options &options);
 
 } // namespace host
 

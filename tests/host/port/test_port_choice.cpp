@@ -19,6 +19,8 @@ private slots:
     void noAdapterGivesNoDevice();
     void theOnlyAdapterIsTaken();
     void severalAdaptersAreListed();
+    void withoutAdapterTheUsualPortIsTheSimulator();
+    void theNamedPortIsTaken();
 };
 
 void TestPortChoice::noAdapterGivesNoDevice()
@@ -38,6 +40,20 @@ void TestPortChoice::severalAdaptersAreListed()
              }),
              QString("2: there are several USB serial adapters: /dev/ttyUSB0 (PPI cable), /dev/ttyACM0 / "
                      "choose one with --port, as --port /dev/ttyUSB0"));
+}
+
+void TestPortChoice::withoutAdapterTheUsualPortIsTheSimulator()
+{
+    QCOMPARE(usualPort({}), QString("sim"));
+    QCOMPARE(usualPort({{"/dev/ttyUSB3", "PPI cable"}}), QString("/dev/ttyUSB3"));
+    QVERIFY(failureOf([] { usualPort({{"/dev/ttyUSB0", ""}, {"/dev/ttyACM0", ""}}); }).startsWith("2: "));
+}
+
+void TestPortChoice::theNamedPortIsTaken()
+{
+    Options options;
+    options.port = "/dev/ttyS7";
+    QCOMPARE(choosePort(options), QString("/dev/ttyS7"));
 }
 
 QTEST_APPLESS_MAIN(TestPortChoice)
