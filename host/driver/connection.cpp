@@ -54,7 +54,7 @@ Connection::Connection(const Options &options, FrameListener *watcher_)
 {
     openPort(startPort(options), options);
     plugin.driver().setDebugMode(options.verbose);
-    plugin.driver().initialize(counter.get());
+    plugin.driver().initialize(listened.get());
 }
 
 // The name of the device to open.
@@ -97,13 +97,12 @@ void Connection::openPort(const QString &name, const Options &options)
         echo = std::make_unique<EchoPort>(*device);
         device = echo.get();
     }
-    trace = std::make_unique<TracingPort>(*device, listeners(line, options));
-    counter = std::make_unique<CountingPort>(*trace);
+    listened = std::make_unique<TracingPort>(*device, listeners(line, options));
 }
 
 std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const Options &options)
 {
-    std::vector<FrameListener *> listeners = {&exchange};
+    std::vector<FrameListener *> listeners = {&exchange, &session};
     if (options.verbose) {
         showLine(line);
         lines = std::make_unique<TracePrinter>(reportTrace);
@@ -130,7 +129,7 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 {
     while (true) {
         exchange = AdapterProbe();
-        QByteArray data = plugin.driver().read(counter.get(), command);
+        QByteArray data = plugin.driver().read(listened.get(), command);
         if (isAlive()) {
             nextPause = 0;
             checkOutcome();
@@ -143,7 +142,7 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
     exchange = AdapterProbe();
-    if (plugin.driver().write(counter.get(), command, data) != 0) {
+    if (plugin.driver().write(listened.get(), command, data) != 0) {
         checkTrace();
         return;
     }

@@ -59,7 +59,7 @@ public:
     void setStation(int station) { port->setStation(timing.station = station); }
 
     // How many requests were sent so far: one per attempt at a read or write.
-    int requestCount() const { return counter->requestCount(); }
+    int requestCount() const { return session.requestCount(); }
 
     // How often the port was lost and came back.
     int returnCount() const { return returns; }
@@ -110,9 +110,9 @@ private:
     std::unique_ptr<EchoPort> echo; // null unless the adapter echoes
     std::unique_ptr<TracePrinter> lines;
     std::unique_ptr<TraceFile> traceFile;
-    AdapterProbe exchange; // the read or write under way
-    std::unique_ptr<TracingPort> trace;
-    std::unique_ptr<CountingPort> counter; // what the driver gets
+    AdapterProbe exchange;                 // sees the read or write under way
+    AdapterProbe session;                  // sees all of them
+    std::unique_ptr<TracingPort> listened; // what the driver gets
 };
 
 } // namespace host

@@ -31,11 +31,4 @@ void AdapterProbe::received(const QByteArray &frame)
 
 void AdapterProbe::heardNothing(bool /*isOver*/) {}
 
-int CountingPort::send(const unsigned char *data, int length)
-{
-    if (isLongFrame(QByteArray(reinterpret_cast<const char *>(data), length)))
-        ++requests;
-    return ForwardingPort::send(data, length);
-}
-
 } // namespace host

@@ -8,7 +8,6 @@
 #define HOST_PORT_ADAPTER_PROBE_H
 
 #include "host/frames/listener.h"
-#include "host/port/forwarding_port.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -30,6 +29,10 @@ public:
     // and noise does so only now and then.
     bool hasEcho() const { return echoes > 0 && echoes >= requests - 1; }
 
+    // How many requests were sent: every attempt at a read or write sends one. Polls, which belong to the
+    // request before them, do not count.
+    int requestCount() const { return requests; }
+
     // From the beginning of a frame sent to the whole of the next one received; milliseconds.
     qint64 longestWait() const { return longest; }
 
@@ -41,21 +44,6 @@ private:
     int requests = 0;
     int echoes = 0;
     qint64 longest = 0;
-};
-
-// A port that counts the requests sent through it; every attempt at a read or write sends one.
-class CountingPort : public ForwardingPort
-{
-public:
-    using ForwardingPort::ForwardingPort;
-
-    int send(const unsigned char *data, int length) override;
-
-    // Polls, which belong to the request before them, do not count.
-    int requestCount() const { return requests; }
-
-private:
-    int requests = 0;
 };
 
 } // namespace host
