@@ -3,8 +3,8 @@
 //
 // The commands of s7ppi, in the order in which --help lists them.
 
-#include "host/base/failure.h"
-#include "host/base/standard_streams.h"
+#include "common/exit_code.h"
+#include "common/standard_streams.h"
 #include "host/cli/program.h"
 #include "host/commands/commands.h"
 
@@ -27,13 +27,13 @@ const std::vector<host::Declare> kCommands = {
 
 int main(int argc, char *argv[])
 {
-    host::keepClosedStreams();
+    common::keepClosedStreams();
     try {
         const QCoreApplication application(argc, argv);
         return host::runProgram(argc, argv, kCommands);
     } catch (const std::exception &error) { // no memory, say
         std::cerr << "s7ppi: internal failure: " << error.what()
                   << "\nhint: run it again with --verbose, and report what that shows" << std::endl;
-        return int(host::ExitCode::Internal);
+        return int(common::ExitCode::Internal);
     }
 }

@@ -3,7 +3,7 @@
 
 #include "host/cli/command_line.h"
 
-#include "host/text/nearest_word.h"
+#include "common/nearest_word.h"
 
 #include <CLI/CLI.hpp>
 
@@ -64,7 +64,7 @@ CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std
     const auto complaint = [words](const std::string &word) {
         if (std::find(words.begin(), words.end(), word) != words.end())
             return std::string();
-        const std::string nearest = nearestWord(word, words);
+        const std::string nearest = common::likelyWord(word, words);
         return word + " is none of " + CLI::detail::join(words, ", ") +
                (nearest.empty() ? nearest : "; the nearest is " + nearest);
     };

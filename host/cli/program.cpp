@@ -3,6 +3,7 @@
 
 #include "host/cli/program.h"
 
+#include "common/nearest_word.h"
 #include "host/base/failure.h"
 #include "host/base/files_in_use.h"
 #include "host/base/interruption.h"
@@ -10,7 +11,6 @@
 #include "host/cli/applied_settings.h"
 #include "host/cli/command_line.h"
 #include "host/cli/common_options.h"
-#include "host/text/nearest_word.h"
 
 #include <CLI/CLI.hpp>
 
@@ -96,7 +96,7 @@ std::string nearestHint(const CLI::App &app)
     addOptionNames(names, app);
     if (hasCommand)
         addOptionNames(names, *app.get_subcommands().front());
-    const std::string nearest = nearestWord(word, names);
+    const std::string nearest = common::likelyWord(word, names);
     return nearest.empty() ? nearest : "; the nearest to " + word + " is " + nearest;
 }
 

@@ -14,7 +14,7 @@ setup() {
     tree=$BATS_TEST_TMPDIR/tree
     mkdir -p "$tree/scripts"
     cp scripts/check-includes "$tree/scripts"
-    cp -r host runtime simulator tests "$tree"
+    cp -r common host runtime simulator tests "$tree"
     cd "$tree" || return 1
 }
 
@@ -98,13 +98,21 @@ refuses() {
         "the host meets the driver only through the contract and the loaded plug-in"
 }
 
+@test "what both programs share knows neither" {
+    plant common/exit_code.h '#include "host/base/failure.h"'
+    plant common/nearest_word.cpp '#include "simulator/text/user_error.h"'
+    plant common/standard_streams.cpp '#include "device_setting.h"'
+    refused common/exit_code.h: common/nearest_word.cpp: common/standard_streams.cpp: \
+        "common serves both programs and knows neither, nor the driver"
+}
+
 @test "headers that include each other are a ring" {
     plant host/base/colour.h '#include "host/base/interruption.h"'
-    plant host/base/interruption.h '#include "host/base/standard_streams.h"'
-    plant host/base/standard_streams.h '#include "host/base/colour.h"'
+    plant host/base/interruption.h '#include "host/base/files_in_use.h"'
+    plant host/base/files_in_use.h '#include "host/base/colour.h"'
     refused "host/base/colour
 " "host/base/interruption
-" "host/base/standard_streams
+" "host/base/files_in_use
 " "these include each other in a ring"
 }
 
