@@ -20,9 +20,6 @@
 
 namespace host {
 
-// Codes of a command.
-enum DataType { kBits = 0, kBytes = 1, kWords = 2, kDoubleWords = 3 };
-
 struct RequestForm
 {
     QString prefix;

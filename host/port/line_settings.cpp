@@ -3,7 +3,6 @@
 
 #include "host/port/line_settings.h"
 
-#include "device_setting.h"
 #include "host/base/failure.h"
 #include "host/text/number_text.h"
 
@@ -17,13 +16,11 @@ namespace host {
 
 namespace {
 
+// By their ParityCode.
 const QStringList kParityNames = {"none", "odd", "even", "mark", "space"};
 
 // One part in 50 is 2 %.
 constexpr int kSpeedTolerance = 50;
-
-constexpr int kOneStopBitCode = 0;
-constexpr int kTwoStopBitsCode = 2;
 
 Failure unknownCode(const char *what, int code)
 {
@@ -32,28 +29,28 @@ Failure unknownCode(const char *what, int code)
         "the plug-in belongs to another host's ports; this host knows parity 0 to 4, stop bits 0 and 2");
 }
 
-Parity parityOfCode(int code)
+ParityCode parityOfCode(int code)
 {
-    if (code < 0 || code >= kParityNames.size())
+    if (code < kNoParity || code > kSpaceParity)
         throw unknownCode("parity", code);
-    return Parity(code);
+    return ParityCode(code);
 }
 
 int stopBitsOfCode(int code)
 {
-    if (code != kOneStopBitCode && code != kTwoStopBitsCode)
+    if (code != kOneStopBit && code != kTwoStopBits)
         throw unknownCode("stop-bits", code);
-    return code == kTwoStopBitsCode ? 2 : 1;
+    return code == kTwoStopBits ? 2 : 1;
 }
 
-Parity parityOfName(const std::string &name)
+ParityCode parityOfName(const std::string &name)
 {
-    return Parity(kParityNames.indexOf(QString::fromStdString(name)));
+    return ParityCode(kParityNames.indexOf(QString::fromStdString(name)));
 }
 
-QString parityText(Parity parity)
+QString parityText(ParityCode parity)
 {
-    return (parity == Parity::None ? "no" : parityName(parity)) + " parity";
+    return (parity == kNoParity ? "no" : parityName(parity)) + " parity";
 }
 
 QStringList words(const LineSettings &settings)
@@ -85,7 +82,7 @@ QString lineText(const LineSettings &settings)
     return words(settings).join(", ");
 }
 
-QString parityName(Parity parity)
+QString parityName(ParityCode parity)
 {
     return kParityNames.at(int(parity));
 }

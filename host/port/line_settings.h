@@ -6,30 +6,23 @@
 #ifndef HOST_PORT_LINE_SETTINGS_H
 #define HOST_PORT_LINE_SETTINGS_H
 
+#include "device_setting.h"
 #include "host/base/options.h"
 
 #include <QString>
 
-class DeviceSetting;
-
 namespace host {
-
-enum class Parity { None, Odd, Even, Mark, Space };
 
 struct LineSettings
 {
     int baud;
-    Parity parity;
+    ParityCode parity;
     int dataBits;
-    int stopBits;
+    int stopBits; // their number, not a StopBitsCode
 };
 
-// The codes of a DeviceSetting are those of this host's ports:
-//
-//   parity    0 none, 1 odd, 2 even, 3 mark, 4 space
-//   stopbits  0 one stop bit, 2 two stop bits
-//
-// Fails on other codes.
+// The settings that a plug-in proposes. Fails on codes of parity and stop bits that have no name in the
+// contract.
 LineSettings lineSettings(const DeviceSetting &setting);
 
 // The settings with everything replaced that the options name.
@@ -39,7 +32,7 @@ LineSettings withOptions(LineSettings settings, const Options &options);
 QString lineText(const LineSettings &settings);
 
 // "none", "odd", "even", "mark", "space"
-QString parityName(Parity parity);
+QString parityName(ParityCode parity);
 
 // What differs between two settings, for people: "no parity instead of even parity". Empty when
 // nothing does. A speed that is off by up to 2 % is no difference: adapters divide a clock, and

@@ -25,9 +25,6 @@ namespace host {
 
 namespace {
 
-// The one option drivers set: forget what was received.
-constexpr int kPurgeOption = 12;
-
 // Waits are cut into slices so that a signal is seen soon; milliseconds.
 constexpr int kSlice = 50;
 
@@ -52,18 +49,18 @@ QString fullName(const QString &name)
     return file.exists() ? file.absoluteFilePath() : name;
 }
 
-QSerialPort::Parity qtParity(Parity parity)
+QSerialPort::Parity qtParity(ParityCode parity)
 {
     switch (parity) {
-    case Parity::Odd:
+    case kOddParity:
         return QSerialPort::OddParity;
-    case Parity::Even:
+    case kEvenParity:
         return QSerialPort::EvenParity;
-    case Parity::Mark:
+    case kMarkParity:
         return QSerialPort::MarkParity;
-    case Parity::Space:
+    case kSpaceParity:
         return QSerialPort::SpaceParity;
-    case Parity::None:
+    case kNoParity:
         break;
     }
     return QSerialPort::NoParity;
@@ -73,7 +70,7 @@ QSerialPort::Parity qtParity(Parity parity)
 LineSettings settable(LineSettings line, const QString &name)
 {
     if (isPseudoTerminal(name)) {
-        line.parity = Parity::None;
+        line.parity = kNoParity;
         line.dataBits = 8;
     }
     return line;
@@ -216,7 +213,7 @@ int SerialPort::send(const unsigned char *data, int length)
 
 bool SerialPort::setOption(int key, const QVariant & /*value*/)
 {
-    if (key != kPurgeOption || !goesOn())
+    if (key != kClearInput || !goesOn())
         return false;
     isSettled = isSettled && !hasReceived();
     if (!port.clear(QSerialPort::Input)) {

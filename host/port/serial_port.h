@@ -47,9 +47,9 @@ public:
     // Returns length when all bytes have left, otherwise below 0.
     int send(const unsigned char *data, int length) override;
 
-    // Key 12 throws away everything that was received and not read; there are no other keys. When there was
-    // something, and at the first time after the port was opened, what is still coming is thrown away too,
-    // until the line has been silent for 20 ms, or for a second.
+    // kClearInput throws away everything that was received and not read; the port has no other option. When
+    // there was something, and at the first time after the port was opened, what is still coming is thrown
+    // away too, until the line has been silent for 20 ms, or for a second.
     bool setOption(int key, const QVariant &value) override;
 
     // No repetitions on a port that is lost, or once the program is interrupted.

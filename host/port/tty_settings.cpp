@@ -18,13 +18,13 @@ namespace host {
 
 namespace {
 
-Parity parityOf(tcflag_t flags)
+ParityCode parityOf(tcflag_t flags)
 {
     if (!(flags & PARENB))
-        return Parity::None;
+        return kNoParity;
     if (flags & CMSPAR)
-        return (flags & PARODD) ? Parity::Mark : Parity::Space;
-    return (flags & PARODD) ? Parity::Odd : Parity::Even;
+        return (flags & PARODD) ? kMarkParity : kSpaceParity;
+    return (flags & PARODD) ? kOddParity : kEvenParity;
 }
 
 int dataBitsOf(tcflag_t flags)
@@ -47,7 +47,7 @@ LineSettings settingsInForce(int descriptor)
 {
     termios2 state = {};
     if (ioctl(descriptor, TCGETS2, &state) != 0)
-        return {0, Parity::None, 0, 0};
+        return {0, kNoParity, 0, 0};
     return {int(state.c_ospeed), parityOf(state.c_cflag), dataBitsOf(state.c_cflag),
             (state.c_cflag & CSTOPB) ? 2 : 1};
 }

@@ -48,7 +48,7 @@ void TestDryRunPort::nothingIsRepeatedOrWaitedFor()
     QCOMPARE(port.retry(), 0);
     QCOMPARE(port.delay(), 0);
     QCOMPARE(port.stationId(), 7);
-    QVERIFY(port.setOption(12, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
 }
 
 QTEST_APPLESS_MAIN(TestDryRunPort)

@@ -117,7 +117,7 @@ CommunicatorCommand fourBytes()
 {
     CommunicatorCommand command;
     command.address = "VB100";
-    command.dataType = 1;
+    command.dataType = kBytes;
     command.count = 4;
     return command;
 }

@@ -19,7 +19,7 @@ DeviceSetting proposal(int stopBitsCode, int parityCode)
     return DeviceSetting(kRs485Port, "COM2", 9600, 8, stopBitsCode, parityCode);
 }
 
-const LineSettings kUsual = {9600, Parity::Even, 8, 1};
+const LineSettings kUsual = {9600, kEvenParity, 8, 1};
 
 } // namespace
 
@@ -42,11 +42,16 @@ void TestLineSettings::codesOfTheProposalAreUnderstood_data()
     QTest::addColumn<int>("stopBits");
     QTest::addColumn<int>("parity");
     QTest::addColumn<QString>("text");
-    QTest::newRow("none") << 0 << 0 << "9600 baud, no parity, 8 data bits, 1 stop bit";
-    QTest::newRow("odd") << 0 << 1 << "9600 baud, odd parity, 8 data bits, 1 stop bit";
-    QTest::newRow("even") << 0 << 2 << "9600 baud, even parity, 8 data bits, 1 stop bit";
-    QTest::newRow("mark") << 0 << 3 << "9600 baud, mark parity, 8 data bits, 1 stop bit";
-    QTest::newRow("space, two stop bits") << 2 << 4 << "9600 baud, space parity, 8 data bits, 2 stop bits";
+    QTest::newRow("none") << int(kOneStopBit) << int(kNoParity)
+                          << "9600 baud, no parity, 8 data bits, 1 stop bit";
+    QTest::newRow("odd") << int(kOneStopBit) << int(kOddParity)
+                         << "9600 baud, odd parity, 8 data bits, 1 stop bit";
+    QTest::newRow("even") << int(kOneStopBit) << int(kEvenParity)
+                          << "9600 baud, even parity, 8 data bits, 1 stop bit";
+    QTest::newRow("mark") << int(kOneStopBit) << int(kMarkParity)
+                          << "9600 baud, mark parity, 8 data bits, 1 stop bit";
+    QTest::newRow("space, two stop bits")
+        << int(kTwoStopBits) << int(kSpaceParity) << "9600 baud, space parity, 8 data bits, 2 stop bits";
 }
 
 void TestLineSettings::codesOfTheProposalAreUnderstood()
@@ -61,9 +66,9 @@ void TestLineSettings::unknownCodesAreRefused_data()
     QTest::addColumn<int>("stopBits");
     QTest::addColumn<int>("parity");
     QTest::addColumn<QString>("text");
-    QTest::newRow("parity 5") << 0 << 5 << "7: the plug-in proposes parity code 5";
-    QTest::newRow("parity -1") << 0 << -1 << "7: the plug-in proposes parity code -1";
-    QTest::newRow("stop bits 1") << 1 << 2 << "7: the plug-in proposes stop-bits code 1";
+    QTest::newRow("parity 5") << int(kOneStopBit) << 5 << "7: the plug-in proposes parity code 5";
+    QTest::newRow("parity -1") << int(kOneStopBit) << -1 << "7: the plug-in proposes parity code -1";
+    QTest::newRow("stop bits 1") << 1 << int(kEvenParity) << "7: the plug-in proposes stop-bits code 1";
 }
 
 void TestLineSettings::unknownCodesAreRefused()
@@ -92,11 +97,12 @@ void TestLineSettings::differencesAreNamed_data()
     QTest::addColumn<int>("dataBits");
     QTest::addColumn<int>("stopBits");
     QTest::addColumn<QString>("text");
-    QTest::newRow("none") << 9600 << 2 << 8 << 1 << "";
-    QTest::newRow("speed within 2 %") << 9792 << 2 << 8 << 1 << "";
-    QTest::newRow("speed beyond 2 %") << 9793 << 2 << 8 << 1 << "9793 baud instead of 9600 baud";
-    QTest::newRow("parity") << 9600 << 0 << 8 << 1 << "no parity instead of even parity";
-    QTest::newRow("all") << 4800 << 1 << 7 << 2
+    QTest::newRow("none") << 9600 << int(kEvenParity) << 8 << 1 << "";
+    QTest::newRow("speed within 2 %") << 9792 << int(kEvenParity) << 8 << 1 << "";
+    QTest::newRow("speed beyond 2 %")
+        << 9793 << int(kEvenParity) << 8 << 1 << "9793 baud instead of 9600 baud";
+    QTest::newRow("parity") << 9600 << int(kNoParity) << 8 << 1 << "no parity instead of even parity";
+    QTest::newRow("all") << 4800 << int(kOddParity) << 7 << 2
                          << "4800 baud instead of 9600 baud, odd parity instead of even parity, "
                             "7 data bits instead of 8 data bits, 2 stop bits instead of 1 stop bit";
 }
@@ -107,7 +113,7 @@ void TestLineSettings::differencesAreNamed()
     QFETCH(int, parity);
     QFETCH(int, dataBits);
     QFETCH(int, stopBits);
-    QTEST(lineDifference(kUsual, {baud, Parity(parity), dataBits, stopBits}), "text");
+    QTEST(lineDifference(kUsual, {baud, ParityCode(parity), dataBits, stopBits}), "text");
 }
 
 QTEST_APPLESS_MAIN(TestLineSettings)

@@ -62,7 +62,7 @@ using namespace host;
 
 namespace {
 
-const LineSettings kLine = {187500, Parity::Even, 8, 1};
+const LineSettings kLine = {187500, kEvenParity, 8, 1};
 const Timing kTiming = {100, 0, 2, 0};
 
 QString failureToOpen(const PseudoLine &line, Direction direction)

@@ -29,11 +29,9 @@ using namespace host;
 
 namespace {
 
-const LineSettings kLine = {9600, Parity::Even, 8, 1};
+const LineSettings kLine = {9600, kEvenParity, 8, 1};
 const Timing kPatient = {2000, 3, 2, 7};
 const Timing kImpatient = {150, 3, 2, 7};
-
-constexpr int kPurge = 12;
 
 // For a moment in which the machine is not busy; milliseconds.
 constexpr int kPatience = 60000;
@@ -118,10 +116,10 @@ private:
 bool purgesWhatIsUnderWay(const PseudoLine &line, SerialPort &port, QString &received)
 {
     StaleAnswer answer(line, 10);
-    const bool isPurged = port.setOption(kPurge, 0);
+    const bool isPurged = port.setOption(kClearInput, 0);
     const bool inTime = answer.cameInTime();
     received = isPurged ? receive(port, 1) : "not purged";
-    port.setOption(kPurge, 0);
+    port.setOption(kClearInput, 0);
     return inTime;
 }
 
@@ -232,7 +230,7 @@ void TestSerialPort::purgeForgetsWhatWasBufferedAndWhatIsStillInTheKernel()
     line.write(bytes("e5 01 02 03"));
     QCOMPARE(receive(port, 1), QString("e5"));
     line.write(bytes("04 05 06"));
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     QCOMPARE(receive(port, 1), QString());
 }
 
@@ -242,7 +240,7 @@ void TestSerialPort::aLateAnswerDoesNotShiftTheNext()
     SerialPort port(line.name(), kLine, kImpatient);
     QCOMPARE(receive(port, 7), QString());
     line.write(bytes("68 19 19 68 00 02 08 32 03 00 00 00 01"));
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     line.write(bytes("e5"));
     QCOMPARE(receive(port, 1), QString("e5"));
 }
@@ -251,7 +249,7 @@ void TestSerialPort::aPurgeWaitsForTheEndOfWhatIsUnderWay()
 {
     const PseudoLine line;
     SerialPort port(line.name(), kLine, kImpatient);
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     QString received;
     const auto isInTime = [&] {
         line.write("xx");
@@ -285,7 +283,7 @@ void TestSerialPort::aPurgeDoesNotWaitForeverForALineToFallSilent()
     const Dribble dribble(line, 5);
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     QVERIFY(timer.elapsed() < 10000);
 }
 
@@ -293,9 +291,9 @@ void TestSerialPort::aPurgeOfACleanLineLeavesWhatComesThen()
 {
     const PseudoLine line;
     SerialPort port(line.name(), kLine, kPatient);
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     StaleAnswer answer(line, 1);
-    QVERIFY(port.setOption(kPurge, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
     answer.cameInTime();
     QCOMPARE(receive(port, 1), QString("78"));
 }
@@ -347,7 +345,7 @@ void TestSerialPort::aPortThatWentAwayIsNotWaitedFor()
     QCOMPARE(receive(port, 1), QString("lost"));
     QCOMPARE(receive(port, 7), QString("lost"));
     QCOMPARE(send(port, "e5"), -1);
-    QVERIFY(!port.setOption(kPurge, 0));
+    QVERIFY(!port.setOption(kClearInput, 0));
     QVERIFY(timer.elapsed() < 10000);
 }
 
@@ -365,7 +363,7 @@ void TestSerialPort::purgingNoticesALostPort()
     PseudoLine line;
     SerialPort port(line.name(), kLine, kPatient);
     line.hangUp();
-    QVERIFY(!port.setOption(kPurge, 0));
+    QVERIFY(!port.setOption(kClearInput, 0));
     QVERIFY(port.isLost());
 }
 
@@ -411,14 +409,14 @@ void TestSerialPort::aPseudoTerminalKeepsNoParityAndTheNoteSaysSo()
     QCOMPARE(withParity.lineNote(), QString("no parity instead of even parity"));
 
     const PseudoLine other;
-    const SerialPort without(other.name(), {19200, Parity::None, 8, 2}, kPatient);
+    const SerialPort without(other.name(), {19200, kNoParity, 8, 2}, kPatient);
     QCOMPARE(without.lineNote(), QString());
 }
 
 void TestSerialPort::speedsThatAreNoneOfTheClassicOnesAreKept()
 {
     const PseudoLine line;
-    const SerialPort port(line.name(), {187500, Parity::None, 8, 1}, kPatient);
+    const SerialPort port(line.name(), {187500, kNoParity, 8, 1}, kPatient);
     QCOMPARE(lineText(settingsInForce(line.portEnd())),
              QString("187500 baud, no parity, 8 data bits, 1 stop bit"));
 }
@@ -426,7 +424,7 @@ void TestSerialPort::speedsThatAreNoneOfTheClassicOnesAreKept()
 void TestSerialPort::theKernelsSettingsAreReadBack()
 {
     const PseudoLine line;
-    const SerialPort port(line.name(), {1200, Parity::None, 8, 2}, kPatient);
+    const SerialPort port(line.name(), {1200, kNoParity, 8, 2}, kPatient);
     QCOMPARE(lineText(settingsInForce(line.portEnd())),
              QString("1200 baud, no parity, 8 data bits, 2 stop bits"));
     QCOMPARE(lineText(settingsInForce(-1)), QString("0 baud, no parity, 0 data bits, 0 stop bits"));

@@ -118,9 +118,9 @@ void TestTracingPort::everythingIsPassedOn()
     QCOMPARE(int(buffer[0]), 0xe5);
     send(port, "01 02");
     QCOMPARE(hex(prepared.sent), QString("0102"));
-    QVERIFY(port.setOption(12, 0));
-    QVERIFY(!port.setOption(12, 1));
-    QVERIFY(!port.setOption(11, 0));
+    QVERIFY(port.setOption(kClearInput, 0));
+    QVERIFY(!port.setOption(kClearInput, 1));
+    QVERIFY(!port.setOption(kClearInput - 1, 0));
     QCOMPARE(port.retry(), 4);
     QCOMPARE(port.stationId(), 5);
     QCOMPARE(port.delay(), 6);

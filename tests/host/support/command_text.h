@@ -8,13 +8,14 @@
 
 #include "communicator_command.h"
 
+#include <QHash>
 #include <QString>
-#include <QStringList>
 
 inline QString commandText(const CommunicatorCommand &command)
 {
-    const QStringList types = {"bits", "bytes", "words", "dwords"};
-    return QString("%1 %2*%3").arg(types.at(command.dataType), command.address).arg(command.count);
+    static const QHash<int, QString> types = {
+        {kBits, "bits"}, {kBytes, "bytes"}, {kWords, "words"}, {kDoubleWords, "dwords"}};
+    return QString("%1 %2*%3").arg(types.value(command.dataType, "?"), command.address).arg(command.count);
 }
 
 #endif

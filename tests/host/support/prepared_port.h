@@ -34,7 +34,10 @@ public:
         sent = QByteArray(reinterpret_cast<const char *>(data), length);
         return length;
     }
-    bool setOption(int key, const QVariant &value) override { return key == 12 && value.toInt() == 0; }
+    bool setOption(int key, const QVariant &value) override
+    {
+        return key == kClearInput && value.toInt() == 0;
+    }
     int retry() override { return 4; }
     int stationId() override { return 5; }
     int delay() override { return 6; }
