@@ -10,7 +10,6 @@
 #include <QFileInfo>
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include <sys/stat.h>
@@ -89,16 +88,16 @@ Failure failureOf(const Claim &one, const Claim &other)
     return Failure(ExitCode::Usage, text.arg(output.name), "name another file");
 }
 
-void checkNamed(const char *option, const std::optional<std::string> &name)
+void checkNamed(const char *option, const std::optional<QString> &name)
 {
-    if (name && name->empty())
+    if (name && name->isEmpty())
         throw Failure(ExitCode::Usage, QString("no name is given with ") + option,
                       "name one, or leave the option out");
 }
 
-bool isStdout(const std::string &name)
+bool isStdout(const QString &name)
 {
-    return name == "-" || areSame(QString::fromStdString(name), kStdout);
+    return name == "-" || areSame(name, kStdout);
 }
 
 } // namespace
@@ -121,9 +120,9 @@ void settleFiles(Options &options)
     checkNamed("--plugin", options.plugin);
     if (options.output && isStdout(*options.output))
         options.output.reset();
-    claimFile(options.output ? QString::fromStdString(*options.output) : kStdout, FileRole::Data);
+    claimFile(options.output.value_or(kStdout), FileRole::Data);
     if (options.trace)
-        claimFile(QString::fromStdString(*options.trace), FileRole::Trace);
+        claimFile(*options.trace, FileRole::Trace);
 }
 
 } // namespace host

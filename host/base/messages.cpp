@@ -7,8 +7,6 @@
 #include "host/base/failure.h"
 #include "host/base/interruption.h"
 
-#include <QtGlobal>
-
 #include <cerrno>
 #include <iostream>
 #include <string>
@@ -107,6 +105,13 @@ void printBytes(const QByteArray &bytes)
 void installDriverLog(bool verbose)
 {
     qInstallMessageHandler(verbose ? show : showWarnings);
+}
+
+DriverLogPause::DriverLogPause() : before(qInstallMessageHandler(showWarnings)) {}
+
+DriverLogPause::~DriverLogPause()
+{
+    qInstallMessageHandler(before);
 }
 
 } // namespace host

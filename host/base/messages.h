@@ -8,6 +8,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 
 namespace host {
 
@@ -41,6 +42,19 @@ void printBytes(const QByteArray &bytes);
 // Where the messages of driver and Qt go: debug messages to stderr when verbose and nowhere otherwise;
 // warnings always go to stderr.
 void installDriverLog(bool verbose);
+
+// While it lives, debug messages of driver and Qt go nowhere.
+class DriverLogPause
+{
+public:
+    DriverLogPause();
+    ~DriverLogPause();
+
+private:
+    Q_DISABLE_COPY(DriverLogPause)
+
+    QtMessageHandler before;
+};
 
 } // namespace host
 

@@ -10,9 +10,9 @@
 #include "host/base/messages.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace host {
@@ -46,13 +46,11 @@ public:
     }
 
     // The meaning of all texts, each by parse(); every wrong one is reported.
-    template <typename Parse> auto parseAll(const std::vector<std::string> &texts, const Parse &parse)
+    template <typename Parse> auto parseAll(const QStringList &texts, const Parse &parse)
     {
         std::vector<decltype(parse(QString()))> parsed;
-        for (const std::string &text : texts) {
-            const QString subject = QString::fromStdString(text);
-            attempt(subject, [&] { parsed.push_back(parse(subject)); });
-        }
+        for (const QString &text : texts)
+            attempt(text, [&] { parsed.push_back(parse(text)); });
         return parsed;
     }
 

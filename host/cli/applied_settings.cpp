@@ -22,9 +22,9 @@ namespace {
 
 // What one option is set to besides the command line. Help, the version, the configuration file itself and
 // the place of one command's output are nobody's habit.
-Texts settableOptions(const CLI::App &app)
+Names settableOptions(const CLI::App &app)
 {
-    Texts names;
+    Names names;
     for (const CLI::Option *option : app.get_options())
         if (!option->get_lnames().empty())
             names.push_back(option->get_lnames().front());
@@ -115,7 +115,7 @@ void Applier::tell() const
 
 void applySettings(CLI::App &app, Options &options)
 {
-    const Texts names = settableOptions(app);
+    const Names names = settableOptions(app);
     const QString file = settingsFile(options.config);
     const std::vector<Setting> ofFile = file.isEmpty() ? std::vector<Setting>() : fileSettings(file, names);
     Applier applier(app, options);

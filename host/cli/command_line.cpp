@@ -11,6 +11,19 @@
 
 namespace host {
 
+namespace {
+
+CLI::Option *optionalText(CLI::App &app, const std::string &name, std::optional<QString> &value,
+                          const std::string &what)
+{
+    const auto take = [&value](const std::optional<std::string> &text) {
+        value = text ? std::optional(QString::fromStdString(*text)) : std::nullopt;
+    };
+    return app.add_option_function<std::optional<std::string>>(name, take, what);
+}
+
+} // namespace
+
 const char kTypesFooter[] = "Types: bool u8 i8 u16 i16 u32 i32 f32 hex bcd str. Options: s7ppi --help";
 
 CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, const std::string &what,
@@ -21,27 +34,34 @@ CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, 
     return added;
 }
 
-void setFooter(CLI::App &command, const std::string &text)
+void setFooter(CLI::App &command, const QString &text)
 {
-    command.footer(text);
+    command.footer(text.toStdString());
 }
 
-CLI::Option *addText(CLI::App &app, const std::string &name, std::string &value, const std::string &type,
+// The parser has texts as std::string, and calls these functions for what it finds.
+CLI::Option *addText(CLI::App &app, const std::string &name, QString &value, const std::string &type,
                      const std::string &what)
 {
-    return app.add_option(name, value, what)->type_name(type)->required();
+    const auto take = [&value](const std::string &text) { value = QString::fromStdString(text); };
+    return app.add_option_function<std::string>(name, take, what)->type_name(type)->required();
 }
 
-CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<std::string> &value,
+CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<QString> &value,
                      const std::string &type, const std::string &what)
 {
-    return app.add_option(name, value, what)->type_name(type);
+    return optionalText(app, name, value, what)->type_name(type);
 }
 
-CLI::Option *addTexts(CLI::App &app, const std::string &name, Texts &values, const std::string &type,
+CLI::Option *addTexts(CLI::App &app, const std::string &name, QStringList &values, const std::string &type,
                       const std::string &what)
 {
-    return app.add_option(name, values, what)->type_name(type);
+    const auto take = [&values](const std::vector<std::string> &texts) {
+        values.clear();
+        for (const std::string &text : texts)
+            values << QString::fromStdString(text);
+    };
+    return app.add_option_function<std::vector<std::string>>(name, take, what)->type_name(type);
 }
 
 CLI::Option *addFlag(CLI::App &app, const std::string &name, bool &value, const std::string &what)
@@ -58,8 +78,8 @@ CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int
         ->type_name("N");
 }
 
-CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std::string> &value,
-                       const Texts &words, const std::string &what)
+CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<QString> &value,
+                       const std::vector<std::string> &words, const std::string &what)
 {
     const auto complaint = [words](const std::string &word) {
         if (std::find(words.begin(), words.end(), word) != words.end())
@@ -69,10 +89,10 @@ CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std
                (nearest.empty() ? nearest : "; the nearest is " + nearest);
     };
     const std::string named = CLI::detail::join(words, std::string(1, kChoiceSeparator));
-    return app.add_option(name, value, what)->check(complaint, "", named)->type_name("NAME");
+    return optionalText(app, name, value, what)->check(complaint, "", named)->type_name("NAME");
 }
 
-CLI::Option *addItems(CLI::App &command, Texts &items, const std::string &what)
+CLI::Option *addItems(CLI::App &command, QStringList &items, const std::string &what)
 {
     CLI::Option *option = addTexts(command, "items", items, "ITEM", what);
     require(*option);

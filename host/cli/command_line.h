@@ -6,7 +6,7 @@
 //
 //   void declareRead(CLI::App &app, CommandLine &line)
 //   {
-//       const auto items = std::make_shared<Texts>();
+//       const auto items = std::make_shared<QStringList>();
 //       CLI::App *read = addCommand(app, line, "read", "Read items once",
 //                                   [items](const Options &options) { return readItems(options, *items); });
 //       addItems(*read, *items, "ADDRESS[:TYPE][*COUNT]");
@@ -16,6 +16,9 @@
 #define HOST_CLI_COMMAND_LINE_H
 
 #include "host/base/options.h"
+
+#include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -43,15 +46,15 @@ using Command = std::function<int(const Options &)>;
 CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, const std::string &what,
                      const Command &command);
 
-void setFooter(CLI::App &command, const std::string &text);
+void setFooter(CLI::App &command, const QString &text);
 
 // Arguments and options. A name without hyphens is an argument's; type is the word for the value in the help.
-// What goes into a plain string must be given.
-CLI::Option *addText(CLI::App &app, const std::string &name, std::string &value, const std::string &type,
+// A text without std::optional must be given.
+CLI::Option *addText(CLI::App &app, const std::string &name, QString &value, const std::string &type,
                      const std::string &what);
-CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<std::string> &value,
+CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<QString> &value,
                      const std::string &type, const std::string &what);
-CLI::Option *addTexts(CLI::App &app, const std::string &name, Texts &values, const std::string &type,
+CLI::Option *addTexts(CLI::App &app, const std::string &name, QStringList &values, const std::string &type,
                       const std::string &what);
 CLI::Option *addFlag(CLI::App &app, const std::string &name, bool &value, const std::string &what);
 
@@ -61,11 +64,11 @@ CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int
 
 // One of some words. Their check has them for its name, which is where a shell's completion finds them.
 constexpr char kChoiceSeparator = '|';
-CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<std::string> &value,
-                       const Texts &words, const std::string &what);
+CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<QString> &value,
+                       const std::vector<std::string> &words, const std::string &what);
 
 // The items of a command, one at least.
-CLI::Option *addItems(CLI::App &command, Texts &items, const std::string &what);
+CLI::Option *addItems(CLI::App &command, QStringList &items, const std::string &what);
 
 void require(CLI::Option &option);
 

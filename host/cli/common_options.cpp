@@ -16,9 +16,8 @@ namespace {
 void addPortOptions(CLI::App &app, Options &options)
 {
     const char *group = "Port and controller";
-    app.add_option("--port", options.port,
-                   std::string("Serial device, or \"") + kSimulatorPort + "\" for a simulated controller")
-        ->type_name("DEV")
+    addText(app, "--port", options.port, "DEV",
+            std::string("Serial device, or \"") + kSimulatorPort + "\" for a simulated controller")
         ->group(group);
     addNumber(app, "--station", options.station, kFirstStation + 1, kLastStation, "The controller's station")
         ->group(group);
@@ -55,8 +54,7 @@ void addOutputOptions(CLI::App &app, Options &options)
                    "Write the data to a file, whole or not at all; - is stdout")
         ->type_name("FILE")
         ->group(group);
-    app.add_option("--trace", options.trace, "Write every frame to a file: time, direction, bytes")
-        ->type_name("FILE")
+    addText(app, "--trace", options.trace, "FILE", "Write every frame to a file: time, direction, bytes")
         ->group(group);
     CLI::Option *quiet = app.add_flag("-q,--quiet", options.quiet, "Errors only on stderr")->group(group);
     app.add_flag("-v,--verbose", options.verbose, "Show every frame and the driver's messages on stderr")
@@ -71,8 +69,8 @@ void declareCommonOptions(CLI::App &app, Options &options)
     addPortOptions(app, options);
     addLineOptions(app, options);
     addOutputOptions(app, options);
-    app.add_option("--plugin", options.plugin, "The driver's library")->type_name("FILE");
-    app.add_option("--config", options.config, "A file with options, as \"baud = 19200\"")->type_name("FILE");
+    addText(app, "--plugin", options.plugin, "FILE", "The driver's library");
+    addText(app, "--config", options.config, "FILE", "A file with options, as \"baud = 19200\"");
 }
 
 } // namespace host

@@ -19,6 +19,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -53,7 +54,7 @@ void declare(CLI::App &app, CommandLine &line, const std::vector<Declare> &comma
 // The parser tells a word that is no command as a missing one, and calls commands by another name.
 std::string usageText(const CLI::App &app, const CLI::ParseError &error)
 {
-    const Texts unknown = app.remaining();
+    const std::vector<std::string> unknown = app.remaining();
     const bool hasCommand = !app.get_subcommands().empty();
     if (!hasCommand && !unknown.empty())
         return unknown.front() + " is not a command or option";
@@ -70,7 +71,7 @@ int printAbout(const CLI::App &app, const CLI::ParseError &request)
     return int(ExitCode::Success);
 }
 
-void addOptionNames(Texts &names, const CLI::App &app)
+void addOptionNames(std::vector<std::string> &names, const CLI::App &app)
 {
     for (const CLI::Option *option : app.get_options()) {
         for (const std::string &name : option->get_lnames())
@@ -84,12 +85,12 @@ void addOptionNames(Texts &names, const CLI::App &app)
 // word can be anything.
 std::string nearestHint(const CLI::App &app)
 {
-    const Texts unknown = app.remaining(true);
+    const std::vector<std::string> unknown = app.remaining(true);
     const bool hasCommand = !app.get_subcommands().empty();
     if (unknown.empty() || (hasCommand && unknown.front().front() != '-'))
         return std::string();
     const std::string word = unknown.front().substr(0, unknown.front().find('='));
-    Texts names;
+    std::vector<std::string> names;
     if (word.front() != '-')
         for (const CLI::App *command : app.get_subcommands([](const CLI::App *) { return true; }))
             names.push_back(command->get_name());

@@ -27,7 +27,7 @@ namespace {
 const char kVariableBegin[] = "S7PPI_";
 const char kFileVariable[] = "S7PPI_CONFIG";
 
-QString joined(const Texts &texts)
+QString joined(const Names &texts)
 {
     QStringList list;
     for (const std::string &text : texts)
@@ -36,7 +36,7 @@ QString joined(const Texts &texts)
 }
 
 // What the line could be. A # behind a setting is part of it.
-QString lineHint(const QByteArray &line, const Texts &options)
+QString lineHint(const QByteArray &line, const Names &options)
 {
     static const QRegularExpression comment("\\s#.*$");
     const QString text = utf8Text(line).trimmed();
@@ -53,7 +53,7 @@ bool isBlank(const QByteArray &line)
 }
 
 // One line at a time, so that an error can name it.
-Setting settingOf(const QByteArray &line, const QString &source, const Texts &options)
+Setting settingOf(const QByteArray &line, const QString &source, const Names &options)
 {
     const auto wrong = [&](const QString &text) {
         return Failure(ExitCode::Usage, source + ": " + text, lineHint(line, options));
@@ -88,7 +88,7 @@ std::string variableName(const std::string &option)
     return name.toStdString();
 }
 
-std::vector<Setting> environmentSettings(const Texts &options)
+std::vector<Setting> environmentSettings(const Names &options)
 {
     std::vector<Setting> settings;
     for (const std::string &option : options) {
@@ -100,7 +100,7 @@ std::vector<Setting> environmentSettings(const Texts &options)
     return settings;
 }
 
-QStringList strangeVariables(const Texts &options)
+QStringList strangeVariables(const Names &options)
 {
     QStringList variables = QProcessEnvironment::systemEnvironment().keys();
     variables.removeAll(kFileVariable);
@@ -109,7 +109,7 @@ QStringList strangeVariables(const Texts &options)
     return variables.filter(QRegularExpression('^' + QString(kVariableBegin)));
 }
 
-std::vector<Setting> fileSettings(const QString &name, const Texts &options)
+std::vector<Setting> fileSettings(const QString &name, const Names &options)
 {
     const QByteArray text =
         readFile(name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
@@ -121,10 +121,10 @@ std::vector<Setting> fileSettings(const QString &name, const Texts &options)
     return settings;
 }
 
-QString settingsFile(const std::optional<std::string> &named)
+QString settingsFile(const std::optional<QString> &named)
 {
     if (named)
-        return QString::fromStdString(*named);
+        return *named;
     if (qEnvironmentVariableIsSet(kFileVariable))
         return qEnvironmentVariable(kFileVariable);
     return QStandardPaths::locate(QStandardPaths::GenericConfigLocation, "s7ppi/config");

@@ -11,8 +11,6 @@
 #ifndef HOST_CLI_SETTINGS_H
 #define HOST_CLI_SETTINGS_H
 
-#include "host/base/options.h"
-
 #include <QString>
 #include <QStringList>
 
@@ -21,6 +19,9 @@
 #include <vector>
 
 namespace host {
+
+// Options' names as the parser has them, without hyphens.
+using Names = std::vector<std::string>;
 
 struct Setting
 {
@@ -32,17 +33,17 @@ struct Setting
 std::string variableName(const std::string &option);
 
 // What the environment says of these options.
-std::vector<Setting> environmentSettings(const Texts &options);
+std::vector<Setting> environmentSettings(const Names &options);
 
 // Variables that look as if they set an option and set none of these.
-QStringList strangeVariables(const Texts &options);
+QStringList strangeVariables(const Names &options);
 
 // What the file says. Fails when it cannot be read, and on a line that names none of these options.
-std::vector<Setting> fileSettings(const QString &file, const Texts &options);
+std::vector<Setting> fileSettings(const QString &file, const Names &options);
 
 // The file to read: the one that is named, or that the environment's S7PPI_CONFIG names, or the user's own,
 // ~/.config/s7ppi/config, if there is one. Empty when none shall be read; S7PPI_CONFIG set but empty says so.
-QString settingsFile(const std::optional<std::string> &named);
+QString settingsFile(const std::optional<QString> &named);
 
 } // namespace host
 

@@ -19,7 +19,6 @@
 #include <QStringList>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
@@ -197,7 +196,7 @@ void Checker::checkItem(const QString &text, const Item &item)
 void Checker::checkFile(const QString &reference)
 {
     Outcome lines; // of the file
-    for (const Tag &tag : parseTags({reference.toStdString()}, lines)) {
+    for (const Tag &tag : parseTags({reference}, lines)) {
         const QString text = reference + ':' + tag.name;
         attempt(text, [&] { checkItem(text, tag.item); });
     }
@@ -225,11 +224,11 @@ void Checker::finish()
                       "the data tell what could be meant instead");
 }
 
-int checkAll(const Options &options, const Texts &texts)
+int checkAll(const Options &options, const QStringList &texts)
 {
     Checker checker(options);
-    for (const std::string &text : texts)
-        checker.check(QString::fromStdString(text));
+    for (const QString &text : texts)
+        checker.check(text);
     checker.finish();
     return int(ExitCode::Success);
 }
@@ -238,12 +237,12 @@ int checkAll(const Options &options, const Texts &texts)
 
 void declareCheck(CLI::App &app, CommandLine &line)
 {
-    const auto items = std::make_shared<Texts>();
+    const auto items = std::make_shared<QStringList>();
     CLI::App *check =
         addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
                    [items](const Options &options) { return checkAll(options, *items); });
     addItems(*check, *items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
-    setFooter(*check, std::string(kTypesFooter) + '\n' + kFooter);
+    setFooter(*check, QString(kTypesFooter) + '\n' + kFooter);
 }
 
 } // namespace host

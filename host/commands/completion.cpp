@@ -12,7 +12,6 @@
 
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -23,16 +22,16 @@ const char kFooter[] = R"(
   zsh    s7ppi completion zsh >DIRECTORY/_s7ppi, a directory of $fpath
   fish   s7ppi completion fish >~/.config/fish/completions/s7ppi.fish)";
 
-QString scriptFor(const std::string &shell, const Completion &completion)
+QString scriptFor(const QString &shell, const Completion &completion)
 {
     if (shell == "zsh")
         return zshScript(completion);
     return shell == "fish" ? fishScript(completion) : bashScript(completion);
 }
 
-int writeScript(const Options &options, const std::string &shell, const Completion &completion)
+int writeScript(const OutputOptions &options, const QString &shell, const Completion &completion)
 {
-    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    const std::unique_ptr<OutputSink> sink = sinkFor(options);
     sink->put(scriptFor(shell, completion).toUtf8());
     sink->commit();
     return int(ExitCode::Success);
@@ -42,7 +41,7 @@ int writeScript(const Options &options, const std::string &shell, const Completi
 
 void declareCompletion(CLI::App &app, CommandLine &line)
 {
-    const auto shell = std::make_shared<std::optional<std::string>>();
+    const auto shell = std::make_shared<std::optional<QString>>();
     CLI::App *completion =
         addCommand(app, line, "completion", "Print a script with which a shell completes command lines",
                    [shell, &app](const Options &options) {

@@ -16,10 +16,10 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -27,8 +27,8 @@ namespace {
 
 struct DecodeOptions
 {
-    Texts bytes;
-    std::optional<std::string> trace;
+    QStringList bytes;
+    std::optional<QString> trace;
 };
 
 const Schema kSchema = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
@@ -50,7 +50,9 @@ constexpr int kToldLines = 5;
 class Decoder
 {
 public:
-    Decoder(const Options &options, const QString &source_) : output(options, kSchema), source(source_) {}
+    Decoder(const OutputOptions &options, const QString &source_) : output(options, kSchema), source(source_)
+    {
+    }
 
     // The frames in some bytes that passed together.
     void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
@@ -168,26 +170,26 @@ void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
             QString("%1: %2: no record of a trace").arg(fileName, counted(wrong - kToldLines, "more line")));
 }
 
-QByteArray bytesOf(const Texts &texts)
+QByteArray bytesOf(const QStringList &texts)
 {
-    if (texts.size() == 1 && texts.front() == "-")
+    if (texts.size() == 1 && texts.first() == "-")
         return parseHex(utf8Text(readInput("-")));
     QString joined;
-    for (const std::string &text : texts)
-        joined += QString::fromStdString(text) + '\n';
+    for (const QString &text : texts)
+        joined += text + '\n';
     return parseHex(joined);
 }
 
-int decode(const Options &options, const DecodeOptions &own)
+int decode(const OutputOptions &options, const DecodeOptions &own)
 {
-    if (own.trace.has_value() != own.bytes.empty())
+    if (own.trace.has_value() != own.bytes.isEmpty())
         throw Failure(ExitCode::Usage, "decode takes bytes or a trace",
                       "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
     Outcome outcome;
     const QByteArray bytes = bytesOf(own.bytes);
-    Decoder decoder(options, own.trace ? QString::fromStdString(*own.trace) + ": " : QString());
+    Decoder decoder(options, own.trace ? *own.trace + ": " : QString());
     if (own.trace)
-        decodeTrace(decoder, QString::fromStdString(*own.trace), outcome);
+        decodeTrace(decoder, *own.trace, outcome);
     else
         decoder.decode(bytes, QString(), Json::object());
     decoder.finish();

@@ -139,8 +139,8 @@ bool Doctor::choosePort()
 {
     return passes("port", [this]() -> QString {
         const bool isNamed = options.port.has_value();
-        QString port = choosePort(options);
-        options.port = port.toStdString();
+        QString port = host::choosePort(options);
+        options.port = port;
         if (port == kSimulatorPort && !isNamed)
             return "no USB serial adapter is there: a simulated controller";
         return port;
@@ -153,7 +153,7 @@ bool Doctor::examinePort()
         return true;
     PortDetails port;
     const bool exists = passes("adapter", [&] {
-        port = portDetails(QString::fromStdString(*options.port));
+        port = portDetails(*options.port);
         const QString text = adapterText(port);
         return text.isEmpty() ? "nothing is known of it" : text;
     });

@@ -12,7 +12,9 @@ namespace host {
 
 const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};
 
-DryRunOutput::DryRunOutput(const Options &options, Output &output_) : output(output_), requests(options) {}
+DryRunOutput::DryRunOutput(const DriverOptions &options, Output &output_) : output(output_), requests(options)
+{
+}
 
 void DryRunOutput::write(const WriteRequest &request) const
 {

@@ -22,7 +22,7 @@ class DryRunOutput
 {
 public:
     // The output must outlive it.
-    DryRunOutput(const Options &options, Output &output);
+    DryRunOutput(const DriverOptions &options, Output &output);
 
     // Both fail when the driver refuses the request and sends nothing.
     void write(const WriteRequest &request) const;

@@ -19,7 +19,6 @@
 #include <QString>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
@@ -27,7 +26,7 @@ namespace {
 
 struct DumpOptions
 {
-    std::string range;
+    QString range;
     bool restart = false; // forget what an earlier run has read
 };
 
@@ -41,14 +40,13 @@ command goes on where it stopped, also with another LAST. s7ppi load writes the 
 
 Options: s7ppi --help)";
 
-bool isRaw(const Options &options)
+bool isRaw(const OutputOptions &options)
 {
-    const std::string unasked = options.usualFormat == "raw" ? "raw" : "text";
-    const std::string format = options.format.value_or(unasked);
+    const QString unasked = options.usualFormat == "raw" ? "raw" : "text";
+    const QString format = options.format.value_or(unasked);
     tellUnlessUsual(options, format);
     if (format != "text" && format != "raw")
-        throw Failure(ExitCode::Usage, "dump has no " + QString::fromStdString(format) + " form",
-                      "choose --format text or raw");
+        throw Failure(ExitCode::Usage, "dump has no " + format + " form", "choose --format text or raw");
     return format == "raw";
 }
 
@@ -58,15 +56,15 @@ QString partName(const QString &name)
 }
 
 // The file is looked at before the long work, not only after it.
-QString checkedFile(const Options &options, const Item &range)
+QString checkedFile(const OutputOptions &options, const Item &range)
 {
     if (!options.output || *options.output == "-")
         throw Failure(ExitCode::Usage, "a dump needs a file",
                       QString("name it with -o FILE; s7ppi read '%1:hex*%2' prints the same memory")
                           .arg(range.address.text())
                           .arg(range.count));
-    outputSink(options);
-    QString name = QString::fromStdString(*options.output);
+    sinkFor(options);
+    QString name = *options.output;
     claimFile(partName(name), FileRole::Unfinished);
     return name;
 }
@@ -110,7 +108,7 @@ void readRest(Connection &connection, PartialDump &part, Progress &progress)
     }
 }
 
-void readAll(Connection &connection, PartialDump &part, const Options &options)
+void readAll(Connection &connection, PartialDump &part, const OutputOptions &options)
 {
     const Dump &dump = part.dump();
     const qint64 before = dump.data.size();
@@ -133,14 +131,14 @@ void readAll(Connection &connection, PartialDump &part, const Options &options)
 
 int dumpRange(const Options &options, const DumpOptions &own)
 {
-    const Item range = parseRange(QString::fromStdString(own.range));
+    const Item range = parseRange(own.range);
     const bool raw = isRaw(options);
     const QString name = checkedFile(options, range);
     Connection connection(options);
     PartialDump part(partName(name), {range, connection.stationId(), connection.portLabel()}, own.restart);
     readAll(connection, part, options);
 
-    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    const std::unique_ptr<OutputSink> sink = sinkFor(options);
     sink->put(raw ? part.dump().data : dumpText(part.dump()));
     sink->commit();
     part.remove();

@@ -22,7 +22,6 @@
 
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -32,11 +31,11 @@ const char kFileHint[] = "name a file that s7ppi dump has made";
 
 struct LoadOptions
 {
-    std::string file;
-    std::optional<std::string> target; // an address instead of the one in the file
-    bool verify = false;               // read everything back and compare it
-    bool dryRun = false;               // print the frames on stdout and send nothing
-    bool restart = false;              // forget how far an earlier run came
+    QString file;
+    std::optional<QString> target; // an address instead of the one in the file
+    bool verify = false;           // read everything back and compare it
+    bool dryRun = false;           // print the frames on stdout and send nothing
+    bool restart = false;          // forget how far an earlier run came
 };
 
 const char kFooter[] = R"(
@@ -58,43 +57,39 @@ struct Load
 };
 
 // As many elements from an address on as the data fill.
-Item targetAt(const std::string &address, const QByteArray &data)
+Item targetAt(const QString &address, const QByteArray &data)
 {
-    const QString text = QString::fromStdString(address);
     try {
-        const Item first = rangeFrom(parseAddress(text), 1);
+        const Item first = rangeFrom(parseAddress(address), 1);
         if (data.size() % first.valueSize() != 0)
             throw Failure(ExitCode::Usage,
                           QString("%1 bytes are no whole number of elements").arg(data.size()),
                           "choose an address of bytes, as VB0");
         return rangeFrom(first.address, int(data.size()) / first.valueSize());
     } catch (const Failure &failure) {
-        throw failure.about(text);
+        throw failure.about(address);
     }
 }
 
 Load rawLoad(const LoadOptions &own)
 {
-    const QString name = QString::fromStdString(own.file);
     if (!own.target)
         throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
                       "name the first address with --to ADDRESS");
-    const QByteArray data = readFile(name, kFileHint);
+    const QByteArray data = readFile(own.file, kFileHint);
     if (data.isEmpty())
-        throw Failure(ExitCode::Usage, name + " is empty", "name a file that has bytes in it");
+        throw Failure(ExitCode::Usage, own.file + " is empty", "name a file that has bytes in it");
     return {targetAt(*own.target, data), data, std::nullopt};
 }
 
-Load loadOf(const Options &options, const LoadOptions &own)
+Load loadOf(const OutputOptions &options, const LoadOptions &own)
 {
-    const std::string format = options.format.value_or("text");
+    const QString format = options.format.value_or("text");
     if (format == "raw")
         return rawLoad(own);
     if (format != "text" && !own.dryRun) // then it is the form of the frames
-        throw Failure(ExitCode::Usage, "load reads no " + QString::fromStdString(format),
-                      "choose --format text or raw");
-    const QString name = QString::fromStdString(own.file);
-    const Dump dump = parseDump(readFile(name, kFileHint), name);
+        throw Failure(ExitCode::Usage, "load reads no " + format, "choose --format text or raw");
+    const Dump dump = parseDump(readFile(own.file, kFileHint), own.file);
     return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
 }
 
@@ -135,7 +130,8 @@ Failure failureOf(const Differences &differences)
 class Loading
 {
 public:
-    Loading(Connection &connection_, const Load &load_, const LoadState &state_, const Options &options_)
+    Loading(Connection &connection_, const Load &load_, const LoadState &state_,
+            const OutputOptions &options_)
         : connection(connection_), load(load_), state(state_), options(options_)
     {
     }
@@ -156,7 +152,7 @@ private:
     Connection &connection;
     const Load &load;
     const LoadState &state;
-    const Options &options;
+    const OutputOptions &options;
     int written = 0;
     std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
 };
@@ -307,7 +303,7 @@ int dryRunLoad(Options options, const Load &load, bool verify)
 int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 {
     tellUnlessUsual(options, options.format.value_or("text"));
-    const QString stateName = QString::fromStdString(own.file) + ".loading";
+    const QString stateName = own.file + ".loading";
     claimFile(stateName, FileRole::Unfinished);
     Connection connection(options);
     const int station = connection.stationId();

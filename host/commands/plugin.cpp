@@ -12,7 +12,6 @@
 #include <QStringList>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
@@ -32,7 +31,7 @@ QString findingLine(const PluginFinding &finding)
     return (finding.isGood ? "  " : "! ") + finding.what.leftJustified(kWhatWidth) + ' ' + finding.text;
 }
 
-int examine(const Options &options, const QString &fileName)
+int examine(const OutputOptions &options, const QString &fileName)
 {
     Output output(options, kSchema);
     const Examination examination = examinePlugin(fileName);
@@ -60,10 +59,9 @@ int examine(const Options &options, const QString &fileName)
 
 void declarePlugin(CLI::App &app, CommandLine &line)
 {
-    const auto file = std::make_shared<std::string>();
-    CLI::App *plugin = addCommand(
-        app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
-        [file](const Options &options) { return examine(options, QString::fromStdString(*file)); });
+    const auto file = std::make_shared<QString>();
+    CLI::App *plugin = addCommand(app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
+                                  [file](const Options &options) { return examine(options, *file); });
     addText(*plugin, "file", *file, "FILE", "The library, for this machine or another");
     setFooter(*plugin, kFooter);
 }

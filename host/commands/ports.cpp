@@ -14,7 +14,6 @@
 #include <QStringList>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
@@ -64,16 +63,13 @@ Json recordOf(const PortDetails &port)
             {"advice", jsonText(portAdvice(port).join("; "))}};
 }
 
-QStringList chosenPorts(const Texts &names)
+QStringList chosenPorts(const QStringList &names)
 {
-    QStringList ports;
-    for (const std::string &name : names)
-        ports << QString::fromStdString(name);
-    return names.empty() ? serialPorts() : ports;
+    return names.isEmpty() ? serialPorts() : names;
 }
 
 // Ports that do not exist are reported, the others listed.
-int listPorts(const Options &options, const Texts &names)
+int listPorts(const OutputOptions &options, const QStringList &names)
 {
     Output output(options, {"ports",
                             1,
@@ -97,7 +93,7 @@ int listPorts(const Options &options, const Texts &names)
 
 void declarePorts(CLI::App &app, CommandLine &line)
 {
-    const auto names = std::make_shared<Texts>();
+    const auto names = std::make_shared<QStringList>();
     CLI::App *ports = addCommand(app, line, "ports", "List serial ports, their adapters and who uses them",
                                  [names](const Options &options) { return listPorts(options, *names); });
     addTexts(*ports, "ports", *names, "PORT", "These instead of all");

@@ -13,9 +13,10 @@
 #include "host/output/output.h"
 
 #include <QByteArray>
+#include <QString>
+#include <QStringList>
 
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace host {
@@ -67,7 +68,7 @@ void Reader::read(const Tag &tag)
 }
 
 // All texts must be right before the first item is read.
-int readItems(const Options &options, const Texts &texts)
+int readItems(const Options &options, const QStringList &texts)
 {
     Outcome outcome;
     const std::vector<Tag> tags = parseTags(texts, outcome);
@@ -80,12 +81,12 @@ int readItems(const Options &options, const Texts &texts)
 
 void declareRead(CLI::App &app, CommandLine &line)
 {
-    const auto items = std::make_shared<Texts>();
+    const auto items = std::make_shared<QStringList>();
     CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
                                 [items](const Options &options) { return readItems(options, *items); });
     addItems(*read, *items,
              "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
-    setFooter(*read, std::string(kTypesFooter) + kFooter);
+    setFooter(*read, QString(kTypesFooter) + kFooter);
 }
 
 } // namespace host

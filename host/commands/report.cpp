@@ -15,7 +15,6 @@
 #include <QString>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
@@ -28,13 +27,13 @@ const char kFooter[] = R"(
 One page with a trend of every value, answer times, and errors by their cause. It needs no
 script and no network, and goes to stdout without -o.)";
 
-int report(const Options &options, const QString &fileName)
+int report(const OutputOptions &options, const QString &fileName)
 {
     const Recording recording = parseRecording(fileName, readInput(fileName));
     if (recording.leftOut > 0)
         reportWarning(QString("%1: %2 left out, headings that come again or lines that were cut")
                           .arg(fileName, counted(recording.leftOut, "line")));
-    const std::unique_ptr<OutputSink> sink = outputSink(options);
+    const std::unique_ptr<OutputSink> sink = sinkFor(options);
     sink->put(reportPage(recording, QFileInfo(fileName).fileName()));
     sink->commit();
     return int(ExitCode::Success);
@@ -44,10 +43,9 @@ int report(const Options &options, const QString &fileName)
 
 void declareReport(CLI::App &app, CommandLine &line)
 {
-    const auto file = std::make_shared<std::string>();
-    CLI::App *command =
-        addCommand(app, line, "report", "Make a page of what watch -o FILE.csv recorded",
-                   [file](const Options &options) { return report(options, QString::fromStdString(*file)); });
+    const auto file = std::make_shared<QString>();
+    CLI::App *command = addCommand(app, line, "report", "Make a page of what watch -o FILE.csv recorded",
+                                   [file](const Options &options) { return report(options, *file); });
     addText(*command, "file", *file, "FILE", "The record, as watch writes it; - reads it from stdin");
     setFooter(*command, kFooter);
 }

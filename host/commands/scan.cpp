@@ -22,7 +22,6 @@
 
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -30,8 +29,8 @@ namespace {
 
 struct ScanOptions
 {
-    std::optional<std::string> stations;
-    std::optional<std::string> bauds;
+    std::optional<QString> stations;
+    std::optional<QString> bauds;
 };
 
 const char kFooter[] = R"(
@@ -55,7 +54,7 @@ constexpr int kTimeout = 200;
 QList<int> baudsOf(const Options &options, const ScanOptions &own)
 {
     if (own.bauds)
-        return parseNumbers(*own.bauds == "all" ? kAllBauds : QString::fromStdString(*own.bauds), kBaud);
+        return parseNumbers(*own.bauds == "all" ? kAllBauds : *own.bauds, kBaud);
     if (options.baud)
         return {*options.baud};
     const Plugin plugin(findPlugin(options));
@@ -134,8 +133,7 @@ private:
 };
 
 Scan::Scan(const Options &options_, const ScanOptions &own)
-    : options(options_),
-      stations(parseNumbers(own.stations ? QString::fromStdString(*own.stations) : kAllStations, kStation)),
+    : options(options_), stations(parseNumbers(own.stations.value_or(kAllStations), kStation)),
       bauds(baudsOf(options_, own)),
       output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
       progress(options_, {"scan", "stations", qint64(stations.size()) * bauds.size(), 0, 0})

@@ -17,12 +17,12 @@
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QString>
+#include <QStringList>
 
 #include <algorithm>
 #include <chrono>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace host {
@@ -31,13 +31,13 @@ namespace {
 
 struct WatchOptions
 {
-    Texts items;
-    std::optional<int> interval;       // milliseconds from the start of one poll to that of the next
-    std::optional<int> polls;          // without a number until interrupted
-    bool all = false;                  // plain lines for every poll, not only for changes
-    bool plot = false;                 // curves instead of the table
-    std::optional<std::string> select; // which of the items the curves show
-    std::optional<int> span;           // minutes that they show
+    QStringList items;
+    std::optional<int> interval;   // milliseconds from the start of one poll to that of the next
+    std::optional<int> polls;      // without a number until interrupted
+    bool all = false;              // plain lines for every poll, not only for changes
+    bool plot = false;             // curves instead of the table
+    std::optional<QString> select; // which of the items the curves show
+    std::optional<int> span;       // minutes that they show
 };
 
 const char kFooter[] = R"(
@@ -170,13 +170,13 @@ int intervalOf(const WatchOptions &options)
 }
 
 // People follow on a terminal, unless the data or the frames go there.
-bool showsTable(const Options &options)
+bool showsTable(const OutputOptions &options)
 {
     return !options.verbose && !Recorder::isOnStdout(options) && TerminalScreen::isThere();
 }
 
 // The items that --plot draws; none without it.
-std::vector<Tag> plottedTags(const Options &options, const WatchOptions &watchOptions,
+std::vector<Tag> plottedTags(const OutputOptions &options, const WatchOptions &watchOptions,
                              const std::vector<Tag> &tags)
 {
     if (!watchOptions.plot)
@@ -186,11 +186,11 @@ std::vector<Tag> plottedTags(const Options &options, const WatchOptions &watchOp
             ExitCode::Usage, "--plot needs the terminal to itself",
             "leave out --verbose and --format, or write the data with -o FILE.csv and make a page of it "
             "with s7ppi report");
-    const QString names = QString::fromStdString(watchOptions.select.value_or(""));
+    const QString names = watchOptions.select.value_or(QString());
     return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
 }
 
-std::unique_ptr<View> peoplesView(const Options &options, const WatchOptions &watchOptions,
+std::unique_ptr<View> peoplesView(const OutputOptions &options, const WatchOptions &watchOptions,
                                   const std::vector<Tag> &plotted, const Connection &connection)
 {
     if (!showsTable(options))
@@ -285,7 +285,7 @@ void declareWatch(CLI::App &app, CommandLine &line)
         addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5");
     tie(*select, *plot);
     tie(*span, *plot);
-    setFooter(*watch, std::string(kTypesFooter) + kFooter);
+    setFooter(*watch, QString(kTypesFooter) + kFooter);
 }
 
 } // namespace host

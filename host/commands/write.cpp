@@ -20,9 +20,9 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace host {
@@ -31,7 +31,7 @@ namespace {
 
 struct WriteOptions
 {
-    Texts items;
+    QStringList items;
     bool verify = false; // read back what was written, print it, and fail when it is something else
     bool dryRun = false; // print the frames on stdout and send nothing
 };
@@ -150,7 +150,7 @@ void Writer::readBack(const Assignment &assignment)
 
 // What the driver refuses without a frame it refuses here. The first request of a long item is enough: the
 // others differ in number and count.
-void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
+void checkWritable(const std::vector<Assignment> &assignments, const DriverOptions &options, Outcome &outcome)
 {
     const DryRun frames(options);
     for (const Assignment &assignment : assignments)
@@ -203,7 +203,7 @@ void declareWrite(CLI::App &app, CommandLine &line)
              "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
     addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
     addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
-    setFooter(*write, std::string(kTypesFooter) + kFooter);
+    setFooter(*write, QString(kTypesFooter) + kFooter);
 }
 
 } // namespace host

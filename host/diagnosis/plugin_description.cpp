@@ -28,7 +28,7 @@ QString bitsText(int flags)
 Json lineFields(const LineSettings &line)
 {
     return {{"baud", line.baud},
-            {"parity", parityName(line.parity).toStdString()},
+            {"parity", jsonText(parityName(line.parity))},
             {"databits", line.dataBits},
             {"stopbits", line.stopBits}};
 }

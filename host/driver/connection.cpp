@@ -40,7 +40,7 @@ void pauseFor(int milliseconds)
         throw Interrupted();
 }
 
-Timing timingWith(const DriverSetting &defaults, const Options &options)
+Timing timingWith(const DriverSetting &defaults, const DriverOptions &options)
 {
     return {options.timeout.value_or(defaults.timeout), options.retries.value_or(defaults.retry),
             options.station.value_or(defaults.stationid), options.delay.value_or(defaults.delay)};
@@ -58,7 +58,7 @@ Connection::Connection(const Options &options, FrameListener *watcher_)
 }
 
 // The name of the device to open.
-QString Connection::startPort(const Options &options)
+QString Connection::startPort(const PortOptions &options)
 {
     const bool isNamed = options.port.has_value();
     QString chosen = choosePort(options);
@@ -100,7 +100,7 @@ void Connection::openPort(const QString &name, const Options &options)
     listened = std::make_unique<TracingPort>(*device, listeners(line, options));
 }
 
-std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const Options &options)
+std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const OutputOptions &options)
 {
     std::vector<FrameListener *> listeners = {&exchange, &session};
     if (options.verbose) {
@@ -109,8 +109,7 @@ std::vector<FrameListener *> Connection::listeners(const LineSettings &line, con
         listeners.push_back(lines.get());
     }
     if (options.trace) {
-        traceFile = std::make_unique<TraceFile>(QString::fromStdString(*options.trace),
-                                                port->portName() + ", " + lineText(line));
+        traceFile = std::make_unique<TraceFile>(*options.trace, port->portName() + ", " + lineText(line));
         listeners.push_back(traceFile.get());
     }
     if (watcher)

@@ -83,10 +83,10 @@ public:
     };
 
 private:
-    QString startPort(const Options &options);
+    QString startPort(const PortOptions &options);
     QString startSimulator();
     void openPort(const QString &name, const Options &options);
-    std::vector<FrameListener *> listeners(const LineSettings &line, const Options &options);
+    std::vector<FrameListener *> listeners(const LineSettings &line, const OutputOptions &options);
     void showLine(const LineSettings &line) const;
     bool isAlive() const;
     void checkPort() const;

@@ -3,22 +3,14 @@
 
 #include "host/driver/dry_run.h"
 
-#include "host/base/messages.h"
 #include "host/driver/driver_fault.h"
 #include "host/driver/dry_run_port.h"
 
 namespace host {
 
-DryRun::DryRun(const Options &options)
-    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid)),
-      showsLog(options.verbose)
+DryRun::DryRun(const DriverOptions &options)
+    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid))
 {
-    installDriverLog(false);
-}
-
-DryRun::~DryRun()
-{
-    installDriverLog(showsLog);
 }
 
 QList<QByteArray> DryRun::ofRead(const CommunicatorCommand &command) const

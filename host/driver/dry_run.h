@@ -6,6 +6,7 @@
 #ifndef HOST_DRIVER_DRY_RUN_H
 #define HOST_DRIVER_DRY_RUN_H
 
+#include "host/base/messages.h"
 #include "host/driver/plugin.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
@@ -22,22 +23,18 @@ class DryRunPort;
 class DryRun
 {
 public:
-    // While it lives the driver's messages are not shown: here they say only that nobody answers.
-    explicit DryRun(const Options &options);
-    ~DryRun();
+    explicit DryRun(const DriverOptions &options);
 
     // The request and the poll behind it. Both fail when the driver refuses the request and sends nothing.
     QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
     QList<QByteArray> ofWrite(const WriteRequest &request) const;
 
 private:
-    Q_DISABLE_COPY(DryRun)
-
     QList<QByteArray> framesOf(const std::function<void(DryRunPort *)> &request) const;
 
     Plugin plugin;
     int station;
-    bool showsLog; // before and after
+    DriverLogPause noLog; // the driver's messages would say only that nobody answers
 };
 
 } // namespace host

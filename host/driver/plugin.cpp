@@ -71,10 +71,10 @@ QStringList pluginPlaces(const QString &programDirectory)
     return places;
 }
 
-QString findPlugin(const Options &options)
+QString findPlugin(const DriverOptions &options)
 {
     if (options.plugin)
-        return QString::fromStdString(*options.plugin);
+        return *options.plugin;
     if (qEnvironmentVariableIsSet(kVariable))
         return qEnvironmentVariable(kVariable);
     const QStringList places = pluginPlaces(QCoreApplication::applicationDirPath());

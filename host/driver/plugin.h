@@ -44,7 +44,7 @@ QStringList pluginPlaces(const QString &programDirectory);
 
 // The plug-in to load: --plugin, then the environment's S7PPI_PLUGIN, then the first place that has one.
 // Fails when none has.
-QString findPlugin(const Options &options);
+QString findPlugin(const DriverOptions &options);
 
 } // namespace host
 

@@ -90,12 +90,12 @@ Assignment parseAssignment(const QString &text)
     return isTagReference(target) ? assign(findTag(target), values) : assignToItem(target, values);
 }
 
-std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome)
+std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome)
 {
     std::vector<Assignment> assignments;
-    for (size_t i = 0; i < texts.size(); ++i) {
-        const QString text = QString::fromStdString(texts.at(i));
-        const QString next = i + 1 < texts.size() ? QString::fromStdString(texts.at(i + 1)) : QString();
+    for (int i = 0; i < int(texts.size()); ++i) {
+        const QString &text = texts.at(i);
+        const QString next = texts.value(i + 1);
         const bool isTorn = isTornApart(text, next);
         outcome.attempt(text, [&] {
             assignments.push_back(isTorn ? throw withoutValue(text.section('*', 0, 0) + '=' + next)

@@ -12,12 +12,12 @@
 #ifndef HOST_ITEMS_ASSIGNMENT_H
 #define HOST_ITEMS_ASSIGNMENT_H
 
-#include "host/base/options.h"
 #include "host/base/outcome.h"
 #include "host/items/tag.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -33,7 +33,7 @@ struct Assignment
 Assignment parseAssignment(const QString &text);
 
 // Those of all texts; every wrong one is reported.
-std::vector<Assignment> parseAssignments(const Texts &texts, Outcome &outcome);
+std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome);
 
 // The same for a tag and its values. Fails when there are more of them than the tag has.
 Assignment assign(Tag tag, const QString &values);

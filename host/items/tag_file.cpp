@@ -13,7 +13,6 @@
 
 #include <cmath>
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -224,11 +223,10 @@ Tag findTag(const QString &reference)
     throw unknownTag(name, tags);
 }
 
-std::vector<Tag> parseTags(const Texts &texts, Outcome &outcome)
+std::vector<Tag> parseTags(const QStringList &texts, Outcome &outcome)
 {
     std::vector<Tag> tags;
-    for (const std::string &item : texts) {
-        const QString text = QString::fromStdString(item);
+    for (const QString &text : texts) {
         outcome.attempt(text, [&] {
             if (!isTagReference(text))
                 tags.emplace_back(parseItem(text));

@@ -15,12 +15,12 @@
 #ifndef HOST_ITEMS_TAG_FILE_H
 #define HOST_ITEMS_TAG_FILE_H
 
-#include "host/base/options.h"
 #include "host/base/outcome.h"
 #include "host/items/tag.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -39,7 +39,7 @@ Failure brokenTagFile();
 Tag findTag(const QString &reference);
 
 // Items as the command line names them; a tag file stands for all the tags in it.
-std::vector<Tag> parseTags(const Texts &texts, Outcome &outcome);
+std::vector<Tag> parseTags(const QStringList &texts, Outcome &outcome);
 
 } // namespace host
 

@@ -12,7 +12,6 @@
 #include <QStringList>
 
 #include <optional>
-#include <string>
 
 namespace host {
 
@@ -20,24 +19,24 @@ namespace {
 
 const QStringList kFormatNames = {"text", "json", "ndjson", "csv", "tsv", "raw"};
 
-Format formatNamed(const std::string &name)
+Format formatNamed(const QString &name)
 {
-    return Format(kFormatNames.indexOf(QString::fromStdString(name)));
+    return Format(kFormatNames.indexOf(name));
 }
 
 // Of an output file's name, if that says anything.
-std::optional<Format> formatBySuffix(const Options &options)
+std::optional<Format> formatBySuffix(const OutputOptions &options)
 {
-    const QString suffix = QFileInfo(QString::fromStdString(options.output.value_or(""))).suffix();
+    const QString suffix = QFileInfo(options.output.value_or(QString())).suffix();
     if (suffix == "txt")
         return Format::Text;
     if (suffix == "raw" || !kFormatNames.contains(suffix))
         return std::nullopt;
-    return formatNamed(suffix.toStdString());
+    return formatNamed(suffix);
 }
 
 // What is nobody's wish for this command.
-Format unaskedFormat(const Options &options, const Schema &schema)
+Format unaskedFormat(const OutputOptions &options, const Schema &schema)
 {
     const Format format = formatNamed(options.usualFormat.value_or("text"));
     return format == Format::Raw && !schema.hasRaw ? Format::Text : format;
@@ -45,7 +44,7 @@ Format unaskedFormat(const Options &options, const Schema &schema)
 
 } // namespace
 
-Format formatOf(const Options &options, const Schema &schema)
+Format formatOf(const OutputOptions &options, const Schema &schema)
 {
     if (!options.format)
         return formatBySuffix(options).value_or(unaskedFormat(options, schema));
@@ -56,17 +55,17 @@ Format formatOf(const Options &options, const Schema &schema)
     return format;
 }
 
-void tellUnlessUsual(const Options &options, const std::string &format)
+void tellUnlessUsual(const OutputOptions &options, const QString &format)
 {
     if (options.verbose && options.usualFormat && *options.usualFormat != format)
-        reportNote(QString("the usual format %1 is left out: the data are %2")
-                       .arg(QString::fromStdString(*options.usualFormat), QString::fromStdString(format)));
+        reportNote(
+            QString("the usual format %1 is left out: the data are %2").arg(*options.usualFormat, format));
 }
 
-Output::Output(const Options &options, const Schema &schema)
-    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, outputSink(options)))
+Output::Output(const OutputOptions &options, const Schema &schema)
+    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, sinkFor(options)))
 {
-    tellUnlessUsual(options, kFormatNames.at(int(chosen)).toStdString());
+    tellUnlessUsual(options, kFormatNames.at(int(chosen)));
 }
 
 Output::~Output()

@@ -28,15 +28,14 @@
 #include <QString>
 
 #include <memory>
-#include <string>
 
 namespace host {
 
 // Fails when the command line asks for a form that the command does not have.
-Format formatOf(const Options &options, const Schema &schema);
+Format formatOf(const OutputOptions &options, const Schema &schema);
 
 // With --verbose tells that data are in another form than usual.
-void tellUnlessUsual(const Options &options, const std::string &format);
+void tellUnlessUsual(const OutputOptions &options, const QString &format);
 
 class OutputForm;
 
@@ -44,7 +43,7 @@ class Output
 {
 public:
     // Fails when the command has no such form, or the file cannot be written.
-    Output(const Options &options, const Schema &schema);
+    Output(const OutputOptions &options, const Schema &schema);
 
     // After Ctrl-C finishes what was got; otherwise an output that was not finished leaves no file.
     ~Output();

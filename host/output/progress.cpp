@@ -80,7 +80,7 @@ QString summaryText(const Work &work, qint64 milliseconds)
         .arg(rateText(rateOf(work, milliseconds), work.unit));
 }
 
-Progress::Progress(const Options &options, const Work &work_) : style(styleFor(options)), work(work_)
+Progress::Progress(const OutputOptions &options, const Work &work_) : style(styleFor(options)), work(work_)
 {
     sinceStart.start();
     sinceShown.start();
@@ -93,7 +93,7 @@ Progress::~Progress()
     clear();
 }
 
-Progress::Style Progress::styleFor(const Options &options)
+Progress::Style Progress::styleFor(const OutputOptions &options)
 {
     if (options.quiet)
         return Style::None;

@@ -37,7 +37,7 @@ class Progress
 {
 public:
     // Shows nothing when the options say quiet, and lines when they say verbose.
-    Progress(const Options &options, const Work &work);
+    Progress(const OutputOptions &options, const Work &work);
 
     // Leaves the terminal's line empty.
     ~Progress();
@@ -59,7 +59,7 @@ public:
 private:
     enum class Style { None, InPlace, Lines };
 
-    static Style styleFor(const Options &options);
+    static Style styleFor(const OutputOptions &options);
     void show();
 
     Style style;

@@ -72,11 +72,11 @@ Failure FileSink::lost() const
 
 } // namespace
 
-std::unique_ptr<OutputSink> outputSink(const Options &options)
+std::unique_ptr<OutputSink> sinkFor(const OutputOptions &options)
 {
     if (!options.output || *options.output == "-")
         return std::make_unique<StdoutSink>();
-    return std::make_unique<FileSink>(QString::fromStdString(*options.output));
+    return std::make_unique<FileSink>(*options.output);
 }
 
 } // namespace host

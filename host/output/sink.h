@@ -26,7 +26,7 @@ public:
 };
 
 // The file that -o names, or stdout without one or for "-".
-std::unique_ptr<OutputSink> outputSink(const Options &options);
+std::unique_ptr<OutputSink> sinkFor(const OutputOptions &options);
 
 } // namespace host
 

@@ -10,7 +10,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <string>
 
 namespace host {
 
@@ -43,9 +42,9 @@ int stopBitsOfCode(int code)
     return code == kTwoStopBits ? 2 : 1;
 }
 
-ParityCode parityOfName(const std::string &name)
+ParityCode parityOfName(const QString &name)
 {
-    return ParityCode(kParityNames.indexOf(QString::fromStdString(name)));
+    return ParityCode(kParityNames.indexOf(name));
 }
 
 QString parityText(ParityCode parity)
@@ -67,7 +66,7 @@ LineSettings lineSettings(const DeviceSetting &setting)
             stopBitsOfCode(setting.stopbits)};
 }
 
-LineSettings withOptions(LineSettings settings, const Options &options)
+LineSettings withOptions(LineSettings settings, const LineOptions &options)
 {
     settings.baud = options.baud.value_or(settings.baud);
     settings.dataBits = options.dataBits.value_or(settings.dataBits);

@@ -26,7 +26,7 @@ struct LineSettings
 LineSettings lineSettings(const DeviceSetting &setting);
 
 // The settings with everything replaced that the options name.
-LineSettings withOptions(LineSettings settings, const Options &options);
+LineSettings withOptions(LineSettings settings, const LineOptions &options);
 
 // "9600 baud, even parity, 8 data bits, 1 stop bit"
 QString lineText(const LineSettings &settings);

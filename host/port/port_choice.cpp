@@ -48,9 +48,9 @@ QString usualPort(const QList<UsbAdapter> &adapters)
     return adapter.isEmpty() ? QString(kSimulatorPort) : adapter;
 }
 
-QString choosePort(const Options &options)
+QString choosePort(const PortOptions &options)
 {
-    return options.port ? QString::fromStdString(*options.port) : usualPort(usbAdapters());
+    return options.port ? *options.port : usualPort(usbAdapters());
 }
 
 } // namespace host

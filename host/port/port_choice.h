@@ -29,7 +29,7 @@ QString onlyAdapter(const QList<UsbAdapter> &adapters);
 QString usualPort(const QList<UsbAdapter> &adapters);
 
 // The port that the options name, or else the usual one of this machine.
-QString choosePort(const Options &options);
+QString choosePort(const PortOptions &options);
 
 } // namespace host
 

@@ -39,9 +39,9 @@ double milliseconds(WatchDuration time)
 
 } // namespace
 
-Recorder::Recorder(const Options &options, bool all_) : output(options, kSchema), all(all_) {}
+Recorder::Recorder(const OutputOptions &options, bool all_) : output(options, kSchema), all(all_) {}
 
-bool Recorder::isOnStdout(const Options &options)
+bool Recorder::isOnStdout(const OutputOptions &options)
 {
     return !options.output && formatOf(options, kSchema) != Format::Text;
 }

@@ -16,10 +16,10 @@ class Recorder : public View
 {
 public:
     // all: every poll, not only news.
-    Recorder(const Options &options, bool all);
+    Recorder(const OutputOptions &options, bool all);
 
     // Whether stdout is for programs, by the form that the data have there.
-    static bool isOnStdout(const Options &options);
+    static bool isOnStdout(const OutputOptions &options);
 
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
                   WatchNews news) override;

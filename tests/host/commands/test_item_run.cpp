@@ -52,7 +52,7 @@ void TestItemRun::init()
 int TestItemRun::run(const std::map<int, ExitCode> &failures)
 {
     Options options;
-    options.output = file.toStdString();
+    options.output = file;
     Output output(options, kSchema);
     const std::vector<Tag> tags = {parseItem("VB0"), parseItem("VB1"), parseItem("VB2"), parseItem("VB3")};
     return runItems(tags, output, [&](int index) {

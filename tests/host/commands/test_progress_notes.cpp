@@ -52,7 +52,7 @@ void TestProgressNotes::aLostPortIsToldAboveTheProgress()
     const PseudoLine second;
     QVERIFY(QFile::link(first.name(), name));
     Options options;
-    options.port = name.toStdString();
+    options.port = name;
     options.plugin = PLUGIN_FILE;
     options.reconnect = true;
     Connection connection(options);

@@ -106,7 +106,7 @@ void Adapter::serveUntil(Stage stage)
 Options optionsFor(const QString &port)
 {
     Options options;
-    options.port = port.toStdString();
+    options.port = port;
     options.plugin = PLUGIN_FILE;
     options.timeout = 5000;
     options.retries = 0;

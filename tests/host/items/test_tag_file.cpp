@@ -158,7 +158,7 @@ void TestTagFile::aTagThatIsNotThereIsToldWithThoseThatAre()
 void TestTagFile::itemsAndFilesMix()
 {
     Outcome outcome;
-    const std::string file = "@" + directory.filePath("tags.csv").toStdString();
+    const QString file = "@" + directory.filePath("tags.csv");
     QStringList labels;
     for (const Tag &tag : parseTags({"VB0", file + ":Pump", file, "VB1:i8"}, outcome))
         labels << tag.label();

@@ -1,0 +1,97 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// What the parser hands to the options: texts as the commands take them.
+
+#include "host/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QtTest>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+using namespace host;
+
+namespace {
+
+// The parser takes words from the last one on.
+void parse(CLI::App &app, std::vector<std::string> words)
+{
+    std::reverse(words.begin(), words.end());
+    app.parse(words);
+}
+
+} // namespace
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aTextIsTakenInUtf8();
+    void whatIsNotGivenStaysEmpty();
+    void textsAreTakenInTheirOrder();
+    void aChoiceIsOneOfItsWords();
+    void aTextThatMustBeGivenIsMissed();
+};
+
+void TestCommandLine::aTextIsTakenInUtf8()
+{
+    CLI::App app;
+    std::optional<QString> port;
+    QString file;
+    addText(app, "--port", port, "DEV", "a port");
+    addText(app, "file", file, "FILE", "a file");
+    parse(app, {"--port", "/dev/größe", "пресс.csv"});
+    QCOMPARE(port.value_or("none"), QString::fromUtf8("/dev/größe"));
+    QCOMPARE(file, QString::fromUtf8("пресс.csv"));
+}
+
+void TestCommandLine::whatIsNotGivenStaysEmpty()
+{
+    CLI::App app;
+    std::optional<QString> port;
+    std::optional<QString> format;
+    QStringList items;
+    addText(app, "--port", port, "DEV", "a port");
+    addChoice(app, "--format", format, {"text", "json"}, "a form");
+    addTexts(app, "items", items, "ITEM", "items");
+    parse(app, {});
+    QVERIFY(!port.has_value());
+    QVERIFY(!format.has_value());
+    QVERIFY(items.isEmpty());
+}
+
+void TestCommandLine::textsAreTakenInTheirOrder()
+{
+    CLI::App app;
+    QStringList items;
+    addItems(app, items, "items");
+    parse(app, {"VB0", "VW10:i16", "VB0"});
+    QCOMPARE(items, QStringList({"VB0", "VW10:i16", "VB0"}));
+}
+
+void TestCommandLine::aChoiceIsOneOfItsWords()
+{
+    CLI::App app;
+    std::optional<QString> format;
+    addChoice(app, "--format", format, {"text", "json"}, "a form");
+    parse(app, {"--format", "json"});
+    QCOMPARE(format.value_or("none"), QString("json"));
+    QVERIFY_EXCEPTION_THROWN(parse(app, {"--format", "jsn"}), CLI::ValidationError);
+}
+
+void TestCommandLine::aTextThatMustBeGivenIsMissed()
+{
+    CLI::App app;
+    QString file;
+    addText(app, "file", file, "FILE", "a file");
+    QVERIFY_EXCEPTION_THROWN(parse(app, {}), CLI::RequiredError);
+}
+
+QTEST_APPLESS_MAIN(TestCommandLine)
+#include "test_command_line.moc"
