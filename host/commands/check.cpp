@@ -19,6 +19,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 namespace host {
 
@@ -72,16 +73,16 @@ struct Verdict
 {
     int requests;
     QByteArray frame;
-    QString writeRefusal; // empty when it can be written
+    std::optional<Failure> writeRefusal; // why it cannot be written
 };
 
-QString writeRefusal(const Item &item, const DryRun &frames)
+std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
 {
     try {
         frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first());
-        return QString();
+        return std::nullopt;
     } catch (const Failure &failure) {
-        return failure.text();
+        return failure;
     }
 }
 
@@ -104,9 +105,9 @@ Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
                    {"last", jsonText(lastAddress(item.address).text())},
                    {"requests", verdict.requests},
                    {"frame", verdict.frame.toHex(' ').toStdString()},
-                   {"writable", verdict.writeRefusal.isEmpty()}};
-    if (!verdict.writeRefusal.isEmpty())
-        record["writeError"] = jsonText(verdict.writeRefusal);
+                   {"writable", !verdict.writeRefusal}};
+    if (verdict.writeRefusal)
+        record["writeError"] = jsonText(verdict.writeRefusal->text());
     return record;
 }
 
@@ -123,14 +124,13 @@ QString validText(const QString &text, const Item &item, const Verdict &verdict)
     const QString frame = QString::fromLatin1(verdict.frame.toHex(' '));
     const bool isLong = verdict.requests > 1;
     const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
-    return QStringList(
-               {head, labelled("valid", values),
-                labelled("area", areaName(address) + ", " + elementName(address)),
-                labelled("limits", limits + ", less in most models"),
-                labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
-                                        : QString("one request:")),
-                labelled(QString(), frame),
-                labelled("write", verdict.writeRefusal.isEmpty() ? "possible" : verdict.writeRefusal)})
+    return QStringList({head, labelled("valid", values),
+                        labelled("area", areaName(address) + ", " + elementName(address)),
+                        labelled("limits", limits + ", less in most models"),
+                        labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
+                                                : QString("one request:")),
+                        labelled(QString(), frame),
+                        labelled("write", verdict.writeRefusal ? verdict.writeRefusal->text() : "possible")})
         .join('\n');
 }
 

@@ -95,6 +95,11 @@ QStringList symbols(const Image &image, const Places &layout, const Section &tab
     return found;
 }
 
+Failure noLibrary(const QString &reason)
+{
+    return Failure(ExitCode::PluginUnusable, reason, "name the library of a plug-in, as libs7_200_ppi.so");
+}
+
 QStringList exportsOf(const Image &image, const Places &layout)
 {
     const quint64 count = image.number(quint64(layout.sectionCount), 2);
@@ -113,8 +118,9 @@ ElfFile parseElf(const QByteArray &bytes)
     ElfFile file;
     if (bytes.size() <= kIdentitySize || !bytes.startsWith("\x7f"
                                                            "ELF")) {
-        file.fault = bytes.isEmpty() ? "the file is empty"
-                                     : "it begins with " + QString::fromLatin1(bytes.left(4).toHex(' '));
+        file.failure =
+            noLibrary(bytes.isEmpty() ? "the file is empty"
+                                      : "it begins with " + QString::fromLatin1(bytes.left(4).toHex(' ')));
         return file;
     }
     const bool isLong = bytes.at(4) == 2;
@@ -123,7 +129,7 @@ ElfFile parseElf(const QByteArray &bytes)
     const Image image(bytes, file.isLittleEndian);
     file.machine = int(image.number(kMachinePlace, 2));
     if (image.number(kTypePlace, 2) != kSharedObject)
-        file.fault = "it is an ELF file, but no shared library";
+        file.failure = noLibrary("it is an ELF file, but no shared library");
     else
         file.exports = exportsOf(image, isLong ? k64Bits : k32Bits);
     return file;

@@ -6,16 +6,20 @@
 #ifndef HOST_DIAGNOSIS_ELF_FILE_H
 #define HOST_DIAGNOSIS_ELF_FILE_H
 
+#include "host/base/failure.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace host {
 
 struct ElfFile
 {
-    QString fault; // why it is no shared library in ELF; empty when it is one
-    int bits = 0;  // 32 or 64
+    std::optional<Failure> failure; // why it is no shared library in ELF
+    int bits = 0;                   // 32 or 64
     bool isLittleEndian = true;
     int machine = 0;     // code of the ELF header
     QStringList exports; // the symbols that others can call or read

@@ -3,10 +3,10 @@
 
 #include "host/diagnosis/isolation.h"
 
-#include "host/base/failure.h"
 #include "host/base/interruption.h"
 
 #include <QDeadlineTimer>
+#include <QString>
 
 #include <algorithm>
 #include <cerrno>
@@ -29,6 +29,12 @@ Failure noProcess()
 {
     return Failure(ExitCode::Internal, QString("no process can be started: ") + std::strerror(errno),
                    "wait for memory or processes to become free");
+}
+
+IsolatedEnd brokenOff(const QString &reason)
+{
+    return {QByteArray(),
+            Failure(ExitCode::PluginUnusable, reason, "use another library, or have this one mended")};
 }
 
 bool writeAll(int descriptor, const QByteArray &bytes)
@@ -123,16 +129,16 @@ void Child::listen(std::chrono::milliseconds limit)
 IsolatedEnd Child::end()
 {
     if (isLate)
-        return {QByteArray(), "it takes too long"};
+        return brokenOff("it takes too long");
     int status = 0;
     while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
     }
     process = -1;
     if (WIFSIGNALED(status))
-        return {QByteArray(), QString("it crashes: ") + strsignal(WTERMSIG(status))};
+        return brokenOff(QString("it crashes: ") + strsignal(WTERMSIG(status)));
     if (WEXITSTATUS(status) != 0)
-        return {QByteArray(), QString("it ends the process with %1").arg(WEXITSTATUS(status))};
-    return {heard, QString()};
+        return brokenOff(QString("it ends the process with %1").arg(WEXITSTATUS(status)));
+    return {heard, std::nullopt};
 }
 
 } // namespace

@@ -6,18 +6,21 @@
 #ifndef HOST_DIAGNOSIS_ISOLATION_H
 #define HOST_DIAGNOSIS_ISOLATION_H
 
+#include "host/base/failure.h"
+
 #include <QByteArray>
-#include <QString>
 
 #include <chrono>
 #include <functional>
+#include <optional>
 
 namespace host {
 
 struct IsolatedEnd
 {
     QByteArray result; // what the action returned
-    QString fault;     // why there is no whole result: it crashed, ended the process, or took too long
+    std::optional<Failure>
+        failure; // why there is no whole result: it crashed, ended the process, or took too long
 };
 
 // Runs the action in a copy of this process. What it prints goes to stderr. The process must have no other

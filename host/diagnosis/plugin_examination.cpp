@@ -137,8 +137,8 @@ QString textOf(const Json &value)
 void addTrial(Examination &examination, const QString &fileName)
 {
     const IsolatedEnd end = runIsolated([&] { return Trial(fileName).run(); }, kLoadingTime);
-    if (!end.fault.isEmpty()) {
-        examination.findings << PluginFinding{"loading", false, end.fault};
+    if (end.failure) {
+        examination.findings << PluginFinding{"loading", false, end.failure->text()};
         return;
     }
     const Json result = Json::parse(end.result.toStdString());
@@ -162,8 +162,8 @@ Examination examinePlugin(const QString &fileName)
     const QByteArray bytes = readInput(fileName);
     const ElfFile file = parseElf(bytes);
     Examination examination;
-    if (!file.fault.isEmpty()) {
-        examination.findings << PluginFinding{"file", false, "no shared library: " + file.fault};
+    if (file.failure) {
+        examination.findings << PluginFinding{"file", false, "no shared library: " + file.failure->text()};
         return examination;
     }
     examination.findings << PluginFinding{"file", true,

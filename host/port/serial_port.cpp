@@ -128,11 +128,10 @@ void SerialPort::open()
     configure();
     if (!port.open(QIODevice::ReadWrite))
         throw openFailure();
-    if (!dropBadParity(port.handle()))
-        throw Failure(ExitCode::PortUnusable, name + " cannot be told to drop bytes with bad parity",
-                      openHint(QSerialPort::UnsupportedOperationError, name));
+    dropBadParity(handle(), name);
     checkLine();
-    checkDirection();
+    if (direction == Direction::ByKernel)
+        switchRs485(handle(), name);
 }
 
 void SerialPort::configure()
@@ -175,15 +174,6 @@ void SerialPort::checkLine()
         throw Failure(ExitCode::PortUnusable, name + " keeps " + refused,
                       "this adapter cannot do that; use another adapter or other line settings");
     note = lineDifference(line, achieved);
-}
-
-void SerialPort::checkDirection()
-{
-    const char *obstacle = direction == Direction::ByKernel ? switchRs485(port.handle()) : nullptr;
-    if (obstacle)
-        throw Failure(ExitCode::PortUnusable,
-                      QString("%1 cannot be switched to RS-485: %2").arg(name, obstacle),
-                      "its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
 }
 
 int SerialPort::receive(unsigned char *buffer, int maxLength)

@@ -79,7 +79,6 @@ private:
     Failure openFailure() const;
     void refuseSharing() const;
     void checkLine();
-    void checkDirection();
     bool hasReceived() const;
     void clearUntilSilent();
     bool goesOn() const;

@@ -3,6 +3,8 @@
 
 #include "host/port/tty_settings.h"
 
+#include "host/base/failure.h"
+
 // The kernel's own header and not <termios.h>: only termios2 tells a speed that is none of the classic
 // ones, such as 187500. The two headers exclude each other.
 #include <asm/ioctls.h>
@@ -41,6 +43,12 @@ int dataBitsOf(tcflag_t flags)
     }
 }
 
+Failure notSwitched(const QString &port, const char *reason)
+{
+    return Failure(ExitCode::PortUnusable, QString("%1 cannot be switched to RS-485: %2").arg(port, reason),
+                   "its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
+}
+
 } // namespace
 
 LineSettings settingsInForce(int descriptor)
@@ -52,24 +60,27 @@ LineSettings settingsInForce(int descriptor)
             (state.c_cflag & CSTOPB) ? 2 : 1};
 }
 
-bool dropBadParity(int descriptor)
+void dropBadParity(int descriptor, const QString &port)
 {
     termios2 state = {};
-    if (ioctl(descriptor, TCGETS2, &state) != 0)
-        return false;
+    bool isDone = ioctl(descriptor, TCGETS2, &state) == 0;
     state.c_iflag = (state.c_iflag & ~tcflag_t(PARMRK | ISTRIP)) | INPCK | IGNPAR;
-    return ioctl(descriptor, TCSETS2, &state) == 0;
+    isDone = isDone && ioctl(descriptor, TCSETS2, &state) == 0;
+    if (!isDone)
+        throw Failure(ExitCode::PortUnusable, port + " cannot be told to drop bytes with bad parity",
+                      "check that it is a serial port and takes these line settings");
 }
 
 // A driver clears the flags that it cannot do.
-const char *switchRs485(int descriptor)
+void switchRs485(int descriptor, const QString &port)
 {
     serial_rs485 mode = {};
     mode.flags = SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND;
     serial_rs485 achieved = {};
     if (ioctl(descriptor, TIOCSRS485, &mode) != 0 || ioctl(descriptor, TIOCGRS485, &achieved) != 0)
-        return std::strerror(errno);
-    return (achieved.flags & SER_RS485_ENABLED) ? nullptr : "the driver leaves it switched off";
+        throw notSwitched(port, std::strerror(errno));
+    if (!(achieved.flags & SER_RS485_ENABLED))
+        throw notSwitched(port, "the driver leaves it switched off");
 }
 
 } // namespace host

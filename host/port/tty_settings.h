@@ -9,17 +9,19 @@
 
 #include "host/port/line_settings.h"
 
+#include <QString>
+
 namespace host {
 
 // What the kernel does with the line now; all zero when it cannot tell.
 LineSettings settingsInForce(int descriptor);
 
-// Makes the kernel throw away bytes that arrive with bad parity; false when it does not.
-bool dropBadParity(int descriptor);
+// Makes the kernel throw away bytes that arrive with bad parity. Fails, naming the port, when it does not.
+void dropBadParity(int descriptor, const QString &port);
 
-// Makes the port's driver switch an RS-485 transceiver by RTS: active while it sends. What stands in its
-// way, null when nothing does.
-const char *switchRs485(int descriptor);
+// Makes the port's driver switch an RS-485 transceiver by RTS: active while it sends. Fails, naming the port,
+// when the driver does not do that.
+void switchRs485(int descriptor, const QString &port);
 
 } // namespace host
 

@@ -6,6 +6,7 @@
 #include "host/diagnosis/elf_file.h"
 
 #include "hex.h"
+#include "tests/host/support/failure_of.h"
 
 #include <QtTest>
 
@@ -58,7 +59,7 @@ private slots:
 void TestElfFile::aLibraryForAnotherMachineIsRead()
 {
     const ElfFile file = parseElf(armLibrary());
-    QCOMPARE(file.fault, QString());
+    QCOMPARE(textOf(file.failure), QString());
     QCOMPARE(machineText(file), QString("ARM, 32 bits, little endian"));
     QCOMPARE(file.exports, QStringList("CreateDriver"));
 }
@@ -66,7 +67,7 @@ void TestElfFile::aLibraryForAnotherMachineIsRead()
 void TestElfFile::thisProgramIsForThisMachine()
 {
     const ElfFile file = parseElf(ownProgram());
-    QCOMPARE(file.fault, QString());
+    QCOMPARE(textOf(file.failure), QString());
     QCOMPARE(file.bits, int(sizeof(void *)) * 8);
     QCOMPARE(file.isLittleEndian, Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
 }
@@ -74,7 +75,7 @@ void TestElfFile::thisProgramIsForThisMachine()
 void TestElfFile::whatIsNoLibraryIsTold_data()
 {
     QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("failure");
     QTest::newRow("empty") << QByteArray() << "the file is empty";
     QTest::newRow("text") << QByteArray("#!/bin/sh\necho a script\n") << "it begins with 23 21 2f 62";
     QTest::newRow("its beginning alone") << bytes("7f454c46") << "it begins with 7f 45 4c 46";
@@ -86,7 +87,7 @@ void TestElfFile::whatIsNoLibraryIsTold_data()
 void TestElfFile::whatIsNoLibraryIsTold()
 {
     QFETCH(QByteArray, file);
-    QTEST(parseElf(file).fault, "fault");
+    QTEST(textOf(parseElf(file).failure), "failure");
 }
 
 void TestElfFile::noCutAndNoChangedByteConfusesIt()

@@ -5,6 +5,8 @@
 
 #include "host/diagnosis/isolation.h"
 
+#include "tests/host/support/failure_of.h"
+
 #include <QtTest>
 
 #include <csignal>
@@ -31,7 +33,7 @@ private slots:
 void TestIsolation::theResultComesBackWhole()
 {
     const IsolatedEnd end = runIsolated([] { return QByteArray(300000, 'x') + "end"; }, 10s);
-    QCOMPARE(end.fault, QString());
+    QCOMPARE(textOf(end.failure), QString());
     QCOMPARE(int(end.result.size()), 300003);
     QVERIFY(end.result.endsWith("xend"));
 }
@@ -57,19 +59,20 @@ void TestIsolation::aCrashIsTold()
             return "not reached";
         },
         10s);
-    QCOMPARE(end.fault, QString("it crashes: Segmentation fault"));
+    QCOMPARE(textOf(end.failure), QString("it crashes: Segmentation fault"));
     QCOMPARE(end.result, QByteArray());
 }
 
 void TestIsolation::anEndOfTheProcessIsTold()
 {
-    QCOMPARE(runIsolated([]() -> QByteArray { _exit(3); }, 10s).fault, QString("it ends the process with 3"));
+    QCOMPARE(textOf(runIsolated([]() -> QByteArray { _exit(3); }, 10s).failure),
+             QString("it ends the process with 3"));
 }
 
 void TestIsolation::anExceptionIsNotLetOut()
 {
     const auto throwing = []() -> QByteArray { throw std::runtime_error("odd"); };
-    QCOMPARE(runIsolated(throwing, 10s).fault, QString("it ends the process with 70"));
+    QCOMPARE(textOf(runIsolated(throwing, 10s).failure), QString("it ends the process with 70"));
 }
 
 void TestIsolation::whatTakesTooLongIsGivenUp()
@@ -78,7 +81,7 @@ void TestIsolation::whatTakesTooLongIsGivenUp()
         while (true)
             pause();
     };
-    QCOMPARE(runIsolated(hanging, 50ms).fault, QString("it takes too long"));
+    QCOMPARE(textOf(runIsolated(hanging, 50ms).failure), QString("it takes too long"));
 }
 
 QTEST_APPLESS_MAIN(TestIsolation)

@@ -428,7 +428,10 @@ void TestSerialPort::theKernelsSettingsAreReadBack()
     QCOMPARE(lineText(settingsInForce(line.portEnd())),
              QString("1200 baud, no parity, 8 data bits, 2 stop bits"));
     QCOMPARE(lineText(settingsInForce(-1)), QString("0 baud, no parity, 0 data bits, 0 stop bits"));
-    QVERIFY(!dropBadParity(-1));
+    QCOMPARE(
+        failureOf([] { dropBadParity(-1, "/dev/ttyS7"); }),
+        QString("3: /dev/ttyS7 cannot be told to drop bytes with bad parity / check that it is a serial port "
+                "and takes these line settings"));
 }
 
 void TestSerialPort::aLinkToAPortIsAPort()

@@ -10,6 +10,8 @@
 
 #include <QString>
 
+#include <optional>
+
 template <typename Action> QString failureOf(const Action &action)
 {
     try {
@@ -18,6 +20,12 @@ template <typename Action> QString failureOf(const Action &action)
         return QString("%1: %2 / %3").arg(int(failure.code())).arg(failure.text(), failure.hint());
     }
     return QString();
+}
+
+// The text of a failure that was kept; nothing without one.
+inline QString textOf(const std::optional<host::Failure> &failure)
+{
+    return failure ? failure->text() : QString();
 }
 
 template <typename Action> QString hintOf(const Action &action)
