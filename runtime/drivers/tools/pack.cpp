@@ -5,13 +5,55 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <new>
 
 namespace {
 
-enum Outcome { kFinished, kUnknownLetter, kBadCount };
+enum Order { kLowestFirst, kHighestFirst, kZero, kGap };
+
+// What a letter of a format stands for: an element of some bytes on the line, or a byte of padding.
+struct Field
+{
+    char letter;
+    int width; // of one element, in bytes
+    Order order;
+    bool isCountable; // a count may stand in front of it
+
+    bool isPadding() const { return order == kZero || order == kGap; }
+};
+
+// Searched from the top, so what stands in most formats comes first. The last row ends the search.
+// clang-format off
+const Field kFields[] = {
+    {'C',  1, kLowestFirst,  true},
+    {'n',  2, kHighestFirst, true},
+    {'x',  1, kZero,         true},
+    {'N',  4, kHighestFirst, true},
+    {'c',  1, kLowestFirst,  true},
+    {'v',  2, kLowestFirst,  true},
+    {'V',  4, kLowestFirst,  true},
+    {'X',  1, kGap,          true},
+    {'S',  2, kLowestFirst,  false},
+    {'s',  2, kLowestFirst,  false},
+    {'I',  4, kLowestFirst,  false},
+    {'i',  4, kLowestFirst,  false},
+    {'L',  4, kLowestFirst,  false},
+    {'l',  4, kLowestFirst,  false},
+    {'\0', 0, kGap,          false},
+};
+// clang-format on
+
+// Null for a letter that stands for nothing.
+inline const Field *fieldOf(char letter)
+{
+    const Field *field = kFields;
+    while (field->letter != letter && field->letter != '\0')
+        ++field;
+    return field->letter != '\0' ? field : nullptr;
+}
 
 bool isDigit(char letter)
 {
@@ -29,31 +71,60 @@ int takeCount(const char *&cursor)
     return count <= INT_MAX ? static_cast<int>(count) : -1;
 }
 
-// Walks a format once. An interpreter carries out one item and says whether it knows it.
+bool mayRepeat(const Field &field, int count)
+{
+    return field.isCountable && (field.isPadding() ? count >= 0 : count > 0);
+}
+
+enum Outcome { kFinished, kUnknownLetter, kBadCount };
+
+// Walks a format once. An interpreter carries out one field, or several of a kind if it knows how.
 template <class Interpreter> Outcome interpret(const char *format, Interpreter &interpreter)
 {
-    for (const char *cursor = format;; ++cursor) {
-        while (interpreter.single(*cursor))
-            ++cursor;
-        if (*cursor == '\0')
-            return kFinished;
+    for (const char *cursor = format; *cursor != '\0'; ++cursor) {
+        if (const Field *field = fieldOf(*cursor)) {
+            interpreter.single(*field);
+            continue;
+        }
         if (!isDigit(*cursor))
             return kUnknownLetter;
         const int count = takeCount(cursor);
-        if (count < 0 || !interpreter.counted(*cursor, count))
+        const Field *field = fieldOf(*cursor);
+        if (!field || !mayRepeat(*field, count) || !interpreter.several(*field, count))
             return kBadCount;
     }
+    return kFinished;
 }
 
-// Big-endian elements to host order, or back: both are the same step. Neither side need be aligned.
-template <typename Element> void convertElements(unsigned char *to, const unsigned char *from, int count)
+template <typename Element> inline void copyAs(unsigned char *to, const unsigned char *from, bool isReversed)
 {
-    for (int i = 0; i < count; ++i) {
-        const Element element = qFromBigEndian<Element>(from);
-        std::memcpy(to, &element, sizeof element);
-        to += sizeof element;
-        from += sizeof element;
+    Element element;
+    std::memcpy(&element, from, sizeof element);
+    if (isReversed)
+        element = qbswap(element);
+    std::memcpy(to, &element, sizeof element);
+}
+
+// From the line to the host or back. The host has the lowest byte first. Neither side need be aligned.
+inline void copyElement(const Field &field, unsigned char *to, const unsigned char *from)
+{
+    const bool isReversed = field.order == kHighestFirst;
+    if (field.width == 1)
+        *to = *from;
+    else if (field.width == 2)
+        copyAs<quint16>(to, from, isReversed);
+    else
+        copyAs<quint32>(to, from, isReversed);
+}
+
+void copyElements(const Field &field, unsigned char *to, const unsigned char *from, int count)
+{
+    if (field.order == kLowestFirst) {
+        std::memcpy(to, from, static_cast<size_t>(count) * static_cast<size_t>(field.width));
+        return;
     }
+    for (int i = 0; i < count; ++i, to += field.width, from += field.width)
+        copyElement(field, to, from);
 }
 
 // The arguments of a call. A struct, because a va_list cannot be handed down by reference everywhere.
@@ -79,13 +150,13 @@ public:
         next += size;
         return place;
     }
-    void skip() { room(1); }
 
-    bool pad(char letter, int count)
+    void pad(const Field &field) { padSeveral(field, 1); }
+    bool padSeveral(const Field &field, int count)
     {
         unsigned char *place = room(count);
-        if (letter == 'x' && count > 0)
-            std::memset(place, 0, static_cast<size_t>(count));
+        if (field.order == kZero)
+            std::fill_n(place, count, static_cast<unsigned char>(0));
         return true;
     }
 
@@ -110,9 +181,9 @@ public:
         next += size;
         return place;
     }
-    void skip() { *room(1) = 0; }
 
-    bool pad(char, int) { return false; }
+    void pad(const Field &) { *room(1) = 0; }
+    bool padSeveral(const Field &, int) { return false; }
 
     QByteArray take()
     {
@@ -150,74 +221,25 @@ template <class Writer> class Packer
 public:
     Packer(Writer &destination, Arguments &values) : writer(destination), arguments(values) {}
 
-    bool single(char letter)
+    void single(const Field &field)
     {
-        switch (letter) {
-        case 'C':
-        case 'c':
-            *writer.room(1) = static_cast<unsigned char>(arguments.number());
-            return true;
-        case 'n':
-            qToBigEndian(static_cast<quint16>(arguments.number()), writer.room(2));
-            return true;
-        case 'S':
-        case 's':
-        case 'v':
-            qToLittleEndian(static_cast<quint16>(arguments.number()), writer.room(2));
-            return true;
-        case 'N':
-            qToBigEndian(static_cast<quint32>(arguments.number()), writer.room(4));
-            return true;
-        case 'I':
-        case 'i':
-        case 'L':
-        case 'l':
-        case 'V':
-            qToLittleEndian(static_cast<quint32>(arguments.number()), writer.room(4));
-            return true;
-        case 'x':
-            *writer.room(1) = 0;
-            return true;
-        case 'X':
-            writer.skip();
-            return true;
-        default:
-            return false;
+        if (field.isPadding()) {
+            writer.pad(field);
+            return;
         }
+        const int value = arguments.number();
+        copyElement(field, writer.room(field.width), reinterpret_cast<const unsigned char *>(&value));
     }
 
-    bool counted(char letter, int count)
+    bool several(const Field &field, int count)
     {
-        if (letter == 'x' || letter == 'X')
-            return writer.pad(letter, count);
-        if (count == 0)
-            return false;
-        switch (letter) {
-        case 'C':
-        case 'c':
-            return copy(count);
-        case 'n':
-            convertElements<quint16>(writer.room(qint64(count) * 2), arguments.pointer(), count);
-            return true;
-        case 'v':
-            return copy(qint64(count) * 2);
-        case 'N':
-            convertElements<quint32>(writer.room(qint64(count) * 4), arguments.pointer(), count);
-            return true;
-        case 'V':
-            return copy(qint64(count) * 4);
-        default:
-            return false;
-        }
-    }
-
-private:
-    bool copy(qint64 size)
-    {
-        std::memcpy(writer.room(size), arguments.pointer(), static_cast<size_t>(size));
+        if (field.isPadding())
+            return writer.padSeveral(field, count);
+        copyElements(field, writer.room(qint64(count) * field.width), arguments.pointer(), count);
         return true;
     }
 
+private:
     Writer &writer;
     Arguments &arguments;
 };
@@ -230,85 +252,24 @@ public:
     {
     }
 
-    bool single(char letter)
+    void single(const Field &field)
     {
-        switch (letter) {
-        case 'C':
-        case 'c':
-            *arguments.pointer() = *take(1);
-            return true;
-        case 'n':
-            return store(qFromBigEndian<quint16>(take(2)));
-        case 'S':
-        case 's':
-        case 'v':
-            return store(qFromLittleEndian<quint16>(take(2)));
-        case 'N':
-            return store(qFromBigEndian<quint32>(take(4)));
-        case 'I':
-        case 'i':
-        case 'L':
-        case 'l':
-        case 'V':
-            return store(qFromLittleEndian<quint32>(take(4)));
-        case 'x':
-        case 'X':
-            take(1);
-            return true;
-        default:
-            return false;
-        }
+        if (!field.isPadding())
+            copyElement(field, arguments.pointer(), next);
+        next += field.width;
     }
 
-    bool counted(char letter, int count)
+    bool several(const Field &field, int count)
     {
-        if (letter == 'x' || letter == 'X') {
-            take(count);
-            return true;
-        }
-        if (count == 0)
-            return false;
-        switch (letter) {
-        case 'C':
-        case 'c':
-            return copy(count);
-        case 'n':
-            convertElements<quint16>(arguments.pointer(), take(qint64(count) * 2), count);
-            return true;
-        case 'v':
-            return copy(qint64(count) * 2);
-        case 'N':
-            convertElements<quint32>(arguments.pointer(), take(qint64(count) * 4), count);
-            return true;
-        case 'V':
-            return copy(qint64(count) * 4);
-        default:
-            return false;
-        }
+        if (!field.isPadding())
+            copyElements(field, arguments.pointer(), next, count);
+        next += qint64(count) * field.width;
+        return true;
     }
 
     int consumed() const { return static_cast<int>(next - start); }
 
 private:
-    const unsigned char *take(qint64 size)
-    {
-        const unsigned char *place = next;
-        next += size;
-        return place;
-    }
-
-    template <typename Value> bool store(Value value)
-    {
-        std::memcpy(arguments.pointer(), &value, sizeof value);
-        return true;
-    }
-
-    bool copy(qint64 size)
-    {
-        std::memcpy(arguments.pointer(), take(size), static_cast<size_t>(size));
-        return true;
-    }
-
     const unsigned char *const start;
     const unsigned char *next;
     Arguments &arguments;
