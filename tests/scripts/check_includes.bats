@@ -59,12 +59,22 @@ refuses() {
     refuses host/main.cpp '#include "host/items/tag.h"' "host/main.cpp may include: main.cpp commands cli base"
 }
 
+@test "a room of the simulator does not include one above it" {
+    refuses simulator/protocol/layer2.cpp '#include "simulator/controller/memory.h"' \
+        "simulator/protocol may include: protocol"
+}
+
+@test "no room of the simulator goes through the door" {
+    plant simulator/faults/fault_plan.h '#include "simulator/simulator.h"'
+    refused "simulator/faults/fault_plan.h:" "simulator/faults may include: faults protocol text"
+}
+
 @test "a file outside the rooms is refused" {
     touch host/stray.cpp host/new_room.h
     mkdir host/cellar host/items/inner
     touch host/cellar/wine.h host/items/inner/part.h
     refused host/stray.cpp host/new_room.h host/cellar/wine.h host/items/inner/part.h \
-        "every file of the host lies in a room that scripts/check-includes has a row for"
+        "every file of host lies in a room that scripts/check-includes has a row for"
 }
 
 @test "the contract is met in two rooms" {
