@@ -3,7 +3,9 @@
 #
 # What every target of this project is compiled with.
 #
-#   s7ppi_options   an interface target: warnings, hardening, sanitizers, reproducible source paths
+#   s7ppi_options               an interface target: warnings, hardening, sanitizers, reproducible source paths
+#   s7ppi_count_coverage(...)   with S7PPI_COVERAGE: counts what is run of these objects, and of the library that
+#                               is linked of them
 
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
@@ -50,3 +52,15 @@ endif()
 if(S7PPI_PRECOMPILED AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(s7ppi_options INTERFACE -fpch-preprocess)
 endif()
+
+# Without optimisation, which would merge lines. All other objects stay those of any other build.
+function(s7ppi_count_coverage library)
+  if(NOT S7PPI_COVERAGE)
+    return()
+  endif()
+  foreach(objects IN LISTS ARGN)
+    target_compile_options(${objects} PRIVATE --coverage -O0 -U_FORTIFY_SOURCE)
+    target_link_options(${objects} INTERFACE --coverage)
+  endforeach()
+  target_link_options(${library} PRIVATE --coverage -Wl,--exclude-libs,libgcov.a)
+endfunction()
