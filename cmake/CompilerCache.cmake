@@ -20,5 +20,6 @@ endif()
 # needs anyway, and not from one more run of the preprocessor.
 set(CMAKE_CXX_COMPILER_LAUNCHER
   env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_DEPEND=1 CCACHE_INODECACHE=1
-  CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${S7PPI_CCACHE}
+  CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+  ${PROJECT_SOURCE_DIR}/cmake/compile-cached ${S7PPI_CCACHE}
 )
