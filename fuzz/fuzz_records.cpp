@@ -42,6 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), int(size));
     readAndWrite(bytes, DriverSetting(500, 3, 2, 0));
-    readAndWrite(bytes, DeviceSetting(kRs485Port, QString(), 9600, 8, 0, 2));
+    readAndWrite(bytes, DeviceSetting(kRs485Port, QString(), 9600, 8, kOneStopBit, kEvenParity));
     return 0;
 }

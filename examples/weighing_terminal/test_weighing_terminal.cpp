@@ -52,7 +52,7 @@ static void compare(const char *claim, const QByteArray &found, const QByteArray
 static CommunicatorCommand doubleWord(const char *address)
 {
     CommunicatorCommand command;
-    command.dataType = 3;
+    command.dataType = kDoubleWords;
     command.count = 1;
     command.address = QString::fromLatin1(address);
     return command;

@@ -25,9 +25,6 @@ const int kRefusalSize = 5;
 const int kAnswerSize = 10;
 const int kValuePlace = 4; // in an answer
 
-const int kClearInput = 12; // the port's option
-const int kDoubleWord = 3;  // the command's data type
-
 const unsigned char *bytesOf(const QByteArray &bytes)
 {
     return reinterpret_cast<const unsigned char *>(bytes.constData());
@@ -76,7 +73,7 @@ QByteArray WeighingTerminal::request(AbstractDeviceInterface *dev, const Communi
 {
     const char quantity = quantityOf(cmd.address);
     const int scale = scaleOf(cmd.address);
-    if (cmd.dataType != kDoubleWord || cmd.count != 1 || !quantity || !scale)
+    if (cmd.dataType != kDoubleWords || cmd.count != 1 || !quantity || !scale)
         return failed("the terminal has one double word each in G1 to G4, N1 to N4 and T1 to T4");
 
     const QByteArray frame =
@@ -123,7 +120,7 @@ QByteArray WeighingTerminal::failed(const QString &reason)
 
 DeviceSetting *WeighingTerminal::getDefaultSerialDeviceSetting()
 {
-    return new DeviceSetting(kRs485Port, "COM1", 19200, 8, 0, 0);
+    return new DeviceSetting(kRs485Port, "COM1", 19200, 8, kOneStopBit, kNoParity);
 }
 
 DriverSetting *WeighingTerminal::getDefaultDriverSetting()

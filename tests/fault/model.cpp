@@ -308,7 +308,7 @@ bool Model::isAnswered(QByteArray &buffer)
 
 void Model::sendFrame(const QByteArray &frame)
 {
-    port->setOption(12, QVariant(0));
+    port->setOption(kClearInput, QVariant(0));
     pause(kPauseBeforeFrame);
     port->send(reinterpret_cast<const unsigned char *>(frame.constData()), int(frame.size()));
 }

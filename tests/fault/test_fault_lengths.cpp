@@ -112,7 +112,7 @@ QString complaintAboutItem(const Sample &sample, const QByteArray &item)
 
 bool hasLargeResult(const Sample &sample, int count)
 {
-    const qint64 size = sample.dataType == 3 ? 4 : sample.dataType == 2 ? 2 : 1;
+    const qint64 size = sample.dataType == kDoubleWords ? 4 : sample.dataType == kWords ? 2 : 1;
     return size * count > kLargestResult;
 }
 

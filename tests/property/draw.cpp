@@ -49,7 +49,7 @@ QString drawBit(Random &random)
 
 int drawType(Random &random)
 {
-    const int strange[] = {-1, 4, 7, 8, INT_MIN, INT_MAX};
+    const int strange[] = {-1, kQuadWords, 7, 8, INT_MIN, INT_MAX};
     return random.oneIn(30) ? random.oneOf(strange) : (random.below(6) + 5) % 7;
 }
 

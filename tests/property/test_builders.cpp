@@ -251,9 +251,9 @@ void TestBuilders::fittedData()
         command.dataType = *rc::gen::inRange(-1, 9);
         command.count = *rc::gen::inRange(0, 100);
         const QByteArray data = *lots::bytes(300);
-        const int size = command.dataType == 2   ? command.count * 2
-                         : command.dataType == 3 ? command.count * 4
-                                                 : int(data.size());
+        const int size = command.dataType == kWords         ? command.count * 2
+                         : command.dataType == kDoubleWords ? command.count * 4
+                                                            : int(data.size());
         const std::string zeros(size_t(2 * size), '0');
         const std::string expected = (ofBytes(data) + zeros).substr(0, size_t(2 * size));
         RC_ASSERT(ofBytes(DriverS7_200_PPIGetSafeData(command, data)) == expected);

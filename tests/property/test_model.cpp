@@ -102,7 +102,7 @@ void TestModel::bitsBehindAStrangeFirstBit()
 {
     QFETCH(QString, address);
     HostRequest request = {true, CommunicatorCommand(), QByteArray(2, '\1')};
-    request.command.dataType = 0;
+    request.command.dataType = kBits;
     request.command.count = 2;
     request.command.address = address;
     Scene scene;

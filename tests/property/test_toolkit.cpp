@@ -406,7 +406,8 @@ void TestToolkit::fittedArrays()
         command.count = *rc::gen::inRange(-3, 12);
         const int n = std::max(command.count, 0);
         const int lengths[] = {(n + 7) / 8, n, n * 2, n * 4, n * 8, n, (n + 7) / 8};
-        const int length = command.dataType >= 0 && command.dataType < 7 ? lengths[command.dataType] : 0;
+        const int length =
+            command.dataType >= kBits && command.dataType <= kBitBlock ? lengths[command.dataType] : 0;
         RC_ASSERT(GetSafeDataLen(command) == length);
         RC_ASSERT(ToSafeData(command, array) == filled.left(length));
     }));

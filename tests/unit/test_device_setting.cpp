@@ -16,7 +16,7 @@ namespace {
 
 DeviceSetting serialDefault()
 {
-    return DeviceSetting(kRs485Port, "COM2", 9600, 8, 0, 2);
+    return DeviceSetting(kRs485Port, "COM2", 9600, 8, kOneStopBit, kEvenParity);
 }
 
 DeviceSetting withAddresses(int count)
@@ -138,7 +138,7 @@ void TestDeviceSetting::theShortConstructorSetsSixFieldsAndDefaults()
 
 void TestDeviceSetting::theLongConstructorSetsTheExtras()
 {
-    const DeviceSetting setting(kRs485Port, "COM2", 9600, 8, 0, 2, 17, "extra");
+    const DeviceSetting setting(kRs485Port, "COM2", 9600, 8, kOneStopBit, kEvenParity, 17, "extra");
     QCOMPARE(setting.extraValue, 17);
     QCOMPARE(setting.extraText, QString("extra"));
     QCOMPARE(setting.linkID, -1);
@@ -149,7 +149,8 @@ void TestDeviceSetting::theLongConstructorStartsAtTheFirstAddress()
 {
     alignas(DeviceSetting) unsigned char memory[sizeof(DeviceSetting)];
     std::memset(memory, 0x55, sizeof memory);
-    DeviceSetting *setting = new (memory) DeviceSetting(kRs485Port, "COM2", 9600, 8, 0, 2, 17, "extra");
+    DeviceSetting *setting =
+        new (memory) DeviceSetting(kRs485Port, "COM2", 9600, 8, kOneStopBit, kEvenParity, 17, "extra");
     const int index = setting->currentIPIndex;
     setting->~DeviceSetting();
     QCOMPARE(index, 0);

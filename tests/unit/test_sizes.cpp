@@ -142,24 +142,24 @@ void TestSizes::dataLengthOfACommand_data()
     QTest::addColumn<int>("dataType");
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("length");
-    QTest::newRow("bit, 8") << 0 << 8 << 1;
-    QTest::newRow("bit, 9") << 0 << 9 << 2;
-    QTest::newRow("bit, most") << 0 << INT_MAX << 0x10000000;
-    QTest::newRow("byte") << 1 << 5 << 5;
-    QTest::newRow("word") << 2 << 3 << 6;
-    QTest::newRow("double word") << 3 << 3 << 12;
-    QTest::newRow("quad word") << 4 << 3 << 24;
-    QTest::newRow("block") << 5 << 7 << 7;
-    QTest::newRow("bit block, 1") << 6 << 1 << 1;
-    QTest::newRow("bit block, 17") << 6 << 17 << 3;
-    QTest::newRow("no items") << 2 << 0 << 0;
+    QTest::newRow("bit, 8") << int(kBits) << 8 << 1;
+    QTest::newRow("bit, 9") << int(kBits) << 9 << 2;
+    QTest::newRow("bit, most") << int(kBits) << INT_MAX << 0x10000000;
+    QTest::newRow("byte") << int(kBytes) << 5 << 5;
+    QTest::newRow("word") << int(kWords) << 3 << 6;
+    QTest::newRow("double word") << int(kDoubleWords) << 3 << 12;
+    QTest::newRow("quad word") << int(kQuadWords) << 3 << 24;
+    QTest::newRow("block") << int(kBlock) << 7 << 7;
+    QTest::newRow("bit block, 1") << int(kBitBlock) << 1 << 1;
+    QTest::newRow("bit block, 17") << int(kBitBlock) << 17 << 3;
+    QTest::newRow("no items") << int(kWords) << 0 << 0;
     QTest::newRow("unknown type 7") << 7 << 3 << 0;
     QTest::newRow("negative type") << -1 << 3 << 0;
-    QTest::newRow("negative count of bits") << 0 << -9 << 0;
-    QTest::newRow("negative count of bytes") << 1 << INT_MIN << 0;
-    QTest::newRow("words beyond an int") << 2 << 0x40000000 << INT_MAX;
-    QTest::newRow("double words beyond an int") << 3 << INT_MAX << INT_MAX;
-    QTest::newRow("quad words beyond 32 bits") << 4 << 0x20000001 << INT_MAX;
+    QTest::newRow("negative count of bits") << int(kBits) << -9 << 0;
+    QTest::newRow("negative count of bytes") << int(kBytes) << INT_MIN << 0;
+    QTest::newRow("words beyond an int") << int(kWords) << 0x40000000 << INT_MAX;
+    QTest::newRow("double words beyond an int") << int(kDoubleWords) << INT_MAX << INT_MAX;
+    QTest::newRow("quad words beyond 32 bits") << int(kQuadWords) << 0x20000001 << INT_MAX;
 }
 
 void TestSizes::dataLengthOfACommand()
@@ -176,23 +176,23 @@ void TestSizes::dataIsCutOrFilledToTheCommandsLength_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("fitted");
-    QTest::newRow("5 bytes for 2 words") << 2 << 2 << "0102030405"
+    QTest::newRow("5 bytes for 2 words") << int(kWords) << 2 << "0102030405"
                                          << "01020304";
-    QTest::newRow("3 bytes for 2 words") << 2 << 2 << "010203"
+    QTest::newRow("3 bytes for 2 words") << int(kWords) << 2 << "010203"
                                          << "01020300";
-    QTest::newRow("4 bytes for 2 words") << 2 << 2 << "01020304"
+    QTest::newRow("4 bytes for 2 words") << int(kWords) << 2 << "01020304"
                                          << "01020304";
-    QTest::newRow("nothing for 1 double word") << 3 << 1 << ""
+    QTest::newRow("nothing for 1 double word") << int(kDoubleWords) << 1 << ""
                                                << "00000000";
-    QTest::newRow("9 bits keep the upper ones") << 0 << 9 << "ffffff"
+    QTest::newRow("9 bits keep the upper ones") << int(kBits) << 9 << "ffffff"
                                                 << "ffff";
-    QTest::newRow("quad word") << 4 << 1 << "0102"
+    QTest::newRow("quad word") << int(kQuadWords) << 1 << "0102"
                                << "0102000000000000";
-    QTest::newRow("block") << 5 << 2 << "010203"
+    QTest::newRow("block") << int(kBlock) << 2 << "010203"
                            << "0102";
     QTest::newRow("unknown type") << 9 << 2 << "010203"
                                   << "";
-    QTest::newRow("negative count") << 1 << -1 << "010203"
+    QTest::newRow("negative count") << int(kBytes) << -1 << "010203"
                                     << "";
 }
 

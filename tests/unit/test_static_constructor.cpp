@@ -38,7 +38,7 @@ struct EarlyHost
           directories(COMPILE_PATH + QLatin1Char('/') + DATABASE_PATH)
     {
         CommunicatorCommand command;
-        command.dataType = 1;
+        command.dataType = kBytes;
         command.count = 4;
         command.address = QLatin1String("VB100");
         driver->read(&port, command);
