@@ -8,12 +8,12 @@
 #include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
+#include "host/items/area.h"
 #include "host/items/item.h"
 #include "host/items/tag_file.h"
 #include "host/output/output.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -38,25 +38,6 @@ Nothing is sent and no port is opened: the plug-in shows what it would send. How
 depends on the controller's model, which answers to an address beyond it with a refusal.
 
 The exit code is 0 when all of them are valid.)";
-
-QString areaName(const Address &address)
-{
-    static const QHash<QString, QString> names = {
-        {"I", "inputs"},
-        {"Q", "outputs"},
-        {"M", "bit memory"},
-        {"V", "variable memory"},
-        {"S", "sequence control relays"},
-        {"SM", "special memory"},
-        {"AIW", "analogue inputs"},
-        {"AQW", "analogue outputs"},
-        {"T", "timers"},
-        {"C", "counters"},
-        {"HC", "high-speed counters"},
-    };
-    const bool hasWidth = address.kind == AddressKind::Memory;
-    return names.value(hasWidth ? address.prefix.chopped(1) : address.prefix);
-}
 
 QString elementName(const Address &address)
 {
@@ -98,7 +79,7 @@ Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
     Json record = {{"text", jsonText(text)},
                    {"valid", true},
                    {"address", jsonText(item.address.text())},
-                   {"area", jsonText(areaName(item.address))},
+                   {"area", jsonText(areaOf(item.address.prefix).name)},
                    {"type", jsonText(typeName(item.type))},
                    {"count", item.count},
                    {"first", jsonText(firstAddress(item.address).text())},
@@ -125,7 +106,7 @@ QString validText(const QString &text, const Item &item, const Verdict &verdict)
     const bool isLong = verdict.requests > 1;
     const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
     return QStringList({head, labelled("valid", values),
-                        labelled("area", areaName(address) + ", " + elementName(address)),
+                        labelled("area", areaOf(address.prefix).name + ", " + elementName(address)),
                         labelled("limits", limits + ", less in most models"),
                         labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
                                                 : QString("one request:")),

@@ -44,7 +44,7 @@ ReadPlan planBits(const Item &item)
     if (driverReadsBits(item))
         return {{{makeCommand(kBits, address.text(), item.count), item.count, 1}}, -1};
     const int bytes = bytesFor(address.bit + item.count);
-    return {requestsOf(bytesForm(address.prefix, kFrameData), address.number, bytes), address.bit};
+    return {requestsOf(bytesForm(areaOf(address.prefix), kFrameData), address.number, bytes), address.bit};
 }
 
 QByteArray pickBits(const QByteArray &bytes, int firstBit, int count)

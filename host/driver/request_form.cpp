@@ -42,7 +42,7 @@ RequestForm memoryForm(const Item &item, int frameData)
     const int valueSize = item.valueSize();
     const bool isWhole = item.size() % address.elementWidth == 0;
     const int width = isWhole ? address.elementWidth : 1;
-    const QString prefix = isWhole ? address.prefix : address.prefix.chopped(1) + 'B';
+    const QString prefix = isWhole ? address.prefix : areaOf(address.prefix).byteLetters();
     const int largest = frameData - frameData % std::max(width, valueSize);
     return {prefix, dataTypeOf(valueSize), valueSize, largest / valueSize, valueSize, width};
 }
@@ -54,9 +54,9 @@ RequestForm requestForm(const Item &item, int frameData)
     return item.address.isObject() ? objectForm(item, frameData) : memoryForm(item, frameData);
 }
 
-RequestForm bytesForm(const QString &bitPrefix, int frameData)
+RequestForm bytesForm(const Area &area, int frameData)
 {
-    return {bitPrefix + 'B', kBytes, 1, frameData, 1, 1};
+    return {area.byteLetters(), kBytes, 1, frameData, 1, 1};
 }
 
 CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count)

@@ -12,6 +12,7 @@
 #define HOST_DRIVER_REQUEST_FORM_H
 
 #include "communicator_command.h"
+#include "host/items/area.h"
 #include "host/items/item.h"
 
 #include <QByteArray>
@@ -33,8 +34,8 @@ struct RequestForm
 // The form for an item that is no memory bit. frameData: bytes that one frame has room for.
 RequestForm requestForm(const Item &item, int frameData);
 
-// Whole bytes of an area that is named by its bit letters.
-RequestForm bytesForm(const QString &bitPrefix, int frameData);
+// The form for whole bytes of an area that has bits.
+RequestForm bytesForm(const Area &area, int frameData);
 
 CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count);
 

@@ -10,13 +10,22 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <optional>
 
 namespace host {
 
 namespace {
 
-const char kAreasHint[] = "areas are I Q V M SM S (bits, as V10.3, or with B, W or D, as VB100), AIW, AQW, "
-                          "T, C and HC";
+// "areas are I Q ... (bits, ...), AIW, ..., C and HC"
+QString areasHint()
+{
+    QStringList withBits, others;
+    for (const Area &area : areas())
+        (area.hasBits() ? withBits : others) << area.letters;
+    const QString last = others.takeLast();
+    return "areas are " + withBits.join(' ') + " (bits, as V10.3, or with B, W or D, as VB100), " +
+           others.join(", ") + " and " + last;
+}
 
 // An address text taken apart, before it is known whether it means anything.
 struct Parts
@@ -25,27 +34,6 @@ struct Parts
     quint64 number;
     QString bit; // empty without a dot
 };
-
-bool isBitArea(const QString &prefix)
-{
-    return QStringList({"I", "Q", "V", "M", "SM", "S"}).contains(prefix);
-}
-
-bool isMemoryPrefix(const QString &prefix)
-{
-    return prefix.size() > 1 && QString("BWD").contains(prefix.back()) && isBitArea(prefix.chopped(1));
-}
-
-bool isAnalog(const QString &prefix)
-{
-    return prefix == "AIW" || prefix == "AQW";
-}
-
-bool isKnown(const QString &prefix)
-{
-    return isBitArea(prefix) || isMemoryPrefix(prefix) || isAnalog(prefix) ||
-           QStringList({"T", "C", "HC"}).contains(prefix);
-}
 
 // What people write who come from a related notation, German mnemonics included.
 QString commonName(const QString &prefix)
@@ -70,24 +58,6 @@ bool takeApart(const QString &text, Parts &parts)
     return true;
 }
 
-int elementWidth(const QString &prefix)
-{
-    if (prefix == "HC" || prefix.endsWith('D'))
-        return 4;
-    const bool isWord = prefix.endsWith('W') || prefix == "T" || prefix == "C";
-    return isWord ? 2 : 1;
-}
-
-AddressKind kindOf(const QString &prefix)
-{
-    static const QHash<QString, AddressKind> kinds = {{"AIW", AddressKind::Analog},
-                                                      {"AQW", AddressKind::Analog},
-                                                      {"T", AddressKind::Timer},
-                                                      {"C", AddressKind::Counter},
-                                                      {"HC", AddressKind::HighSpeedCounter}};
-    return kinds.value(prefix, isBitArea(prefix) ? AddressKind::Bit : AddressKind::Memory);
-}
-
 int numberWithin(const Address &address, quint64 number)
 {
     const int largest = address.isObject() ? kMaxObjectNumber : kMaxByteNumber - address.elementWidth + 1;
@@ -95,29 +65,28 @@ int numberWithin(const Address &address, quint64 number)
     return address.kind == AddressKind::Analog ? within & ~1 : within;
 }
 
+// The address that the letters and a number make; one beyond the end becomes the last one.
 Address makeAddress(const QString &prefix, quint64 number, int bit)
 {
-    Address address = {kindOf(prefix), prefix, 0, bit, elementWidth(prefix)};
+    const AreaElement element = *elementNamed(prefix);
+    Address address = {element.kind, prefix, 0, bit, element.width};
     address.number = numberWithin(address, number);
     return address;
 }
 
-Address makeBitAddress(const QString &area, const Parts &parts)
-{
-    return makeAddress(area, parts.number, std::min(parts.bit.toInt(), 7));
-}
-
-// The valid addresses nearest to what was written; just that address when it was valid already.
+// The valid addresses nearest to what was written; just that address when it was valid already. A bit behind
+// the letters of a width is a bit of their area, and without one the letters of bits may mean bytes.
 QList<Address> nearest(const Parts &parts)
 {
     const QString prefix = commonName(parts.prefix.toUpper());
-    if (!isKnown(prefix))
+    const std::optional<AreaElement> element = elementNamed(prefix);
+    if (!element)
         return {};
-    const bool hasBit = !parts.bit.isEmpty();
-    if (hasBit && (isBitArea(prefix) || isMemoryPrefix(prefix)))
-        return {makeBitAddress(isBitArea(prefix) ? prefix : prefix.chopped(1), parts)};
-    if (isBitArea(prefix))
-        return {makeAddress(prefix + 'B', parts.number, 0), makeAddress(prefix, parts.number, 0)};
+    const Area &area = element->area;
+    if (!parts.bit.isEmpty() && area.hasBits())
+        return {makeAddress(area.letters, parts.number, std::min(parts.bit.toInt(), 7))};
+    if (element->kind == AddressKind::Bit)
+        return {makeAddress(area.byteLetters(), parts.number, 0), makeAddress(prefix, parts.number, 0)};
     return {makeAddress(prefix, parts.number, 0)};
 }
 
@@ -137,22 +106,15 @@ QString Address::text() const
     return kind == AddressKind::Bit ? start + '.' + QString::number(bit) : start;
 }
 
-bool Address::isObject() const
-{
-    return kind == AddressKind::Timer || kind == AddressKind::Counter ||
-           kind == AddressKind::HighSpeedCounter;
-}
-
 Address parseAddress(const QString &text)
 {
     const QString complaint = "not an address of the controller";
     Parts parts;
     if (!takeApart(text, parts))
-        throw Failure(ExitCode::Usage, complaint,
-                      QString("an address is letters and a number; ") + kAreasHint);
+        throw Failure(ExitCode::Usage, complaint, "an address is letters and a number; " + areasHint());
     const QList<Address> addresses = nearest(parts);
     if (addresses.isEmpty())
-        throw Failure(ExitCode::Usage, complaint, kAreasHint);
+        throw Failure(ExitCode::Usage, complaint, areasHint());
     if (addresses.first().text() != text)
         throw Failure(ExitCode::Usage, complaint,
                       "write " + textsOf(addresses).join(" or ") + " instead of " + text);

@@ -11,6 +11,8 @@
 #ifndef HOST_ITEMS_ADDRESS_H
 #define HOST_ITEMS_ADDRESS_H
 
+#include "host/items/area.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -20,18 +22,16 @@ namespace host {
 constexpr int kMaxByteNumber = (1 << 24) / 8 - 1;
 constexpr int kMaxObjectNumber = 0xffff;
 
-enum class AddressKind { Bit, Memory, Analog, Timer, Counter, HighSpeedCounter };
-
 struct Address
 {
     AddressKind kind;
     QString prefix;   // the letters
     int number;       // byte or object
     int bit;          // 0 to 7; 0 for all kinds but Bit
-    int elementWidth; // bytes of one element: what the letters say, 2 for T and C, 4 for HC, 1 for bits
+    int elementWidth; // bytes of one element, as the letters say
 
     QString text() const;
-    bool isObject() const;
+    bool isObject() const { return host::isObject(kind); }
 };
 
 // The address that a text names, or a failure whose hint names the nearest valid texts.

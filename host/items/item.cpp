@@ -98,9 +98,9 @@ QString typeHint(const Address &address)
     QString hint = address.text() + " can be taken as " + names.join(' ');
     const QString number = QString::number(address.number);
     if (address.kind == AddressKind::Bit)
-        hint += "; its whole byte is " + address.prefix + 'B' + number;
+        hint += "; its whole byte is " + areaOf(address.prefix).byteLetters() + number;
     if (address.kind == AddressKind::Memory)
-        hint += "; its first bit is " + address.prefix.chopped(1) + number + ".0";
+        hint += "; its first bit is " + areaOf(address.prefix).letters + number + ".0";
     return hint;
 }
 

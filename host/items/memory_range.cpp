@@ -46,7 +46,8 @@ void checkBytes(const Address &address)
 {
     if (address.kind == AddressKind::Bit)
         throw Failure(ExitCode::Usage, address.text() + " is a bit, and ranges are of bytes",
-                      QString("its byte is %1B%2").arg(address.prefix).arg(address.number));
+                      "its byte is " + areaOf(address.prefix).byteLetters() +
+                          QString::number(address.number));
 }
 
 // Both ends must name elements of the same width in the same area, the last one not before the first.

@@ -22,6 +22,7 @@ private slots:
     void invalidTextsGetTheNearestValidOne();
     void textsWithoutAnythingNearGetTheListOfAreas_data();
     void textsWithoutAnythingNearGetTheListOfAreas();
+    void theListOfAreasNamesAllOfThem();
     void anAddressErrorIsAUsageError();
 };
 
@@ -121,6 +122,14 @@ void TestAddress::textsWithoutAnythingNearGetTheListOfAreas()
     QFETCH(QString, text);
     const QString hint = hintOf([&] { parseAddress(text); });
     QVERIFY2(hint.contains("areas are I Q V M SM S"), qPrintable(hint));
+}
+
+void TestAddress::theListOfAreasNamesAllOfThem()
+{
+    QCOMPARE(
+        failureOf([] { parseAddress("X1"); }),
+        QString("2: not an address of the controller / areas are I Q V M SM S (bits, as V10.3, or with B, "
+                "W or D, as VB100), AIW, AQW, T, C and HC"));
 }
 
 void TestAddress::anAddressErrorIsAUsageError()
