@@ -13,9 +13,6 @@ namespace host {
 
 namespace {
 
-constexpr int kLengthInBits = 0x05; // up to this kind a data length counts bits, above it bytes
-constexpr int kPduBehindLength = 4; // the length counts from here on
-
 bool isFrameStart(char byte)
 {
     const auto start = uchar(byte);
@@ -95,15 +92,9 @@ bool Walk::take(const FrameField &field)
         miss(name);
         return false;
     }
-    int value = 0;
-    for (int i = 0; i < field.size; ++i)
-        value = value << 8 | uchar(frame.at(place + i));
     facts.offset = place;
-    if (field.fact)
-        facts.*field.fact = value;
-    if (field.itemFact)
-        facts.item.*field.itemFact = value;
-    const Meaning meaning = meaningOf(field, facts, value);
+    const int value = readField(field, facts);
+    const FieldMeaning meaning = meaningOf(field, facts, value);
     if (meaning.isFault)
         explained.faults << name + ": " + meaning.text;
     add(name, meaning.text, meaning.isFault);
@@ -168,11 +159,6 @@ void Walk::skipTo(int offset)
     missed = missed && isCut();
 }
 
-int dataBytes(const FrameFacts &facts)
-{
-    return facts.dataKind <= kLengthInBits ? (facts.dataLength + 7) / 8 : facts.dataLength;
-}
-
 QString itemSubject(const Walk &walk, int item)
 {
     return walk.facts.itemCount > 1 ? QString("item %1 ").arg(item + 1) : QString();
@@ -189,7 +175,7 @@ void takeDataItem(Walk &walk, const FrameFields &head, const QList<WireItem> &it
     walk.setSubject(itemSubject(walk, item));
     walk.facts.dataLength = 0;
     walk.take(head);
-    const int length = dataBytes(walk.facts);
+    const int length = dataSize(uchar(walk.facts.dataKind), walk.facts.dataLength);
     walk.takeData(length, itemAt(items, item));
     if (length % 2 && item + 1 < walk.facts.itemCount)
         walk.take(fillerFields());
@@ -245,7 +231,7 @@ void takePdu(Walk &walk, Asked &asked)
 {
     walk.take(headerFields());
     const bool isRequest = walk.facts.messageType == kJob;
-    const bool isKnown = walk.facts.messageType > 0 && walk.facts.messageType <= 0x03;
+    const bool isKnown = walk.facts.messageType > 0 && walk.facts.messageType <= kLastAnswerType;
     if (isKnown && !isRequest)
         walk.take(errorFields());
     const bool isRefused = walk.facts.errorClass != 0 || walk.facts.errorCode != 0;
@@ -267,13 +253,13 @@ void takePdu(Walk &walk, Asked &asked)
 
 void takeLongFrame(Walk &walk, Asked &asked)
 {
-    walk.facts.checkedFrom = kPduBehindLength;
+    walk.facts.checkedFrom = kLongFrameCounted;
     walk.take(longFrameHead());
-    const int end = kPduBehindLength + walk.facts.length;
+    const int end = kLongFrameCounted + walk.facts.length;
     walk.setLimit(end);
     takePdu(walk, asked);
     walk.skipTo(end);
-    walk.take(longFrameTail());
+    walk.take(frameTail());
 }
 
 void takeFrame(Walk &walk, const QByteArray &frame, Asked &asked)
@@ -283,8 +269,9 @@ void takeFrame(Walk &walk, const QByteArray &frame, Asked &asked)
         walk.take(acknowledgementFields());
         return;
     case kShortFrame:
-        walk.facts.checkedFrom = 1;
-        walk.take(shortFrameFields());
+        walk.facts.checkedFrom = kShortFrameCounted;
+        walk.take(shortFrameHead());
+        walk.take(frameTail());
         return;
     case kLongFrame:
         takeLongFrame(walk, asked);

@@ -9,112 +9,37 @@ namespace host {
 
 namespace {
 
-constexpr int kStationMax = 126;
-constexpr int kBroadcast = 127;
-constexpr int kErrorSize = 2;
-constexpr int kAddressesSize = 3; // destination, source, function code
+// Texts for the values of fields. Each says whether the value is wrong in this place; a code that nobody
+// knows is told as such and is no fault, for a controller may speak of more than is known here.
 
-// Function codes: bit 6 tells requests from answers.
-constexpr int kRequestBit = 0x40;
-constexpr int kSequenceBit = 0x20;
-constexpr int kSequenceCounts = 0x10;
-constexpr int kFunctionNibble = 0x0f;
-
-struct Named
+FieldMeaning known(const QString &name)
 {
-    int code;
-    const char *name;
-};
-
-const Named kRequestFunctions[] = {
-    {0x3, "data, to be acknowledged"},
-    {0x4, "data, not acknowledged"},
-    {0x5, "data with priority, to be acknowledged"},
-    {0x6, "data with priority, not acknowledged"},
-    {0x9, "question for the station's state"},
-    {0xc, "data or poll, to be answered"},
-    {0xd, "data or poll with priority, to be answered"},
-    {0xe, "question for the station's identity"},
-    {0xf, "question for the station's services"},
-};
-
-const Named kAnswerFunctions[] = {
-    {0x0, "taken"},
-    {0x1, "refused: user error"},
-    {0x2, "refused: no resource"},
-    {0x3, "refused: service not active"},
-    {0x8, "answer with data"},
-    {0x9, "no data to answer with"},
-    {0xa, "answer with data of high priority"},
-    {0xc, "answer with data, no resource"},
-    {0xd, "answer with data of high priority, no resource"},
-};
-
-const Named kMessageTypes[] = {
-    {0x01, "job: a request"},
-    {0x02, "acknowledgement: an answer"},
-    {0x03, "acknowledgement with data: an answer"},
-    {0x07, "user data"},
-};
-
-const Named kFunctions[] = {
-    {0x04, "read variables"},
-    {0x05, "write variables"},
-    {0xf0, "set up communication"},
-    {0x1a, "request download"},
-    {0x1d, "start upload"},
-    {0x28, "start, or another control"},
-    {0x29, "stop"},
-};
-
-const Named kErrorClasses[] = {
-    {0x00, "no error"},
-    {0x81, "the request does not fit the relationship"},
-    {0x82, "the object's definition"},
-    {0x83, "no resources"},
-    {0x84, "the service failed"},
-    {0x85, "the PDU is wrong"},
-    {0x87, "no access"},
-};
-
-const Named kDataKinds[] = {
-    {0x00, "no data"},         {0x03, "length in bits, one bit each"},
-    {0x04, "length in bits"},  {0x05, "length in bits"},
-    {0x06, "length in bytes"}, {0x07, "length in bytes"},
-    {0x09, "length in bytes"},
-};
-
-template <size_t Size> Meaning named(const Named (&names)[Size], int code)
-{
-    for (const Named &entry : names)
-        if (entry.code == code)
-            return {entry.name, false};
-    return {"not known", false};
+    return {name.isEmpty() ? "not known" : name, false};
 }
 
-Meaning number(const FrameFacts & /*facts*/, int value)
+FieldMeaning number(const FrameFacts & /*facts*/, int value)
 {
     return {QString::number(value), false};
 }
 
-Meaning byteCount(const FrameFacts & /*facts*/, int value)
+FieldMeaning byteCount(const FrameFacts & /*facts*/, int value)
 {
     return {counted(value, "byte"), false};
 }
 
-Meaning station(const FrameFacts & /*facts*/, int value)
+FieldMeaning station(const FrameFacts & /*facts*/, int value)
 {
     if (value == kBroadcast)
         return {"all stations", false};
     return {QString("station %1").arg(value), value > kStationMax};
 }
 
-Meaning functionCode(const FrameFacts & /*facts*/, int value)
+FieldMeaning functionCode(const FrameFacts & /*facts*/, int value)
 {
     const int nibble = value & kFunctionNibble;
     if (!(value & kRequestBit))
-        return named(kAnswerFunctions, nibble);
-    Meaning meaning = named(kRequestFunctions, nibble);
+        return known(answerFunctionName(nibble));
+    FieldMeaning meaning = known(requestFunctionName(nibble));
     if (value & kSequenceCounts)
         meaning.text += QString("; sequence bit %1").arg((value & kSequenceBit) ? 1 : 0);
     else if (value & kSequenceBit)
@@ -122,21 +47,21 @@ Meaning functionCode(const FrameFacts & /*facts*/, int value)
     return meaning;
 }
 
-Meaning frameLength(const FrameFacts & /*facts*/, int value)
+FieldMeaning frameLength(const FrameFacts & /*facts*/, int value)
 {
     if (value < kAddressesSize)
         return {"too short: three bytes at least", true};
     return {counted(value, "byte") + " from the destination to the end of the PDU", false};
 }
 
-Meaning lengthAgain(const FrameFacts &facts, int value)
+FieldMeaning lengthAgain(const FrameFacts &facts, int value)
 {
     if (value == facts.length)
         return {"the same", false};
     return {"should be the same: " + hexByte(uchar(facts.length)), true};
 }
 
-Meaning checkSum(const FrameFacts &facts, int value)
+FieldMeaning checkSum(const FrameFacts &facts, int value)
 {
     const uchar right = checkByte(facts.frame, facts.checkedFrom, facts.offset);
     if (right == value)
@@ -144,17 +69,17 @@ Meaning checkSum(const FrameFacts &facts, int value)
     return {"should be " + hexByte(right), true};
 }
 
-Meaning messageType(const FrameFacts & /*facts*/, int value)
+FieldMeaning messageType(const FrameFacts & /*facts*/, int value)
 {
-    return named(kMessageTypes, value);
+    return known(messageTypeName(uchar(value)));
 }
 
-Meaning dataLength(const FrameFacts &facts, int value)
+FieldMeaning dataLength(const FrameFacts &facts, int value)
 {
     const int header = facts.messageType == kJob ? kHeaderSize : kHeaderSize + kErrorSize;
     const int behindHeader = facts.length - kAddressesSize - header;
     const int told = facts.parameterLength + value;
-    if (told == behindHeader || facts.messageType > 0x03)
+    if (told == behindHeader || facts.messageType > kLastAnswerType)
         return {counted(value, "byte"), false};
     return {QString("%1, with the parameters %2, but %3 stand behind the header")
                 .arg(counted(value, "byte"))
@@ -163,49 +88,47 @@ Meaning dataLength(const FrameFacts &facts, int value)
             true};
 }
 
-Meaning errorClass(const FrameFacts & /*facts*/, int value)
+FieldMeaning errorClass(const FrameFacts & /*facts*/, int value)
 {
-    return named(kErrorClasses, value);
+    return known(errorClassName(uchar(value)));
 }
 
-Meaning errorCode(const FrameFacts &facts, int value)
+FieldMeaning errorCode(const FrameFacts &facts, int value)
 {
     if (facts.errorClass == 0 && value == 0)
         return {"no error", false};
     return {"the reason within its class", false};
 }
 
-Meaning function(const FrameFacts & /*facts*/, int value)
+FieldMeaning function(const FrameFacts & /*facts*/, int value)
 {
-    return named(kFunctions, value);
+    return known(functionName(uchar(value)));
 }
 
-Meaning transportSize(const FrameFacts & /*facts*/, int value)
+FieldMeaning transportSize(const FrameFacts & /*facts*/, int value)
 {
-    const QString name = elementName(uchar(value));
-    return {name.isEmpty() ? "not known" : name, false};
+    return known(elementName(uchar(value)));
 }
 
-Meaning elementCount(const FrameFacts &facts, int value)
+FieldMeaning elementCount(const FrameFacts &facts, int value)
 {
     const QString name = elementName(uchar(facts.item.transportSize));
     return {counted(value, name.isEmpty() ? "element" : name), false};
 }
 
-Meaning dataBlock(const FrameFacts & /*facts*/, int value)
+FieldMeaning dataBlock(const FrameFacts & /*facts*/, int value)
 {
     if (value == 0)
         return {"none", false};
-    return {value == 1 ? "1, variable memory" : QString::number(value), false};
+    return {value == kVariableMemoryBlock ? "1, variable memory" : QString::number(value), false};
 }
 
-Meaning area(const FrameFacts & /*facts*/, int value)
+FieldMeaning area(const FrameFacts & /*facts*/, int value)
 {
-    const QString letters = areaLetters(uchar(value));
-    return {letters.isEmpty() ? "not known" : letters, false};
+    return known(areaLetters(uchar(value)));
 }
 
-Meaning itemAddress(const FrameFacts &facts, int value)
+FieldMeaning itemAddress(const FrameFacts &facts, int value)
 {
     WireItem item = facts.item;
     item.address = value;
@@ -218,27 +141,29 @@ Meaning itemAddress(const FrameFacts &facts, int value)
     return {text, false};
 }
 
-Meaning returnCode(const FrameFacts & /*facts*/, int value)
+FieldMeaning returnCode(const FrameFacts & /*facts*/, int value)
 {
     return {returnCodeName(uchar(value)), false};
 }
 
-Meaning dataKind(const FrameFacts & /*facts*/, int value)
+FieldMeaning dataKind(const FrameFacts & /*facts*/, int value)
 {
-    return named(kDataKinds, value);
+    return known(dataKindName(uchar(value)));
 }
 
-// A field that always has the same value.
-FrameField fixed(const char *name, int size, int always, const char *text)
+// A field that always has the same value, which means always the same.
+FrameField fixed(const char *name, int size, int always, const char *text, int FrameFacts::*fact = nullptr)
 {
-    return {name, size, nullptr, nullptr, nullptr, always, text};
+    return {name, size, fact, nullptr, nullptr, always, text};
 }
 
+// A field whose value tells something of its own.
 FrameField field(const char *name, int size, MeaningOfValue meaning, int FrameFacts::*fact = nullptr)
 {
     return {name, size, fact, nullptr, meaning, 0, ""};
 }
 
+// A field that says where an item of a request lies.
 FrameField itemField(const char *name, int size, MeaningOfValue meaning, int WireItem::*fact)
 {
     return {name, size, nullptr, fact, meaning, 0, ""};
@@ -254,46 +179,48 @@ const FrameFields &acknowledgementFields()
     return fields;
 }
 
-const FrameFields &shortFrameFields()
+// A short frame asks or refuses: all that it says is in its function code.
+const FrameFields &shortFrameHead()
 {
     static const FrameFields fields = {
         fixed("start", 1, kShortFrame, "a frame without data"),
-        field("destination", 1, station),
-        field("source", 1, station),
-        field("function code", 1, functionCode),
-        field("check sum", 1, checkSum),
-        fixed("end", 1, kEndOfFrame, "end of the frame"),
+        field("destination", 1, station, &FrameFacts::destination),
+        field("source", 1, station, &FrameFacts::source),
+        field("function code", 1, functionCode, &FrameFacts::functionCode),
     };
     return fields;
 }
 
+// The start and the length stand twice, so that a damaged length does not mislead the receiver.
 const FrameFields &longFrameHead()
 {
     static const FrameFields fields = {
         fixed("start", 1, kLongFrame, "a frame with data"),
         field("length", 1, frameLength, &FrameFacts::length),
-        field("length again", 1, lengthAgain),
-        fixed("start again", 1, kLongFrame, ""),
-        field("destination", 1, station),
-        field("source", 1, station),
-        field("function code", 1, functionCode),
+        field("length again", 1, lengthAgain, &FrameFacts::lengthAgain),
+        fixed("start again", 1, kLongFrame, "", &FrameFacts::startAgain),
+        field("destination", 1, station, &FrameFacts::destination),
+        field("source", 1, station, &FrameFacts::source),
+        field("function code", 1, functionCode, &FrameFacts::functionCode),
     };
     return fields;
 }
 
-const FrameFields &longFrameTail()
+const FrameFields &frameTail()
 {
     static const FrameFields fields = {
-        field("check sum", 1, checkSum),
-        fixed("end", 1, kEndOfFrame, "end of the frame"),
+        field("check sum", 1, checkSum, &FrameFacts::checkSum),
+        fixed("end", 1, kEndOfFrame, "end of the frame", &FrameFacts::end),
     };
     return fields;
 }
 
+// The reference is the number of the request; its answer has the same one. Both lengths say how what stands
+// behind the header is divided, without which nobody could tell parameters from data.
 const FrameFields &headerFields()
 {
     static const FrameFields fields = {
-        fixed("protocol", 1, 0x32, "S7"),
+        fixed("protocol", 1, kProtocol, "S7"),
         field("message type", 1, messageType, &FrameFacts::messageType),
         fixed("reserved", 2, 0, ""),
         field("reference", 2, number, &FrameFacts::reference),
@@ -303,6 +230,7 @@ const FrameFields &headerFields()
     return fields;
 }
 
+// A class other than 0 refuses the request as a whole, and nothing need stand behind it.
 const FrameFields &errorFields()
 {
     static const FrameFields fields = {
@@ -321,12 +249,14 @@ const FrameFields &parameterFields()
     return fields;
 }
 
+// The address is the number of a bit, counted from the beginning of the area, whatever the elements are; that
+// of an object is its number.
 const FrameFields &requestItemFields()
 {
     static const FrameFields fields = {
-        fixed("item kind", 1, 0x12, "a variable"),
-        fixed("item length", 1, 0x0a, "10 bytes follow"),
-        fixed("syntax", 1, 0x10, "area and address"),
+        fixed("item kind", 1, kVariableItem, "a variable"),
+        fixed("item length", 1, kItemLength, "10 bytes follow"),
+        fixed("syntax", 1, kAreaSyntax, "area and address"),
         itemField("transport size", 1, transportSize, &WireItem::transportSize),
         itemField("element count", 2, elementCount, &WireItem::count),
         field("data block", 2, dataBlock),
@@ -336,6 +266,7 @@ const FrameFields &requestItemFields()
     return fields;
 }
 
+// Where an answer has its return code, data to be written have a byte that means nothing.
 const FrameFields &writtenDataFields()
 {
     static const FrameFields fields = {
@@ -349,7 +280,7 @@ const FrameFields &writtenDataFields()
 const FrameFields &readDataFields()
 {
     static const FrameFields fields = {
-        field("return code", 1, returnCode),
+        field("return code", 1, returnCode, &FrameFacts::returnCode),
         field("data kind", 1, dataKind, &FrameFacts::dataKind),
         field("data length", 2, number, &FrameFacts::dataLength),
     };
@@ -364,15 +295,28 @@ const FrameFields &fillerFields()
     return fields;
 }
 
+// The answer to a write has one return code for every item.
 const FrameFields &returnCodeFields()
 {
     static const FrameFields fields = {
-        field("return code", 1, returnCode),
+        field("return code", 1, returnCode, &FrameFacts::returnCode),
     };
     return fields;
 }
 
-Meaning meaningOf(const FrameField &field, const FrameFacts &facts, int value)
+int readField(const FrameField &field, FrameFacts &facts)
+{
+    int value = 0;
+    for (int i = 0; i < field.size; ++i)
+        value = value << 8 | uchar(facts.frame.at(facts.offset + i));
+    if (field.fact)
+        facts.*field.fact = value;
+    if (field.itemFact)
+        facts.item.*field.itemFact = value;
+    return value;
+}
+
+FieldMeaning meaningOf(const FrameField &field, const FrameFacts &facts, int value)
 {
     if (field.meaning)
         return field.meaning(facts, value);
@@ -398,6 +342,8 @@ QString elementAddress(const WireItem &item, int index)
     return letters + widthLetter + QString::number(first + index * width);
 }
 
+// A timer's and a high-speed counter's value has four bytes, a counter's two; a status byte stands before
+// each. Everything else is the value alone, and bits come one per byte.
 DataRecord dataRecord(const WireItem &item)
 {
     switch (item.transportSize) {

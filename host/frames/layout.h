@@ -1,7 +1,17 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The frames as tables: which field follows which, how many bytes it has, what its value means.
+// The frames as tables: which field follows which, how many bytes it has, what its value means. Whoever reads
+// a frame goes along these tables, field by field; nobody else knows at which offset something lies.
+//
+//   short frame   shortFrameHead  frameTail
+//   long frame    longFrameHead  PDU  frameTail
+//   PDU           a request or an answer
+//   request       headerFields  parameterFields  requestItemFields for each item
+//                 and of a write, for each item: writtenDataFields, the data, fillerFields
+//   answer        headerFields  errorFields  parameterFields
+//                 to a read, for each item: readDataFields, the data, fillerFields
+//                 to a write: returnCodeFields for each item
 
 #ifndef HOST_FRAMES_LAYOUT_H
 #define HOST_FRAMES_LAYOUT_H
@@ -15,7 +25,7 @@
 
 namespace host {
 
-// What the fields of a frame said so far.
+// What the fields of a frame said so far; 0 for what none has said.
 struct FrameFacts
 {
     const QByteArray &frame;
@@ -23,6 +33,14 @@ struct FrameFacts
     int offset = 0;      // of the field that is looked at
 
     int length = 0;
+    int lengthAgain = 0;
+    int startAgain = 0;
+    int destination = 0;
+    int source = 0;
+    int functionCode = 0;
+    int checkSum = 0;
+    int end = 0;
+
     int messageType = 0;
     int reference = 0;
     int parameterLength = 0;
@@ -31,19 +49,21 @@ struct FrameFacts
     int function = 0;
     int itemCount = 0;
 
-    WireItem item = {};
+    WireItem item = {}; // of a request; each takes the place of the one before
 
+    int returnCode = 0;
     int dataKind = 0; // what the data's length counts
     int dataLength = 0;
 };
 
-struct Meaning
+// What a field's value says to people.
+struct FieldMeaning
 {
     QString text;
     bool isFault;
 };
 
-using MeaningOfValue = Meaning (*)(const FrameFacts &facts, int value);
+using MeaningOfValue = FieldMeaning (*)(const FrameFacts &facts, int value);
 
 struct FrameField
 {
@@ -62,9 +82,9 @@ struct FrameField
 using FrameFields = std::vector<FrameField>;
 
 const FrameFields &acknowledgementFields();
-const FrameFields &shortFrameFields();
+const FrameFields &shortFrameHead();
 const FrameFields &longFrameHead();
-const FrameFields &longFrameTail();
+const FrameFields &frameTail();
 const FrameFields &headerFields();
 const FrameFields &errorFields(); // behind the header of an answer
 const FrameFields &parameterFields();
@@ -74,7 +94,11 @@ const FrameFields &readDataFields();    // before the data of an answer
 const FrameFields &fillerFields();      // behind an odd number of data bytes, when more items follow
 const FrameFields &returnCodeFields();
 
-Meaning meaningOf(const FrameField &field, const FrameFacts &facts, int value);
+// The value of the field at facts.offset, kept among the facts when the field says so. Its bytes must be
+// there.
+int readField(const FrameField &field, FrameFacts &facts);
+
+FieldMeaning meaningOf(const FrameField &field, const FrameFacts &facts, int value);
 
 // "VW102" for the second word from VW100 on.
 QString elementAddress(const WireItem &item, int index);

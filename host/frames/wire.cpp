@@ -7,6 +7,33 @@
 
 namespace host {
 
+namespace {
+
+// What the length of an item's data counts.
+enum class LengthUnit { Bits, Bytes };
+
+struct DataKind
+{
+    QString name;
+    LengthUnit unit;
+};
+
+DataKind dataKind(uchar kind)
+{
+    static const QHash<uchar, DataKind> kinds = {
+        {0x00, {"no data", LengthUnit::Bytes}},
+        {0x03, {"length in bits, one bit each", LengthUnit::Bits}},
+        {0x04, {"length in bits", LengthUnit::Bits}},
+        {0x05, {"length in bits", LengthUnit::Bits}},
+        {0x06, {"length in bytes", LengthUnit::Bytes}},
+        {0x07, {"length in bytes", LengthUnit::Bytes}},
+        {0x09, {"length in bytes", LengthUnit::Bytes}},
+    };
+    return kinds.value(kind, {QString(), LengthUnit::Bytes});
+}
+
+} // namespace
+
 uchar checkByte(const QByteArray &frame, int first, int last)
 {
     uint sum = 0;
@@ -20,10 +47,91 @@ QString hexByte(uchar byte)
     return QString("%1").arg(uint(byte), 2, 16, QChar('0')).toUpper();
 }
 
+int dataSize(uchar kind, int length)
+{
+    return dataKind(kind).unit == LengthUnit::Bits ? (length + 7) / 8 : length;
+}
+
+QString requestFunctionName(int nibble)
+{
+    static const QHash<int, QString> names = {
+        {0x3, "data, to be acknowledged"},
+        {0x4, "data, not acknowledged"},
+        {0x5, "data with priority, to be acknowledged"},
+        {0x6, "data with priority, not acknowledged"},
+        {0x9, "question for the station's state"},
+        {0xc, "data or poll, to be answered"},
+        {0xd, "data or poll with priority, to be answered"},
+        {0xe, "question for the station's identity"},
+        {0xf, "question for the station's services"},
+    };
+    return names.value(nibble);
+}
+
+QString answerFunctionName(int nibble)
+{
+    static const QHash<int, QString> names = {
+        {0x0, "taken"},
+        {0x1, "refused: user error"},
+        {kNoResource, "refused: no resource"},
+        {kNotActive, "refused: service not active"},
+        {0x8, "answer with data"},
+        {0x9, "no data to answer with"},
+        {0xa, "answer with data of high priority"},
+        {0xc, "answer with data, no resource"},
+        {0xd, "answer with data of high priority, no resource"},
+    };
+    return names.value(nibble);
+}
+
+QString messageTypeName(uchar type)
+{
+    static const QHash<uchar, QString> names = {
+        {kJob, "job: a request"},
+        {0x02, "acknowledgement: an answer"},
+        {kLastAnswerType, "acknowledgement with data: an answer"},
+        {0x07, "user data"},
+    };
+    return names.value(type);
+}
+
+QString functionName(uchar function)
+{
+    static const QHash<uchar, QString> names = {
+        {kReadVariable, "read variables"},
+        {kWriteVariable, "write variables"},
+        {0xf0, "set up communication"},
+        {0x1a, "request download"},
+        {0x1d, "start upload"},
+        {0x28, "start, or another control"},
+        {0x29, "stop"},
+    };
+    return names.value(function);
+}
+
+QString errorClassName(uchar errorClass)
+{
+    static const QHash<uchar, QString> names = {
+        {0x00, "no error"},
+        {0x81, "the request does not fit the relationship"},
+        {0x82, "the object's definition"},
+        {0x83, "no resources"},
+        {0x84, "the service failed"},
+        {0x85, "the PDU is wrong"},
+        {0x87, "no access"},
+    };
+    return names.value(errorClass);
+}
+
+QString dataKindName(uchar kind)
+{
+    return dataKind(kind).name;
+}
+
 QString elementName(uchar transportSize)
 {
     static const QHash<uchar, QString> names = {{kBitElement, "bit"},
-                                                {0x02, "byte"},
+                                                {kByteElement, "byte"},
                                                 {kWordElement, "word"},
                                                 {kDoubleWordElement, "dword"},
                                                 {kCounterArea, "counter"},

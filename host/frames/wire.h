@@ -19,15 +19,50 @@ constexpr uchar kEndOfFrame = 0x16;
 constexpr int kShortFrameSize = 6;
 constexpr int kLongFrameFixed = 6; // four bytes before and two behind what the length counts
 
-constexpr int kHeaderSize = 10; // of a request; an answer's has two bytes of error class and code more
+// Where the check sum begins to count; the length of a long frame counts from the same byte on.
+constexpr int kShortFrameCounted = 1;
+constexpr int kLongFrameCounted = 4;
 
+constexpr int kAddressesSize = 3; // destination, source, function code: the least that a length can count
+constexpr int kTailSize = 2;      // check sum and end
+
+constexpr int kStationMax = 126;
+constexpr int kBroadcast = 127;
+
+// A function code: bit 6 tells requests from answers, the low four bits tell which. In a request two bits
+// between them keep a repeated frame from being taken for a new one.
+constexpr int kRequestBit = 0x40;
+constexpr int kSequenceBit = 0x20;
+constexpr int kSequenceCounts = 0x10;
+constexpr int kFunctionNibble = 0x0f;
+
+// Function codes without the bits of the sequence.
+constexpr uchar kPoll = 0x4c;
+constexpr uchar kNoResource = 0x02;
+constexpr uchar kNotActive = 0x03;
+
+constexpr uchar kProtocol = 0x32;
+constexpr int kHeaderSize = 10; // of a request; an answer's has error class and code behind it
+constexpr int kErrorSize = 2;
+
+// Message types; those above the last answer's have a layout of their own.
 constexpr uchar kJob = 0x01;
+constexpr uchar kLastAnswerType = 0x03;
+
 constexpr uchar kReadVariable = 0x04;
 constexpr uchar kWriteVariable = 0x05;
 constexpr uchar kDone = 0xff;
 
+// How an item of a request begins.
+constexpr uchar kVariableItem = 0x12;
+constexpr uchar kItemLength = 0x0a; // of the bytes that follow
+constexpr uchar kAreaSyntax = 0x10;
+
+constexpr int kVariableMemoryBlock = 1; // all other areas name the data block 0
+
 // Transport sizes of a request.
 constexpr uchar kBitElement = 0x01;
+constexpr uchar kByteElement = 0x02;
 constexpr uchar kWordElement = 0x04;
 constexpr uchar kDoubleWordElement = 0x06;
 
@@ -51,6 +86,18 @@ uchar checkByte(const QByteArray &frame, int first, int last);
 
 // "6C"
 QString hexByte(uchar byte);
+
+// The bytes that an item's data take on the line. Data of the kinds 03, 04 and 05 have their length in bits,
+// of which the last byte need not be full; all other kinds, as the objects' 09, in bytes.
+int dataSize(uchar kind, int length);
+
+// Names for people; empty for a code that means nothing.
+QString requestFunctionName(int nibble); // of the low four bits of a function code
+QString answerFunctionName(int nibble);
+QString messageTypeName(uchar type);
+QString functionName(uchar function);
+QString errorClassName(uchar errorClass);
+QString dataKindName(uchar kind);
 
 // "byte", "timer", ...; empty for a transport size that means nothing.
 QString elementName(uchar transportSize);

@@ -3,58 +3,80 @@
 
 #include "host/frames/words.h"
 
+#include "host/frames/layout.h"
 #include "host/text/number_text.h"
 
 namespace host {
 
 namespace {
 
-constexpr int kPduStart = 7;
-constexpr int kAnswerHeaderSize = 12;
-constexpr int kItemStart = kPduStart + kHeaderSize + 2; // behind function and number of items
-constexpr int kItemSize = 12;
-constexpr int kTailSize = 2; // check sum and end
+const char kDamaged[] = "damaged frame";
 
-// Function codes of short frames, without the two bits that count frames.
-constexpr uchar kFunctionMask = 0x4f;
-constexpr uchar kPoll = 0x4c;
-constexpr uchar kNoResource = 0x02;
-constexpr uchar kNotActive = 0x03;
-
-uchar at(const QByteArray &frame, int index)
+// Goes along a frame, field by field, and keeps what they say.
+class FieldReader
 {
-    return index < frame.size() ? uchar(frame.at(index)) : uchar(0);
+public:
+    FieldReader(const QByteArray &frame, int checkedFrom)
+        : facts{frame, checkedFrom}, end(int(frame.size()) - kTailSize)
+    {
+    }
+
+    FrameFacts facts;
+
+    // Bytes before the tail that no field has read yet.
+    int left() const { return end - facts.offset; }
+
+    // False when the fields need more bytes than are left; those that find theirs have been read then.
+    bool read(const FrameFields &fields);
+
+    // Whether the frame ends with the right check sum and the byte that ends frames.
+    bool hasSoundTail() const;
+
+private:
+    int end; // nothing is read from here on
+};
+
+bool FieldReader::read(const FrameFields &fields)
+{
+    for (const FrameField &field : fields) {
+        if (left() < field.size)
+            return false;
+        readField(field, facts);
+        facts.offset += field.size;
+    }
+    return true;
 }
 
-int word(const QByteArray &frame, int index)
+bool FieldReader::hasSoundTail() const
 {
-    return at(frame, index) << 8 | at(frame, index + 1);
+    FieldReader tail = *this;
+    tail.facts.offset = end;
+    tail.end = end + kTailSize;
+    tail.read(frameTail());
+    return tail.facts.checkSum == checkByte(facts.frame, facts.checkedFrom, end) &&
+           tail.facts.end == kEndOfFrame;
 }
 
-// Both lengths are the same, and there is room for the header that the words are of.
-bool hasHeader(const QByteArray &frame)
+// Up to the parameters. False when the head's lengths and starts are not the same, or the header is cut.
+bool readHeader(FieldReader &reader)
 {
-    const int headerSize = at(frame, kPduStart + 1) == kJob ? kHeaderSize : kAnswerHeaderSize;
-    return at(frame, 2) == at(frame, 1) && at(frame, 3) == kLongFrame &&
-           at(frame, 1) + kLongFrameFixed >= kPduStart + headerSize + kTailSize;
+    const FrameFacts &facts = reader.facts;
+    return reader.read(longFrameHead()) && reader.read(headerFields()) &&
+           (facts.messageType == kJob || reader.read(errorFields())) && facts.lengthAgain == facts.length &&
+           facts.startAgain == kLongFrame;
 }
 
-bool isSound(const QByteArray &frame, int first, int last)
+QString shortFrameWords(const FrameFacts &facts)
 {
-    return checkByte(frame, first, last) == at(frame, last) && at(frame, last + 1) == kEndOfFrame;
-}
-
-QString shortFrameWords(const QByteArray &frame)
-{
-    switch (at(frame, 3) & kFunctionMask) {
+    switch (facts.functionCode & (kRequestBit | kFunctionNibble)) {
     case kPoll:
-        return QString("poll of station %1").arg(at(frame, 1));
+        return QString("poll of station %1").arg(facts.destination);
     case kNoResource:
-        return QString("refused by station %1: no resource").arg(at(frame, 2));
+        return QString("refused by station %1: no resource").arg(facts.source);
     case kNotActive:
-        return QString("refused by station %1: service not active").arg(at(frame, 2));
+        return QString("refused by station %1: service not active").arg(facts.source);
     default:
-        return "short frame with function code " + hexByte(at(frame, 3));
+        return "short frame with function code " + hexByte(uchar(facts.functionCode));
     }
 }
 
@@ -63,80 +85,99 @@ QString orUnknown(const QString &name, const QString &what, uchar code)
     return name.isEmpty() ? what + ' ' + hexByte(code) : name;
 }
 
-// An item := 12 0A 10 kind count(2) DB(2) area address(3)
-QString itemWords(const QByteArray &frame, int start)
+QString itemWords(const WireItem &item)
 {
-    const uchar kind = at(frame, start + 3);
-    const int count = word(frame, start + 4);
-    const uchar area = at(frame, start + 8);
-    const int address = at(frame, start + 9) << 16 | word(frame, start + 10);
-    const QString element = orUnknown(elementName(kind), "element of kind", kind);
-    const QString elements = counted(count, element);
+    const auto size = uchar(item.transportSize);
+    const auto area = uchar(item.area);
+    const QString elements = counted(item.count, orUnknown(elementName(size), "element of kind", size));
     const QString letters = orUnknown(areaLetters(area), "area", area);
     if (isObjectArea(area))
-        return QString("%1 at %2%3").arg(elements, letters).arg(address);
-    const QString place = QString("%1 byte %2").arg(letters).arg(address / 8);
-    return kind == kBitElement ? QString("%1 at %2 bit %3").arg(elements, place).arg(address % 8)
+        return QString("%1 at %2%3").arg(elements, letters).arg(item.address);
+    const QString place = QString("%1 byte %2").arg(letters).arg(item.address / 8);
+    return size == kBitElement ? QString("%1 at %2 bit %3").arg(elements, place).arg(item.address % 8)
                                : QString("%1 at %2").arg(elements, place);
 }
 
-QString requestWords(const QByteArray &frame)
+QString functionWords(const FrameFacts &facts)
 {
-    const uchar function = at(frame, kPduStart + kHeaderSize);
-    const int items = at(frame, kPduStart + kHeaderSize + 1);
-    QString words = QString("request %1 to station %2: ").arg(word(frame, kPduStart + 4)).arg(at(frame, 4));
-    if (function != kReadVariable && function != kWriteVariable)
-        return words + "function " + hexByte(function);
-    words += function == kReadVariable ? "read " : "write ";
-    for (int i = 0; i < items && kItemStart + (i + 1) * kItemSize <= frame.size(); ++i)
-        words += (i ? ", " : "") + itemWords(frame, kItemStart + i * kItemSize);
+    return "function " + hexByte(uchar(facts.function));
+}
+
+QString requestWords(FieldReader &reader)
+{
+    const FrameFacts &facts = reader.facts;
+    QString words = QString("request %1 to station %2: ").arg(facts.reference).arg(facts.destination);
+    if (reader.left() == 0)
+        return words + "without a function";
+    reader.read(parameterFields());
+    if (facts.function != kReadVariable && facts.function != kWriteVariable)
+        return words + functionWords(facts);
+    words += facts.function == kReadVariable ? "read " : "write ";
+    for (int i = 0; i < facts.itemCount && reader.read(requestItemFields()); ++i)
+        words += (i ? ", " : "") + itemWords(facts.item);
     return words;
 }
 
-QString returnCodeWords(uchar code)
+QString returnCodeWords(const FrameFacts &facts)
 {
+    const auto code = uchar(facts.returnCode);
     return returnCodeName(code) + " (" + hexByte(code) + ')';
 }
 
-QString readAnswerWords(const QByteArray &frame, int item)
+// Of the first item: the driver asks for one.
+QString readAnswerWords(FieldReader &reader)
 {
-    const uchar code = at(frame, item);
-    if (code != kDone)
-        return "refused, " + returnCodeWords(code);
-    const bool lengthInBits = at(frame, item + 1) == 0x04;
-    const int length = word(frame, item + 2);
-    return counted(lengthInBits ? length / 8 : length, "byte") + " of data";
+    const FrameFacts &facts = reader.facts;
+    if (reader.left() == 0)
+        return "without data";
+    reader.read(readDataFields());
+    if (facts.returnCode != kDone)
+        return "refused, " + returnCodeWords(facts);
+    return counted(dataSize(uchar(facts.dataKind), facts.dataLength), "byte") + " of data";
 }
 
-QString writeAnswerWords(const QByteArray &frame, int item)
+QString writeAnswerWords(FieldReader &reader)
 {
     QString words;
-    for (int i = 0; i < at(frame, item - 1) && item + i + 2 < frame.size(); ++i)
-        words += (i ? ", " : "") + returnCodeWords(at(frame, item + i));
+    for (int i = 0; i < reader.facts.itemCount && reader.read(returnCodeFields()); ++i)
+        words += (i ? ", " : "") + returnCodeWords(reader.facts);
     return words;
 }
 
-QString answerWords(const QByteArray &frame)
+QString answerWords(FieldReader &reader)
 {
-    const int parameters = kPduStart + kAnswerHeaderSize;
+    const FrameFacts &facts = reader.facts;
     const QString words =
-        QString("answer to request %1 from station %2: ").arg(word(frame, kPduStart + 4)).arg(at(frame, 5));
-    if (const int error = word(frame, kPduStart + 10))
+        QString("answer to request %1 from station %2: ").arg(facts.reference).arg(facts.source);
+    if (facts.errorClass != 0 || facts.errorCode != 0)
         return words + QString("not taken, error class %1, code %2")
-                           .arg(hexByte(uchar(error >> 8)), hexByte(uchar(error)));
-    switch (at(frame, parameters)) {
+                           .arg(hexByte(uchar(facts.errorClass)), hexByte(uchar(facts.errorCode)));
+    if (reader.left() == 0)
+        return words + "without a function";
+    reader.read(parameterFields());
+    switch (facts.function) {
     case kReadVariable:
-        return words + readAnswerWords(frame, parameters + 2);
+        return words + readAnswerWords(reader);
     case kWriteVariable:
-        return words + writeAnswerWords(frame, parameters + 2);
+        return words + writeAnswerWords(reader);
     default:
-        return words + "function " + hexByte(at(frame, parameters));
+        return words + functionWords(facts);
     }
+}
+
+QString shortFrameWords(const QByteArray &frame)
+{
+    FieldReader reader(frame, kShortFrameCounted);
+    reader.read(shortFrameHead());
+    return reader.hasSoundTail() ? shortFrameWords(reader.facts) : kDamaged;
 }
 
 QString longFrameWords(const QByteArray &frame)
 {
-    return at(frame, kPduStart + 1) == kJob ? requestWords(frame) : answerWords(frame);
+    FieldReader reader(frame, kLongFrameCounted);
+    if (!readHeader(reader) || !reader.hasSoundTail())
+        return kDamaged;
+    return reader.facts.messageType == kJob ? requestWords(reader) : answerWords(reader);
 }
 
 } // namespace
@@ -145,26 +186,23 @@ int frameSize(const QByteArray &start)
 {
     if (start.isEmpty())
         return 0;
-    if (at(start, 0) == kShortFrame)
+    if (uchar(start.at(0)) == kShortFrame)
         return kShortFrameSize;
-    if (at(start, 0) != kLongFrame)
+    if (uchar(start.at(0)) != kLongFrame)
         return 1;
-    return start.size() < 2 ? 0 : at(start, 1) + kLongFrameFixed;
+    return start.size() < 2 ? 0 : uchar(start.at(1)) + kLongFrameFixed;
 }
 
 QString frameWords(const QByteArray &frame)
 {
-    const int size = int(frame.size());
-    if (size == 1 && at(frame, 0) == kAcknowledgement)
+    const uchar start = frame.isEmpty() ? uchar(0) : uchar(frame.at(0));
+    if (start == kAcknowledgement && frame.size() == 1)
         return "acknowledgement";
-    const bool isShort = at(frame, 0) == kShortFrame;
-    if (!isShort && at(frame, 0) != kLongFrame)
+    if (start != kShortFrame && start != kLongFrame)
         return "no frame";
-    if (size != frameSize(frame))
+    if (frame.size() != frameSize(frame))
         return "incomplete frame";
-    if (!isSound(frame, isShort ? 1 : 4, size - kTailSize) || !(isShort || hasHeader(frame)))
-        return "damaged frame";
-    return isShort ? shortFrameWords(frame) : longFrameWords(frame);
+    return start == kShortFrame ? shortFrameWords(frame) : longFrameWords(frame);
 }
 
 QString frameLine(const QByteArray &frame)
@@ -174,7 +212,7 @@ QString frameLine(const QByteArray &frame)
 
 bool isLongFrame(const QByteArray &frame)
 {
-    return at(frame, 0) == kLongFrame;
+    return !frame.isEmpty() && uchar(frame.at(0)) == kLongFrame;
 }
 
 } // namespace host
