@@ -4,11 +4,11 @@
 #include "host/items/value.h"
 
 #include "host/base/failure.h"
+#include "host/text/number_text.h"
 
 #include <QStringList>
 #include <QtEndian>
 
-#include <charconv>
 #include <cstring>
 
 namespace host {
@@ -89,18 +89,11 @@ QString quoted(const QByteArray &bytes)
     return text + '"';
 }
 
-QString shortest(float number)
-{
-    char digits[32];
-    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
-    return QString::fromLatin1(digits, int(end.ptr - digits));
-}
-
 struct Writer
 {
     QString operator()(bool bit) const { return bit ? "1" : "0"; }
     QString operator()(qint64 number) const { return QString::number(number); }
-    QString operator()(float number) const { return shortest(number); }
+    QString operator()(float number) const { return shortestText(number); }
     QString operator()(const Characters &text) const { return quoted(text.bytes); }
     QString operator()(const HexDigits &hex) const { return hex.digits; }
 };

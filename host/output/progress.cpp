@@ -5,6 +5,7 @@
 
 #include "host/base/colour.h"
 #include "host/base/messages.h"
+#include "host/text/number_text.h"
 
 #include <algorithm>
 #include <iostream>
@@ -44,16 +45,6 @@ double rateOf(const Work &work, qint64 milliseconds)
 }
 
 } // namespace
-
-QString durationText(qint64 milliseconds)
-{
-    const qint64 seconds = (milliseconds + 500) / 1000;
-    if (seconds < 60)
-        return QString("%1 s").arg(seconds);
-    if (seconds < 3600)
-        return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
-    return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60, 2, 10, QChar('0'));
-}
 
 QString progressText(const Work &work, qint64 milliseconds)
 {

@@ -30,9 +30,6 @@ QString progressText(const Work &work, qint64 milliseconds);
 // "VB0..VB4095: 4096 bytes in 27 s, 151 bytes/s", of this run.
 QString summaryText(const Work &work, qint64 milliseconds);
 
-// "18 s", "2 min 05 s", "3 h 20 min"
-QString durationText(qint64 milliseconds);
-
 class Progress
 {
 public:

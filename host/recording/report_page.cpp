@@ -99,21 +99,6 @@ QString milliseconds(double number)
     return QString::number(number, 'f', number < 10 ? 1 : 0) + " ms";
 }
 
-// "1 h 5 min", "12 s", "0.4 s"
-QString durationText(qint64 span)
-{
-    const qint64 seconds = span / 1000;
-    if (seconds < 10)
-        return QString::number(double(span) / 1000, 'f', 1) + " s";
-    if (seconds < 60)
-        return QString("%1 s").arg(seconds);
-    const qint64 minutes = seconds / 60;
-    if (minutes < 60)
-        return seconds % 60 ? QString("%1 min %2 s").arg(minutes).arg(seconds % 60)
-                            : QString("%1 min").arg(minutes);
-    return QString("%1 h %2 min").arg(minutes / 60).arg(minutes % 60);
-}
-
 // In the time of the place where the file was written.
 QString timeText(const Recording &recording, qint64 time, const char *form)
 {
@@ -135,7 +120,7 @@ QString tile(const QString &value, const QString &what, const QString &kind = QS
 
 QString summary(const Recording &recording, const std::vector<double> &times)
 {
-    QString tiles = tile(durationText(recording.end - recording.begin), "watched");
+    QString tiles = tile(elapsedText(recording.end - recording.begin), "watched");
     tiles +=
         tile(QString::number(recording.series.size()), recording.series.size() == 1 ? "value" : "values");
     tiles += tile(QString::number(times.size()), times.size() == 1 ? "answer" : "answers");

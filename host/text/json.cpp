@@ -3,21 +3,17 @@
 
 #include "host/text/json.h"
 
-#include <charconv>
+#include "host/text/number_text.h"
+
 #include <cmath>
-#include <cstdlib>
-#include <string>
 
 namespace host {
 
 // The digits that tell the float apart, as the double nearest to them: dumped, they are the same digits.
 Json jsonNumber(float number)
 {
-    char digits[32] = {};
-    std::to_chars(digits, digits + sizeof digits - 1, number);
-    if (!std::isfinite(number))
-        return std::string(digits);
-    return std::strtod(digits, nullptr);
+    const QString digits = shortestText(number);
+    return std::isfinite(number) ? Json(digits.toDouble()) : jsonText(digits);
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 
 #include "host/text/number_text.h"
 
+#include <charconv>
 #include <cmath>
 
 namespace host {
@@ -13,6 +14,37 @@ QString shortNumber(double number)
     constexpr int kDigits = 5;
     const bool isWhole = std::abs(number) <= kLargestWhole && std::floor(number) == number;
     return isWhole ? QString::number(qint64(number)) : QString::number(number, 'g', kDigits);
+}
+
+QString shortestText(float number)
+{
+    char digits[32];
+    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
+    return QString::fromLatin1(digits, int(end.ptr - digits));
+}
+
+QString durationText(qint64 milliseconds)
+{
+    const qint64 seconds = (milliseconds + 500) / 1000;
+    if (seconds < 60)
+        return QString("%1 s").arg(seconds);
+    if (seconds < 3600)
+        return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
+    return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60, 2, 10, QChar('0'));
+}
+
+QString elapsedText(qint64 milliseconds)
+{
+    const qint64 seconds = milliseconds / 1000;
+    if (seconds < 10)
+        return QString::number(double(milliseconds) / 1000, 'f', 1) + " s";
+    if (seconds < 60)
+        return QString("%1 s").arg(seconds);
+    const qint64 minutes = seconds / 60;
+    if (minutes < 60)
+        return seconds % 60 ? QString("%1 min %2 s").arg(minutes).arg(seconds % 60)
+                            : QString("%1 min").arg(minutes);
+    return QString("%1 h %2 min").arg(minutes / 60).arg(minutes % 60);
 }
 
 } // namespace host

@@ -19,6 +19,17 @@ inline QString counted(qint64 count, const QString &what)
 // Whole numbers of up to nine digits whole, others with five digits: 100000, 52.098, 1.2346e+12.
 QString shortNumber(double number);
 
+// As few digits as still tell the float apart from its neighbours: 0.1, 1.0000001, 1e+20, -0, inf, nan.
+QString shortestText(float number);
+
+// How long something is going to last, to the nearest second. The second number always has two digits, so
+// that what stands behind it keeps its place while the time runs down: "8 s", "2 min 05 s", "1 h 00 min".
+QString durationText(qint64 milliseconds);
+
+// How long something lasted, in what is over of it; tenths for short times: "0.4 s", "12 s", "5 min", "5 min
+// 2 s", "1 h 5 min".
+QString elapsedText(qint64 milliseconds);
+
 } // namespace host
 
 #endif

@@ -18,8 +18,6 @@ private slots:
     void rateAndTimeLeftAreToldOnceTheyAreKnown();
     void whatAnEarlierRunHasDoneIsNoRate();
     void theEndIsSummedUp();
-    void durationsAreAsLongAsNeeded_data();
-    void durationsAreAsLongAsNeeded();
 };
 
 void TestProgress::rateAndTimeLeftAreToldOnceTheyAreKnown_data()
@@ -53,29 +51,6 @@ void TestProgress::theEndIsSummedUp()
     QCOMPARE(summaryText({"VB0..VB999", "bytes", 1000, 1000, 800}, 1600),
              QString("VB0..VB999: 200 bytes in 1.6 s, 125 bytes/s"));
     QCOMPARE(summaryText({"T0..T2", "bytes", 6, 6, 0}, 0), QString("T0..T2: 6 bytes in 0.0 s, 6000 bytes/s"));
-}
-
-void TestProgress::durationsAreAsLongAsNeeded_data()
-{
-    QTest::addColumn<qint64>("milliseconds");
-    QTest::addColumn<QString>("text");
-    const auto row = [](qint64 milliseconds, const char *text) {
-        QTest::newRow(text) << milliseconds << QString(text);
-    };
-    row(0, "0 s");
-    row(1500, "2 s");
-    row(59499, "59 s");
-    row(59500, "1 min 00 s");
-    row(125000, "2 min 05 s");
-    row(3599499, "59 min 59 s");
-    row(3599500, "1 h 00 min");
-    row(12000000, "3 h 20 min");
-}
-
-void TestProgress::durationsAreAsLongAsNeeded()
-{
-    QFETCH(qint64, milliseconds);
-    QTEST(durationText(milliseconds), "text");
 }
 
 QTEST_APPLESS_MAIN(TestProgress)

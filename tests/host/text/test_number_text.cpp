@@ -1,0 +1,100 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+//
+// Numbers as people read them.
+
+#include "host/text/number_text.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace host;
+
+class TestNumberText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void floatsAreAsShortAsTellsThemApart_data();
+    void floatsAreAsShortAsTellsThemApart();
+    void durationsAreAsLongAsNeeded_data();
+    void durationsAreAsLongAsNeeded();
+    void whatLastedIsToldInWhatIsOver_data();
+    void whatLastedIsToldInWhatIsOver();
+};
+
+void TestNumberText::floatsAreAsShortAsTellsThemApart_data()
+{
+    QTest::addColumn<float>("number");
+    QTest::addColumn<QString>("text");
+    const auto row = [](float number, const char *text) { QTest::newRow(text) << number << QString(text); };
+    row(0.0F, "0");
+    row(-0.0F, "-0");
+    row(0.1F, "0.1");
+    row(21.5F, "21.5");
+    row(std::nextafter(1.0F, 2.0F), "1.0000001");
+    row(1e20F, "1e+20");
+    row(std::numeric_limits<float>::infinity(), "inf");
+    row(-std::numeric_limits<float>::infinity(), "-inf");
+    row(std::numeric_limits<float>::quiet_NaN(), "nan");
+}
+
+void TestNumberText::floatsAreAsShortAsTellsThemApart()
+{
+    QFETCH(float, number);
+    QTEST(shortestText(number), "text");
+}
+
+void TestNumberText::durationsAreAsLongAsNeeded_data()
+{
+    QTest::addColumn<qint64>("milliseconds");
+    QTest::addColumn<QString>("text");
+    const auto row = [](qint64 milliseconds, const char *text) {
+        QTest::newRow(text) << milliseconds << QString(text);
+    };
+    row(0, "0 s");
+    row(1500, "2 s");
+    row(59499, "59 s");
+    row(59500, "1 min 00 s");
+    row(125000, "2 min 05 s");
+    row(3599499, "59 min 59 s");
+    row(3599500, "1 h 00 min");
+    row(12000000, "3 h 20 min");
+}
+
+void TestNumberText::durationsAreAsLongAsNeeded()
+{
+    QFETCH(qint64, milliseconds);
+    QTEST(durationText(milliseconds), "text");
+}
+
+void TestNumberText::whatLastedIsToldInWhatIsOver_data()
+{
+    QTest::addColumn<qint64>("milliseconds");
+    QTest::addColumn<QString>("text");
+    const auto row = [](qint64 milliseconds, const char *text) {
+        QTest::newRow(text) << milliseconds << QString(text);
+    };
+    row(0, "0.0 s");
+    row(400, "0.4 s");
+    row(9940, "9.9 s");
+    row(10999, "10 s");
+    row(59999, "59 s");
+    row(60000, "1 min");
+    row(65000, "1 min 5 s");
+    row(3599999, "59 min 59 s");
+    row(3600000, "1 h 0 min");
+    row(3900000, "1 h 5 min");
+    row(90000000, "25 h 0 min");
+}
+
+void TestNumberText::whatLastedIsToldInWhatIsOver()
+{
+    QFETCH(qint64, milliseconds);
+    QTEST(elapsedText(milliseconds), "text");
+}
+
+QTEST_APPLESS_MAIN(TestNumberText)
+#include "test_number_text.moc"
