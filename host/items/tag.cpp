@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <variant>
 
 namespace host {
@@ -36,9 +37,15 @@ struct Scaler
     const Tag &tag;
 };
 
+// Empty for tags without a scale as well.
+QString scaledText(const Tag &tag, const Value &value)
+{
+    return tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
+}
+
 QString shownText(const Tag &tag, const Value &value)
 {
-    const QString scaled = tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
+    const QString scaled = scaledText(tag, value);
     return scaled.isEmpty() ? valueText(value) : scaled;
 }
 
@@ -57,12 +64,11 @@ struct JsonWriter
 
 Json jsonValue(const Tag &tag, const Value &value)
 {
-    const QString scaled = tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
-    bool isNumber = false;
-    const double number = scaled.toDouble(&isNumber);
+    const QString scaled = scaledText(tag, value);
     if (scaled.isEmpty())
         return std::visit(JsonWriter(), value);
-    return isNumber && qIsFinite(number) ? Json(number) : jsonText(scaled);
+    const std::optional<double> number = shownNumber(tag, value);
+    return number ? Json(*number) : jsonText(scaled);
 }
 
 } // namespace
@@ -90,6 +96,14 @@ QString shownText(const Tag &tag, const std::vector<Value> &values)
     if (!tag.unit.isEmpty())
         texts << tag.unit;
     return texts.join(' ');
+}
+
+std::optional<double> shownNumber(const Tag &tag, const Value &value)
+{
+    bool isNumber = false;
+    const double number = shownText(tag, value).toDouble(&isNumber);
+    const bool isDigits = std::holds_alternative<HexDigits>(value);
+    return isNumber && !isDigits && std::isfinite(number) ? std::optional<double>(number) : std::nullopt;
 }
 
 Json tagFields(const Tag &tag)

@@ -13,6 +13,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace host {
@@ -36,6 +37,10 @@ struct Tag
 
 // The values, blanks between, and the unit.
 QString shownText(const Tag &tag, const std::vector<Value> &values);
+
+// The number that is shown, a bit as 0 or 1. Nothing for infinity, for what is no number, and for texts and
+// hexadecimal digits.
+std::optional<double> shownNumber(const Tag &tag, const Value &value);
 
 // Numbers as people see them, separated by commas, as they are in the controller: whole ones unless they are
 // floats. Fails on a text that is no number.

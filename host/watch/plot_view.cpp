@@ -48,15 +48,6 @@ QStringList labelsOf(const std::vector<Tag> &tags)
     return labels;
 }
 
-// As it is shown, scaled; nothing for a number that there is none of, such as infinity.
-std::optional<double> shownNumber(const Tag &tag, const Value &value)
-{
-    const Json shown = tagRecord(tag, {value})["values"].front();
-    if (shown.is_boolean())
-        return shown.get<bool>() ? 1 : 0;
-    return shown.is_number() ? std::optional<double>(shown.get<double>()) : std::nullopt;
-}
-
 // Dots in a locale that has them.
 PlotGlyphs localGlyphs()
 {
