@@ -15,6 +15,7 @@
 #include "host/dump/dump_file.h"
 #include "host/dump/load_state.h"
 #include "host/items/memory_range.h"
+#include "host/items/read_back.h"
 #include "host/output/progress.h"
 
 #include <QByteArray>
@@ -93,7 +94,7 @@ Load loadOf(const OutputOptions &options, const LoadOptions &own)
     return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
 }
 
-// Elements that are not what was written.
+// Elements that are not what was written, in all the blocks that were compared.
 struct Differences
 {
     int count = 0;
@@ -102,28 +103,20 @@ struct Differences
 };
 
 // offset: where the block lies.
-void addDifferences(Differences &differences, const Item &block, int offset, const QByteArray &wanted,
-                    const QByteArray &found)
+void addDifferences(Differences &all, const Item &block, int offset, const ValueDifferences &ofBlock)
 {
-    const int width = block.valueSize();
-    for (int i = 0; i < block.count; ++i) {
-        const QByteArray there = found.mid(i * width, width);
-        const QByteArray here = wanted.mid(i * width, width);
-        if (there == here || ++differences.count > 1)
-            continue;
-        differences.offset = offset + i * width;
-        differences.first = QString("%1 reads %2 and not %3")
-                                .arg(elementText(block, i), QString(there.toHex()), QString(here.toHex()));
+    if (all.count == 0 && ofBlock.count > 0) {
+        all.offset = offset + ofBlock.index * block.valueSize();
+        all.first = elementText(block, ofBlock.index) + " reads " + ofBlock.first;
     }
+    all.count += ofBlock.count;
 }
 
 Failure failureOf(const Differences &differences)
 {
     const int others = differences.count - 1;
-    const QString text = others ? QString(", and %1 more differ").arg(others) : QString();
-    return Failure(
-        ExitCode::Different, differences.first + text,
-        "the controller's program may have written there in between, or the place takes no writes");
+    return notAsWritten(differences.first +
+                        (others ? QString(", and %1 more differ").arg(others) : QString()));
 }
 
 // A load under way: what was written, and what was found to be so.
@@ -267,7 +260,8 @@ Differences Loading::compare(const Item &range, Progress &progress, bool onlyFir
     Differences differences;
     int offset = 0;
     for (const Item &block : readBlocks(range)) {
-        addDifferences(differences, block, offset, load.data.mid(offset, block.size()), readBlock(block));
+        const QByteArray written = load.data.mid(offset, block.size());
+        addDifferences(differences, block, offset, compareValues(block, written, readBlock(block)));
         if (onlyFirst && differences.count > 0)
             break;
         offset += block.size();

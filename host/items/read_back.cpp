@@ -3,13 +3,7 @@
 
 #include "host/items/read_back.h"
 
-#include "host/base/failure.h"
 #include "host/items/value.h"
-
-#include <QByteArray>
-#include <QString>
-
-#include <algorithm>
 
 namespace host {
 
@@ -28,20 +22,37 @@ QString valueTextAt(Item item, const QByteArray &data, int index)
 
 } // namespace
 
+ValueDifferences compareValues(const Item &item, const QByteArray &written, const QByteArray &read)
+{
+    const bool isOneText = item.type == ValueType::Str;
+    const int width = isOneText ? item.size() : item.valueSize();
+    ValueDifferences differences;
+    for (int i = 0; i < (isOneText ? 1 : item.count); ++i) {
+        if (written.mid(i * width, width) == read.mid(i * width, width) || ++differences.count > 1)
+            continue;
+        differences.index = i;
+        differences.first = valueTextAt(item, read, i) + " and not " + valueTextAt(item, written, i);
+    }
+    return differences;
+}
+
+Failure notAsWritten(const QString &difference)
+{
+    return Failure(
+        ExitCode::Different, difference,
+        "the controller's program may have written there in between, or the place takes no writes");
+}
+
 void checkReadBack(const Assignment &assignment, const QByteArray &data)
 {
     const Item &item = assignment.tag.item;
-    const QByteArray &written = assignment.data;
-    const auto difference = std::mismatch(written.begin(), written.end(), data.begin(), data.end());
-    if (difference.first == written.end() && difference.second == data.end())
+    const ValueDifferences differences = compareValues(item, assignment.data, data);
+    if (differences.count == 0)
         return;
-    const int index = int(difference.first - written.begin()) / item.valueSize();
     const bool isOneOfMany = item.count > 1 && item.type != ValueType::Str;
     const QString place =
-        isOneOfMany ? QString("value %1 of %2 is ").arg(index + 1).arg(item.count) : "reads ";
-    throw Failure(ExitCode::Different,
-                  place + valueTextAt(item, data, index) + " and not " + valueTextAt(item, written, index),
-                  "the controller's program may have written there in between, or the place takes no writes");
+        isOneOfMany ? QString("value %1 of %2 is ").arg(differences.index + 1).arg(item.count) : "reads ";
+    throw notAsWritten(place + differences.first);
 }
 
 } // namespace host

@@ -6,14 +6,29 @@
 #ifndef HOST_ITEMS_READ_BACK_H
 #define HOST_ITEMS_READ_BACK_H
 
+#include "host/base/failure.h"
 #include "host/items/assignment.h"
 
 #include <QByteArray>
+#include <QString>
 
 namespace host {
 
-// Fails with the first difference, expected and read, when data is not what was assigned. Bytes are
-// compared, so that every kind of number is held to its last bit.
+// Values that are not what was written.
+struct ValueDifferences
+{
+    int count = 0;
+    int index = 0; // of the first; a text is one value
+    QString first; // "00 and not 1f"
+};
+
+// Both hold item.size() bytes. Bytes are compared, so that every kind of number is held to its last bit.
+ValueDifferences compareValues(const Item &item, const QByteArray &written, const QByteArray &read);
+
+// What a command ends with that has found a difference.
+Failure notAsWritten(const QString &difference);
+
+// Fails with the first difference when data is not what was assigned.
 void checkReadBack(const Assignment &assignment, const QByteArray &data);
 
 } // namespace host

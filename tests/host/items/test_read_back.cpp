@@ -21,6 +21,8 @@ private slots:
     void sameBytesAreTheSame();
     void theFirstDifferenceIsNamed_data();
     void theFirstDifferenceIsNamed();
+    void allDifferencesAreCounted_data();
+    void allDifferencesAreCounted();
 };
 
 void TestReadBack::sameBytesAreTheSame_data()
@@ -77,6 +79,37 @@ void TestReadBack::theFirstDifferenceIsNamed()
         "8: " + text +
             " / the controller's program may have written there in between, or the place takes no "
             "writes");
+}
+
+void TestReadBack::allDifferencesAreCounted_data()
+{
+    QTest::addColumn<QString>("written");
+    QTest::addColumn<QString>("read");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("first");
+    const auto row = [](const char *item, const char *written, const char *read, int count, int index,
+                        const char *first) {
+        QTest::addRow("%s %s", item, read)
+            << QString(written) << QString(read) << count << index << QString(first);
+    };
+    row("VB0:hex*3", "010203", "010203", 0, 0, "");
+    row("VB0:hex*3", "01021f", "010200", 1, 2, "00 and not 1f");
+    row("VB0:hex*3", "010203", "110213", 2, 0, "11 and not 01");
+    row("VW0:hex*2", "00010002", "00010102", 1, 1, "0102 and not 0002");
+    row("VB0:str*3", "616263", "787863", 1, 0, "\"xxc\" and not \"abc\"");
+    row("VD0:f32*2", "3f8000007fc00000", "3f8000007fc00001", 1, 1, "nan and not nan");
+}
+
+void TestReadBack::allDifferencesAreCounted()
+{
+    QFETCH(QString, written);
+    QFETCH(QString, read);
+    const Item item = parseItem(QString(QTest::currentDataTag()).section(' ', 0, 0));
+    const ValueDifferences found = compareValues(item, bytes(qPrintable(written)), bytes(qPrintable(read)));
+    QTEST(found.count, "count");
+    QTEST(found.index, "index");
+    QTEST(found.first, "first");
 }
 
 QTEST_APPLESS_MAIN(TestReadBack)
