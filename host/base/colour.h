@@ -16,11 +16,12 @@ constexpr const char *kRed = "31";
 constexpr const char *kYellow = "33";
 constexpr const char *kCyan = "36";
 
-// Whether it is a terminal, and one that is more than a printer: it takes colours and moves its cursor.
+// Whether the descriptor is a terminal that takes colours and can move its cursor.
 bool takesControls(int descriptor);
 bool wantsColour(int descriptor);
 
-// The text as the descriptor's terminal shows it in that colour; the text alone where none is wanted.
+// Returns the text as the descriptor's terminal shows it in that colour, or as it is where no colour is
+// wanted.
 QByteArray coloured(const QByteArray &text, const char *colour, int descriptor);
 
 } // namespace host

@@ -28,13 +28,13 @@ public:
     QString text() const { return QString::fromUtf8(what()); }
     QString hint() const { return hintText; }
 
-    // The same, told of something.
+    // This failure, with `subject` in front of its text.
     Failure about(const QString &subject) const
     {
         return Failure(exitCode, subject + ": " + text(), hintText);
     }
 
-    // Whatever is still to be done could not succeed either.
+    // Whether nothing that is still to be done could succeed either.
     bool isFinal() const { return exitCode == ExitCode::PortLost || exitCode == ExitCode::OutputLost; }
 
 private:

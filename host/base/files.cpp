@@ -27,7 +27,7 @@ Failure unreadable(const QString &name, const QString &reason, const QString &hi
     return Failure(ExitCode::Usage, name + " cannot be read: " + reason, hint);
 }
 
-// QFile would begin a read again that a signal ended.
+// Stdin is read without QFile, which begins a read that a signal ended once more.
 QByteArray readStdin()
 {
     claimFile("/dev/stdin", FileRole::Input);

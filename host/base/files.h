@@ -12,21 +12,22 @@
 
 namespace host {
 
-// The whole file. Fails with the hint when it cannot be read.
+// Returns what the whole file holds. Fails with the hint when it cannot be read.
 QByteArray readFile(const QString &name, const QString &hint);
 
-// The same; "-" is stdin.
+// Returns what a file that the user names holds, or what comes from stdin for "-". Fails when it cannot be
+// read.
 QByteArray readInput(const QString &fileName);
 
-// Without the mark that some editors begin a file of UTF-8 with.
+// Returns the text without the byte order mark with which some editors begin a file of UTF-8.
 QByteArray withoutByteOrderMark(const QByteArray &text);
 
-// All of it: Qt 5's own conversion of a byte array ends at the first NUL. Takes away the mark that some
-// editors begin a file with.
+// Returns the text that the bytes are in UTF-8, without a byte order mark at its beginning, and with what
+// stands behind a NUL: Qt 5's own conversion of a byte array ends there.
 QString utf8Text(const QByteArray &bytes);
 
-// Why a file takes no more data, right after the call that failed. Qt itself does not know the reason when a
-// part was taken.
+// Returns why a file takes no more data. It must be called right after the call that failed: Qt itself does
+// not know the reason when a part of the data was taken, and the kernel's is soon overwritten.
 QString writeReason(const QFileDevice &file);
 
 } // namespace host

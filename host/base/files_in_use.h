@@ -16,12 +16,14 @@ namespace host {
 // All but the first two are outputs.
 enum class FileRole { Input, Port, Data, Trace, Unfinished };
 
-// Before the file is opened. Fails when it is in use in a role that does not go with this one. Names are the
-// same when the files behind them are; those that do not exist yet, when their places are.
+// Notes that the command uses a file, before it is opened. Fails when the command uses it already in a role
+// that does not go with this one. Two names are the same when the files behind them are, or, where none
+// exists yet, when their places are.
 void claimFile(const QString &name, FileRole role);
 
-// Claims what -o and --trace name, before anything is opened or read; -o with stdout under any name becomes
-// none. Fails when there is no name, or no name of a port.
+// Claims the files that -o and --trace name, before anything is opened or read. An -o that names stdout,
+// however that is written, is taken out of the options. Fails when an option for a file or a port has an
+// empty name.
 void settleFiles(Options &options);
 
 } // namespace host

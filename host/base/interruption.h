@@ -23,8 +23,8 @@ void catchInterruptions();
 // The signal that arrived, or 0.
 int interruptingSignal();
 
-// What a second signal does before it ends the program, or null. It runs in the signal handler: nothing but
-// async-signal-safe calls.
+// Sets what a second signal does before it ends the program; null for nothing. The action runs in the signal
+// handler and may make no calls but async-signal-safe ones.
 void setLastResort(void (*action)());
 
 } // namespace host

@@ -14,33 +14,33 @@ namespace host {
 
 class Failure;
 
-// What may be left out, with -q.
+// Tells something that a user may do without: -q silences it.
 void setQuiet(bool quiet);
 void reportNote(const QString &text);
 
-// What is said with --verbose only.
+// Tells something that only --verbose asks for.
 void setVerbose(bool verbose);
 void reportDetail(const QString &text);
 
-// What stays with -q, though it is no failure of the command.
+// Tells something that -q does not silence, though it is no failure of the command.
 void reportWarning(const QString &text);
 
-// Two lines: the error, and the hint that goes with it.
+// Tells a failure in two lines: the error, and the hint that goes with it. A subject stands in front of the
+// error.
 void reportFailure(const Failure &failure);
 void reportFailure(const QString &subject, const Failure &failure);
 
-// A line of the trace, without the program's name.
+// Tells a line of the trace, without the program's name in front.
 void reportTrace(const QString &line);
 
-// A line of data. It is out when this returns: what was read is seen even if the program is stopped then.
-// A Failure when stdout does not take it.
+// Prints a line of data. The line is out when this returns, so that what was read is seen even if the program
+// is stopped then. Fails when stdout does not take it.
 void printData(const QString &line);
 
-// The same for bytes of any kind.
+// Prints data that are no lines, in the same way.
 void printBytes(const QByteArray &bytes);
 
-// Where the messages of driver and Qt go: debug messages to stderr when verbose and nowhere otherwise;
-// warnings always go to stderr.
+// Sends the messages of driver and Qt to stderr: warnings always, debug messages only when verbose.
 void installDriverLog(bool verbose);
 
 // While it lives, debug messages of driver and Qt go nowhere.

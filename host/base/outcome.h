@@ -38,14 +38,14 @@ public:
         keep(failure.code());
     }
 
-    // How a part ended whose failure, if any, is told elsewhere.
+    // Takes note of how a part ended whose failure, if there was one, is told elsewhere.
     void keep(ExitCode code)
     {
         if (first == ExitCode::Success)
             first = code;
     }
 
-    // The meaning of all texts, each by parse(); every wrong one is reported.
+    // Returns what parse() makes of each text; every text that it refuses is reported and left out.
     template <typename Parse> auto parseAll(const QStringList &texts, const Parse &parse)
     {
         std::vector<decltype(parse(QString()))> parsed;

@@ -20,7 +20,7 @@ namespace host {
 
 namespace {
 
-// What one option is set to besides the command line. Help, the version, the configuration file itself and
+// Returns the options that environment and file can set. Help, the version, the name of the file itself and
 // the place of one command's output are nobody's habit.
 Names settableOptions(const CLI::App &app)
 {
@@ -38,7 +38,7 @@ class Applier
 public:
     Applier(CLI::App &app_, Options &options_) : app(app_), options(options_) {}
 
-    // All settings of one place.
+    // Applies all settings of one place; places that come first are applied first.
     void apply(const std::vector<Setting> &settings);
     void tell() const;
 
@@ -61,7 +61,7 @@ void Applier::apply(const std::vector<Setting> &settings)
             taken.push_back(setting);
 }
 
-// False when something else was said before.
+// Sets the option and returns true, unless an earlier place has set it, or one that excludes it.
 bool Applier::isTaken(const Setting &setting)
 {
     CLI::Option *option = app.get_option("--" + setting.option);

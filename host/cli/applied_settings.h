@@ -14,9 +14,10 @@ class App;
 
 namespace host {
 
-// The first to say something is heard: the command line, then the environment, then the file; that holds as
-// well between options that exclude each other. With --verbose what was taken is told. Fails on a wrong
-// value, and when one place says two things that exclude each other.
+// Sets the options that the command line leaves open as environment and file say; the environment comes
+// first. An option that excludes another one is not taken when a place that comes earlier has set that one.
+// With --verbose every setting that is taken is told. Fails on a wrong value, and when one place sets two
+// options that exclude each other.
 void applySettings(CLI::App &app, Options &options);
 
 } // namespace host

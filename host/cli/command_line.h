@@ -39,8 +39,8 @@ struct CommandLine
     std::function<int()> command;
 };
 
-// A command's work: its exit code, or a Failure thrown. What the command's own options say is the
-// function's to keep, as with a shared pointer.
+// Does a command's work and returns its exit code, or throws a Failure. The function keeps what the command's
+// own options say, as with a shared pointer.
 using Command = std::function<int(const Options &)>;
 
 CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, const std::string &what,
@@ -48,8 +48,8 @@ CLI::App *addCommand(CLI::App &app, CommandLine &line, const std::string &name, 
 
 void setFooter(CLI::App &command, const QString &text);
 
-// Arguments and options. A name without hyphens is an argument's; type is the word for the value in the help.
-// A text without std::optional must be given.
+// These declare arguments and options. A name without hyphens is an argument's; type is the word for the
+// value in the help. A text without std::optional must be given.
 CLI::Option *addText(CLI::App &app, const std::string &name, QString &value, const std::string &type,
                      const std::string &what);
 CLI::Option *addText(CLI::App &app, const std::string &name, std::optional<QString> &value,
@@ -58,24 +58,25 @@ CLI::Option *addTexts(CLI::App &app, const std::string &name, QStringList &value
                       const std::string &what);
 CLI::Option *addFlag(CLI::App &app, const std::string &name, bool &value, const std::string &what);
 
-// A number with its limits told in the option's own words.
+// Declares an option for a number, whose limits stand in its help.
 CLI::Option *addNumber(CLI::App &app, const std::string &name, std::optional<int> &value, int least, int most,
                        const std::string &what);
 
-// One of some words. Their check has them for its name, which is where a shell's completion finds them.
+// Declares an option for one of some words. The parser's check of the value has the words for its name, which
+// is where a shell's completion finds them.
 constexpr char kChoiceSeparator = '|';
 CLI::Option *addChoice(CLI::App &app, const std::string &name, std::optional<QString> &value,
                        const std::vector<std::string> &words, const std::string &what);
 
-// The items of a command, one at least.
+// Declares the items of a command, of which there must be one at least.
 CLI::Option *addItems(CLI::App &command, QStringList &items, const std::string &what);
 
 void require(CLI::Option &option);
 
-// It is wrong without the other.
+// Makes an option wrong where the other one is not given.
 void tie(CLI::Option &option, CLI::Option &other);
 
-// The end of the help of commands that take items.
+// The line that the help of commands with items has at its end.
 extern const char kTypesFooter[];
 
 } // namespace host

@@ -13,7 +13,7 @@ namespace host {
 
 namespace {
 
-// By the name that one of its checks has.
+// Returns the words that the option takes, from the name of its check; see addChoice().
 QStringList choicesOf(CLI::Option &option)
 {
     try {

@@ -62,7 +62,7 @@ std::string usageText(const CLI::App &app, const CLI::ParseError &error)
     return lacksCommand ? "a command is missing" : error.what();
 }
 
-// What --help and --version ask for.
+// Prints what --help or --version asks for, which the parser treats as an error.
 int printAbout(const CLI::App &app, const CLI::ParseError &request)
 {
     std::ostringstream text;
@@ -81,8 +81,8 @@ void addOptionNames(std::vector<std::string> &names, const CLI::App &app)
     }
 }
 
-// What could have been meant by the first word that is no command and no option; behind a command a plain
-// word can be anything.
+// Returns what the user may have meant by the first word that is no command and no option. Behind a command a
+// word without hyphens can be anything, and nothing is proposed for it.
 std::string nearestHint(const CLI::App &app)
 {
     const std::vector<std::string> unknown = app.remaining(true);
@@ -133,8 +133,9 @@ int outcomeOf(Options &options, const std::function<int()> &command)
     }
 }
 
-// Settles the options' files first. The exit code: the command's own, a failure's after it was reported, or
-// 128 and the signal's number after a signal that ends the program in order.
+// Runs the command, once the files of its options are settled, and returns the exit code. That is the
+// command's own, or that of a failure, which is reported, or 128 and the signal's number when a signal ended
+// the program in order.
 int run(Options &options, const std::function<int()> &command)
 {
     catchInterruptions();

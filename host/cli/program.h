@@ -19,7 +19,7 @@ struct CommandLine;
 
 using Declare = void (*)(CLI::App &, CommandLine &);
 
-// The exit code.
+// Runs the program and returns its exit code.
 int runProgram(int argc, char *argv[], const std::vector<Declare> &commands);
 
 } // namespace host

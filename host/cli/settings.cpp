@@ -35,7 +35,7 @@ QString joined(const Names &texts)
     return list.join(' ');
 }
 
-// What the line could be. A # behind a setting is part of it.
+// Returns what a line that is no setting could be. A # behind a setting counts as part of its value.
 QString lineHint(const QByteArray &line, const Names &options)
 {
     static const QRegularExpression comment("\\s#.*$");
@@ -52,7 +52,7 @@ bool isBlank(const QByteArray &line)
     return text.isEmpty() || text.startsWith('#') || text.startsWith(';');
 }
 
-// One line at a time, so that an error can name it.
+// The parser gets one line at a time, so that an error can name the line.
 Setting settingOf(const QByteArray &line, const QString &source, const Names &options)
 {
     const auto wrong = [&](const QString &text) {

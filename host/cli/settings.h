@@ -32,17 +32,18 @@ struct Setting
 
 std::string variableName(const std::string &option);
 
-// What the environment says of these options.
+// Returns what the environment says of these options.
 std::vector<Setting> environmentSettings(const Names &options);
 
-// Variables that look as if they set an option and set none of these.
+// Returns the variables of the environment that look as if they set an option, and set none of these.
 QStringList strangeVariables(const Names &options);
 
-// What the file says. Fails when it cannot be read, and on a line that names none of these options.
+// Returns what the file says. Fails when it cannot be read, and on a line that names none of these options.
 std::vector<Setting> fileSettings(const QString &file, const Names &options);
 
-// The file to read: the one that is named, or that the environment's S7PPI_CONFIG names, or the user's own,
-// ~/.config/s7ppi/config, if there is one. Empty when none shall be read; S7PPI_CONFIG set but empty says so.
+// Returns the name of the file to read: the one that is named here, or else the one that the environment's
+// S7PPI_CONFIG names, or else the user's own, ~/.config/s7ppi/config, if there is one. It is empty when no
+// file shall be read, which S7PPI_CONFIG says by being set but empty.
 QString settingsFile(const std::optional<QString> &named);
 
 } // namespace host

@@ -48,9 +48,9 @@ QString elementName(const Address &address)
     return address.elementWidth == 4 ? "double words" : address.elementWidth == 2 ? "words" : "bytes";
 }
 
-// What the plug-in makes of an item. Only the first request of a long item is tried: the others differ
+// What the plug-in would send for an item. Only the first request of a long item is tried: the others differ
 // in number and count.
-struct Verdict
+struct ItemCheck
 {
     int requests;
     QByteArray frame;
@@ -67,14 +67,14 @@ std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
     }
 }
 
-Verdict verdictOn(const Item &item, const DryRun &frames)
+ItemCheck checkOf(const Item &item, const DryRun &frames)
 {
     const QList<ReadRequest> requests = planRead(item).requests;
     return {int(requests.size()), frames.ofRead(requests.first().command).first(),
             writeRefusal(item, frames)};
 }
 
-Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
+Json validRecord(const QString &text, const Item &item, const ItemCheck &found)
 {
     Json record = {{"text", jsonText(text)},
                    {"valid", true},
@@ -84,11 +84,11 @@ Json validRecord(const QString &text, const Item &item, const Verdict &verdict)
                    {"count", item.count},
                    {"first", jsonText(firstAddress(item.address).text())},
                    {"last", jsonText(lastAddress(item.address).text())},
-                   {"requests", verdict.requests},
-                   {"frame", verdict.frame.toHex(' ').toStdString()},
-                   {"writable", !verdict.writeRefusal}};
-    if (verdict.writeRefusal)
-        record["writeError"] = jsonText(verdict.writeRefusal->text());
+                   {"requests", found.requests},
+                   {"frame", found.frame.toHex(' ').toStdString()},
+                   {"writable", !found.writeRefusal}};
+    if (found.writeRefusal)
+        record["writeError"] = jsonText(found.writeRefusal->text());
     return record;
 }
 
@@ -97,21 +97,21 @@ QString labelled(const QString &label, const QString &text)
     return "  " + label.leftJustified(kLabelWidth) + ' ' + text;
 }
 
-QString validText(const QString &text, const Item &item, const Verdict &verdict)
+QString validText(const QString &text, const Item &item, const ItemCheck &found)
 {
     const Address &address = item.address;
     const QString values = QString("%1 %2").arg(item.count).arg(typeName(item.type));
     const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
-    const QString frame = QString::fromLatin1(verdict.frame.toHex(' '));
-    const bool isLong = verdict.requests > 1;
+    const QString frame = QString::fromLatin1(found.frame.toHex(' '));
+    const bool isLong = found.requests > 1;
     const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
     return QStringList({head, labelled("valid", values),
                         labelled("area", areaOf(address.prefix).name + ", " + elementName(address)),
                         labelled("limits", limits + ", less in most models"),
-                        labelled("read", isLong ? QString("%1 requests, the first:").arg(verdict.requests)
+                        labelled("read", isLong ? QString("%1 requests, the first:").arg(found.requests)
                                                 : QString("one request:")),
                         labelled(QString(), frame),
-                        labelled("write", verdict.writeRefusal ? verdict.writeRefusal->text() : "possible")})
+                        labelled("write", found.writeRefusal ? found.writeRefusal->text() : "possible")})
         .join('\n');
 }
 
@@ -131,15 +131,15 @@ QString invalidText(const QString &text, const Failure &failure)
         .join('\n');
 }
 
-class Checker
+class CheckCommand
 {
 public:
-    explicit Checker(const Options &options) : frames(options), output(options, kSchema) {}
+    explicit CheckCommand(const Options &options) : frames(options), output(options, kSchema) {}
 
-    // An item, or a tag file for all of its tags.
+    // Checks an item, or all tags of a tag file.
     void check(const QString &text);
 
-    // Fails when there was something wrong.
+    // Ends the data, and fails when something was wrong.
     void finish();
 
 private:
@@ -154,7 +154,7 @@ private:
     Outcome outcome;
 };
 
-template <typename Check> void Checker::attempt(const QString &text, const Check &check)
+template <typename Check> void CheckCommand::attempt(const QString &text, const Check &check)
 {
     try {
         check();
@@ -167,14 +167,14 @@ template <typename Check> void Checker::attempt(const QString &text, const Check
     }
 }
 
-void Checker::checkItem(const QString &text, const Item &item)
+void CheckCommand::checkItem(const QString &text, const Item &item)
 {
-    const Verdict verdict = verdictOn(item, frames);
-    output.write(validRecord(text, item, verdict), validText(text, item, verdict));
+    const ItemCheck found = checkOf(item, frames);
+    output.write(validRecord(text, item, found), validText(text, item, found));
     ++right;
 }
 
-void Checker::checkFile(const QString &reference)
+void CheckCommand::checkFile(const QString &reference)
 {
     Outcome lines; // of the file
     for (const Tag &tag : parseTags({reference}, lines)) {
@@ -185,7 +185,7 @@ void Checker::checkFile(const QString &reference)
         throw brokenTagFile();
 }
 
-void Checker::check(const QString &text)
+void CheckCommand::check(const QString &text)
 {
     attempt(text, [&] {
         if (!isTagReference(text))
@@ -197,7 +197,7 @@ void Checker::check(const QString &text)
     });
 }
 
-void Checker::finish()
+void CheckCommand::finish()
 {
     output.finish();
     if (wrong > 0)
@@ -207,10 +207,10 @@ void Checker::finish()
 
 int checkAll(const Options &options, const QStringList &texts)
 {
-    Checker checker(options);
+    CheckCommand command(options);
     for (const QString &text : texts)
-        checker.check(text);
-    checker.finish();
+        command.check(text);
+    command.finish();
     return int(ExitCode::Success);
 }
 

@@ -44,20 +44,21 @@ Examples:
   s7ppi decode 10 02 00 5c 5e 16
   s7ppi decode --trace line.txt --format csv)";
 
-// Lines of a trace that are told as wrong one by one; the others are counted.
+// So many wrong lines of a trace are told one by one; the others are counted.
 constexpr int kToldLines = 5;
 
-class Decoder
+class DecodeCommand
 {
 public:
-    Decoder(const OutputOptions &options, const QString &source_) : output(options, kSchema), source(source_)
+    DecodeCommand(const OutputOptions &options, const QString &source_)
+        : output(options, kSchema), source(source_)
     {
     }
 
-    // The frames in some bytes that passed together.
+    // Explains the frames in some bytes that passed together.
     void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
 
-    // Fails when there was a frame with a fault, or none at all.
+    // Ends the data, and fails when a frame had a fault or there was none at all.
     void finish();
 
 private:
@@ -85,13 +86,13 @@ QString byteLine(const ExplainedByte &byte)
     return line;
 }
 
-void Decoder::decode(const QByteArray &bytes, const QString &heading, const Json &origin)
+void DecodeCommand::decode(const QByteArray &bytes, const QString &heading, const Json &origin)
 {
     for (const QByteArray &frame : splitFrames(bytes))
         decodeFrame(frame, heading, origin);
 }
 
-void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
+void DecodeCommand::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
 {
     const ExplainedFrame explained = explainer.explain(frame);
     Json entry = origin;
@@ -113,8 +114,8 @@ void Decoder::decodeFrame(const QByteArray &frame, const QString &heading, const
         output.writeText("         ! " + fault);
 }
 
-// missing: what should stand behind it. In the text it has a line of its own.
-void Decoder::write(const ExplainedByte &byte, const QString &missing)
+// Writes a byte, and what is missing behind it, if anything is; in the text the latter has a line of its own.
+void DecodeCommand::write(const ExplainedByte &byte, const QString &missing)
 {
     const bool isBoth = !byte.meaning.isEmpty() && !missing.isEmpty();
     output.write({{"frame", frames.size()},
@@ -126,7 +127,7 @@ void Decoder::write(const ExplainedByte &byte, const QString &missing)
                  byteLine(byte));
 }
 
-void Decoder::finish()
+void DecodeCommand::finish()
 {
     output.setField("frames", frames);
     output.finish();
@@ -137,7 +138,7 @@ void Decoder::finish()
         throw faultyFrames();
 }
 
-Failure Decoder::faultyFrames() const
+Failure DecodeCommand::faultyFrames() const
 {
     const bool isText = output.format() == Format::Text;
     return Failure(ExitCode::BrokenAnswer,
@@ -146,20 +147,20 @@ Failure Decoder::faultyFrames() const
                           : "the records whose fault is true tell what is wrong with them");
 }
 
-void decodeLine(Decoder &decoder, const QByteArray &line)
+void decodeLine(DecodeCommand &command, const QByteArray &line)
 {
     if (const std::optional<TraceRecord> record = parseTraceLine(line))
-        decoder.decode(record->bytes, record->time + ' ' + record->direction + ' ',
+        command.decode(record->bytes, record->time + ' ' + record->direction + ' ',
                        {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
 }
 
-void decodeTrace(Decoder &decoder, const QString &fileName, Outcome &outcome)
+void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outcome)
 {
     const QList<QByteArray> lines = readInput(fileName).split('\n');
     int wrong = 0;
     for (int i = 0; i < lines.size(); ++i) {
         try {
-            decodeLine(decoder, lines.at(i));
+            decodeLine(command, lines.at(i));
         } catch (const Failure &failure) {
             if (failure.isFinal() || ++wrong <= kToldLines)
                 outcome.add(QString("%1:%2").arg(fileName).arg(i + 1), failure);
@@ -187,12 +188,12 @@ int decode(const OutputOptions &options, const DecodeOptions &own)
                       "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
     Outcome outcome;
     const QByteArray bytes = bytesOf(own.bytes);
-    Decoder decoder(options, own.trace ? *own.trace + ": " : QString());
+    DecodeCommand command(options, own.trace ? *own.trace + ": " : QString());
     if (own.trace)
-        decodeTrace(decoder, *own.trace, outcome);
+        decodeTrace(command, *own.trace, outcome);
     else
-        decoder.decode(bytes, QString(), Json::object());
-    decoder.finish();
+        command.decode(bytes, QString(), Json::object());
+    command.finish();
     return outcome.exitCode();
 }
 

@@ -38,17 +38,18 @@ below it. The exit code is that of the first check that failed.
 
 Options: s7ppi --help)";
 
-// s7ppi locks its port, also the port's end of a pseudo-terminal.
+// Whether another s7ppi has the port open. It locks its port even if that is a pseudo-terminal, whose end
+// others may hold without using it.
 bool isOwnProgram(const QList<PortHolder> &holders)
 {
     return std::any_of(holders.begin(), holders.end(),
                        [](const PortHolder &holder) { return holder.program == "s7ppi"; });
 }
 
-class Doctor
+class DoctorCommand
 {
 public:
-    Doctor(const Options &options, int reads);
+    DoctorCommand(const Options &options, int reads);
 
     int run();
 
@@ -75,13 +76,13 @@ private:
     std::unique_ptr<Connection> connection;
 };
 
-Doctor::Doctor(const Options &options_, int reads_)
+DoctorCommand::DoctorCommand(const Options &options_, int reads_)
     : options(options_), reads(reads_),
       output(options_, {"doctor", 1, "checks", {"check", "verdict", "text", "advice"}})
 {
 }
 
-int Doctor::run()
+int DoctorCommand::run()
 {
     try {
         examine();
@@ -94,7 +95,7 @@ int Doctor::run()
     return outcome.exitCode();
 }
 
-void Doctor::tell(const Finding &finding)
+void DoctorCommand::tell(const Finding &finding)
 {
     outcome.keep(finding.code);
     output.write({{"check", jsonText(finding.check)},
@@ -104,7 +105,7 @@ void Doctor::tell(const Finding &finding)
                  findingText(finding));
 }
 
-bool Doctor::passes(const QString &check, const std::function<QString()> &part)
+bool DoctorCommand::passes(const QString &check, const std::function<QString()> &part)
 {
     try {
         tell(goodFinding(check, part()));
@@ -117,14 +118,14 @@ bool Doctor::passes(const QString &check, const std::function<QString()> &part)
     }
 }
 
-// What stands on something that failed is not looked at.
-void Doctor::examine()
+// Goes from the ground up. What builds on something that failed is not looked at.
+void DoctorCommand::examine()
 {
     if (examinePlugin() && choosePort() && examinePort() && examineLine())
         examineReads();
 }
 
-bool Doctor::examinePlugin()
+bool DoctorCommand::examinePlugin()
 {
     return passes("plug-in", [this] {
         const Plugin plugin(findPlugin(options));
@@ -135,7 +136,7 @@ bool Doctor::examinePlugin()
     });
 }
 
-bool Doctor::choosePort()
+bool DoctorCommand::choosePort()
 {
     return passes("port", [this]() -> QString {
         const bool isNamed = options.port.has_value();
@@ -147,7 +148,7 @@ bool Doctor::choosePort()
     });
 }
 
-bool Doctor::examinePort()
+bool DoctorCommand::examinePort()
 {
     if (*options.port == kSimulatorPort)
         return true;
@@ -177,7 +178,7 @@ bool Doctor::examinePort()
     return isAllowed && isFree;
 }
 
-bool Doctor::examineLine()
+bool DoctorCommand::examineLine()
 {
     return passes("line", [this] {
         connection = std::make_unique<Connection>(options, &probe);
@@ -188,7 +189,7 @@ bool Doctor::examineLine()
     });
 }
 
-void Doctor::examineReads()
+void DoctorCommand::examineReads()
 {
     std::optional<LineErrors> before = lineErrors(connection->portHandle());
     ReadTrial trial = tryReads();
@@ -205,8 +206,8 @@ void Doctor::examineReads()
     tell(judgeTimeout(trial, timeout));
 }
 
-// Behind an adapter that hears itself nothing else could be told without taking the echo out.
-bool Doctor::tryEcho(const ReadTrial &trial)
+// Takes the echo out if there is one: nothing else could be told behind an adapter that hears itself.
+bool DoctorCommand::tryEcho(const ReadTrial &trial)
 {
     if (!probe.hasEcho() || !trial.answerTimes.isEmpty())
         return false;
@@ -216,7 +217,7 @@ bool Doctor::tryEcho(const ReadTrial &trial)
     return true;
 }
 
-ReadTrial Doctor::tryReads()
+ReadTrial DoctorCommand::tryReads()
 {
     ReadTrial trial;
     const int requestsBefore = connection->requestCount();
@@ -231,7 +232,7 @@ ReadTrial Doctor::tryReads()
     return trial;
 }
 
-void Doctor::tryRead(ReadTrial &trial)
+void DoctorCommand::tryRead(ReadTrial &trial)
 {
     QElapsedTimer time;
     time.start();
@@ -252,9 +253,10 @@ void Doctor::tryRead(ReadTrial &trial)
 void declareDoctor(CLI::App &app, CommandLine &line)
 {
     const auto reads = std::make_shared<std::optional<int>>();
-    CLI::App *doctor = addCommand(
-        app, line, "doctor", "Look for what is wrong with plug-in, port and line",
-        [reads](const Options &options) { return Doctor(options, reads->value_or(kDefaultReads)).run(); });
+    CLI::App *doctor = addCommand(app, line, "doctor", "Look for what is wrong with plug-in, port and line",
+                                  [reads](const Options &options) {
+                                      return DoctorCommand(options, reads->value_or(kDefaultReads)).run();
+                                  });
     addNumber(*doctor, "--reads", *reads, 1, 100000, "How many reads to measure, else 20");
     setFooter(*doctor, kFooter);
 }

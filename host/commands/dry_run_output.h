@@ -24,7 +24,7 @@ public:
     // The output must outlive it.
     DryRunOutput(const DriverOptions &options, Output &output);
 
-    // Both fail when the driver refuses the request and sends nothing.
+    // These print the frames of a request. Both fail when the driver refuses the request and sends nothing.
     void write(const WriteRequest &request) const;
     void read(const ReadRequest &request) const;
 

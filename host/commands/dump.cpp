@@ -44,7 +44,7 @@ bool isRaw(const OutputOptions &options)
 {
     const QString unasked = options.usualFormat == "raw" ? "raw" : "text";
     const QString format = options.format.value_or(unasked);
-    tellUnlessUsual(options, format);
+    noteUnusedFormat(options, format);
     if (format != "text" && format != "raw")
         throw Failure(ExitCode::Usage, "dump has no " + format + " form", "choose --format text or raw");
     return format == "raw";
@@ -55,7 +55,8 @@ QString partName(const QString &name)
     return name + ".part";
 }
 
-// The file is looked at before the long work, not only after it.
+// Returns the name of the file, after a look whether it can be written: that should not turn out only after
+// the long work.
 QString checkedFile(const OutputOptions &options, const Item &range)
 {
     if (!options.output || *options.output == "-")
@@ -81,7 +82,7 @@ void tellEarlierPart(const PartialDump &part)
                    .arg(part.name(), time, sizesOf(part)));
 }
 
-// What goes on: the same command, say.
+// Tells what is kept of a dump that was not finished, and what the user can do to go on from there.
 void leave(PartialDump &part, Progress &progress, const QString &what)
 {
     part.removeIfEmpty();
@@ -91,7 +92,7 @@ void leave(PartialDump &part, Progress &progress, const QString &what)
         progress.note(part.name() + " has " + sizesOf(part) + "; " + what + " goes on from there");
 }
 
-// The rest of the range. What is under way when it fails is told as the block that it was.
+// Reads the rest of the range. A failure names the block that was being read.
 void readRest(Connection &connection, PartialDump &part, Progress &progress)
 {
     const Item &range = part.dump().range;
@@ -115,7 +116,7 @@ void readAll(Connection &connection, PartialDump &part, const OutputOptions &opt
     if (before > 0)
         tellEarlierPart(part);
     Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
-    const Connection::Telling notes = notesAbove(progress, connection);
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         readRest(connection, part, progress);
     } catch (const Failure &failure) {

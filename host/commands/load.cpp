@@ -57,7 +57,7 @@ struct Load
     std::optional<int> station; // where they came from, if known
 };
 
-// As many elements from an address on as the data fill.
+// Returns as many elements, from an address on, as the data fill.
 Item targetAt(const QString &address, const QByteArray &data)
 {
     try {
@@ -102,7 +102,7 @@ struct Differences
     QString first;  // "VB5 reads 00 and not 1f"
 };
 
-// offset: where the block lies.
+// Adds the differences of a block, which lies so many bytes behind the beginning.
 void addDifferences(Differences &all, const Item &block, int offset, const ValueDifferences &ofBlock)
 {
     if (all.count == 0 && ofBlock.count > 0) {
@@ -120,11 +120,11 @@ Failure failureOf(const Differences &differences)
 }
 
 // A load under way: what was written, and what was found to be so.
-class Loading
+class LoadCommand
 {
 public:
-    Loading(Connection &connection_, const Load &load_, const LoadState &state_,
-            const OutputOptions &options_)
+    LoadCommand(Connection &connection_, const Load &load_, const LoadState &state_,
+                const OutputOptions &options_)
         : connection(connection_), load(load_), state(state_), options(options_)
     {
     }
@@ -150,9 +150,9 @@ private:
     std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
 };
 
-// It goes on behind what an earlier run wrote, as far as that is still there: another controller may be
-// behind the port by now, or its program has written, too.
-void Loading::goOn()
+// Goes on behind what an earlier run wrote, as far as that is still there: another controller may be behind
+// the port by now, or its program may have written in between.
+void LoadCommand::goOn()
 {
     const int count = elementOf(state.written());
     if (count == 0)
@@ -167,10 +167,10 @@ void Loading::goOn()
         reportNote(differences.first + "; from there on it is written anew");
 }
 
-Differences Loading::compareEarlier(const Item &earlier) const
+Differences LoadCommand::compareEarlier(const Item &earlier) const
 {
     Progress progress(options, {rangeText(earlier) + " compared", "bytes", earlier.size(), 0, 0});
-    const Connection::Telling notes = notesAbove(progress, connection);
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         return compare(earlier, progress, true);
     } catch (...) {
@@ -179,14 +179,14 @@ Differences Loading::compareEarlier(const Item &earlier) const
     }
 }
 
-void Loading::write(bool restart)
+void LoadCommand::write(bool restart)
 {
     if (!restart)
         goOn();
     if (written == int(load.data.size()))
         return;
     Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
-    const Connection::Telling notes = notesAbove(progress, connection);
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         writeRest(progress);
     } catch (...) {
@@ -198,7 +198,7 @@ void Loading::write(bool restart)
 }
 
 // A block that failed is written again when the load goes on.
-void Loading::writeBlock(const WriteRequest &request, const Item &block)
+void LoadCommand::writeBlock(const WriteRequest &request, const Item &block)
 {
     try {
         connection.write(request.command, request.data);
@@ -212,7 +212,7 @@ void Loading::writeBlock(const WriteRequest &request, const Item &block)
     }
 }
 
-void Loading::writeRest(Progress &progress)
+void LoadCommand::writeRest(Progress &progress)
 {
     const int index = elementOf(written);
     const Item rest = partOf(load.target, index, load.target.count - index);
@@ -223,7 +223,7 @@ void Loading::writeRest(Progress &progress)
     }
 }
 
-void Loading::keepState()
+void LoadCommand::keepState()
 {
     if (doubtful)
         reportNote(rangeText(*doubtful) + " may have been written: no answer tells");
@@ -236,10 +236,10 @@ void Loading::keepState()
         reportNote(place + "; that cannot be kept beside the file, and the same command begins anew");
 }
 
-void Loading::verify()
+void LoadCommand::verify()
 {
     Progress progress(options, {rangeText(load.target) + " read back", "bytes", load.data.size(), 0, 0});
-    const Connection::Telling notes = notesAbove(progress, connection);
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
     Differences differences;
     try {
         differences = compare(load.target, progress, false);
@@ -255,7 +255,7 @@ void Loading::verify()
     progress.finish();
 }
 
-Differences Loading::compare(const Item &range, Progress &progress, bool onlyFirst) const
+Differences LoadCommand::compare(const Item &range, Progress &progress, bool onlyFirst) const
 {
     Differences differences;
     int offset = 0;
@@ -270,7 +270,7 @@ Differences Loading::compare(const Item &range, Progress &progress, bool onlyFir
     return differences;
 }
 
-QByteArray Loading::readBlock(const Item &block) const
+QByteArray LoadCommand::readBlock(const Item &block) const
 {
     try {
         return readItem(connection, block);
@@ -296,7 +296,7 @@ int dryRunLoad(Options options, const Load &load, bool verify)
 
 int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 {
-    tellUnlessUsual(options, options.format.value_or("text"));
+    noteUnusedFormat(options, options.format.value_or("text"));
     const QString stateName = own.file + ".loading";
     claimFile(stateName, FileRole::Unfinished);
     Connection connection(options);
@@ -305,10 +305,10 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
         reportNote(
             QString("the dump is of station %1, it goes to station %2").arg(*load.station).arg(station));
     const LoadState state(stateName, load.target, station, load.data);
-    Loading loading(connection, load, state, options);
-    loading.write(own.restart);
+    LoadCommand command(connection, load, state, options);
+    command.write(own.restart);
     if (own.verify)
-        loading.verify();
+        command.verify();
     state.forget();
     return int(ExitCode::Success);
 }

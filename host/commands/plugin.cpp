@@ -25,10 +25,15 @@ own, so that a library that crashes takes nothing with it. One for another machi
 
 The exit code is 0 when nothing is missing, and 7 when something is.)";
 
-QString findingLine(const PluginFinding &finding)
+bool isGood(const Finding &finding)
 {
-    constexpr int kWhatWidth = 34;
-    return (finding.isGood ? "  " : "! ") + finding.what.leftJustified(kWhatWidth) + ' ' + finding.text;
+    return finding.verdict == Verdict::Good;
+}
+
+QString findingLine(const Finding &finding)
+{
+    constexpr int kCheckWidth = 34;
+    return (isGood(finding) ? "  " : "! ") + finding.check.leftJustified(kCheckWidth) + ' ' + finding.text;
 }
 
 int examine(const OutputOptions &options, const QString &fileName)
@@ -36,12 +41,12 @@ int examine(const OutputOptions &options, const QString &fileName)
     Output output(options, kSchema);
     const Examination examination = examinePlugin(fileName);
     QStringList bad;
-    for (const PluginFinding &finding : examination.findings) {
+    for (const Finding &finding : examination.findings) {
         output.write(
-            {{"what", jsonText(finding.what)}, {"good", finding.isGood}, {"text", jsonText(finding.text)}},
+            {{"what", jsonText(finding.check)}, {"good", isGood(finding)}, {"text", jsonText(finding.text)}},
             findingLine(finding));
-        if (!finding.isGood)
-            bad << finding.what;
+        if (!isGood(finding))
+            bad << finding.check;
     }
     output.setField("driver", examination.driver);
     if (!examination.driverLines.isEmpty())

@@ -45,7 +45,7 @@ QString textOf(const PortDetails &port)
     return lines.join('\n');
 }
 
-// The holders by number and by name side by side would be two lists in one row of a table: there it is text.
+// The holders are a text here: their numbers and their names would be two lists in one row of a table.
 Json recordOf(const PortDetails &port)
 {
     return {{"port", jsonText(port.device)},

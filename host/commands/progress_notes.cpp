@@ -7,7 +7,7 @@
 
 namespace host {
 
-Connection::Telling notesAbove(Progress &progress, Connection &connection)
+Connection::MessageRedirect notesAbove(Progress &progress, Connection &connection)
 {
     return {connection, [&progress](const QString &text) { progress.note(text); }};
 }

@@ -13,7 +13,7 @@ namespace host {
 
 // While the result lives, what the connection tells stands above the progress, so that the two do not
 // overwrite each other on a terminal.
-Connection::Telling notesAbove(Progress &progress, Connection &connection);
+Connection::MessageRedirect notesAbove(Progress &progress, Connection &connection);
 
 } // namespace host
 

@@ -32,10 +32,10 @@ const char kFooter[] = R"(
 the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
 @FILE:NAME is one of them.)";
 
-class Reader
+class ReadCommand
 {
 public:
-    Reader(const Options &options, const std::vector<Tag> &tags_)
+    ReadCommand(const Options &options, const std::vector<Tag> &tags_)
         : tags(tags_), output(options, kSchema), lines(tags), connection(options)
     {
     }
@@ -51,12 +51,12 @@ private:
     Connection connection;
 };
 
-int Reader::run()
+int ReadCommand::run()
 {
     return runItems(tags, output, [this](int index) { read(tags[size_t(index)]); });
 }
 
-void Reader::read(const Tag &tag)
+void ReadCommand::read(const Tag &tag)
 {
     const QByteArray data = readItem(connection, tag.item);
     if (output.format() == Format::Raw) {
@@ -74,7 +74,7 @@ int readItems(const Options &options, const QStringList &texts)
     const std::vector<Tag> tags = parseTags(texts, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
-    return Reader(options, tags).run();
+    return ReadCommand(options, tags).run();
 }
 
 } // namespace

@@ -78,7 +78,8 @@ struct Answer
     bool isBroken() const { return kind == "broken"; }
 };
 
-// Only silence is no answer at all.
+// Returns what a failure says of the station: only silence is no answer at all. A failure that has nothing to
+// do with the station is thrown on.
 std::optional<Answer> answerOf(const Failure &failure, qint64 milliseconds)
 {
     switch (failure.code()) {
@@ -105,12 +106,12 @@ std::optional<Answer> ask(Connection &connection)
     }
 }
 
-class Scan
+class ScanCommand
 {
 public:
-    Scan(const Options &options, const ScanOptions &own);
+    ScanCommand(const Options &options, const ScanOptions &own);
 
-    // Whether a station was found.
+    // Scans the line, and returns whether a station was found.
     bool run();
 
 private:
@@ -132,7 +133,7 @@ private:
     Progress progress;
 };
 
-Scan::Scan(const Options &options_, const ScanOptions &own)
+ScanCommand::ScanCommand(const Options &options_, const ScanOptions &own)
     : options(options_), stations(parseNumbers(own.stations.value_or(kAllStations), kStation)),
       bauds(baudsOf(options_, own)),
       output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
@@ -143,7 +144,7 @@ Scan::Scan(const Options &options_, const ScanOptions &own)
                       "leave out --trace, or choose one of them with --baud");
 }
 
-bool Scan::run()
+bool ScanCommand::run()
 {
     for (const int baud : bauds) {
         const std::unique_ptr<Connection> connection = connect(baud);
@@ -162,7 +163,7 @@ bool Scan::run()
 }
 
 // A rate that the adapter cannot do is left out, unless there is no other.
-std::unique_ptr<Connection> Scan::connect(int baud)
+std::unique_ptr<Connection> ScanCommand::connect(int baud)
 {
     progress.clear();
     try {
@@ -178,14 +179,14 @@ std::unique_ptr<Connection> Scan::connect(int baud)
     }
 }
 
-void Scan::tellOnlyRate(int baud)
+void ScanCommand::tellOnlyRate(int baud)
 {
     if (bauds.size() > 1)
         progress.note(
             QString("only %1 baud was tried: the port is a pseudo-terminal, which has no speed").arg(baud));
 }
 
-void Scan::reportRefusal() const
+void ScanCommand::reportRefusal() const
 {
     if (refusal && !hasOpened)
         throw Failure(*refusal);
@@ -194,9 +195,9 @@ void Scan::reportRefusal() const
 }
 
 // What was found stays, however the scan ends.
-void Scan::scanLine(Connection &connection, int baud)
+void ScanCommand::scanLine(Connection &connection, int baud)
 {
-    const Connection::Telling notes = notesAbove(progress, connection);
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
     int current = 0;
     try {
         for (const int station : stations) {
@@ -216,7 +217,7 @@ void Scan::scanLine(Connection &connection, int baud)
 }
 
 // What breaks an answer may be the late one of the station before: that does not come twice.
-std::optional<Answer> Scan::askStation(Connection &connection, int station) const
+std::optional<Answer> ScanCommand::askStation(Connection &connection, int station) const
 {
     connection.setStation(station);
     std::optional<Answer> answer = ask(connection);
@@ -227,7 +228,7 @@ std::optional<Answer> Scan::askStation(Connection &connection, int station) cons
     return answer;
 }
 
-void Scan::tell(int baud, int station, const Answer &answer)
+void ScanCommand::tell(int baud, int station, const Answer &answer)
 {
     hasFound = hasFound || !answer.isBroken();
     progress.clear();
@@ -241,7 +242,7 @@ void Scan::tell(int baud, int station, const Answer &answer)
 
 int scan(const Options &options, const ScanOptions &own)
 {
-    if (!Scan(options, own).run())
+    if (!ScanCommand(options, own).run())
         throw Failure(ExitCode::NoAnswer, "no station answered",
                       "check cable, power and parity; a slow controller needs a longer --timeout, and other "
                       "rates go with --baud");

@@ -63,10 +63,10 @@ constexpr int kDefaultSpan = 5; // minutes
 
 using Views = std::vector<View *>;
 
-class Watcher
+class WatchCommand
 {
 public:
-    Watcher(Connection &connection, Watch &watch, const Views &views);
+    WatchCommand(Connection &connection, Watch &watch, const Views &views);
 
     void poll();
     void pauseUntil(const QDeadlineTimer &due);
@@ -83,25 +83,26 @@ private:
     Watch &watch;
     const Views &views;
     Outcome outcome;
-    const Connection::Telling telling;
+    const Connection::MessageRedirect redirect;
 };
 
-Watcher::Watcher(Connection &connection_, Watch &watch_, const Views &views_)
-    : connection(connection_), watch(watch_), views(views_), telling(connection, [this](const QString &text) {
+WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const Views &views_)
+    : connection(connection_), watch(watch_), views(views_),
+      redirect(connection, [this](const QString &text) {
           for (View *view : views)
               view->tell(watch, text);
       })
 {
 }
 
-void Watcher::poll()
+void WatchCommand::poll()
 {
     for (WatchedItem &item : watch.items)
         poll(item);
     ++watch.polls;
 }
 
-void Watcher::poll(WatchedItem &item)
+void WatchCommand::poll(WatchedItem &item)
 {
     Reading reading = {};
     try {
@@ -115,7 +116,7 @@ void Watcher::poll(WatchedItem &item)
         view->answered(watch, item, reading, news);
 }
 
-Reading Watcher::readingOf(WatchedItem &item)
+Reading WatchCommand::readingOf(WatchedItem &item)
 {
     Reading reading = {};
     const ReadFunction function = [&](const CommunicatorCommand &command) {
@@ -125,7 +126,7 @@ Reading Watcher::readingOf(WatchedItem &item)
     return reading;
 }
 
-QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest)
+QByteArray WatchCommand::read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest)
 {
     struct AttemptCount
     {
@@ -144,7 +145,7 @@ QByteArray Watcher::read(const CommunicatorCommand &command, WatchedItem &item, 
     return data;
 }
 
-void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
+void WatchCommand::noteFailure(WatchedItem &item, const Failure &failure)
 {
     ++watch.errors[failure.text()];
     const bool isNews = item.failed(failure.text());
@@ -155,12 +156,12 @@ void Watcher::noteFailure(WatchedItem &item, const Failure &failure)
         view->failed(watch, item, failure, isNews);
 }
 
-void Watcher::pauseUntil(const QDeadlineTimer &due)
+void WatchCommand::pauseUntil(const QDeadlineTimer &due)
 {
     while (!due.hasExpired()) {
         connection.idle(int(std::min(due.remainingTime(), kSlice)));
         for (View *view : views)
-            view->attend(watch);
+            view->idle(watch);
     }
 }
 
@@ -169,49 +170,49 @@ int intervalOf(const WatchOptions &options)
     return options.interval.value_or(kDefaultInterval);
 }
 
-// People follow on a terminal, unless the data or the frames go there.
+// Whether the items are shown in place on the terminal, which is so unless the data or the frames go there.
 bool showsTable(const OutputOptions &options)
 {
-    return !options.verbose && !Recorder::isOnStdout(options) && TerminalScreen::isThere();
+    return !options.verbose && !Recorder::isOnStdout(options) && TerminalScreen::isAvailable();
 }
 
-// The items that --plot draws; none without it.
-std::vector<Tag> plottedTags(const OutputOptions &options, const WatchOptions &watchOptions,
+// Returns the items that --plot draws, and none without it.
+std::vector<Tag> plottedTags(const OutputOptions &options, const WatchOptions &own,
                              const std::vector<Tag> &tags)
 {
-    if (!watchOptions.plot)
+    if (!own.plot)
         return {};
     if (!showsTable(options))
         throw Failure(
             ExitCode::Usage, "--plot needs the terminal to itself",
             "leave out --verbose and --format, or write the data with -o FILE.csv and make a page of it "
             "with s7ppi report");
-    const QString names = watchOptions.select.value_or(QString());
+    const QString names = own.select.value_or(QString());
     return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
 }
 
-std::unique_ptr<View> peoplesView(const OutputOptions &options, const WatchOptions &watchOptions,
-                                  const std::vector<Tag> &plotted, const Connection &connection)
+std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOptions &own,
+                                   const std::vector<Tag> &plotted, const Connection &connection)
 {
     if (!showsTable(options))
-        return std::make_unique<NotesView>(watchOptions.all);
+        return std::make_unique<NotesView>(own.all);
     const QString title =
-        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(watchOptions));
+        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(own));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
-    return std::make_unique<PlotView>(title, plotted, 60.0 * watchOptions.span.value_or(kDefaultSpan));
+    return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
 }
 
-void pollOnAndOn(Watcher &watcher, Watch &watch, const WatchOptions &options)
+void pollUntilDone(WatchCommand &command, Watch &watch, const WatchOptions &options)
 {
     while (true) {
         const QDeadlineTimer due(intervalOf(options));
-        watcher.poll();
+        command.poll();
         if (due.hasExpired())
             ++watch.latePolls;
         if (options.polls && watch.polls >= *options.polls)
             return;
-        watcher.pauseUntil(due);
+        command.pauseUntil(due);
     }
 }
 
@@ -221,42 +222,43 @@ struct End
     std::optional<Failure> loss; // of the port or of the output
 };
 
-// Until there is nothing more to poll; the terminal is as before when this returns.
+// Polls until there is nothing more to poll, or a signal arrives. The terminal is as before when this
+// returns.
 End watchItems(Connection &connection, Watch &watch, std::unique_ptr<View> people, Recorder *record,
-               const WatchOptions &watchOptions)
+               const WatchOptions &own)
 {
     Views views = {people.get()};
     if (record)
         views.push_back(record);
-    Watcher watcher(connection, watch, views);
+    WatchCommand command(connection, watch, views);
     try {
-        pollOnAndOn(watcher, watch, watchOptions);
+        pollUntilDone(command, watch, own);
     } catch (const Interrupted &) { // the usual end
     } catch (const Failure &failure) {
         return {failure.code(), failure};
     }
-    return {watcher.firstFailure(), std::nullopt};
+    return {command.firstFailure(), std::nullopt};
 }
 
 // Shows a table in place on a terminal, unless verbose, and plain lines otherwise; at the end a summary on
 // stderr. Items that fail are polled on; the exit code is that of the first failure. A lost port ends it.
-int watchAll(Options options, const WatchOptions &watchOptions)
+int watchAll(Options options, const WatchOptions &own)
 {
-    if (watchOptions.plot)
+    if (own.plot)
         options.usualFormat.reset(); // the curves are what was asked for
     Outcome outcome;
-    const std::vector<Tag> tags = parseTags(watchOptions.items, outcome);
+    const std::vector<Tag> tags = parseTags(own.items, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
 
-    const std::vector<Tag> plotted = plottedTags(options, watchOptions, tags);
+    const std::vector<Tag> plotted = plottedTags(options, own, tags);
     std::optional<Recorder> record;
     if (options.output || !showsTable(options))
-        record.emplace(options, watchOptions.all);
+        record.emplace(options, own.all);
     Connection connection(options);
     Watch watch(tags);
-    const End end = watchItems(connection, watch, peoplesView(options, watchOptions, plotted, connection),
-                               record ? &*record : nullptr, watchOptions);
+    const End end = watchItems(connection, watch, terminalView(options, own, plotted, connection),
+                               record ? &*record : nullptr, own);
     watch.returns = connection.returnCount();
     for (const QString &line : watchSummary(watch))
         reportNote(line);

@@ -36,7 +36,7 @@ struct WriteOptions
     bool dryRun = false; // print the frames on stdout and send nothing
 };
 
-// What was written, or with --verify read back.
+// The form of the data: what was written, or with --verify what was read back.
 const Schema kSchema = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
 
 const char kFooter[] = R"(
@@ -68,7 +68,7 @@ Failure partFailure(const Failure &failure, const Item &item, const WriteRequest
                    failure.hint());
 }
 
-// When an item takes several requests, whatever ends them early tells how far they got.
+// Writes one item. When that takes several requests, whatever ends them early tells how far they got.
 void writeItem(const Assignment &assignment, Connection &connection)
 {
     const Item &item = assignment.tag.item;
@@ -98,10 +98,10 @@ std::vector<Tag> tagsOf(const std::vector<Assignment> &assignments)
     return tags;
 }
 
-class Writer
+class WriteCommand
 {
 public:
-    Writer(const Options &options_, const std::vector<Assignment> &assignments_, bool verify_)
+    WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_, bool verify_)
         : options(options_), assignments(assignments_), tags(tagsOf(assignments)), verify(verify_),
           output(options, kSchema), lines(tags), connection(options)
     {
@@ -122,12 +122,12 @@ private:
     Connection connection;
 };
 
-int Writer::run()
+int WriteCommand::run()
 {
     return runItems(tags, output, [this](int index) { write(assignments[size_t(index)]); });
 }
 
-void Writer::write(const Assignment &assignment)
+void WriteCommand::write(const Assignment &assignment)
 {
     const Tag &tag = assignment.tag;
     writeItem(assignment, connection);
@@ -139,7 +139,7 @@ void Writer::write(const Assignment &assignment)
         output.writeUnlessText(tagRecord(tag, decodeValues(tag.item, assignment.data)));
 }
 
-void Writer::readBack(const Assignment &assignment)
+void WriteCommand::readBack(const Assignment &assignment)
 {
     const Tag &tag = assignment.tag;
     const QByteArray data = readItem(connection, tag.item);
@@ -148,8 +148,8 @@ void Writer::readBack(const Assignment &assignment)
     output.write(tagRecord(tag, values), lines.line(tag, values));
 }
 
-// What the driver refuses without a frame it refuses here. The first request of a long item is enough: the
-// others differ in number and count.
+// Reports the items that the driver refuses without sending anything. The first request of a long item is
+// enough: the others differ in number and count.
 void checkWritable(const std::vector<Assignment> &assignments, const DriverOptions &options, Outcome &outcome)
 {
     const DryRun frames(options);
@@ -180,16 +180,16 @@ int dryRunAll(const std::vector<Assignment> &assignments, const Options &options
 }
 
 // All items must be right, and be such as the driver writes, before the first is written.
-int writeItems(const Options &options, const WriteOptions &writeOptions)
+int writeItems(const Options &options, const WriteOptions &own)
 {
     Outcome outcome;
-    const std::vector<Assignment> assignments = parseAssignments(writeOptions.items, outcome);
+    const std::vector<Assignment> assignments = parseAssignments(own.items, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
-    if (writeOptions.dryRun)
-        return dryRunAll(assignments, options, writeOptions.verify);
+    if (own.dryRun)
+        return dryRunAll(assignments, options, own.verify);
     checkWritable(assignments, options, outcome);
-    return outcome.isSuccess() ? Writer(options, assignments, writeOptions.verify).run() : outcome.exitCode();
+    return outcome.isSuccess() ? WriteCommand(options, assignments, own.verify).run() : outcome.exitCode();
 }
 
 } // namespace

@@ -15,7 +15,7 @@ constexpr int kSharedObject = 3;
 constexpr quint64 kDynamicSymbols = 11;
 constexpr int kIdentitySize = 16;
 
-// The places of what is looked at, for either width.
+// Where in a file of 32 or 64 bits the fields lie that are looked at, in bytes.
 struct Places
 {
     int wordSize;
@@ -37,7 +37,7 @@ class Image
 public:
     Image(const QByteArray &bytes_, bool isLittleEndian_) : bytes(bytes_), isLittleEndian(isLittleEndian_) {}
 
-    // 0 for what lies behind the end.
+    // Returns the number at a place, or 0 for one behind the end of the file.
     quint64 number(quint64 place, int size) const
     {
         const auto end = quint64(bytes.size());
@@ -49,7 +49,8 @@ public:
         return value;
     }
 
-    // Empty for what lies behind the end and for names that nobody would give.
+    // Returns the text at a place. It is empty behind the end of the file, and for a text longer than any
+    // name.
     QString name(quint64 place) const
     {
         if (place >= size())

@@ -25,7 +25,7 @@ struct ElfFile
     QStringList exports; // the symbols that others can call or read
 };
 
-// Takes any bytes.
+// Returns what the file says of itself; the bytes may be anything.
 ElfFile parseElf(const QByteArray &bytes);
 
 // "ARM, 32 bits, little endian"

@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What is made of what was found out about a port and a controller: a verdict, and advice where it helps.
+// What is made of what was found out about a port, a controller or a plug-in: a verdict, and advice where it
+// helps.
 
 #ifndef HOST_DIAGNOSIS_FINDINGS_H
 #define HOST_DIAGNOSIS_FINDINGS_H
@@ -40,7 +41,7 @@ Finding findingWith(const QString &check, const QString &text, const QString &ad
 
 Finding failedFinding(const QString &check, const Failure &failure);
 
-// What a row of reads brought.
+// What some reads, one after the other, brought.
 struct ReadTrial
 {
     QList<qint64> answerTimes;      // of the good reads, repetitions included; milliseconds

@@ -73,7 +73,8 @@ public:
     explicit Child(const std::function<QByteArray()> &action);
     ~Child();
 
-    // Until it closes its end, the time is over, or a signal ends the program.
+    // Takes what the child writes, until it closes its end or the time is over. A signal that ends the
+    // program ends this, too.
     void listen(std::chrono::milliseconds limit);
     IsolatedEnd end();
 

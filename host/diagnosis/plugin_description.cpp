@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kLabelWidth = 20;
 
-// The kinds of port that a bit set names.
+// Returns the kinds of port that a set of bits names, "64 (RS-485)".
 QString bitsText(int flags)
 {
     QStringList bits;

@@ -30,30 +30,36 @@ constexpr std::chrono::seconds kLoadingTime(10);
 const char *const kEntryPoints[] = {"CreateDriver", "qt_plugin_instance",
                                     "qt_plugin_query_verification_data"};
 
-PluginFinding entryPoint(const QString &name, const ElfFile &file)
+Finding findingOn(const QString &check, bool isGood, const QString &text)
+{
+    return isGood ? goodFinding(check, text)
+                  : failedFinding(check, Failure(ExitCode::PluginUnusable, text, QString()));
+}
+
+Finding entryPoint(const QString &name, const ElfFile &file)
 {
     const bool isThere = file.exports.contains(name);
-    return {name, isThere, isThere ? "exported" : "missing"};
+    return findingOn(name, isThere, isThere ? "exported" : "missing");
 }
 
-PluginFinding verification(const QByteArray &bytes)
+Finding verification(const QByteArray &bytes)
 {
     const QStringList lines = verificationLines(bytes);
-    return {"verification text", !lines.isEmpty(), lines.isEmpty() ? "missing" : lines.join(", ")};
+    return findingOn("verification text", !lines.isEmpty(), lines.isEmpty() ? "missing" : lines.join(", "));
 }
 
-// As Qt's loader finds it in the file, without loading it.
-PluginFinding interfaceOf(const QString &fileName)
+// Looks for the interface as Qt's loader does, in the file, without loading it.
+Finding interfaceOf(const QString &fileName)
 {
     const QJsonObject metaData = QPluginLoader(QFileInfo(fileName).absoluteFilePath()).metaData();
     const QString identifier = metaData.value("IID").toString();
     if (identifier.isEmpty())
-        return {"interface", false, "Qt finds none"};
+        return findingOn("interface", false, "Qt finds none");
     const bool isOurs = identifier == DRIVER_INTERFACE_ID;
-    return {"interface", isOurs, isOurs ? identifier : identifier + ", not " + DRIVER_INTERFACE_ID};
+    return findingOn("interface", isOurs, isOurs ? identifier : identifier + ", not " + DRIVER_INTERFACE_ID);
 }
 
-// In the process of its own: what happens is handed over as JSON.
+// The trial of a library, in a process of its own, from which its findings come as JSON.
 class Trial
 {
 public:
@@ -138,13 +144,13 @@ void addTrial(Examination &examination, const QString &fileName)
 {
     const IsolatedEnd end = runIsolated([&] { return Trial(fileName).run(); }, kLoadingTime);
     if (end.failure) {
-        examination.findings << PluginFinding{"loading", false, end.failure->text()};
+        examination.findings << findingOn("loading", false, end.failure->text());
         return;
     }
     const Json result = Json::parse(end.result.toStdString());
     for (const Json &finding : result.at("findings"))
-        examination.findings << PluginFinding{textOf(finding.at("what")), finding.at("good").get<bool>(),
-                                              textOf(finding.at("text"))};
+        examination.findings << findingOn(textOf(finding.at("what")), finding.at("good").get<bool>(),
+                                          textOf(finding.at("text")));
     examination.driver = result.at("driver");
     for (const Json &line : result.at("lines"))
         examination.driverLines << textOf(line);
@@ -163,16 +169,15 @@ Examination examinePlugin(const QString &fileName)
     const ElfFile file = parseElf(bytes);
     Examination examination;
     if (file.failure) {
-        examination.findings << PluginFinding{"file", false, "no shared library: " + file.failure->text()};
+        examination.findings << findingOn("file", false, "no shared library: " + file.failure->text());
         return examination;
     }
-    examination.findings << PluginFinding{"file", true,
-                                          QString("shared library, %1 bytes").arg(bytes.size())};
+    examination.findings << findingOn("file", true, QString("shared library, %1 bytes").arg(bytes.size()));
     const ElfFile own = parseElf(readInput("/proc/self/exe"));
     const bool isOurMachine = isSameMachine(file, own);
     const QString machine = machineText(file);
-    examination.findings << PluginFinding{
-        "machine", isOurMachine, isOurMachine ? machine : machine + "; this one is " + machineText(own)};
+    examination.findings << findingOn("machine", isOurMachine,
+                                      isOurMachine ? machine : machine + "; this one is " + machineText(own));
     for (const char *name : kEntryPoints)
         examination.findings << entryPoint(name, file);
     examination.findings << verification(bytes);

@@ -6,6 +6,7 @@
 #ifndef HOST_DIAGNOSIS_PLUGIN_EXAMINATION_H
 #define HOST_DIAGNOSIS_PLUGIN_EXAMINATION_H
 
+#include "host/diagnosis/findings.h"
 #include "host/text/json.h"
 
 #include <QList>
@@ -14,16 +15,9 @@
 
 namespace host {
 
-struct PluginFinding
-{
-    QString what;
-    bool isGood;
-    QString text;
-};
-
 struct Examination
 {
-    QList<PluginFinding> findings;
+    QList<Finding> findings;
     Json driver = Json::object(); // what the driver says about itself, as far as it does
     QStringList driverLines;
 };

@@ -57,7 +57,7 @@ Connection::Connection(const Options &options, FrameListener *watcher_)
     plugin.driver().initialize(listened.get());
 }
 
-// The name of the device to open.
+// Starts the embedded simulator if that is chosen, and returns the name of the device to open.
 QString Connection::startPort(const PortOptions &options)
 {
     const bool isNamed = options.port.has_value();
@@ -157,7 +157,7 @@ void Connection::idle(int milliseconds)
         awaitPort();
 }
 
-// Whether there still is a port to go on with.
+// Whether there still is a port to go on with. After a signal nothing goes on.
 bool Connection::isAlive() const
 {
     if (interruptingSignal() != 0)
@@ -195,7 +195,7 @@ void Connection::awaitPort()
     if (!reconnects || simulator)
         checkPort();
     tell(portName() + " is gone: waiting for it to come back");
-    hindrance.clear();
+    openError.clear();
     if (traceFile)
         traceFile->comment("the port is gone");
     if (echo)
@@ -227,17 +227,17 @@ bool Connection::comesBack()
         port->reopen();
         return true;
     } catch (const Failure &failure) {
-        tellHindrance(failure.text());
+        tellOpenError(failure.text());
         return false;
     }
 }
 
-// Why a port that is there again cannot be opened, once for each reason.
-void Connection::tellHindrance(const QString &reason)
+// Tells why a port that is there again cannot be opened, once for each reason.
+void Connection::tellOpenError(const QString &reason)
 {
-    if (reason == hindrance || !QFileInfo::exists(portName()))
+    if (reason == openError || !QFileInfo::exists(portName()))
         return;
-    hindrance = reason;
+    openError = reason;
     tell(reason + "; still trying");
 }
 

@@ -29,16 +29,18 @@ namespace host {
 class Connection
 {
 public:
-    // Loads the plug-in and opens the port, telling on stderr which when the command line does not.
-    // A watcher, which may be null and must outlive it, sees the frames as the trace does.
+    // Loads the plug-in and opens the port; which port that is, is told on stderr when the options do not
+    // name one. The watcher, which may be null and must outlive the connection, sees the frames as the trace
+    // does.
     explicit Connection(const Options &options, FrameListener *watcher = nullptr);
 
-    // One read by the driver, repetitions included. Fails with the meaning of the driver's error. With
-    // --reconnect a lost port is waited for and the read begun again; the embedded simulator's never comes
-    // back.
+    // Lets the driver read once, repetitions included, and returns its data. Fails with the meaning of the
+    // driver's error. With --reconnect a lost port is waited for and the read begun again; the embedded
+    // simulator's port never comes back.
     QByteArray read(const CommunicatorCommand &command);
 
-    // The same for a write, but after a loss nobody knows whether it took place: that always fails.
+    // Lets the driver write once. It fails like read(), but always when the port is lost: nobody knows then
+    // whether the write took place.
     void write(const CommunicatorCommand &command, const QByteArray &data);
 
     // Lets so many milliseconds pass, fewer when something happens: a port that goes away meanwhile is a
@@ -47,15 +49,16 @@ public:
 
     QString portName() const { return port->portName(); }
 
-    // The name that stays: the embedded simulator has another port in every run.
+    // The port's name as the user knows it, which stays the same from run to run: that of the embedded
+    // simulator is "sim", though it has another port each time.
     QString portLabel() const;
 
-    // The open port, for questions to the kernel.
+    // The kernel's descriptor of the open port.
     int portHandle() const { return port->handle(); }
 
     int stationId() const { return timing.station; }
 
-    // Another controller on the same line.
+    // Sends what follows to another controller on the same line.
     void setStation(int station) { port->setStation(timing.station = station); }
 
     // How many requests were sent so far: one per attempt at a read or write.
@@ -64,19 +67,20 @@ public:
     // How often the port was lost and came back.
     int returnCount() const { return returns; }
 
-    // While it lives, the losing and finding of the port is told there instead of on stderr.
+    // While it lives, messages about the loss and the return of the port go to a function instead of to
+    // stderr.
     using Tell = std::function<void(const QString &)>;
-    class Telling
+    class MessageRedirect
     {
     public:
-        Telling(Connection &connection_, Tell tell)
+        MessageRedirect(Connection &connection_, Tell tell)
             : connection(connection_), before(std::exchange(connection.tell, std::move(tell)))
         {
         }
-        ~Telling() { connection.tell = before; }
+        ~MessageRedirect() { connection.tell = before; }
 
     private:
-        Q_DISABLE_COPY(Telling)
+        Q_DISABLE_COPY(MessageRedirect)
 
         Connection &connection;
         Tell before;
@@ -95,14 +99,14 @@ private:
     void awaitArrival(const QString &name);
     void awaitPort();
     bool comesBack();
-    void tellHindrance(const QString &reason);
+    void tellOpenError(const QString &reason);
 
     Plugin plugin;
     Timing timing;
     FrameListener *watcher;
     bool reconnects;
     int nextPause = 0; // milliseconds before the next try to open a lost port
-    QString hindrance; // why the lost port could not be opened, as last told
+    QString openError; // why the lost port could not be opened, as last told
     int returns = 0;
     Tell tell;
     std::unique_ptr<SimulatorProcess> simulator;

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-struct Meaning
+struct FaultMeaning
 {
     const char *text;
     ExitCode code;
@@ -23,7 +23,7 @@ const char kLineHint[] =
     "bytes are lost or damaged on the line: check baud rate, parity, cable and termination, "
     "and that no other master uses station 0";
 
-const Meaning kMeanings[] = {
+const FaultMeaning kMeanings[] = {
     {"plc no response", ExitCode::NoAnswer,
      "check cable, power, --station and --baud; a slow controller needs a longer --timeout"},
 
@@ -50,12 +50,12 @@ const Meaning kMeanings[] = {
     {"checksum error", ExitCode::BrokenAnswer, kLineHint},
 };
 
-// The driver's own refusal; the address stands behind it.
+// How the driver's own refusal of a write begins; the address stands behind it.
 const char kNotWritable[] = "can not write data to ";
 
-const Meaning *meaningOf(const QString &text)
+const FaultMeaning *meaningOf(const QString &text)
 {
-    for (const Meaning &meaning : kMeanings)
+    for (const FaultMeaning &meaning : kMeanings)
         if (text == meaning.text)
             return &meaning;
     return nullptr;
@@ -86,7 +86,7 @@ std::optional<Failure> bitsFailure(const QStringList &texts)
     }
     if (complaints.isEmpty())
         return std::nullopt;
-    const Meaning *first = meaningOf(reasons.first());
+    const FaultMeaning *first = meaningOf(reasons.first());
     return Failure(first->code, complaints.join(", "), first->hint);
 }
 
@@ -100,7 +100,7 @@ Failure driverFailure(const QString &errorText)
         return Failure(ExitCode::Refused, errorText,
                        "the driver writes no high-speed counters, no analogue inputs, and no status bits of "
                        "timers and counters");
-    if (const Meaning *meaning = meaningOf(errorText))
+    if (const FaultMeaning *meaning = meaningOf(errorText))
         return Failure(meaning->code, errorText, meaning->hint);
     if (const std::optional<Failure> failure = bitsFailure(errorText.split(',')))
         return *failure;

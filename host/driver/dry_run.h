@@ -25,7 +25,8 @@ class DryRun
 public:
     explicit DryRun(const DriverOptions &options);
 
-    // The request and the poll behind it. Both fail when the driver refuses the request and sends nothing.
+    // These return the frames of one request: the request itself and the poll behind it. They fail when the
+    // driver refuses the request and sends nothing.
     QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
     QList<QByteArray> ofWrite(const WriteRequest &request) const;
 

@@ -15,9 +15,9 @@
 
 namespace host {
 
-// Hands over what is sent, frame by frame. The first receive finds the acknowledgement, without
-// which a driver would not go on to its poll; the answer to that never comes, and nothing is repeated.
-// One port serves one request.
+// Hands over what is sent, frame by frame, to a function. The first receive finds the acknowledgement,
+// without which a driver would not go on to its poll; the answer to the poll never comes, and nothing is
+// repeated. One port serves one request.
 class DryRunPort : public AbstractDeviceInterface
 {
 public:

@@ -29,7 +29,7 @@ public:
     DriverInterface &driver() const { return *interface; }
     QString file() const { return loader.fileName(); }
 
-    // The driver's proposals for a new connection. Fail when the driver makes none.
+    // Return the driver's proposals for a new connection, and fail when it makes none.
     std::unique_ptr<DeviceSetting> serialDefaults() const;
     std::unique_ptr<DriverSetting> driverDefaults() const;
 

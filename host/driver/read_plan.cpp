@@ -62,7 +62,7 @@ QByteArray run(const ReadRequest &request, const ReadFunction &read)
         throw Failure(ExitCode::BrokenAnswer,
                       QString("%1 bytes came instead of %2").arg(data.size()).arg(request.size),
                       "the controller answered fewer objects than were asked for; try a smaller count");
-    return turnedRound(data, request.reversedWidth);
+    return byteSwapped(data, request.reversedWidth);
 }
 
 } // namespace

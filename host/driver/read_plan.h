@@ -32,16 +32,17 @@ struct ReadPlan
 
 ReadPlan planRead(const Item &item);
 
-// Runs one request: the driver's data, or a Failure thrown.
+// A function that runs one request: it returns the driver's data or throws a Failure.
 using ReadFunction = std::function<QByteArray(const CommunicatorCommand &)>;
 
-// The bytes of an item, as decodeValues() takes them. Fails when a request does, or brings too few of them.
+// Returns the bytes of an item, as decodeValues() takes them. Fails when one of the requests does, or brings
+// fewer bytes than were asked for.
 QByteArray readItem(const Item &item, const ReadFunction &read);
 
-// The same bytes, from the controller at the end of a connection.
+// Reads an item from the controller at the end of a connection.
 QByteArray readItem(Connection &connection, const Item &item);
 
-// The range in parts that one frame carries to the host, in order.
+// Returns the range in parts that one frame carries to the host, in their order.
 QList<Item> readBlocks(const Item &range);
 
 } // namespace host

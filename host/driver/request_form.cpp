@@ -78,7 +78,7 @@ QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, in
     return commands;
 }
 
-QByteArray turnedRound(QByteArray data, int width)
+QByteArray byteSwapped(QByteArray data, int width)
 {
     for (auto group = data.begin(); group != data.end(); group += width)
         std::reverse(group, group + width);

@@ -31,19 +31,19 @@ struct RequestForm
     int reversedWidth; // data lie reversed in groups of this many bytes; 1: as in the controller
 };
 
-// The form for an item that is no memory bit. frameData: bytes that one frame has room for.
+// Returns the form for an item that is no memory bit, for frames that have room for so many bytes of data.
 RequestForm requestForm(const Item &item, int frameData);
 
-// The form for whole bytes of an area that has bits.
+// Returns the form for whole bytes of an area that has bits.
 RequestForm bytesForm(const Area &area, int frameData);
 
 CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count);
 
-// The commands for so many units from a number on, in the order of their addresses.
+// Returns the commands for so many units from a number on, in the order of their addresses.
 QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, int count);
 
-// From the driver's order to the controller's, and back.
-QByteArray turnedRound(QByteArray data, int width);
+// Reverses every group of so many bytes, which turns the driver's order into the controller's, and back.
+QByteArray byteSwapped(QByteArray data, int width);
 
 } // namespace host
 

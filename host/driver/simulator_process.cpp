@@ -46,9 +46,9 @@ std::vector<std::string> encoded(const QString &program, const QStringList &argu
     return texts;
 }
 
-// In the child. A process group of its own keeps the terminal's Ctrl-C away: this program stops the
-// simulator itself, after it has finished with the port. The parent is looked at after the request to
-// die with it, in case it was gone by then. Signals that the parent catches are reset by the exec.
+// Runs in the child. A process group of its own keeps the terminal's Ctrl-C away: s7ppi stops the simulator
+// itself, once it has finished with the port. The child asks to die with its parent, and looks only then
+// whether the parent is still there. Signals that the parent catches are reset by the exec.
 [[noreturn]] void becomeSimulator(char *const arguments[], int output, pid_t parent)
 {
     setpgid(0, 0);
@@ -105,7 +105,7 @@ void SimulatorProcess::start(const QString &program, const QStringList &argument
     }
 }
 
-// The first line of its output; empty when it ended, or took too long.
+// Returns the first line of the simulator's output, which is empty when it has ended or takes too long.
 QString SimulatorProcess::readPortName() const
 {
     const QDeadlineTimer deadline(kStartTime);

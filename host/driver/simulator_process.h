@@ -16,8 +16,9 @@ namespace host {
 class SimulatorProcess
 {
 public:
-    // Starts the program and waits until it has named its port. It ends with this process, however
-    // this process ends, and does not hear the terminal's Ctrl-C itself. Fails when it does not come up.
+    // Starts the program and waits until it has named its port. The program ends with this process, however
+    // this process ends, and does not hear the terminal's Ctrl-C itself. Fails when the program does not come
+    // up.
     SimulatorProcess(const QString &program, const QStringList &arguments);
     ~SimulatorProcess();
 
@@ -36,7 +37,8 @@ private:
     QString port;
 };
 
-// The simulator beside this program, or else in PATH. Fails when there is none.
+// Returns the file of the simulator, which lies beside this program or else in PATH. Fails when there is
+// none.
 QString findSimulator();
 
 } // namespace host

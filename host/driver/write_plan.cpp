@@ -44,7 +44,7 @@ QList<WriteRequest> planWrite(const Item &item, const QByteArray &data)
     int done = 0;
     for (const CommunicatorCommand &command : splitCommands(form, item.address.number, item.count)) {
         const int size = command.count * form.unitSize;
-        requests << WriteRequest{command, turnedRound(data.mid(done, size), form.reversedWidth)};
+        requests << WriteRequest{command, byteSwapped(data.mid(done, size), form.reversedWidth)};
         done += size;
     }
     return requests;

@@ -23,8 +23,8 @@ struct WriteRequest
     QByteArray data; // in the driver's order
 };
 
-// data: the item's bytes, as decodeValues() takes them. In the order of the addresses; the counts of the
-// commands together are the item's.
+// Returns the requests that write the item's bytes, which are given as decodeValues() takes them. The
+// requests come in the order of their addresses; the counts of their commands together are the item's.
 QList<WriteRequest> planWrite(const Item &item, const QByteArray &data);
 
 } // namespace host

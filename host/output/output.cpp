@@ -55,7 +55,7 @@ Format formatOf(const OutputOptions &options, const Schema &schema)
     return format;
 }
 
-void tellUnlessUsual(const OutputOptions &options, const QString &format)
+void noteUnusedFormat(const OutputOptions &options, const QString &format)
 {
     if (options.verbose && options.usualFormat && *options.usualFormat != format)
         reportNote(
@@ -65,7 +65,7 @@ void tellUnlessUsual(const OutputOptions &options, const QString &format)
 Output::Output(const OutputOptions &options, const Schema &schema)
     : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, sinkFor(options)))
 {
-    tellUnlessUsual(options, kFormatNames.at(int(chosen)));
+    noteUnusedFormat(options, kFormatNames.at(int(chosen)));
 }
 
 Output::~Output()

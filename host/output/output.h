@@ -35,7 +35,7 @@ namespace host {
 Format formatOf(const OutputOptions &options, const Schema &schema);
 
 // With --verbose tells that data are in another form than usual.
-void tellUnlessUsual(const OutputOptions &options, const QString &format);
+void noteUnusedFormat(const OutputOptions &options, const QString &format);
 
 class OutputForm;
 

@@ -27,14 +27,15 @@ public:
     int send(const unsigned char *data, int length) override;
     int retry() override;
 
-    // What was wrong with the last request's echo, if anything; forgotten by the asking.
+    // Returns what was wrong with the echo of the last request, if anything was, and forgets it.
     std::optional<Failure> takeFailure();
 
 private:
     std::optional<Failure> failure;
 };
 
-// What becomes of everything behind an adapter that hears itself.
+// The failure that every request ends with behind an adapter that hears itself, where nobody takes the echo
+// out.
 Failure echoFailure();
 
 } // namespace host

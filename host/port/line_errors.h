@@ -20,7 +20,7 @@ struct LineErrors
     int breaks = 0;
 };
 
-// Since the port's driver was loaded; nothing when it does not count.
+// Returns the errors since the port's driver was loaded, or nothing when the driver does not count them.
 std::optional<LineErrors> lineErrors(int descriptor);
 
 LineErrors operator-(const LineErrors &after, const LineErrors &before);

@@ -15,10 +15,10 @@ namespace host {
 
 namespace {
 
-// By their ParityCode.
+// The names of the parities, in the order of their codes.
 const QStringList kParityNames = {"none", "odd", "even", "mark", "space"};
 
-// One part in 50 is 2 %.
+// A speed may be off by one part in so many: 2 %.
 constexpr int kSpeedTolerance = 50;
 
 Failure unknownCode(const char *what, int code)

@@ -21,11 +21,11 @@ struct LineSettings
     int stopBits; // their number, not a StopBitsCode
 };
 
-// The settings that a plug-in proposes. Fails on codes of parity and stop bits that have no name in the
-// contract.
+// Returns the settings that a plug-in proposes. Fails on codes of parity and stop bits that have no name in
+// the contract.
 LineSettings lineSettings(const DeviceSetting &setting);
 
-// The settings with everything replaced that the options name.
+// Returns the settings with everything replaced that the options name.
 LineSettings withOptions(LineSettings settings, const LineOptions &options);
 
 // "9600 baud, even parity, 8 data bits, 1 stop bit"

@@ -21,14 +21,15 @@ struct UsbAdapter
 
 QList<UsbAdapter> usbAdapters();
 
-// The device of the only adapter; empty when there is none. Fails, naming all, when there are several.
+// Returns the device of the only adapter, or an empty name when there is none. Fails, naming all, when there
+// are several.
 QString onlyAdapter(const QList<UsbAdapter> &adapters);
 
-// The port that is used unless another one is named: the only adapter, or the embedded simulator without any.
-// Fails like onlyAdapter().
+// Returns the port that is used when the user names none: the only adapter, or the embedded simulator when
+// there is no adapter. Fails when there are several.
 QString usualPort(const QList<UsbAdapter> &adapters);
 
-// The port that the options name, or else the usual one of this machine.
+// Returns the port that the options name, or else the usual one of this machine.
 QString choosePort(const PortOptions &options);
 
 } // namespace host

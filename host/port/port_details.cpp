@@ -31,7 +31,8 @@ QString firstLine(const QString &name)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readLine()).trimmed() : QString();
 }
 
-// From a device to the bus that it is on, and so on up, the first directory that has an entry of that name.
+// Goes up from a device's directory, to that of the bus that the device is on and so forth, and returns the
+// first one that has an entry of that name.
 QString nearestWith(const QString &entry, const QString &directory)
 {
     for (QDir place(directory); !place.isRoot(); place.setPath(QFileInfo(place.path()).path()))
@@ -74,7 +75,7 @@ bool hasHardware(const QFileInfo &tty)
     return QFileInfo::exists(tty.filePath() + "/device") && numberIn(tty.filePath() + "/type") != 0;
 }
 
-// Nothing is known of what is no hardware.
+// Adds what the kernel knows of the adapter; it knows nothing of a port that is no hardware.
 void describeAdapter(PortDetails &port, const QString &hardware)
 {
     if (hardware.isEmpty())

@@ -32,10 +32,12 @@ struct PortDetails
     std::optional<int> latency; // milliseconds that the adapter may hold bytes back; not all have that
 };
 
-// Ports that have hardware behind them, as /dev/ttyUSB0. The machine's /sys and /dev lie below the root.
+// Returns the ports that have hardware behind them, as /dev/ttyUSB0. The machine's /sys and /dev lie below
+// the root, which is another one in tests only.
 QStringList serialPorts(const QString &root = QString());
 
-// Fails when there is no such port. Its name may be a link's, or a file's below /dev alone.
+// Returns what is known of a port. Its name may be that of a link, or that of a file in /dev without the
+// directory. Fails when there is no such port.
 PortDetails portDetails(const QString &name, const QString &root = QString());
 
 // "ftdi_sio, FT232R USB UART, FTDI, serial number A5XK3RJT"; empty for a port that says nothing.

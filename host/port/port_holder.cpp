@@ -20,7 +20,7 @@ QString firstLine(const QString &file)
     return text.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(text.readLine()).trimmed() : QString();
 }
 
-// The files that a process has open, by descriptor.
+// Returns the names of the files that a process has open, one for each descriptor.
 QStringList openFiles(const QString &process)
 {
     QStringList files;

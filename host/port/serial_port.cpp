@@ -32,7 +32,7 @@ constexpr int kSlice = 50;
 constexpr int kSilence = 20;
 constexpr int kLongestClearing = 1000;
 
-// Looked at without waiting for a carrier.
+// Whether the file is a terminal at all. It is opened for a moment, without waiting for a carrier.
 bool isTerminal(const QString &name)
 {
     const int descriptor = ::open(qPrintable(name), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
@@ -66,7 +66,8 @@ QSerialPort::Parity qtParity(ParityCode parity)
     return QSerialPort::NoParity;
 }
 
-// What a port of this kind can be asked for at all.
+// Returns the settings as far as a port of this kind can be asked for them: a pseudo-terminal takes neither
+// parity nor data bits.
 LineSettings settable(LineSettings line, const QString &name)
 {
     if (isPseudoTerminal(name)) {

@@ -13,7 +13,7 @@
 
 namespace host {
 
-// What the kernel does with the line now; all zero when it cannot tell.
+// Returns how the kernel runs the line now; everything is 0 when it cannot tell.
 LineSettings settingsInForce(int descriptor);
 
 // Makes the kernel throw away bytes that arrive with bad parity. Fails, naming the port, when it does not.

@@ -92,7 +92,7 @@ PlotView::PlotView(const QString &title_, const std::vector<Tag> &tags, double s
 void PlotView::answered(const Watch & /*watch*/, const WatchedItem &item, const Reading &reading,
                         WatchNews /*news*/)
 {
-    told.clear();
+    lastMessage.clear();
     const int first = firstCurves.value(keyOf(item.tag), -1);
     for (size_t i = 0; first >= 0 && i < reading.values.size(); ++i) {
         Curve &curve = curves.at(size_t(first) + i);
@@ -109,7 +109,7 @@ void PlotView::answered(const Watch & /*watch*/, const WatchedItem &item, const 
 void PlotView::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure,
                       bool /*isNews*/)
 {
-    told = item.tag.label() + ": " + failure.text();
+    lastMessage = item.tag.label() + ": " + failure.text();
     const int first = firstCurves.value(keyOf(item.tag), -1);
     for (int i = 0; first >= 0 && i < item.tag.item.count; ++i) {
         Curve &curve = curves.at(size_t(first) + size_t(i));
@@ -119,7 +119,7 @@ void PlotView::failed(const Watch & /*watch*/, const WatchedItem &item, const Fa
     drawSometimes();
 }
 
-void PlotView::attend(const Watch & /*watch*/)
+void PlotView::idle(const Watch & /*watch*/)
 {
     if (screen.takeResize() || now() - drawnAt > kLongestPause)
         draw();
@@ -127,7 +127,7 @@ void PlotView::attend(const Watch & /*watch*/)
 
 void PlotView::tell(const Watch & /*watch*/, const QString &text)
 {
-    told = text;
+    lastMessage = text;
     draw();
 }
 
@@ -145,7 +145,7 @@ void PlotView::draw()
     for (const Curve &curve : curves)
         shown.push_back({curve.label, curve.value, curve.history.samples()});
     const int columns = screen.columns();
-    QStringList lines = {title.left(columns), told.left(columns)};
+    QStringList lines = {title.left(columns), lastMessage.left(columns)};
     lines << plotLines(shown, drawnAt, span, columns, screen.rows() - kTitleRows, glyphs);
     screen.show(lines);
 }

@@ -32,7 +32,7 @@ public:
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
                   WatchNews news) override;
     void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
-    void attend(const Watch &watch) override;
+    void idle(const Watch &watch) override;
     void tell(const Watch &watch, const QString &text) override;
 
 private:
@@ -54,7 +54,7 @@ private:
     PlotGlyphs glyphs;
     std::vector<Curve> curves;
     QHash<QString, int> firstCurves; // of an item, by its label, address and type
-    QString told;                    // what happened last; until the next answer
+    QString lastMessage;             // what happened last; until the next answer
     double drawnAt = -1;
 };
 

@@ -117,7 +117,7 @@ TableView::TableView(const QString &title_) : title(title_) {}
 void TableView::answered(const Watch &watch, const WatchedItem & /*item*/, const Reading & /*reading*/,
                          WatchNews /*news*/)
 {
-    told.clear();
+    lastMessage.clear();
     draw(watch);
 }
 
@@ -127,7 +127,7 @@ void TableView::failed(const Watch &watch, const WatchedItem & /*item*/, const F
     draw(watch);
 }
 
-void TableView::attend(const Watch &watch)
+void TableView::idle(const Watch &watch)
 {
     if (screen.takeResize())
         draw(watch);
@@ -135,7 +135,7 @@ void TableView::attend(const Watch &watch)
 
 void TableView::tell(const Watch &watch, const QString &text)
 {
-    told = text;
+    lastMessage = text;
     draw(watch);
 }
 
@@ -143,7 +143,7 @@ void TableView::draw(const Watch &watch)
 {
     screen.takeResize();
     const QString polls = QString("%1, poll %2").arg(title).arg(watch.polls + 1);
-    QStringList lines = {cut(polls, screen.columns()), cut(told, screen.columns())};
+    QStringList lines = {cut(polls, screen.columns()), cut(lastMessage, screen.columns())};
     lines << watchTable(watch, std::chrono::steady_clock::now(), screen.columns(),
                         screen.rows() - kTitleRows);
     screen.show(lines);

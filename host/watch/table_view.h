@@ -33,7 +33,7 @@ public:
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
                   WatchNews news) override;
     void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
-    void attend(const Watch &watch) override;
+    void idle(const Watch &watch) override;
     void tell(const Watch &watch, const QString &text) override;
 
 private:
@@ -41,7 +41,7 @@ private:
 
     TerminalScreen screen;
     QString title;
-    QString told; // what happened last; until the next answer
+    QString lastMessage; // what happened last; until the next answer
 };
 
 } // namespace host

@@ -61,7 +61,7 @@ void prepareLastResort()
 
 } // namespace
 
-bool TerminalScreen::isThere()
+bool TerminalScreen::isAvailable()
 {
     int error = 0;
     if (!isatty(kOutput) || setupterm(nullptr, kOutput, &error) != OK)

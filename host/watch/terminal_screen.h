@@ -19,7 +19,7 @@ class TerminalScreen
 {
 public:
     // Whether stdout is a terminal on which text can be placed.
-    static bool isThere();
+    static bool isAvailable();
 
     TerminalScreen();
     ~TerminalScreen();

@@ -24,7 +24,7 @@ public:
     virtual void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) = 0;
 
     // Called often while nothing happens.
-    virtual void attend(const Watch & /*watch*/) {}
+    virtual void idle(const Watch & /*watch*/) {}
 
     // Something happened to all of them.
     virtual void tell(const Watch & /*watch*/, const QString & /*text*/) {}

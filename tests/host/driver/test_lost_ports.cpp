@@ -164,7 +164,8 @@ void TestLostPorts::aThousandLossesCostNoRead()
     options.reconnect = true;
     Connection connection(options);
     QStringList told;
-    const host::Connection::Telling telling(connection, [&told](const QString &text) { told << text; });
+    const host::Connection::MessageRedirect redirect(connection,
+                                                     [&told](const QString &text) { told << text; });
 
     const Beside adapterAtWork([&adapter] {
         for (int loss = 0; loss < kLosses; ++loss)
@@ -206,7 +207,7 @@ void TestLostPorts::triesBecomeRarerUntilSomethingCame()
     Connection connection(options);
     int returns = 0;
     std::unique_ptr<Beside> adapterAtWork;
-    const host::Connection::Telling telling(connection, [&](const QString &text) {
+    const host::Connection::MessageRedirect redirect(connection, [&](const QString &text) {
         if (!text.endsWith(" is back"))
             return;
         if (++returns < 3)
