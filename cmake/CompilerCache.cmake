@@ -15,11 +15,12 @@ if(NOT S7PPI_CCACHE)
   return()
 endif()
 
-# A precompiled header is as new as the build: what counts is its contents, which ccache remembers by inode,
-# because they are large. Depend mode takes the headers of a file from the compiler's own list, which ninja
-# needs anyway, and not from one more run of the preprocessor.
+# The language of messages does not count: packages are built in another one. A precompiled header is as new as
+# the build: what counts is its contents, which ccache remembers by inode, because they are large. Depend mode
+# takes the headers of a file from the compiler's own list, which ninja needs anyway, and not from one more run
+# of the preprocessor.
 set(CMAKE_CXX_COMPILER_LAUNCHER
   env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_DEPEND=1 CCACHE_INODECACHE=1
-  CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+  CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime,locale
   ${PROJECT_SOURCE_DIR}/cmake/compile-cached ${S7PPI_CCACHE}
 )
