@@ -260,8 +260,8 @@ Differences LoadCommand::compare(const Item &range, Progress &progress, bool onl
     Differences differences;
     int offset = 0;
     for (const Item &block : readBlocks(range)) {
-        const QByteArray written = load.data.mid(offset, block.size());
-        addDifferences(differences, block, offset, compareValues(block, written, readBlock(block)));
+        const QByteArray wanted = load.data.mid(offset, block.size());
+        addDifferences(differences, block, offset, compareValues(block, wanted, readBlock(block)));
         if (onlyFirst && differences.count > 0)
             break;
         offset += block.size();
