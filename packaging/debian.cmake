@@ -36,7 +36,7 @@ or a serial port, for work without the hardware.")
 set(CPACK_DEBIAN_DEVEL_PACKAGE_NAME s7ppi-dev)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_DEPENDS "s7ppi-driver ${this_version}, qtbase5-dev")
-set(CPACK_DEBIAN_DEVEL_PACKAGE_RECOMMENDS "s7ppi ${this_version}, cmake, g++, make, pkg-config")
+set(CPACK_DEBIAN_DEVEL_PACKAGE_RECOMMENDS "s7ppi ${this_version}, cmake, g++, libqt5serialport5-dev, make, pkg-config")
 set(CPACK_DEBIAN_DEVEL_DESCRIPTION "contract and toolkit for communication drivers of operator panels
 Headers, CMake and pkg-config files for hosts that load communication drivers
 and for drivers of other controllers: the contract between the two, and a

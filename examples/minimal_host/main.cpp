@@ -1,67 +1,143 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A host of one page: loads a driver, lends it a serial port, and prints what it reads in hexadecimal.
+// A host of one page: loads a driver, lends it a serial port as the driver proposes it, and prints what it
+// reads in hexadecimal.
 //
 //   minimal_host LIBRARY DEVICE STATION ADDRESS COUNT      e.g. libs7_200_ppi.so /dev/ttyUSB0 2 VB100 4
 
 #include <abstract_device_interface.h>
+#include <device_setting.h>
 #include <driver_interface.h>
+#include <driver_setting.h>
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QPluginLoader>
+#include <QSerialPort>
 #include <QtDebug>
 
-#include <fcntl.h>
-#include <poll.h>
+#include <memory>
+
 #include <termios.h>
-#include <unistd.h>
+
+// In milliseconds. Adapters hand over what they received up to 16 ms late.
+static const int kSilence = 20;
+static const int kLongestClearing = 1000;
+
+// The codes of a record are none of QSerialPort's values: 0 is one stop bit here and nothing there, 1 is odd
+// parity here and nothing there.
+static QSerialPort::StopBits stopBits(int code)
+{
+    switch (code) {
+    case kOneStopBit:
+        return QSerialPort::OneStop;
+    case kTwoStopBits:
+        return QSerialPort::TwoStop;
+    default:
+        qFatal("the driver proposes stop-bits code %d, which this host does not know", code);
+    }
+}
+
+static QSerialPort::Parity parity(int code)
+{
+    switch (code) {
+    case kNoParity:
+        return QSerialPort::NoParity;
+    case kOddParity:
+        return QSerialPort::OddParity;
+    case kEvenParity:
+        return QSerialPort::EvenParity;
+    case kMarkParity:
+        return QSerialPort::MarkParity;
+    case kSpaceParity:
+        return QSerialPort::SpaceParity;
+    default:
+        qFatal("the driver proposes parity code %d, which this host does not know", code);
+    }
+}
+
+// It keeps neither parity nor 7 data bits, and to ask for them may succeed once and fail from then on.
+static bool isPseudoTerminal(const QString &device)
+{
+    return QFileInfo(device).canonicalFilePath().startsWith("/dev/pts/");
+}
+
+// Bytes with bad parity never arrive, so that a disturbed frame is too short and is asked for again.
+static bool dropBadParity(int descriptor)
+{
+    termios settings;
+    if (tcgetattr(descriptor, &settings) != 0)
+        return false;
+    settings.c_iflag = (settings.c_iflag & ~tcflag_t(PARMRK | ISTRIP)) | INPCK | IGNPAR;
+    return tcsetattr(descriptor, TCSANOW, &settings) == 0;
+}
 
 class SerialPort : public AbstractDeviceInterface
 {
 public:
-    SerialPort(const char *device, int station) : line(open(device, O_RDWR | O_NOCTTY)), station(station)
+    SerialPort(const QString &device, const DeviceSetting &line, const DriverSetting &timing, int station)
+        : timing(timing), station(station), isCleared(false)
     {
-        termios settings;
-        if (line < 0 || tcgetattr(line, &settings) != 0)
-            qFatal("%s cannot be used", device);
-        cfmakeraw(&settings);
-        cfsetspeed(&settings, B9600);
-        settings.c_cflag |= PARENB | CLOCAL | CREAD; // even parity, no modem lines
-        tcsetattr(line, TCSANOW, &settings);         // fails on a pseudo-terminal, which has no parity
+        const bool isPseudo = isPseudoTerminal(device);
+        port.setPortName(device);
+        port.setBaudRate(line.baudrate);
+        port.setDataBits(isPseudo ? QSerialPort::Data8 : QSerialPort::DataBits(line.databits));
+        port.setParity(isPseudo ? QSerialPort::NoParity : parity(line.parity));
+        port.setStopBits(stopBits(line.stopbits));
+        if (!port.open(QIODevice::ReadWrite) || !dropBadParity(port.handle()))
+            qFatal("%s cannot be used: %s", qPrintable(device), qPrintable(port.errorString()));
     }
-    ~SerialPort() override { close(line); }
 
-    // Each byte may take the whole time-out. Good enough here; count the time down in a real host.
     int receive(unsigned char *buffer, int maxLength) override
     {
-        int received = 0;
-        pollfd input = {line, POLLIN, 0};
-        while (received < maxLength && poll(&input, 1, 500) > 0) {
-            const ssize_t count = ::read(line, buffer + received, size_t(maxLength - received));
-            if (count <= 0)
-                break;
-            received += int(count);
+        const QDeadlineTimer deadline(timing.timeout);
+        while (port.bytesAvailable() < maxLength && port.waitForReadyRead(int(deadline.remainingTime()))) {
         }
-        return received;
+        return int(port.read(reinterpret_cast<char *>(buffer), maxLength));
     }
+
+    // On return the frame is on the line, and the reply's time begins.
     int send(const unsigned char *data, int length) override
     {
-        return int(::write(line, data, size_t(length)));
+        port.write(reinterpret_cast<const char *>(data), length);
+        while (port.bytesToWrite() > 0 && port.waitForBytesWritten(timing.timeout)) {
+        }
+        return tcdrain(port.handle()) == 0 ? length : -1;
     }
-    bool setOption(int key, const QVariant &) override { return key == 12 && tcflush(line, TCIFLUSH) == 0; }
-    int retry() override { return 3; }
+
+    // After something had to be thrown away, and when the port is new, more may be under way: it is gone when
+    // the line has been silent for a while.
+    bool setOption(int key, const QVariant &) override
+    {
+        if (key != kClearInput)
+            return false;
+        const bool isQuiet = isCleared && port.bytesAvailable() == 0 && !port.waitForReadyRead(0);
+        const QDeadlineTimer deadline(kLongestClearing);
+        bool isReceiving = port.clear(QSerialPort::Input) && !isQuiet;
+        while (isReceiving && !deadline.hasExpired())
+            isReceiving = port.waitForReadyRead(kSilence) && port.clear(QSerialPort::Input);
+        isCleared = true;
+        return true;
+    }
+
+    int retry() override { return timing.retry; }
     int stationId() override { return station; }
-    int delay() override { return 0; }
+    int delay() override { return timing.delay; }
 
 private:
     Q_DISABLE_COPY(SerialPort)
-    int line;
-    int station;
+
+    QSerialPort port;
+    const DriverSetting timing;
+    const int station;
+    bool isCleared;
 };
 
 int main(int count, char *arguments[])
 {
+    const QCoreApplication application(count, arguments);
     if (count != 6)
         qFatal("usage: minimal_host LIBRARY DEVICE STATION ADDRESS COUNT");
     QPluginLoader loader(QFileInfo(arguments[1]).absoluteFilePath());
@@ -69,10 +145,12 @@ int main(int count, char *arguments[])
     if (!driver)
         qFatal("%s", qPrintable(loader.errorString()));
 
-    SerialPort port(arguments[2], QByteArray(arguments[3]).toInt());
+    const std::unique_ptr<DeviceSetting> line(driver->getDefaultSerialDeviceSetting());
+    const std::unique_ptr<DriverSetting> timing(driver->getDefaultDriverSetting());
+    SerialPort port(QString::fromLocal8Bit(arguments[2]), *line, *timing, QByteArray(arguments[3]).toInt());
     driver->initialize(&port);
     CommunicatorCommand command;
-    command.dataType = 1; // bytes
+    command.dataType = kBytes;
     command.count = QByteArray(arguments[5]).toInt();
     command.address = QString::fromLocal8Bit(arguments[4]);
     const QByteArray data = driver->read(&port, command);

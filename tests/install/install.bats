@@ -115,12 +115,16 @@ build_example() {
     [ "$status" -eq 0 ]
 }
 
-@test "the example host reads the simulated controller" {
+@test "the example host reads the simulated controller, as often as it is asked" {
+    local i
     build_example minimal_host
     start_simulator
-    run --separate-stderr build/minimal_host "$drivers/libs7_200_ppi.so" "$port" 2 VB100 4
-    [ "$status" -eq 0 ]
-    [ "$output" = "11223344" ]
+    for ((i = 0; i < 3; i++)); do
+        run --separate-stderr build/minimal_host "$drivers/libs7_200_ppi.so" "$port" 2 VB100 4
+        [ "$status" -eq 0 ]
+        [ "$output" = "11223344" ]
+        [ "$stderr" = "" ]
+    done
     run --separate-stderr build/minimal_host "$drivers/libs7_200_ppi.so" "$port" 2 VB20000 4
     [ "$status" -eq 1 ]
     [[ "${stderr_lines[-1]}" == "VB20000: Invalid address"* ]]
@@ -141,8 +145,11 @@ build_example() {
 }
 
 @test "a host builds with pkg-config" {
+    local qt
+    qt=$(pkg-config --print-requires s7ppi-contract)
     # shellcheck disable=SC2046
-    "$CXX" -fPIC "$examples/minimal_host/main.cpp" $(pkg-config --cflags --libs s7ppi-contract) -o host
+    "$CXX" -fPIC "$examples/minimal_host/main.cpp" \
+        $(pkg-config --cflags --libs s7ppi-contract "${qt%Core}SerialPort") -o host
     start_simulator
     run ./host "$drivers/libs7_200_ppi.so" "$port" 2 VB100 4
     [ "$output" = "11223344" ]
