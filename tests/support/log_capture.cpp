@@ -38,7 +38,7 @@ QtMsgHandler g_previous = nullptr;
 
 void handle(QtMsgType type, const char *text)
 {
-    keep(type, QString::fromLocal8Bit(text));
+    keep(type, QString::fromUtf8(text));
 }
 
 void install()
