@@ -50,9 +50,8 @@ void addOutputOptions(CLI::App &app, Options &options)
     addChoice(app, "--format", options.format, {"text", "json", "ndjson", "csv", "tsv", "raw"},
               "text, json, ndjson, csv, tsv or raw: the bytes as they lie in the controller")
         ->group(group);
-    app.add_option("-o,--output", options.output,
-                   "Write the data to a file, whole or not at all; - is stdout")
-        ->type_name("FILE")
+    addText(app, "-o,--output", options.output, "FILE",
+            "Write the data to a file, whole or not at all; - is stdout")
         ->group(group);
     addText(app, "--trace", options.trace, "FILE", "Write every frame to a file: time, direction, bytes")
         ->group(group);

@@ -74,21 +74,21 @@ void TestItemRun::withoutFailureAllRunAndTheOutputIsWhole()
 {
     QCOMPARE(run({}), 0);
     QCOMPARE(ran, QList<int>({0, 1, 2, 3}));
-    QCOMPARE(written(), QString("address,error\r\n"));
+    QCOMPARE(written(), QString("address,error\n"));
 }
 
 void TestItemRun::anItemThatFailsHasItsErrorAmongTheDataAndTheNextOneRuns()
 {
     QCOMPARE(run({{1, ExitCode::NoAnswer}, {3, ExitCode::Refused}}), 4);
     QCOMPARE(ran, QList<int>({0, 1, 2, 3}));
-    QCOMPARE(written(), QString("address,error\r\nVB1,failure 4\r\nVB3,failure 1\r\n"));
+    QCOMPARE(written(), QString("address,error\nVB1,failure 4\nVB3,failure 1\n"));
 }
 
 void TestItemRun::aLostPortEndsTheRunAndTheOutputIsWhole()
 {
     QCOMPARE(run({{1, ExitCode::PortLost}, {3, ExitCode::Refused}}), 6);
     QCOMPARE(ran, QList<int>({0, 1}));
-    QCOMPARE(written(), QString("address,error\r\nVB1,failure 6\r\n"));
+    QCOMPARE(written(), QString("address,error\nVB1,failure 6\n"));
 }
 
 void TestItemRun::aLostOutputEndsTheRunAndLeavesNone()
