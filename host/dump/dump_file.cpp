@@ -35,7 +35,7 @@ QList<QByteArray> wordsOf(const QByteArray &line)
     return simplified.isEmpty() || simplified.startsWith('#') ? QList<QByteArray>() : simplified.split(' ');
 }
 
-// Reads line by line: the kind of file, the area, the station, and from then on data.
+// Reads a dump line by line: the kind of file, the area, the station, and from then on data.
 class DumpParser
 {
 public:
@@ -43,7 +43,7 @@ public:
 
     void take(const QByteArray &line);
 
-    // What was read; fails when that is not even all that stands before the data.
+    // Returns what was read; fails when that is not even all that stands before the data.
     Dump dump() const;
 
     Failure wrong(const QString &text, const QString &hint) const;

@@ -21,7 +21,7 @@
 
 namespace host {
 
-// Bytes in one line.
+// How many bytes stand in one line.
 constexpr int kDumpLineSize = 16;
 
 struct Dump
@@ -31,20 +31,20 @@ struct Dump
     QByteArray data; // from the range's first byte on, as in the controller
 };
 
-// What stands before the lines.
+// The beginning of a dump, which stands before the lines of data.
 QByteArray dumpHead(const Item &range, int station);
 
-// Lines for data that lie so many bytes behind the first one; whole elements.
+// The lines for data, whole elements, that lie so many bytes behind the first one of the range.
 QByteArray dumpLines(const Item &range, int offset, const QByteArray &data);
 
-// The whole file.
+// The text of the whole file.
 QByteArray dumpText(const Dump &dump);
 
-// What a file says. Fails, naming file and line, when it is no whole dump.
+// Reads a dump that must be whole. Fails, naming file and line, when it is no whole dump.
 Dump parseDump(const QByteArray &text, const QString &name);
 
-// The same for a part, which may end anywhere, but for what stands before the lines. A last line without an
-// end counts as not written. wholeSize: bytes of the text up to there.
+// Reads a part of a dump, which may end anywhere behind its head. A last line without an end counts as not
+// written; wholeSize becomes the number of the text's bytes before it.
 Dump parsePartialDump(const QByteArray &text, const QString &name, int &wholeSize);
 
 } // namespace host

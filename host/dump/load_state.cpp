@@ -31,7 +31,7 @@ int LoadState::written() const
     return bytes > 0 && bytes <= size ? bytes : 0;
 }
 
-// commit() alone would not notice that there was no room.
+// The file is flushed first: commit() alone would not notice that there was no room.
 bool LoadState::save(int written) const
 {
     QSaveFile state(file);

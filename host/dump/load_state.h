@@ -25,10 +25,10 @@ public:
     // How many of the bytes an earlier run has written; 0 when it was another load, or there was none.
     int written() const;
 
-    // False when it cannot be kept.
+    // Keeps how many bytes are written. False when that does not work.
     bool save(int written) const;
 
-    // The load has come to its end.
+    // Removes the file when the load has come to its end.
     void forget() const;
 
 private:

@@ -28,7 +28,7 @@ QString dumpName(const Item &range, int station, const QString &port)
     return port.isEmpty() ? name : name + " on " + port;
 }
 
-// Empty when the text names none.
+// The port that the comment line names; empty when there is no such line.
 QString portOf(const QByteArray &text)
 {
     for (const QByteArray &line : text.split('\n'))
@@ -56,8 +56,8 @@ PartialDump::PartialDump(const QString &name, const DumpSource &source, bool res
     writeAnew();
 }
 
-// The lock goes with the process, however that ends. A file system without locks does without. A file that
-// another process has removed meanwhile was its own up to now.
+// The system gives the lock back when the process ends, however that happens. On a file system without locks
+// there is none. A file that was removed between opening and locking belonged to another process up to then.
 void PartialDump::lock()
 {
     const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
@@ -66,7 +66,7 @@ void PartialDump::lock()
                       "wait for its end, or name another file with -o");
 }
 
-// A line that was not finished is written again.
+// Takes over what the file holds, but for a last line that was not finished: its bytes are read again.
 void PartialDump::resume()
 {
     const QByteArray text = file.readAll();
@@ -92,7 +92,8 @@ void PartialDump::checkSame(const Dump &found, const QString &foundPort) const
                       kRestartHint);
 }
 
-// What it goes on with stays the same bytes in the same place of the file, unless the range is another.
+// Writes the file from its beginning on. Unless the range is another these are the same bytes in the same
+// place, so that nothing is lost when a power cut comes in between.
 void PartialDump::writeAnew()
 {
     saved = int(read.data.size());

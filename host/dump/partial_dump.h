@@ -17,7 +17,7 @@
 
 namespace host {
 
-// Where a dump comes from.
+// Where the memory of a dump comes from.
 struct DumpSource
 {
     Item range;
@@ -28,27 +28,27 @@ struct DumpSource
 class PartialDump
 {
 public:
-    // Goes on with the file when it is there, as far as it fits the range, and else, or to restart, begins it
-    // anew. Fails when the file is of another dump, of another port or station or with another first address,
-    // is none, cannot be written, or is being written by another process.
+    // The dump goes on with the file when it is there, as far as it fits the range, and else, or to restart,
+    // begins it anew. Fails when the file is of another dump, of another port or station or with another
+    // first address, is none, cannot be written, or is being written by another process.
     PartialDump(const QString &name, const DumpSource &source, bool restart);
 
-    // Whole elements, behind those that are there. In the file are whole lines: after a stop up to one line
-    // less one byte is read once more.
+    // Adds whole elements behind those that are there. The file gets whole lines only: after a stop up to one
+    // line less one byte is read once more.
     void append(const QByteArray &data);
 
     void remove();
 
-    // The same when nothing of the memory is in it; that it cannot be done is no failure then.
+    // Removes the file when nothing of the memory is in it; that it cannot be removed is no failure then.
     void removeIfEmpty();
 
-    // Bytes of memory that are in the file.
+    // How many bytes of memory are in the file.
     int savedSize() const { return saved; }
 
-    // When an earlier run wrote what is gone on with; invalid when there is none.
+    // When the earlier run wrote with which this one goes on; invalid when there was none.
     QDateTime earlierTime() const { return earlier; }
 
-    // All that was read.
+    // All that has been read, in this run and before.
     const Dump &dump() const { return read; }
 
     QString name() const { return file.fileName(); }

@@ -32,14 +32,14 @@ public:
     FrameFacts facts;
     ExplainedFrame explained;
 
-    // No field reaches over it.
+    // Fields reach up to this offset and not beyond it: a length has said so.
     void setLimit(int offset) { limit = std::max(place, std::min(offset, int(frame.size()))); }
     int left() const { return limit - place; }
 
-    // A field did not find its bytes, in what the limit leaves or in what there is of the frame.
+    // Whether a field did not find its bytes, in what the limit leaves or in what there is of the frame.
     bool isShort() const { return missed; }
 
-    // Before the names of the fields that follow.
+    // The text stands before the names of the fields that follow: "item 1 ".
     void setSubject(const QString &text) { subject = text; }
 
     void take(const FrameFields &fields);
@@ -148,7 +148,8 @@ void Walk::takeData(int length, const WireItem *item)
     }
 }
 
-// What stands before the offset has no place in the layout.
+// Goes to the offset where the next known field lies. Bytes on the way there belong to no field, which is a
+// fault.
 void Walk::skipTo(int offset)
 {
     setLimit(offset);
@@ -226,7 +227,8 @@ void takeAnswer(Walk &walk, const Asked &asked)
         takeReturnCodes(walk, items);
 }
 
-// Behind the header of an answer that refuses the whole request stands nothing.
+// An answer that refuses the whole request may end behind its header. A message of a type that is not known
+// has nothing in it that could be named.
 void takePdu(Walk &walk, Asked &asked)
 {
     walk.take(headerFields());

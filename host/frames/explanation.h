@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Frames of the line, byte by byte.
+// Explains frames of the line byte by byte, damaged and cut ones included.
 //
 //    4  02    destination       station 2
 //    5  00    source            station 0
@@ -38,13 +38,14 @@ struct ExplainedFrame
     QString missing;                  // the one of them that no byte has, when bytes are missing
 };
 
-// Bytes as the frames in them, one behind the other. Bytes that begin no frame stay together.
+// Splits bytes into the frames that stand in them one behind the other. Bytes that begin no frame stay
+// together.
 QList<QByteArray> splitFrames(const QByteArray &bytes);
 
 class FrameExplainer
 {
 public:
-    // Any bytes. Frames are given in the order in which they passed: the data of an answer get their
+    // Takes any bytes. Frames must come in the order in which they passed: the data of an answer get their
     // addresses from the request with the same reference.
     ExplainedFrame explain(const QByteArray &frame);
 

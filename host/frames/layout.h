@@ -25,7 +25,8 @@
 
 namespace host {
 
-// What the fields of a frame said so far; 0 for what none has said.
+// What the fields of a frame said so far, for the fields behind them and for whoever reads the frame. A fact
+// that no field has told is 0.
 struct FrameFacts
 {
     const QByteArray &frame;
@@ -65,12 +66,13 @@ struct FieldMeaning
 
 using MeaningOfValue = FieldMeaning (*)(const FrameFacts &facts, int value);
 
+// One row of a table: a field of a frame.
 struct FrameField
 {
     const char *name;
     int size; // bytes, most significant first
 
-    // Where the value is kept for the fields behind; null where they do not need it.
+    // Where the value is kept; both null when nobody asks for it later.
     int FrameFacts::*fact;
     int WireItem::*itemFact;
 
@@ -98,12 +100,13 @@ const FrameFields &returnCodeFields();
 // there.
 int readField(const FrameField &field, FrameFacts &facts);
 
+// What the value of a field means, after the facts of the fields before it.
 FieldMeaning meaningOf(const FrameField &field, const FrameFacts &facts, int value);
 
-// "VW102" for the second word from VW100 on.
+// The address of one element of an item, as a user would write it: "VW102" for the second word from VW100 on.
 QString elementAddress(const WireItem &item, int index);
 
-// How the data of an item repeat.
+// What each element of an item takes in the data of a frame, in bytes.
 struct DataRecord
 {
     int size;

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Who wants to see the frames that pass a port.
+// The interface of those who want to see the frames that pass a port.
 
 #ifndef HOST_FRAMES_LISTENER_H
 #define HOST_FRAMES_LISTENER_H
@@ -18,10 +18,10 @@ public:
 
     virtual void sent(const QByteArray &frame) = 0;
 
-    // A whole frame, or what there is of one when nothing more came.
+    // Told of a whole frame, or of what there is of one when nothing more came.
     virtual void received(const QByteArray &frame) = 0;
 
-    // A receive brought nothing in its time, or there was nothing more to wait for.
+    // Told when a receive brought nothing in its time; isOver: when there was nothing more to wait for.
     virtual void heardNothing(bool isOver) = 0;
 };
 

@@ -57,7 +57,7 @@ void TraceFile::comment(const QString &text)
     put("# " + timeText(QDateTime::currentDateTimeUtc()) + ' ' + text.toUtf8());
 }
 
-// One write per line: a line is in the file whole or not at all.
+// Each line is one write, so that it is in the file whole or not at all.
 void TraceFile::put(const QByteArray &line)
 {
     if (!lost && file.write(line + '\n') != line.size() + 1)

@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A file with every frame, for a look at it later: how it is written, and read back. A line is in the file as
-// soon as its frame has passed, so that nothing is missing when the program is killed.
+// The trace, a file with every frame, for a look at it later: how it is written, and read back. A line is in
+// the file as soon as its frame has passed, so that nothing is missing when the program is killed.
 //
 //   trace   := { frame | "#" COMMENT }
 //   frame   := TIME " " ( ">" | "<" ) " " BYTES        > sent to the controller, < received
@@ -36,7 +36,7 @@ public:
 
     void comment(const QString &text);
 
-    // What keeps the file from being whole.
+    // Why the file is not whole; nothing as long as it is.
     const std::optional<Failure> &failure() const { return lost; }
 
 private:
@@ -46,7 +46,7 @@ private:
     std::optional<Failure> lost;
 };
 
-// Without the line's end.
+// The line that stands in the file for a frame, without the character that ends it.
 QByteArray traceLine(const QDateTime &time, char direction, const QByteArray &frame);
 
 struct TraceRecord
@@ -56,7 +56,8 @@ struct TraceRecord
     QByteArray bytes;
 };
 
-// Nothing for a comment or an empty line. Fails on what is neither that nor a record.
+// Returns what a line holds, and nothing for a comment or an empty line. Fails on what is neither that nor a
+// record.
 std::optional<TraceRecord> parseTraceLine(const QByteArray &line);
 
 } // namespace host

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Frames as lines for people: direction, meaning, bytes.
+// Prints frames as lines for people: direction, meaning, bytes.
 //
 //   -> poll of station 2: 10 02 00 5c 5e 16
 //   <- acknowledgement: e5

@@ -80,11 +80,11 @@ struct WireItem
     int address;
 };
 
-// The check byte of these bytes of a frame, the last one not included: their sum, modulo 256. They must be
-// there.
+// The check sum of a frame's bytes from the first to the one before the last: their sum, modulo 256. They
+// must be there.
 uchar checkByte(const QByteArray &frame, int first, int last);
 
-// "6C"
+// A byte as people read it: "6C".
 QString hexByte(uchar byte);
 
 // The bytes that an item's data take on the line. Data of the kinds 03, 04 and 05 have their length in bits,
@@ -99,15 +99,15 @@ QString functionName(uchar function);
 QString errorClassName(uchar errorClass);
 QString dataKindName(uchar kind);
 
-// "byte", "timer", ...; empty for a transport size that means nothing.
+// The name of the elements of a transport size, "byte" or "timer"; empty for one that means nothing.
 QString elementName(uchar transportSize);
 
-// "V", "AI", "T", ...; empty for a code that means nothing.
+// The letters of an area, "V", "AI" or "T"; empty for a code that means nothing.
 QString areaLetters(uchar code);
 
 bool isObjectArea(uchar code);
 
-// "no such address", ...; "unknown reason" for a code that means nothing.
+// What a return code says, as "no such address"; "unknown reason" for a code that means nothing.
 QString returnCodeName(uchar code);
 
 } // namespace host

@@ -12,7 +12,7 @@ namespace {
 
 const char kDamaged[] = "damaged frame";
 
-// Goes along a frame, field by field, and keeps what they say.
+// Goes along a frame, field by field, and keeps what the fields say.
 class FieldReader
 {
 public:
@@ -57,7 +57,8 @@ bool FieldReader::hasSoundTail() const
            tail.facts.end == kEndOfFrame;
 }
 
-// Up to the parameters. False when the head's lengths and starts are not the same, or the header is cut.
+// Reads a long frame up to its parameters. False when the head's lengths and starts are not the same, or the
+// header is cut.
 bool readHeader(FieldReader &reader)
 {
     const FrameFacts &facts = reader.facts;
@@ -124,7 +125,7 @@ QString returnCodeWords(const FrameFacts &facts)
     return returnCodeName(code) + " (" + hexByte(code) + ')';
 }
 
-// Of the first item: the driver asks for one.
+// The words speak of the first item alone: the driver never asks for more.
 QString readAnswerWords(FieldReader &reader)
 {
     const FrameFacts &facts = reader.facts;

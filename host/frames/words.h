@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Frames of the line in plain words, for the trace.
+// Tells frames of the line in plain words, for the trace.
 
 #ifndef HOST_FRAMES_WORDS_H
 #define HOST_FRAMES_WORDS_H
@@ -13,22 +13,22 @@
 
 namespace host {
 
-// Bytes that a frame beginning so has in all, 0 while that cannot be told yet. A byte that begins no
-// frame stands alone.
+// How many bytes a frame has in all that begins like this; 0 while that cannot be told yet. A byte that
+// begins no frame counts as one of a single byte.
 //
 //   E5                             1
 //   10 ...                         6
 //   68 LE LE 68 ...                LE + 6
 int frameSize(const QByteArray &start);
 
-// "poll of station 2", "request 1 to station 2: read 4 bytes at V byte 100", ...; for anything that
-// is no whole, sound frame what it is instead.
+// What a frame says: "poll of station 2", "request 1 to station 2: read 4 bytes at V byte 100". For anything
+// that is no whole, sound frame the words tell what is wrong with it.
 QString frameWords(const QByteArray &frame);
 
-// The words and the bytes: "poll of station 2: 10 02 00 5c 5e 16".
+// The words of a frame with its bytes: "poll of station 2: 10 02 00 5c 5e 16".
 QString frameLine(const QByteArray &frame);
 
-// Whether it is of the kind that carries requests and answers.
+// Whether the frame is a long one, which carries requests and answers.
 bool isLongFrame(const QByteArray &frame);
 
 } // namespace host

@@ -16,7 +16,7 @@ namespace host {
 
 namespace {
 
-// "areas are I Q ... (bits, ...), AIW, ..., C and HC"
+// The sentence that names all areas: "areas are I Q ... (bits, ...), AIW, ..., C and HC".
 QString areasHint()
 {
     QStringList withBits, others;
@@ -27,7 +27,7 @@ QString areasHint()
            others.join(", ") + " and " + last;
 }
 
-// An address text taken apart, before it is known whether it means anything.
+// An address text split at its letters, before it is known whether these mean anything.
 struct Parts
 {
     QString prefix;
@@ -48,7 +48,7 @@ QString commonName(const QString &prefix)
     return names.value(prefix, prefix);
 }
 
-bool takeApart(const QString &text, Parts &parts)
+bool split(const QString &text, Parts &parts)
 {
     static const QRegularExpression form("^\\s*([A-Za-z]+)\\s*([0-9]{1,18})(?:\\.([0-9]+))?\\s*$");
     const QRegularExpressionMatch match = form.match(text);
@@ -110,7 +110,7 @@ Address parseAddress(const QString &text)
 {
     const QString complaint = "not an address of the controller";
     Parts parts;
-    if (!takeApart(text, parts))
+    if (!split(text, parts))
         throw Failure(ExitCode::Usage, complaint, "an address is letters and a number; " + areasHint());
     const QList<Address> addresses = nearest(parts);
     if (addresses.isEmpty())
@@ -124,7 +124,7 @@ Address parseAddress(const QString &text)
 QStringList nearestAddresses(const QString &text)
 {
     Parts parts;
-    return takeApart(text, parts) ? textsOf(nearest(parts)) : QStringList();
+    return split(text, parts) ? textsOf(nearest(parts)) : QStringList();
 }
 
 Address firstAddress(const Address &like)

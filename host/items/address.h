@@ -18,7 +18,8 @@
 
 namespace host {
 
-// The address field of a request holds 24 bits: a bit address, or an object's number.
+// The address field of a request has 24 bits. It holds the number of a bit, eight to each byte, or an
+// object's number, for which 16 bits are plenty.
 constexpr int kMaxByteNumber = (1 << 24) / 8 - 1;
 constexpr int kMaxObjectNumber = 0xffff;
 
@@ -34,13 +35,14 @@ struct Address
     bool isObject() const { return host::isObject(kind); }
 };
 
-// The address that a text names, or a failure whose hint names the nearest valid texts.
+// Returns the address that a text names. Fails with a hint that names the nearest valid texts.
 Address parseAddress(const QString &text);
 
-// The valid texts nearest to one; that text alone when it is valid, nothing when it is like no address.
+// Returns the valid texts nearest to one: that text alone when it is valid, nothing when it is like no
+// address.
 QStringList nearestAddresses(const QString &text);
 
-// What can be named with the address's letters, from the first to the last.
+// These two are the first and the last address that the letters of an address can name.
 Address firstAddress(const Address &like);
 Address lastAddress(const Address &like);
 

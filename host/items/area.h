@@ -37,7 +37,7 @@ struct Area
     QString byteLetters() const { return letters + 'B'; }
 };
 
-// In the order in which people are told of them.
+// All areas, in the order in which a hint lists them.
 const QList<Area> &areas();
 
 // What the letters before the number of an address name.
@@ -48,10 +48,10 @@ struct AreaElement
     int width; // bytes
 };
 
-// Nothing for letters that begin no address.
+// Returns what the letters name, and nothing for letters that begin no address.
 std::optional<AreaElement> elementNamed(const QString &letters);
 
-// The area of an address, by its letters, which must be those of one.
+// Returns the area that the letters of an address belong to. The letters must be those of a valid address.
 const Area &areaOf(const QString &letters);
 
 } // namespace host

@@ -14,7 +14,8 @@ namespace host {
 
 namespace {
 
-// Where fractions can be written a decimal comma would be taken for the comma between two values.
+// A decimal comma would be taken for the comma between two values. Where fractions can be written, "1,5" is
+// therefore refused, and the user asked which of the two is meant.
 void checkComma(const QString &target, const QString &values)
 {
     static const QRegularExpression ambiguous("^\\s*([+-]?[0-9]+)\\s*,\\s*([0-9]+)\\s*$");
@@ -59,7 +60,7 @@ bool isTarget(const QString &text)
     }
 }
 
-// Two arguments for one item: "VW100" and "5".
+// Whether two arguments, "VW100" and "5", are meant to be one, "VW100=5".
 bool isTornApart(const QString &target, const QString &value)
 {
     const bool hasAssignment = target.contains('=') || value.contains('=');

@@ -29,13 +29,14 @@ struct Assignment
     QByteArray data; // the values' bytes in the controller's order, bits one per byte
 };
 
-// The assignment that a text means. Fails with a hint that names what could have been meant.
+// Returns the assignment that a text means. Fails with a hint that names what could have been meant.
 Assignment parseAssignment(const QString &text);
 
 // Those of all texts; every wrong one is reported.
 std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome);
 
-// The same for a tag and its values. Fails when there are more of them than the tag has.
+// Returns the assignment of values, separated by commas, to a tag. Fails when there are more of them than the
+// tag has.
 Assignment assign(Tag tag, const QString &values);
 
 } // namespace host

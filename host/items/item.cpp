@@ -34,7 +34,7 @@ QString allTypeNames()
     return names.join(' ');
 }
 
-// The same types as other tools call them.
+// The types under the names that other tools have for them, for the hint behind a wrong one.
 QString commonTypeName(const QString &name)
 {
     static const QHash<QString, QString> names = {

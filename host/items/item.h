@@ -36,7 +36,7 @@ struct Item
     int size() const { return count * valueSize(); }
 };
 
-// The item that a text names. Fails with a hint that names what could have been meant.
+// Returns the item that a text names. Fails with a hint that names what could have been meant.
 Item parseItem(const QString &text);
 
 // Whether values of the type can lie at the address.

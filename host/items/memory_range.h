@@ -17,19 +17,20 @@
 
 namespace host {
 
-// The range that a text means. Fails with a hint that names what could have been meant.
+// Returns the range that a text means. Fails with a hint that names what could have been meant.
 Item parseRange(const QString &text);
 
-// So many elements from an address on. Fails when there are not that many, and for a bit.
+// Returns the range of so many elements from an address on. Fails when there are not that many, and for a
+// bit, because ranges are of whole bytes.
 Item rangeFrom(const Address &first, int count);
 
-// "VB0..VB4095"
+// The range as the user writes it: "VB0..VB4095".
 QString rangeText(const Item &range);
 
 // The address of one element, counted from 0; also of the one behind the last.
 QString elementText(const Item &range, int index);
 
-// Some of the elements.
+// The range of some of the elements, counted from 0.
 Item partOf(const Item &range, int index, int count);
 
 } // namespace host

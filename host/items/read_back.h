@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What was written against what is read back.
+// The comparison of what was written with what is read back.
 
 #ifndef HOST_ITEMS_READ_BACK_H
 #define HOST_ITEMS_READ_BACK_H
@@ -14,7 +14,7 @@
 
 namespace host {
 
-// Values that are not what was written.
+// Which values are not what was written.
 struct ValueDifferences
 {
     int count = 0;
@@ -22,10 +22,11 @@ struct ValueDifferences
     QString first; // "00 and not 1f"
 };
 
-// Both hold item.size() bytes. Bytes are compared, so that every kind of number is held to its last bit.
+// Compares the values of an item; both arrays hold item.size() bytes. Bytes are compared, so that every kind
+// of number is held to its last bit.
 ValueDifferences compareValues(const Item &item, const QByteArray &written, const QByteArray &read);
 
-// What a command ends with that has found a difference.
+// The failure with which a command ends that has found a difference.
 Failure notAsWritten(const QString &difference);
 
 // Fails with the first difference when data is not what was assigned.

@@ -37,7 +37,7 @@ struct Scaler
     const Tag &tag;
 };
 
-// Empty for tags without a scale as well.
+// The text of a scaled value; empty for tags without a scale, and for values that have none.
 QString scaledText(const Tag &tag, const Value &value)
 {
     return tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();

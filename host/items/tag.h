@@ -20,10 +20,10 @@ namespace host {
 
 struct Tag
 {
-    // An item that nobody named.
+    // An item that nobody named is a tag without a name and a scale.
     Tag(const Item &item_) : item(item_) {} // NOLINT(google-explicit-constructor): every item is a tag
 
-    // What it is called on the screen: its name, or else its address.
+    // What the tag is called on the screen: its name, or else its address.
     QString label() const { return name.isEmpty() ? item.address.text() : name; }
 
     bool isScaled() const { return scale != 1 || offset != 0; }
@@ -35,35 +35,35 @@ struct Tag
     QString unit;
 };
 
-// The values, blanks between, and the unit.
+// The values as people see them, blanks between, with the unit behind them.
 QString shownText(const Tag &tag, const std::vector<Value> &values);
 
 // The number that is shown, a bit as 0 or 1. Nothing for infinity, for what is no number, and for texts and
 // hexadecimal digits.
 std::optional<double> shownNumber(const Tag &tag, const Value &value);
 
-// Numbers as people see them, separated by commas, as they are in the controller: whole ones unless they are
-// floats. Fails on a text that is no number.
+// Turns numbers as people see them, separated by commas, into those that the controller holds: whole ones
+// unless they are floats. Fails on a text that is no number.
 QString unscaledText(const Tag &tag, const QString &values);
 
-// {"name", "address", "type", "unit"}, name and unit only when there are any.
+// A record of what a tag is: {"name", "address", "type", "unit"}, name and unit only when there are any.
 Json tagFields(const Tag &tag);
 
-// The same and "values": numbers, true or false; a text's bytes are one character each, the bytes of hex
-// are digits.
+// The fields of the tag and "values": numbers, true or false; a text has one character for each of its bytes,
+// hex two digits.
 Json tagRecord(const Tag &tag, const std::vector<Value> &values);
 
-// The same and "error", for values that there are not.
+// The fields of the tag and "error", when its values could not be read.
 Json tagErrorRecord(const Tag &tag, const QString &error);
 
-// Values as text: one line per tag, its label and its values, blanks between.
+// Makes lines of text, one per tag: its label and its values, blanks between.
 class TextLines
 {
 public:
     // The tags that are going to come, so that their values can stand in one column.
     explicit TextLines(const std::vector<Tag> &tags);
 
-    // The line without its end.
+    // One line, without the character that ends it.
     QString line(const Tag &tag, const std::vector<Value> &values) const;
 
 private:

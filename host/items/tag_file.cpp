@@ -36,7 +36,7 @@ QStringList cellsOf(const QString &line, QChar separator)
     return *cells;
 }
 
-// Other columns are a spreadsheet's own.
+// Columns with other names are left alone: a spreadsheet may have notes of its own in them.
 QStringList parseHead(const QString &line)
 {
     QStringList columns;
@@ -59,7 +59,7 @@ QStringList unknownIn(QStringList columns)
     return columns;
 }
 
-// "VW10*4" and "i16" are the item VW10:i16*4.
+// Puts the type of its own column into the address: "VW10*4" and "i16" become the item VW10:i16*4.
 Item itemOf(QString address, const QString &type)
 {
     if (!type.isEmpty() && !address.contains(':')) {
@@ -95,7 +95,7 @@ void checkScale(const Tag &tag)
         throw wrong("with a scale of 0 every value is the same", "leave the scale empty, or name another");
 }
 
-// A line's cells by their column.
+// Gives the cells of a line by the names of their columns.
 class Row
 {
 public:
@@ -180,7 +180,7 @@ Failure unknownTag(const QString &name, const std::vector<Tag> &tags)
 
 } // namespace
 
-// What follows a wrong head means nothing.
+// A head that is wrong ends the reading: without it no cell below has a meaning.
 std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome)
 {
     TagFileParser parser;

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Items by name, from a file or from the command line.
+// Tag files, which give items names, scales and units.
 //
 //   name,address,type,scale,offset,unit   the columns, in any order; only name and address must be there,
 //                                         others are left out
@@ -26,16 +26,16 @@
 
 namespace host {
 
-// The tags of a file's text. Everything wrong in it is reported by its place, "tags.csv:3".
+// Returns the tags of a file's text. Everything wrong in it is reported by its place, "tags.csv:3".
 std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome);
 
 // Whether a text names a tag file, "@tags.csv", or a tag in one, "@tags.csv:Boiler".
 bool isTagReference(const QString &text);
 
-// What is told of a whole file when its lines have been reported.
+// The failure of a whole file, for the end, when each of its wrong lines has been reported.
 Failure brokenTagFile();
 
-// The tag that a reference names. Fails when there is none, or anything wrong in its file.
+// Returns the tag that a reference names. Fails when there is none, or anything wrong in its file.
 Tag findTag(const QString &reference);
 
 // Items as the command line names them; a tag file stands for all the tags in it.

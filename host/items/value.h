@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The values in what a read brought, and how they look.
+// The values in the bytes that a read brought, and their texts.
 
 #ifndef HOST_ITEMS_VALUE_H
 #define HOST_ITEMS_VALUE_H
@@ -22,7 +22,7 @@ struct Characters
     QByteArray bytes;
 };
 
-// Two hexadecimal digits per byte.
+// Bytes that are shown as they are, with two hexadecimal digits each.
 struct HexDigits
 {
     QString digits;
@@ -34,11 +34,11 @@ using Value = std::variant<bool, qint64, float, Characters, HexDigits>;
 // bits one per byte. Fails when bytes read as BCD are not.
 std::vector<Value> decodeValues(const Item &item, const QByteArray &data);
 
-// Bits are 0 or 1, a float is as short as still tells it apart, a text stands between quotes with
-// \" \\ and \xNN for what cannot be printed.
+// The value as text: bits are 0 or 1, a float has as few digits as tell it apart, a text stands between
+// quotes with \" \\ and \xNN for what cannot be printed.
 QString valueText(const Value &value);
 
-// All of them, blanks between.
+// The texts of all values, blanks between.
 QString valuesText(const std::vector<Value> &values);
 
 } // namespace host

@@ -88,7 +88,7 @@ bool isInRange(const Item &item, qint64 number)
     return number >= range.least && number <= range.most;
 }
 
-// What a text that is no whole number was meant to be.
+// Advises on a text that is no whole number, by what it was probably meant to be.
 QString numberHint(const Item &item, const QString &text)
 {
     static const QRegularExpression based("^(16|2)#([0-9a-fA-F]+)$");
@@ -108,7 +108,8 @@ QString numberHint(const Item &item, const QString &text)
     return "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
 }
 
-// The number, or for one beyond 63 bits the largest there is, which is too large for every type as well.
+// Returns the number, or for one beyond 63 bits the largest there is: it is too large for every type as well,
+// so that the check of the type's range refuses it.
 qint64 parseInteger(const Item &item, const QString &text)
 {
     static const QRegularExpression form("^([+-]?)(0[xX][0-9a-fA-F]+|0[bB][01]+|[0-9]+)$");
@@ -124,7 +125,8 @@ qint64 parseInteger(const Item &item, const QString &text)
     return match.captured(1) == "-" ? -number : number;
 }
 
-// For a negative number where there are none, the narrowest type that holds it.
+// Advises on a number that does not fit: the nearest one, or, when it is negative and the type has no sign,
+// the narrowest type that holds it.
 QString rangeHint(Item item, const QString &text, qint64 number, qint64 nearest)
 {
     QString hint = QString("the nearest value is %1").arg(nearest);
@@ -176,7 +178,7 @@ Failure beyondFloat(const QString &text)
                "the nearest value is " + sign + largest);
 }
 
-// From decimal to binary in one step: by way of a double some numbers would be rounded twice.
+// The text becomes a float in one step: by way of a double some numbers would be rounded twice.
 QByteArray encodeFloat(const QString &text)
 {
     static const QRegularExpression form(

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Values as people write them, as the controller's bytes.
+// Turns values as people write them into the controller's bytes.
 //
 //   bool            0 1 off on false true
 //   u8 ... i32 bcd  10  -10  0x0a  0b1010; bcd as many decimal digits as fit
@@ -19,8 +19,8 @@
 
 namespace host {
 
-// The bytes of all values of a text, one or more, in the controller's order: most significant byte first,
-// bits one per byte. The item's count plays no part. Fails with what could have been meant.
+// Returns the bytes of all values of a text, one or more, in the controller's order: most significant byte
+// first, bits one per byte. The item's count plays no part. Fails with what could have been meant.
 QByteArray encodeValues(const Item &item, const QString &text);
 
 } // namespace host

@@ -20,7 +20,7 @@ std::string formatName(const Schema &schema)
     return QString("s7ppi.%1/%2").arg(schema.command).arg(schema.version).toStdString();
 }
 
-// Texts come from QString and are sound, but the driver's may be cut anywhere.
+// Texts that come from QString are sound, but the driver's own may be cut in the middle of a character.
 QByteArray dumped(const Json &value, int indent = -1)
 {
     return QByteArray::fromStdString(value.dump(indent, ' ', false, Json::error_handler_t::replace));
@@ -63,7 +63,8 @@ void TextForm::finish()
         writeText(line);
 }
 
-// One record per line, so that a program that reads along and one that seeks an item find whole lines.
+// The document has one record per line, so that a program that reads along and one that seeks an item find
+// whole lines.
 class JsonForm : public OutputForm
 {
 public:
@@ -142,7 +143,7 @@ private:
     Schema schema;
 };
 
-// Comma or tabulator separated.
+// A table whose cells are separated by commas or by tabulators.
 class SeparatedForm : public OutputForm
 {
 public:
@@ -177,7 +178,7 @@ void SeparatedForm::putHead()
         put(line(columns));
 }
 
-// A document without a list of records, as field and value.
+// A document without a list of records, as a table of two columns, field and value.
 class SeparatedFieldsForm : public SeparatedForm
 {
 public:

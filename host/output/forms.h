@@ -18,7 +18,7 @@
 
 namespace host {
 
-// By default a form shows nothing of what it is given.
+// The base of all forms. Each shows what its kind of file has a place for; by default that is nothing.
 class OutputForm
 {
 public:

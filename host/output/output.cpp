@@ -24,7 +24,7 @@ Format formatNamed(const QString &name)
     return Format(kFormatNames.indexOf(name));
 }
 
-// Of an output file's name, if that says anything.
+// The format that the name of the output file ends with, if it ends with one.
 std::optional<Format> formatBySuffix(const OutputOptions &options)
 {
     const QString suffix = QFileInfo(options.output.value_or(QString())).suffix();
@@ -35,7 +35,7 @@ std::optional<Format> formatBySuffix(const OutputOptions &options)
     return formatNamed(suffix);
 }
 
-// What is nobody's wish for this command.
+// The format when neither the command line nor the file's name asks for one.
 Format unaskedFormat(const OutputOptions &options, const Schema &schema)
 {
     const Format format = formatNamed(options.usualFormat.value_or("text"));
@@ -76,7 +76,7 @@ Output::~Output()
         finish();
     } catch (const Failure &failure) {
         reportFailure(failure);
-    } catch (const Interrupted &) { // stdout was closed by what the signal also ended
+    } catch (const Interrupted &) { // the reader of stdout has been ended by the signal, too
     }
 }
 

@@ -53,25 +53,25 @@ public:
 
     Format format() const { return chosen; }
 
-    // A field of the document beside its records; only json shows it.
+    // Sets a field of the document beside its records; only json shows it.
     void setField(const QString &name, const Json &value);
 
-    // A record; in text a line of a table that is printed at the end.
+    // Writes a record; in text it is a line of a table that is printed at the end.
     void write(const Json &record);
 
-    // The same with its own line, or lines, of text, printed at once.
+    // Writes a record that has a line, or lines, of text of its own, which are printed at once.
     void write(const Json &record, const QString &text);
 
-    // A record that only programs need: nothing in text.
+    // Writes a record that only programs need: in text it does not appear.
     void writeUnlessText(const Json &record);
 
-    // Text alone, for other lines that only people need.
+    // Writes a line that only people need: other formats do not have it.
     void writeText(const QString &text);
 
-    // Bytes for the format raw; nothing in others.
+    // Writes bytes as they are; formats other than raw do not have them.
     void writeRaw(const QByteArray &bytes);
 
-    // The end of the data: closes the document, puts the file in its place. Fails when that does not work.
+    // Ends the data: closes the document and puts the file in its place. Fails when that does not work.
     void finish();
 
 private:

@@ -21,12 +21,12 @@ namespace {
 constexpr qint64 kInPlaceInterval = 100;
 constexpr qint64 kLineInterval = 5000;
 
-// Before that a rate would be a guess.
+// Milliseconds before which a rate would be a guess.
 constexpr qint64 kFirstRate = 1000;
 
 const char kEraseLine[] = "\r\x1b[K";
 
-// A line that wraps could not be drawn over.
+// Cuts a line to the terminal's width, because one that wraps could not be drawn over.
 QString fitted(const QString &text)
 {
     winsize size = {};

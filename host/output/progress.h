@@ -23,11 +23,11 @@ struct Work
     qint64 doneBefore; // in an earlier run, which tells nothing of the rate
 };
 
-// "VB0..VB4095: 1332 of 4096 bytes, 32 %, 151 bytes/s, 18 s left". Rate and time left only once they can be
-// told. milliseconds: since this run began.
+// The state of the work: "VB0..VB4095: 1332 of 4096 bytes, 32 %, 151 bytes/s, 18 s left". Rate and time left
+// only once they can be told. milliseconds: since this run began.
 QString progressText(const Work &work, qint64 milliseconds);
 
-// "VB0..VB4095: 4096 bytes in 27 s, 151 bytes/s", of this run.
+// What this run has done, at its end: "VB0..VB4095: 4096 bytes in 27 s, 151 bytes/s".
 QString summaryText(const Work &work, qint64 milliseconds);
 
 class Progress
@@ -44,13 +44,13 @@ public:
 
     void advance(qint64 amount);
 
-    // Makes room for other lines; the next advance shows it again.
+    // Takes the view off the terminal, to make room for other lines; the next advance shows it again.
     void clear();
 
-    // A note above it.
+    // Prints a note above the view.
     void note(const QString &text);
 
-    // The end of the work, summed up in a note.
+    // Sums the work up in a note, at its end.
     void finish();
 
 private:

@@ -36,7 +36,7 @@ private:
     QSaveFile file;
 };
 
-// What is there and no file, a device say, would be replaced by one.
+// A name that stands for something other than a file, a device say, is refused: a file would replace it.
 void checkName(const QString &name)
 {
     const QFileInfo info(name);
@@ -57,7 +57,7 @@ void FileSink::put(const QByteArray &bytes)
         throw lost();
 }
 
-// commit() alone would not notice that its last buffer found no room.
+// The file is flushed first: commit() alone would not notice that its last buffer found no room.
 void FileSink::commit()
 {
     if (!file.flush() || !file.commit())

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Records as rows of texts, and rows as lines.
+// Turns records into rows of texts, and rows into lines.
 
 #ifndef HOST_OUTPUT_TABLE_H
 #define HOST_OUTPUT_TABLE_H
@@ -22,16 +22,16 @@ namespace host {
 // the column "index".
 QList<QStringList> cellRows(const Json &record, const QStringList &columns);
 
-// All members that hold one value, by their path: "serial.baud".
+// All members of a record that hold one value, by their path: "serial.baud".
 QList<std::pair<QString, Json>> flatFields(const Json &record);
 
-// Columns as wide as their widest cell, two blanks between, none at the end.
+// Lines in which each column is as wide as its widest cell, with two blanks between and none at the end.
 QStringList alignedLines(const QList<QStringList> &rows);
 
-// Cells that need it between quotes, quotes in them doubled.
+// A line of CSV: cells that need it stand between quotes, and quotes in them are doubled.
 QByteArray csvLine(const QStringList &cells);
 
-// Tabulators, line ends and backslashes in cells as \t \n \r \\.
+// A line of TSV: tabulators, line ends and backslashes in cells are written \t \n \r \\.
 QByteArray tsvLine(const QStringList &cells);
 
 } // namespace host

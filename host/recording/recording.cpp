@@ -19,12 +19,13 @@ namespace host {
 namespace {
 
 const char kHint[] = "record such a file with s7ppi watch -o FILE.csv";
-// No sum or difference of such numbers is infinite.
+// Numbers beyond this are taken as none: up to it no sum or difference of them is infinite.
 constexpr double kLargest = 1e300;
 
 const QStringList kNeeded = {"time", "address", "type", "value", "error"};
 
-// A record, and the line on which it begins; a cell between quotes may hold line ends.
+// A record with the number of the line on which it begins. A cell between quotes may hold line ends, so that
+// counting records would not give it.
 struct Row
 {
     int line;
@@ -103,7 +104,8 @@ void RecordingParser::takeHead(const QString &text)
             throw wrong("there is no column \"" + name + '"');
 }
 
-// Where another recording was appended. What stands before the heading was cut.
+// Whether the record is a heading again: another recording was appended here, and the one before it may have
+// been cut in its last line.
 bool RecordingParser::isHeadAgain(const QString &text)
 {
     const int start = int(text.lastIndexOf(kNeeded.first() + separator));
@@ -164,7 +166,7 @@ void RecordingParser::takeValue(qint64 time)
     series.samples.push_back({time, value, !(std::abs(value) <= kLargest)});
 }
 
-// All the elements of an item share one answer.
+// One answer brings all the elements of an item, so that its time counts once.
 void RecordingParser::takeAnswerTime()
 {
     const bool isFirst = cell("index").isEmpty() || cell("index") == "0";
@@ -221,7 +223,7 @@ void RecordingParser::takeLastRow(const QString &text, bool isWhole)
     }
 }
 
-// "VB100[2]": only where an item has more elements than one.
+// Where an item has several elements their numbers become part of the labels: "VB100[2]".
 void RecordingParser::numberElements()
 {
     QHash<QString, int> elements;

@@ -52,8 +52,8 @@ struct Recording
     int leftOut = 0; // lines of the file: headings again, and ends of recordings that were cut
 };
 
-// One recording or several behind each other. Fails with the place, "log.csv:7", of what is no such record;
-// the last line of a recording may have been cut.
+// Reads one recording, or several behind each other. Fails with the place, "log.csv:7", of what is no such
+// record; the last line of a recording may have been cut.
 Recording parseRecording(const QString &fileName, const QByteArray &text);
 
 } // namespace host

@@ -99,7 +99,7 @@ QString milliseconds(double number)
     return QString::number(number, 'f', number < 10 ? 1 : 0) + " ms";
 }
 
-// In the time of the place where the file was written.
+// A time as the clocks showed it in the place where the file was written.
 QString timeText(const Recording &recording, qint64 time, const char *form)
 {
     return QDateTime::fromMSecsSinceEpoch(time, Qt::OffsetFromUTC, recording.offset).toString(form);

@@ -1,8 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What was watched as one page that needs nothing else: no script, no network. Light or dark as the reader's
-// system is, and readable from a phone's width on.
+// Makes one page of what was watched, which needs nothing else: no script, no network. Light or dark as the
+// reader's system is, and readable from a phone's width on.
 
 #ifndef HOST_RECORDING_REPORT_PAGE_H
 #define HOST_RECORDING_REPORT_PAGE_H

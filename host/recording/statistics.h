@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Figures of what was watched.
+// The figures on the report page.
 
 #ifndef HOST_RECORDING_STATISTICS_H
 #define HOST_RECORDING_STATISTICS_H
@@ -24,8 +24,8 @@ struct Trend
 // A value holds until the next sample, the last one until the end. Nothing when there is no number at all.
 std::optional<Trend> trendOf(const std::vector<RecordedSample> &samples, qint64 end);
 
-// The smallest of the numbers, which are in order, that so many per cent of them do not exceed. There must be
-// one.
+// The smallest of the numbers that so many per cent of them do not exceed. They must be in order, and there
+// must be one at least.
 double percentile(const std::vector<double> &ordered, int percent);
 
 struct TimeBin
@@ -35,11 +35,11 @@ struct TimeBin
     int count;
 };
 
-// Some ten bins of a round width, so that the most of the numbers are told apart. The numbers are in order
-// and not below 0.
+// Counts the numbers in some ten bins of a round width, which is chosen so that most of them are told apart.
+// They must be in order and not below 0.
 std::vector<TimeBin> distributionOf(const std::vector<double> &ordered);
 
-// 1, 2 or 5 times a power of ten, not below the number, which must be above 0.
+// The next number from this one on that is 1, 2 or 5 times a power of ten. The number must be above 0.
 double roundStep(double number);
 
 } // namespace host

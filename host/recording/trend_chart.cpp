@@ -50,7 +50,7 @@ void addThinned(Samples &thinned, Samples::const_iterator first, Samples::const_
     thinned.insert(thinned.end(), kept.begin(), kept.end());
 }
 
-// Samples of the same column of the picture; gaps and what is beside them stay.
+// Leaves out samples that fall into the same column of the picture; gaps and the samples beside them stay.
 Samples thinnedOut(const Samples &samples, const ChartFrame &frame)
 {
     constexpr int kFew = 4;
@@ -73,7 +73,7 @@ Samples thinnedOut(const Samples &samples, const ChartFrame &frame)
 
 } // namespace
 
-// A level alone lies in the middle.
+// A trend of one level alone lies in the middle.
 ChartFrame chartFrame(const Recording &recording, double least, double most)
 {
     constexpr int kSteps = 4;

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The line of a trend, as the path of an SVG picture.
+// Draws the line of a trend as the path of an SVG picture.
 
 #ifndef HOST_RECORDING_TREND_CHART_H
 #define HOST_RECORDING_TREND_CHART_H
@@ -25,11 +25,11 @@ struct ChartFrame
     int height;
 };
 
-// A scale that begins and ends with round numbers.
+// The frame of a chart whose scale begins and ends with round numbers.
 ChartFrame chartFrame(const Recording &recording, double least, double most);
 
-// Steps: a value holds until the next. Gaps are left open. Where samples are closer than the picture can
-// show, the first, least, greatest and last of them stand for all.
+// The path is of steps, because a value holds until the next. Gaps are left open. Where samples are closer
+// than the picture can show, the first, least, greatest and last of them stand for all.
 QString trendPath(const std::vector<RecordedSample> &samples, const ChartFrame &frame);
 
 } // namespace host

@@ -20,7 +20,8 @@ inline Json jsonText(const QString &text)
     return text.toStdString();
 }
 
-// As short as still tells the number apart; JSON has none for "inf", "-inf" and "nan", which are texts.
+// The number with as few digits as tell it apart. JSON has no numbers for "inf", "-inf" and "nan", which are
+// texts.
 Json jsonNumber(float number);
 
 } // namespace host

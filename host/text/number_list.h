@@ -19,7 +19,8 @@ struct NumberKind
     bool hasSpans;
 };
 
-// All numbers of the list, each once, in their order. Fails on what is none, and on one outside the limits.
+// Returns all numbers of the list, each once, in their order. Fails on what is no number, and on one outside
+// the limits.
 QList<int> parseNumbers(const QString &text, const NumberKind &kind);
 
 } // namespace host

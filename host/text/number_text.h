@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Numbers as people read them at a glance.
+// Texts of numbers as people read them at a glance.
 
 #ifndef HOST_TEXT_NUMBER_TEXT_H
 #define HOST_TEXT_NUMBER_TEXT_H
@@ -16,10 +16,12 @@ inline QString counted(qint64 count, const QString &what)
     return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
 }
 
-// Whole numbers of up to nine digits whole, others with five digits: 100000, 52.098, 1.2346e+12.
+// A whole number of up to nine digits as it is, any other number with five digits:
+// 100000, 52.098, 1.2346e+12.
 QString shortNumber(double number);
 
-// As few digits as still tell the float apart from its neighbours: 0.1, 1.0000001, 1e+20, -0, inf, nan.
+// The float with as few digits as still tell it apart from its neighbours: 0.1, 1.0000001, 1e+20, -0, inf,
+// nan.
 QString shortestText(float number);
 
 // How long something is going to last, to the nearest second. The second number always has two digits, so

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What happens to watched items, as notes on stderr.
+// The view that tells what happens to watched items in notes on stderr.
 
 #ifndef HOST_WATCH_NOTES_VIEW_H
 #define HOST_WATCH_NOTES_VIEW_H
@@ -15,7 +15,7 @@ namespace host {
 class NotesView : public View
 {
 public:
-    // all: every failed poll, not only news.
+    // all: every failed poll is told, not only the first of its kind.
     explicit NotesView(bool all);
 
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,

@@ -62,7 +62,7 @@ void Canvas::vertical(int x, int from, int to)
         set(x, y);
 }
 
-// A character of two columns and four rows of dots, a bit each.
+// A braille character has two columns and four rows of dots, and in its code a bit for each of them.
 QChar Canvas::braille(int column, int row) const
 {
     constexpr int kBits[2][4] = {{0x01, 0x02, 0x04, 0x40}, {0x08, 0x10, 0x20, 0x80}};
@@ -109,7 +109,7 @@ struct Scale
 
 using Samples = std::deque<PlotSample>;
 
-// What was seen from the beginning on, and what held then.
+// The lowest and the highest value of a curve, from the beginning of its span on.
 struct Range
 {
     double low, high;
@@ -130,7 +130,7 @@ std::optional<Range> rangeOf(const Samples &samples, double begin)
     return range;
 }
 
-// One level alone lies in the middle.
+// A curve of one level alone lies in the middle.
 Scale scaleFor(const Range &range, double now, double span)
 {
     const double room = range.high > range.low ? 0 : std::max(1.0, std::abs(range.low) * 0.1);
@@ -159,7 +159,7 @@ QString trimmedEnd(QString text)
     return text;
 }
 
-// What all the curves have in common.
+// The time, the size and the characters that all the curves have in common.
 struct Sheet
 {
     double now, span;

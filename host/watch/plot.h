@@ -36,11 +36,12 @@ public:
     // span: how much is kept, in seconds.
     explicit PlotHistory(double span_) : span(span_) {}
 
-    // Times must not go back.
+    // Both add a sample; times must not go back.
     void add(double time, double value);
     void addGap(double time);
 
-    // The one before the span begins is kept: its value holds.
+    // The samples in their order. The last one before the span begins is among them, for its value still
+    // holds then.
     const std::deque<PlotSample> &samples() const { return kept; }
 
 private:

@@ -48,7 +48,7 @@ QStringList labelsOf(const std::vector<Tag> &tags)
     return labels;
 }
 
-// Dots in a locale that has them.
+// The finer braille dots, in a locale that has such characters.
 PlotGlyphs localGlyphs()
 {
     return QString(nl_langinfo(CODESET)) == "UTF-8" ? PlotGlyphs::Braille : PlotGlyphs::Ascii;

@@ -30,7 +30,7 @@ Json withTime(const QString &time, const Json &fields)
     return record;
 }
 
-// To a tenth.
+// The answer time in milliseconds, to a tenth of one.
 double milliseconds(WatchDuration time)
 {
     using Tenths = std::chrono::duration<qint64, std::ratio<1, 10000>>;

@@ -15,7 +15,7 @@ namespace host {
 class Recorder : public View
 {
 public:
-    // all: every poll, not only news.
+    // all: every poll is recorded, not only changes.
     Recorder(const OutputOptions &options, bool all);
 
     // Whether stdout is for programs, by the form that the data have there.
@@ -25,7 +25,7 @@ public:
                   WatchNews news) override;
     void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) override;
 
-    // The end of the watching.
+    // Ends the data when the watching has come to its end.
     void finish() { output.finish(); }
 
 private:

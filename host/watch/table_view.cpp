@@ -17,7 +17,8 @@ namespace {
 constexpr int kTitleRows = 2; // the title, and a line that is mostly blank
 constexpr int kHeadRows = 1;
 
-// Long values leave the error so much room.
+// Columns that are kept for the error, however long the values are, and for the values, however narrow the
+// terminal is.
 constexpr int kErrorRoom = 24;
 constexpr int kLeastValueRoom = 12;
 

@@ -16,7 +16,7 @@
 #define NCURSES_NOMACROS
 #include <curses.h>
 #include <term.h>
-// term.h makes macros of plain words.
+// The header term.h makes macros of these words.
 #undef columns
 #undef lines
 
@@ -30,8 +30,8 @@ namespace {
 
 constexpr int kOutput = STDOUT_FILENO;
 
-// What gives the terminal back without ncurses, from within a signal handler. Filled before the handler
-// can need it.
+// What a signal handler needs to give the terminal back without ncurses, which it may not call. It is all
+// filled in before the handler is set.
 termios stateBefore;
 char leaveText[128];
 size_t leaveLength;

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Where the watched items are followed.
+// The interface of all views in which watched items are followed.
 
 #ifndef HOST_WATCH_VIEW_H
 #define HOST_WATCH_VIEW_H
@@ -18,7 +18,7 @@ class View
 public:
     virtual ~View() = default;
 
-    // A poll of one item brought values, or failed; what of it is news.
+    // Told after each poll of one item, that it brought values or failed, and whether that is news.
     virtual void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
                           WatchNews news) = 0;
     virtual void failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews) = 0;
@@ -26,7 +26,7 @@ public:
     // Called often while nothing happens.
     virtual void idle(const Watch & /*watch*/) {}
 
-    // Something happened to all of them.
+    // Told what happens to all items at once: the port is lost, or found again.
     virtual void tell(const Watch & /*watch*/, const QString & /*text*/) {}
 };
 

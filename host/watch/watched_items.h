@@ -29,10 +29,11 @@ class WatchedItem
 public:
     explicit WatchedItem(const Tag &tag);
 
-    // A poll that brought values. The first values count as changed.
+    // Takes note of a poll that brought values. The first values count as changed.
     WatchNews answered(const QString &values, WatchTime now);
 
-    // A poll that failed. True when that is news: the poll before did not fail, or with another error.
+    // Takes note of a poll that failed. True when that is news: the poll before did not fail, or with another
+    // error.
     bool failed(const QString &error);
 
     Tag tag;
@@ -45,7 +46,7 @@ public:
     int errors = 0;                     // polls that failed in spite of them
 };
 
-// How long answers took.
+// The times that answers took, for the summary.
 class AnswerTimes
 {
 public:
@@ -73,14 +74,14 @@ struct Watch
     int returns = 0;           // how often the port was lost and came back
 };
 
-// What a poll of an item brought.
+// The values that a poll of an item brought.
 struct Reading
 {
     std::vector<Value> values;
     WatchDuration answerTime; // of its slowest request
 };
 
-// Polls, answer times, attempts and errors per item, errors per cause.
+// The lines of the summary: polls, answer times, attempts and errors per item, errors per cause.
 QStringList watchSummary(const Watch &watch);
 
 } // namespace host
