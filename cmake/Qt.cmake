@@ -14,7 +14,14 @@ endif()
 
 if(QT_MAJOR EQUAL 4)
   list(TRANSFORM S7PPI_QT_MODULES PREPEND Qt OUTPUT_VARIABLE S7PPI_QT4_COMPONENTS)
-  find_package(Qt4 4.8 REQUIRED COMPONENTS ${S7PPI_QT4_COMPONENTS})
+  find_package(Qt4 4.8 QUIET COMPONENTS ${S7PPI_QT4_COMPONENTS})
+  if(NOT Qt4_FOUND)
+    list(JOIN S7PPI_QT4_COMPONENTS ", " modules)
+    message(FATAL_ERROR
+      "QT_MAJOR is 4, and no qmake of a Qt 4.8 with the modules ${modules} is found "
+      "(QT_QMAKE_EXECUTABLE is ${QT_QMAKE_EXECUTABLE}).\n"
+      "Say where it is: -D QT_QMAKE_EXECUTABLE=/opt/qt-4.8/bin/qmake")
+  endif()
   set(S7PPI_QT_PREFIX Qt4::Qt)
 elseif(QT_MAJOR EQUAL 5)
   find_package(Qt5 5.15 REQUIRED COMPONENTS ${S7PPI_QT_MODULES})
