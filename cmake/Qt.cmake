@@ -46,6 +46,8 @@ foreach(module IN LISTS S7PPI_QT_MODULES)
   add_library(${name} INTERFACE)
   target_link_libraries(${name} INTERFACE ${S7PPI_QT_PREFIX}${module})
 endforeach()
+# No foreach: that of Qt 4.8 runs its body only once when gcc 9 or a later one compiles it.
+target_compile_definitions(s7ppi_qt_core INTERFACE QT_NO_FOREACH)
 
 # The library's own language level: C++11, but for Qt 6, whose headers need C++17.
 if(QT_MAJOR EQUAL 6)

@@ -15,7 +15,7 @@ void removeAll(const QString &path)
     const QDir directory(path);
     const QFileInfoList entries =
         directory.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    foreach (const QFileInfo &entry, entries) {
+    for (const QFileInfo &entry : entries) {
         if (entry.isDir() && !entry.isSymLink())
             removeAll(entry.filePath());
         else

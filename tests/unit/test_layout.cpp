@@ -101,7 +101,7 @@ QStringList linesOf(const QByteArray &text)
 
 QString without(const QStringList &others, QStringList names)
 {
-    foreach (const QString &other, others)
+    for (const QString &other : others)
         names.removeAll(other);
     return names.join("\n");
 }
@@ -361,8 +361,9 @@ void TestLayout::noExportedNameEverGoes()
 
 void TestLayout::everyExportedNameIsListed()
 {
+    const QStringList exported = exportedNames();
     QStringList names;
-    foreach (const QString &name, exportedNames())
+    for (const QString &name : exported)
         if (!isForeign(name))
             names.append(name);
     QVERIFY(names.contains("CreateDriver"));

@@ -107,16 +107,17 @@ QStringList exportedLines()
 // What the headers of contract and toolkit declare: every word before an opening parenthesis.
 QSet<QString> declaredNames()
 {
-    const QString drivers = QString(SOURCE_DIR) + "/runtime/drivers/";
+    const QDir drivers(QString(SOURCE_DIR) + "/runtime/drivers");
+    const QFileInfoList headers = drivers.entryInfoList(QStringList("*.h")) +
+                                  QDir(drivers.filePath("tools")).entryInfoList(QStringList("*.h"));
     QSet<QString> names;
-    foreach (const QString &directory, QStringList() << drivers << drivers + "tools/") {
-        foreach (const QString &header, QDir(directory).entryList(QStringList("*.h"))) {
-            QFile file(directory + header);
-            file.open(QIODevice::ReadOnly);
-            foreach (QString piece, QString::fromLatin1(file.readAll()).split('('))
-                names.insert(
-                    piece.replace('*', ' ').replace('&', ' ').remove('~').simplified().section(' ', -1));
-        }
+    for (const QFileInfo &header : headers) {
+        QFile file(header.filePath());
+        file.open(QIODevice::ReadOnly);
+        const QStringList pieces =
+            QString::fromLatin1(file.readAll()).replace('*', ' ').replace('&', ' ').remove('~').split('(');
+        for (const QString &piece : pieces)
+            names.insert(piece.simplified().section(' ', -1));
     }
     names.remove(QString());
     names << "COMPILE_PATH"
@@ -243,9 +244,10 @@ void TestPlugin::onlyEntryPointsContractAndToolkitAreExported()
 {
     const QSet<QString> declared = declaredNames();
     QVERIFY(declared.contains("CreateDriver"));
+    const QStringList lines = exportedLines();
     QStringList leaked;
     bool createDriver = false;
-    foreach (const QString &line, exportedLines()) {
+    for (const QString &line : lines) {
         const QString symbol = line.section(' ', 2); // behind address and kind
         const QString name = nameIn(symbol);
         createDriver = createDriver || name == "CreateDriver";
@@ -267,8 +269,9 @@ void TestPlugin::theToolkitForOtherDriversIsExported_data()
 void TestPlugin::theToolkitForOtherDriversIsExported()
 {
     QFETCH(QString, name);
+    const QStringList lines = exportedLines();
     bool found = false;
-    foreach (const QString &line, exportedLines())
+    for (const QString &line : lines)
         found = found || line.section(' ', 2) == name;
     QVERIFY(found);
 }
@@ -286,8 +289,9 @@ void TestPlugin::theTreesPathIsNotInTheLibrary()
 {
     const QStringList texts = outputOf("strings", QStringList() << "-d" << PLUGIN_FILE).split('\n');
     QVERIFY(!texts.filter("../../../runtime/drivers/simatic_s7_200_ppi/s7_200_ppi.cpp").isEmpty());
+    const QStringList suspects = texts.filter(SOURCE_DIR);
     QStringList paths;
-    foreach (const QString &text, texts.filter(SOURCE_DIR))
+    for (const QString &text : suspects)
         if (!isForInstruments(text))
             paths.append(text);
     QCOMPARE(paths.join("\n"), QString());

@@ -82,7 +82,7 @@ private:
 QString shown(const QList<LinkIdStationId> &records)
 {
     QStringList texts;
-    foreach (const LinkIdStationId &record, records)
+    for (const LinkIdStationId &record : records)
         texts += QString::fromLatin1("%1/%2").arg(record.linkId).arg(record.stationId);
     return texts.join(" ");
 }
@@ -145,7 +145,7 @@ Answer ask(const QString &program, const QStringList &question)
 QString answerBeside(const QStringList &directories, const char *question, const QString &file = QString())
 {
     const TemporaryDirectory place;
-    foreach (const QString &directory, directories)
+    for (const QString &directory : directories)
         QDir(place.path()).mkpath(directory);
     if (!file.isEmpty() && !QFile(place.path(file)).open(QIODevice::WriteOnly))
         return "no file " + file;

@@ -28,8 +28,9 @@ QString sizesOf(const TxPackage &package)
 
 QList<int> sizeList(const QString &text)
 {
+    const QStringList words = text.isEmpty() ? QStringList() : text.split(' ');
     QList<int> sizes;
-    foreach (const QString &size, text.isEmpty() ? QStringList() : text.split(' '))
+    for (const QString &size : words)
         sizes += size.toInt();
     return sizes;
 }
