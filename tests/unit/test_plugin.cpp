@@ -9,7 +9,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QLibrary>
+#include <QFileInfo>
+#include <QLibraryInfo>
 #include <QPluginLoader>
 #include <QPointer>
 #include <QProcess>
@@ -20,10 +21,30 @@
 
 namespace {
 
+// Qt 4's loader takes only libraries that have its own build key. Later ones do not look at it, so with them
+// it is always the panel's.
+#if QT_VERSION >= 0x050000
+#define VERSION "4.8.6"
+#define BUILD_KEY "arm linux g++-4 no-pkg-config"
+
+bool isForThisQt()
+{
+    return true;
+}
+#else
+#define VERSION CONFIGURED_VERSION
+#define BUILD_KEY CONFIGURED_BUILD_KEY
+
+bool isForThisQt()
+{
+    return QLibraryInfo::buildKey() == QLatin1String(BUILD_KEY);
+}
+#endif
+
 const char kVerificationText[] = "pattern=QT_PLUGIN_VERIFICATION_DATA\n"
-                                 "version=4.8.6\n"
+                                 "version=" VERSION "\n"
                                  "debug=false\n"
-                                 "buildkey=arm linux g++-4 no-pkg-config";
+                                 "buildkey=" BUILD_KEY;
 
 // clang-format off
 // What the driver itself does not use: nothing in the library would miss it.
@@ -150,7 +171,7 @@ class TestPlugin : public QObject
 
 private slots:
     void initTestCase();
-    void qtsLoaderFindsTheDriver();
+    void qtsLoaderFindsTheDriverThatIsForIt();
     void theMetaDataCarryTheInterface();
     void theInstanceIsSharedUntilItIsDeleted();
     void createDriverMakesANewOneEachTime();
@@ -172,10 +193,15 @@ void TestPlugin::initTestCase()
     QVERIFY2(library, dlerror());
 }
 
-void TestPlugin::qtsLoaderFindsTheDriver()
+void TestPlugin::qtsLoaderFindsTheDriverThatIsForIt()
 {
     QPluginLoader loader(QLatin1String(PLUGIN_FILE));
     QObject *instance = loader.instance();
+    if (!isForThisQt()) {
+        QVERIFY(!instance);
+        QVERIFY2(loader.errorString().contains(BUILD_KEY), qPrintable(loader.errorString()));
+        return;
+    }
     QVERIFY2(instance, qPrintable(loader.errorString()));
     DriverInterface *driver = qobject_cast<DriverInterface *>(instance);
     QVERIFY(driver);
@@ -190,7 +216,7 @@ void TestPlugin::theMetaDataCarryTheInterface()
     QCOMPARE(loader.metaData().value("IID").toString(), QString(DRIVER_INTERFACE_ID));
     QCOMPARE(loader.metaData().value("className").toString(), QString("DriverS7_200_PPI"));
 #else
-    QVERIFY(QPluginLoader(QLatin1String(PLUGIN_FILE)).load());
+    QCOMPARE(QPluginLoader(QLatin1String(PLUGIN_FILE)).load(), isForThisQt());
 #endif
 }
 
