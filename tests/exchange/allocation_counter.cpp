@@ -6,12 +6,14 @@
 #include "address_sanitizer.h"
 
 #include <cstddef>
+#include <limits>
 
 namespace {
 
 bool g_counting = false;
 int g_count = 0;
-int g_refused = 0; // the number of the allocation that is refused, 0 for none
+int g_firstRefused = 0; // numbers of the allocations that are refused, 0 and 0 for none
+int g_lastRefused = 0;
 
 // Whether this allocation is to be refused.
 bool count()
@@ -19,7 +21,7 @@ bool count()
     if (!g_counting)
         return false;
     ++g_count;
-    return g_count == g_refused;
+    return g_count >= g_firstRefused && g_count <= g_lastRefused;
 }
 
 } // namespace
@@ -69,6 +71,18 @@ __attribute__((visibility("default"))) void *realloc(void *block, size_t size) n
 
 #endif
 
+namespace {
+
+void startRefusing(int first, int last)
+{
+    g_firstRefused = first;
+    g_lastRefused = last;
+    g_count = 0;
+    g_counting = true;
+}
+
+} // namespace
+
 void AllocationCounter::start()
 {
     startAndRefuse(0);
@@ -76,9 +90,12 @@ void AllocationCounter::start()
 
 void AllocationCounter::startAndRefuse(int number)
 {
-    g_refused = number;
-    g_count = 0;
-    g_counting = true;
+    startRefusing(number, number);
+}
+
+void AllocationCounter::startAndRefuseFrom(int number)
+{
+    startRefusing(number, std::numeric_limits<int>::max());
 }
 
 int AllocationCounter::stop()

@@ -15,8 +15,12 @@ void start();
 // Their number since start().
 int stop();
 
-// The same, and the one of that number, counted from 1, is refused. Not in a build with AddressSanitizer.
+// The same, and the one of that number, counted from 1, is refused; none for 0. Not in a build with
+// AddressSanitizer.
 void startAndRefuse(int number);
+
+// The same, and so are all behind it.
+void startAndRefuseFrom(int number);
 
 } // namespace AllocationCounter
 

@@ -28,8 +28,9 @@ struct Call
     int allocations;
 };
 
-// One call of the driver, of which the allocation of that number is refused, none for 0.
-Call callRefusing(int number, const Sample &sample, DriverS7_200_PPI &driver, ControllerInMemory &port)
+// One call of the driver. start begins to count its allocations and tells which are refused.
+template <typename Start>
+Call countedCall(Start start, const Sample &sample, DriverS7_200_PPI &driver, ControllerInMemory &port)
 {
     const CommunicatorCommand command = sample.command();
     const QByteArray given = sample.data();
@@ -37,7 +38,7 @@ Call callRefusing(int number, const Sample &sample, DriverS7_200_PPI &driver, Co
     QByteArray data;
     int taken = 0;
     Call call;
-    AllocationCounter::startAndRefuse(number);
+    start();
     if (isRead)
         data = driver.read(&port, command);
     else
@@ -47,6 +48,12 @@ Call callRefusing(int number, const Sample &sample, DriverS7_200_PPI &driver, Co
     call.failed = driver.hasError();
     call.reason = driver.getLastError();
     return call;
+}
+
+// One call of the driver, of which the allocation of that number is refused, none for 0.
+Call callRefusing(int number, const Sample &sample, DriverS7_200_PPI &driver, ControllerInMemory &port)
+{
+    return countedCall([=]() { AllocationCounter::startAndRefuse(number); }, sample, driver, port);
 }
 
 } // namespace
@@ -64,6 +71,9 @@ class TestRefusedAllocations : public QObject
 private slots:
     void noWrongFrameIsSent_data();
     void noWrongFrameIsSent();
+    void nothingIsThrownWhenNoMemoryIsLeft_data();
+    void nothingIsThrownWhenNoMemoryIsLeft();
+    void aLineOfTheLogThatHasNoMemoryIsLost();
 };
 
 void TestRefusedAllocations::noWrongFrameIsSent_data()
@@ -103,6 +113,60 @@ void TestRefusedAllocations::noWrongFrameIsSent()
         QCOMPARE(callRefusing(0, call, driver, again).result, wanted.result);
     }
     QVERIFY(unsent > 0);
+}
+
+void TestRefusedAllocations::nothingIsThrownWhenNoMemoryIsLeft_data()
+{
+    addSampleRows();
+}
+
+// There may be no memory for the reason either: the failure has no text then.
+void TestRefusedAllocations::nothingIsThrownWhenNoMemoryIsLeft()
+{
+    QFETCH(QString, sample);
+    const Sample call = ::sample(sample);
+    const Answer answer(call.item);
+    const QuietLog quiet;
+    DriverS7_200_PPI first;
+    ControllerInMemory right(answer);
+    const Call wanted = callRefusing(0, call, first, right);
+    for (int number = 1; number <= wanted.allocations; ++number) {
+        DriverS7_200_PPI driver;
+        ControllerInMemory port(answer);
+        const Call made =
+            countedCall([=]() { AllocationCounter::startAndRefuseFrom(number); }, call, driver, port);
+        QVERIFY(made.failed);
+        QCOMPARE(made.result, QString());
+        QVERIFY(made.reason.isEmpty() || made.reason == "invalid request to PLC");
+        for (int i = 0; i < port.framesSent(); ++i)
+            QCOMPARE(hex(port.frame(i)), hex(right.frame(i)));
+    }
+}
+
+// The controller refuses the address; the reason is there, whatever becomes of the line.
+void TestRefusedAllocations::aLineOfTheLogThatHasNoMemoryIsLost()
+{
+    const QuietLog quiet;
+    CommunicatorCommand command;
+    command.dataType = kBytes;
+    command.count = 4;
+    command.address = "VB100";
+    bool isKept = false;
+    for (int number = 1; number <= 40; ++number) {
+        ControllerInMemory port((Answer("04 01 05 04 00 00")));
+        DriverS7_200_PPI driver;
+        AllocationCounter::startAndRefuse(number);
+        const QByteArray data = driver.read(&port, command);
+        AllocationCounter::stop();
+        QVERIFY(data.isEmpty());
+        QVERIFY(driver.hasError());
+        const QString reason = driver.getLastError();
+        isKept = isKept || reason == "Invalid address (incorrect variable address)";
+        QVERIFY2(reason == "Invalid address (incorrect variable address)" ||
+                     reason == "invalid request to PLC",
+                 qPrintable(reason));
+    }
+    QVERIFY(isKept);
 }
 
 QTEST_APPLESS_MAIN(TestRefusedAllocations)
