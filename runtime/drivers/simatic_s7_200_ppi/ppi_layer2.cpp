@@ -20,7 +20,8 @@ const unsigned char kServiceNotActive = 0x03;
 // An end byte up to this one is what the zero-filled buffer or a cut frame leaves there.
 const unsigned char kLargestTruncatedEnd = 0x14;
 
-const int kCovered = 4; // where LE and FCS begin to count in an SD2 frame
+const int kCovered = 4;  // where LE and FCS begin to count in an SD2 frame
+const int kTailSize = 2; // FCS and end delimiter
 
 unsigned char checkSum(const unsigned char *covered, int length)
 {
@@ -43,6 +44,7 @@ QByteArray S7_200_PPIPackLayer2SD2Request(unsigned char da, unsigned char sa, co
     const unsigned char length = static_cast<unsigned char>(pdu.size() + 3);
     QByteArray frame =
         wholeBlock(ByteArrayPack("CCCCCCC", kSD2, length, length, kSD2, da, sa, kSendAndRequest));
+    frame.reserve(int(frame.size() + pdu.size()) + kTailSize);
     frame += pdu;
     const unsigned char *covered = reinterpret_cast<const unsigned char *>(frame.constData()) + kCovered;
     frame += static_cast<char>(checkSum(covered, length));

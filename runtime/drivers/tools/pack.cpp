@@ -207,9 +207,15 @@ private:
 
     void flush()
     {
-        array.append(reinterpret_cast<const char *>(gathered), static_cast<int>(next - gathered));
+        const int length = static_cast<int>(next - gathered);
+        if (array.isEmpty() && length > 0)
+            array.reserve(length + kRoomBehind);
+        array.append(reinterpret_cast<const char *>(gathered), length);
         next = gathered;
     }
+
+    // Bytes that the caller can append to a short result without another allocation: a block of a frame.
+    enum { kRoomBehind = 32 };
 
     unsigned char gathered[128];
     unsigned char *next;
