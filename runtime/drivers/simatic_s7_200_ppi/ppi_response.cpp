@@ -144,9 +144,9 @@ QByteArray S7_200_PPIGetRspBytes(const unsigned char *parameters, const QByteArr
     const unsigned char *data = parameters + kReadItemHeadSize;
     switch (S7_200_PPIElementSize(prefix)) {
     case 4:
-        return wholeArray(fromBigEndianULongArray(data, head.length / 32), head.length / 32 * 4);
+        return wholeArray(fromBigEndianULongArray(data, head.length / 32), qint64(head.length) / 32 * 4);
     case 2:
-        return wholeArray(fromBigEndianUShortArray(data, head.length / 16), head.length / 16 * 2);
+        return wholeArray(fromBigEndianUShortArray(data, head.length / 16), qint64(head.length) / 16 * 2);
     default:
         return QByteArray(reinterpret_cast<const char *>(data), head.length / 8);
     }

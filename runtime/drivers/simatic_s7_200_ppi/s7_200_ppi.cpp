@@ -451,7 +451,7 @@ bool Attempt::writeItems(const CommunicatorCommand &cmd, const QByteArray &data,
     if (!S7_200_PPIIsObj(prefix))
         return writeMemory(prefix, number, values);
     if (kind.fillsOdd)
-        values = wholeArray(To16bitsData(values), (values.size() + 1) / 2 * 2);
+        values = wholeArray(To16bitsData(values), (qint64(values.size()) + 1) / 2 * 2);
     const QByteArray frame = prefix == "T"
                                  ? S7_200_PPIPackWriteTimersReq(ReferenceCounter(pduReference), station(),
                                                                 source(), number, values)

@@ -27,7 +27,7 @@ template <int kWidth> QByteArray toBigEndian(const QByteArray &bytes)
         return wire;
     copyReversed<kWidth>(bytes.constData(), whole, wire.data());
     if (left > 0) {
-        char *last = wire.data() + whole * kWidth;
+        char *last = wire.data() + wire.size() - kWidth;
         std::fill_n(last, kWidth - left, '\0');
         std::reverse_copy(bytes.constEnd() - left, bytes.constEnd(), last + kWidth - left);
     }
