@@ -221,13 +221,16 @@ void Connection::awaitArrival(const QString &name)
     pauseFor(kFirstPause);
 }
 
+// A port that comes or goes just then is no reason to tell: it was not there when it was to be opened.
 bool Connection::comesBack()
 {
+    const bool wasThere = QFileInfo::exists(portName());
     try {
         port->reopen();
         return true;
     } catch (const Failure &failure) {
-        tellOpenError(failure.text());
+        if (wasThere && QFileInfo::exists(portName()))
+            tellOpenError(failure.text());
         return false;
     }
 }
@@ -235,7 +238,7 @@ bool Connection::comesBack()
 // Tells why a port that is there again cannot be opened, once for each reason.
 void Connection::tellOpenError(const QString &reason)
 {
-    if (reason == openError || !QFileInfo::exists(portName()))
+    if (reason == openError)
         return;
     openError = reason;
     tell(reason + "; still trying");

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include <cerrno>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -56,6 +57,16 @@ std::vector<std::string> encoded(const QString &program, const QStringList &argu
     if (getppid() == parent && dup2(output, STDOUT_FILENO) >= 0)
         execv(arguments[0], arguments);
     _exit(127);
+}
+
+// A system call, made again when a signal cuts it short.
+template <typename Call>
+auto repeated(const Call &call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
 }
 
 bool hasEnded(pid_t process)
@@ -111,15 +122,15 @@ QString SimulatorProcess::readPortName() const
     const QDeadlineTimer deadline(kStartTime);
     QByteArray line;
     pollfd readable = {output, POLLIN, 0};
-    while (poll(&readable, 1, int(deadline.remainingTime())) > 0) {
+    for (;;) {
+        const int ready = repeated([&] { return poll(&readable, 1, int(deadline.remainingTime())); });
         char character = 0;
-        if (read(output, &character, 1) != 1)
+        if (ready <= 0 || repeated([&] { return read(output, &character, 1); }) != 1)
             return QString();
         if (character == '\n')
             return QFile::decodeName(line);
         line += character;
     }
-    return QString();
 }
 
 void SimulatorProcess::stop()
@@ -133,7 +144,7 @@ void SimulatorProcess::stop()
     }
     if (!ended) {
         kill(process, SIGKILL);
-        waitpid(process, nullptr, 0);
+        repeated([this] { return waitpid(process, nullptr, 0); });
     }
     close(output);
 }

@@ -153,13 +153,22 @@ interrupt_again() {
     ! kill -INT "$1" 2>/dev/null || [[ $(ps -o stat= -p "$1") == Z* ]]
 }
 
+# has_open PROCESS FILE: whether the process has it open. In an emulator it has more than these.
+has_open() {
+    local file
+    for file in /proc/"$1"/fd/*; do
+        [ "$(readlink "$file")" = "$(readlink -f "$2")" ] && return
+    done
+    return 1
+}
+
 @test "a second signal leaves no file" {
     start fake_controller
-    s7ppi read --port "$port" --delay 4000 --timeout 60000 -o "$BATS_TEST_TMPDIR/values" VB0 3>&- &
+    s7ppi read --port "$port" --delay 4200 --timeout 60000 -o "$BATS_TEST_TMPDIR/values" VB0 3>&- &
     local reader=$!
     background+=("$reader")
-    eventually test -e "/proc/$reader/fd/3"
-    sleep 0.3
+    eventually has_open "$reader" "$port"
+    sleep 0.5
     eventually interrupt_again "$reader"
     status=0
     wait "$reader" || status=$?

@@ -6,6 +6,7 @@
 #include "host/diagnosis/elf_file.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -117,6 +118,6 @@ void TestElfFile::theVerificationTextIsFoundWhereverItIs()
     QCOMPARE(verificationLines(QByteArray()), QStringList());
 }
 
-QTEST_APPLESS_MAIN(TestElfFile)
+TEST_CLASS(TestElfFile)
 
 #include "test_elf_file.moc"

@@ -5,6 +5,8 @@
 
 #include "host/diagnosis/findings.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <optional>
@@ -121,5 +123,5 @@ void TestFindings::onlyNewLineErrorsCount()
              QString("ok: not counted by this port's driver /  / 0"));
 }
 
-QTEST_APPLESS_MAIN(TestFindings)
+TEST_CLASS(TestFindings)
 #include "test_findings.moc"

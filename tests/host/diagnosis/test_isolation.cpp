@@ -5,6 +5,7 @@
 
 #include "host/diagnosis/isolation.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -84,6 +85,6 @@ void TestIsolation::whatTakesTooLongIsGivenUp()
     QCOMPARE(textOf(runIsolated(hanging, 50ms).failure), QString("it takes too long"));
 }
 
-QTEST_APPLESS_MAIN(TestIsolation)
+TEST_CLASS(TestIsolation)
 
 #include "test_isolation.moc"

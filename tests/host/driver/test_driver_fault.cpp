@@ -5,6 +5,8 @@
 
 #include "host/driver/driver_fault.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 using namespace host;
@@ -75,5 +77,5 @@ void TestDriverFault::refusedBitsAreNamedByTheirPlace()
     QTEST(failure.text(), "text");
 }
 
-QTEST_APPLESS_MAIN(TestDriverFault)
+TEST_CLASS(TestDriverFault)
 #include "test_driver_fault.moc"

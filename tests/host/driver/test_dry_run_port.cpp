@@ -6,6 +6,7 @@
 #include "host/driver/dry_run_port.h"
 
 #include "hex.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -51,5 +52,5 @@ void TestDryRunPort::nothingIsRepeatedOrWaitedFor()
     QVERIFY(port.setOption(kClearInput, 0));
 }
 
-QTEST_APPLESS_MAIN(TestDryRunPort)
+TEST_CLASS(TestDryRunPort)
 #include "test_dry_run_port.moc"

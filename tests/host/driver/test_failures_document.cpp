@@ -6,6 +6,7 @@
 
 #include "host/driver/driver_fault.h"
 
+#include "test_class.h"
 #include "tests/host/support/document.h"
 
 #include <QtTest>
@@ -143,5 +144,5 @@ void TestFailuresDocument::everyExitCodeIsDocumented()
     QCOMPARE(captured("^\\| (\\d+) \\|", contentOf(SOURCE_DIR "/docs/exit-codes.md")), codes);
 }
 
-QTEST_APPLESS_MAIN(TestFailuresDocument)
+TEST_CLASS(TestFailuresDocument)
 #include "test_failures_document.moc"

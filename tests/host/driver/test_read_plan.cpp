@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/memory_range.h"
+#include "test_class.h"
 #include "tests/host/support/command_text.h"
 #include "tests/host/support/failure_of.h"
 
@@ -169,5 +170,5 @@ void TestReadPlan::aBlockIsWhatOneAnswerCarries()
     QTEST(blocks.join(' '), "blocks");
 }
 
-QTEST_APPLESS_MAIN(TestReadPlan)
+TEST_CLASS(TestReadPlan)
 #include "test_read_plan.moc"

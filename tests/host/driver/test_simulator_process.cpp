@@ -12,6 +12,8 @@
 
 #include <csignal>
 
+#include <sys/time.h>
+
 using namespace host;
 
 namespace {
@@ -33,6 +35,7 @@ private slots:
     void theFirstLineIsThePort();
     void itIsStoppedWithTheObject();
     void itHearsNoSignalOfTheTerminal();
+    void aSignalMeanwhileDoesNotEndTheWaiting();
     void aProgramThatEndsAtOnceIsReported();
     void aProgramThatIsNotThereIsReported();
 };
@@ -62,6 +65,23 @@ void TestSimulatorProcess::itHearsNoSignalOfTheTerminal()
     QVERIFY(id > 0);
     QCOMPARE(getpgid(id), id);
     QVERIFY(getpgid(id) != getpgrp());
+}
+
+// An alarm every 5 ms cuts short what waits.
+void TestSimulatorProcess::aSignalMeanwhileDoesNotEndTheWaiting()
+{
+    struct sigaction noted = {};
+    noted.sa_handler = [](int) {};
+    QCOMPARE(sigaction(SIGALRM, &noted, nullptr), 0);
+    const itimerval often = {{0, 5000}, {0, 5000}};
+    const itimerval never = {};
+    QCOMPARE(setitimer(ITIMER_REAL, &often, nullptr), 0);
+    const QString failure = failureOf([] {
+        const SimulatorProcess process(kShell, script("sleep 0.3; echo /dev/pts/77; exec sleep 100"));
+        QCOMPARE(process.portName(), QString("/dev/pts/77"));
+    });
+    setitimer(ITIMER_REAL, &never, nullptr);
+    QCOMPARE(failure, QString());
 }
 
 void TestSimulatorProcess::aProgramThatEndsAtOnceIsReported()

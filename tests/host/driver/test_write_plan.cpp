@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/assignment.h"
+#include "test_class.h"
 #include "tests/host/support/command_text.h"
 
 #include <QtTest>
@@ -147,5 +148,5 @@ void TestWritePlan::bitsGoOnAcrossBytesAndRequests()
              QString("bits M0.7*12 = 010000000000000000000001, bits M2.3*2 = 0100"));
 }
 
-QTEST_APPLESS_MAIN(TestWritePlan)
+TEST_CLASS(TestWritePlan)
 #include "test_write_plan.moc"

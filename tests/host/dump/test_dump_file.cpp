@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/memory_range.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -159,5 +160,5 @@ void TestDumpFile::ofAPartOnlyWholeLinesCount()
     QCOMPARE(wholeSize, int(whole.size()));
 }
 
-QTEST_APPLESS_MAIN(TestDumpFile)
+TEST_CLASS(TestDumpFile)
 #include "test_dump_file.moc"

@@ -7,6 +7,8 @@
 
 #include "host/items/memory_range.h"
 
+#include "test_class.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -113,5 +115,5 @@ void TestLoadState::aDirectoryThatTakesNoFileIsTold()
     QVERIFY(!state().save(7));
 }
 
-QTEST_APPLESS_MAIN(TestLoadState)
+TEST_CLASS(TestLoadState)
 #include "test_load_state.moc"

@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/memory_range.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QTemporaryDir>
@@ -216,5 +217,5 @@ void TestPartialDump::aFileThatCannotBeWrittenIsTold()
     QVERIFY(failureOf([this] { open(); }).startsWith("74: " + name + " cannot be written: "));
 }
 
-QTEST_APPLESS_MAIN(TestPartialDump)
+TEST_CLASS(TestPartialDump)
 #include "test_partial_dump.moc"

@@ -6,6 +6,7 @@
 #include "host/frames/explanation.h"
 
 #include "hex.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -275,6 +276,6 @@ void TestExplanation::framesBehindEachOtherAreSplit()
     QTEST(frames.join('|'), "frames");
 }
 
-QTEST_APPLESS_MAIN(TestExplanation)
+TEST_CLASS(TestExplanation)
 
 #include "test_explanation.moc"

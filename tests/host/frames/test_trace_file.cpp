@@ -6,6 +6,7 @@
 #include "host/frames/trace_file.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -50,5 +51,5 @@ void TestTraceFile::otherLinesOfATraceAreRefused()
              QString("2: \"e\" is an odd number of digits"));
 }
 
-QTEST_APPLESS_MAIN(TestTraceFile)
+TEST_CLASS(TestTraceFile)
 #include "test_trace_file.moc"

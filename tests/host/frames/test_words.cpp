@@ -8,6 +8,7 @@
 #include "host/frames/explanation.h"
 
 #include "hex.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -169,5 +170,5 @@ void TestWords::noBytesWhateverConfuseIt()
     }
 }
 
-QTEST_APPLESS_MAIN(TestWords)
+TEST_CLASS(TestWords)
 #include "test_words.moc"

@@ -5,6 +5,7 @@
 
 #include "host/items/address.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -138,5 +139,5 @@ void TestAddress::anAddressErrorIsAUsageError()
              QString("2: not an address of the controller / write VB1 instead of vb1"));
 }
 
-QTEST_APPLESS_MAIN(TestAddress)
+TEST_CLASS(TestAddress)
 #include "test_address.moc"

@@ -5,6 +5,8 @@
 
 #include "host/items/area.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <optional>
@@ -96,5 +98,5 @@ void TestArea::timersAndCountersAreObjects()
         QVERIFY(!isObject(elementNamed(letters)->kind));
 }
 
-QTEST_APPLESS_MAIN(TestArea)
+TEST_CLASS(TestArea)
 #include "test_area.moc"

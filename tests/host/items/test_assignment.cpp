@@ -6,6 +6,7 @@
 #include "host/items/assignment.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -91,5 +92,5 @@ void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant()
     QTEST(failureOf([] { parseAssignment(QTest::currentDataTag()); }), "failure");
 }
 
-QTEST_APPLESS_MAIN(TestAssignment)
+TEST_CLASS(TestAssignment)
 #include "test_assignment.moc"

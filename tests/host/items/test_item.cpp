@@ -5,6 +5,7 @@
 
 #include "host/items/item.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -159,5 +160,5 @@ void TestItem::wrongItemsSayWhatCouldBeMeant()
     QTEST(failureOf([&] { parseItem(text); }), "failure");
 }
 
-QTEST_APPLESS_MAIN(TestItem)
+TEST_CLASS(TestItem)
 #include "test_item.moc"

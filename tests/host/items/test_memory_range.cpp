@@ -5,6 +5,7 @@
 
 #include "host/items/memory_range.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -80,5 +81,5 @@ void TestMemoryRange::moreElementsThanAnAddressCanNameAreRefused()
     QVERIFY(failureOf([] { rangeFrom(parseAddress("VB2097150"), 3); }).startsWith("2: "));
 }
 
-QTEST_APPLESS_MAIN(TestMemoryRange)
+TEST_CLASS(TestMemoryRange)
 #include "test_memory_range.moc"

@@ -6,6 +6,7 @@
 #include "host/items/read_back.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -112,5 +113,5 @@ void TestReadBack::allDifferencesAreCounted()
     QTEST(found.first, "first");
 }
 
-QTEST_APPLESS_MAIN(TestReadBack)
+TEST_CLASS(TestReadBack)
 #include "test_read_back.moc"

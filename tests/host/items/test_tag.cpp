@@ -6,6 +6,7 @@
 #include "host/items/tag.h"
 
 #include "hex.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -96,5 +97,5 @@ void TestTag::otherValuesHaveNoNumber()
     QVERIFY(!numberOf(item, data, scale, 0));
 }
 
-QTEST_APPLESS_MAIN(TestTag)
+TEST_CLASS(TestTag)
 #include "test_tag.moc"

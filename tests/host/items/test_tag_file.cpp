@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/assignment.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QTemporaryDir>
@@ -228,5 +229,5 @@ void TestTagFile::wrongAssignmentsToTagsAreRefused()
     QTEST(failureOf([this] { parseAssignment(reference(QTest::currentDataTag())); }), "failure");
 }
 
-QTEST_APPLESS_MAIN(TestTagFile)
+TEST_CLASS(TestTagFile)
 #include "test_tag_file.moc"

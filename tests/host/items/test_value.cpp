@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/tag.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -98,5 +99,5 @@ void TestValue::valuesOfSeveralItemsStandInOneColumn()
     QCOMPARE(lines.line(longItem, decodeValues(longItem, bytes("01 00"))), QString("V100.3 1 0"));
 }
 
-QTEST_APPLESS_MAIN(TestValue)
+TEST_CLASS(TestValue)
 #include "test_value.moc"

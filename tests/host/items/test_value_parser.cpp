@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/items/value.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -242,5 +243,5 @@ void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant()
     QTEST(failureOf([&] { encodeValues(parseItem(item), values); }), "failure");
 }
 
-QTEST_APPLESS_MAIN(TestValueParser)
+TEST_CLASS(TestValueParser)
 #include "test_value_parser.moc"

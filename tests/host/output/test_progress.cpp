@@ -5,6 +5,8 @@
 
 #include "host/output/progress.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 using namespace host;
@@ -53,5 +55,5 @@ void TestProgress::theEndIsSummedUp()
     QCOMPARE(summaryText({"T0..T2", "bytes", 6, 6, 0}, 0), QString("T0..T2: 6 bytes in 0.0 s, 6000 bytes/s"));
 }
 
-QTEST_APPLESS_MAIN(TestProgress)
+TEST_CLASS(TestProgress)
 #include "test_progress.moc"

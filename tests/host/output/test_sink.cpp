@@ -5,6 +5,7 @@
 
 #include "host/output/sink.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QFile>
@@ -45,5 +46,5 @@ void TestSink::aDirectoryIsRefused()
              "2: " + directory.path() + " is no file / name a file, or send stdout there with >");
 }
 
-QTEST_APPLESS_MAIN(TestSink)
+TEST_CLASS(TestSink)
 #include "test_sink.moc"

@@ -6,6 +6,7 @@
 #include "host/port/adapter_probe.h"
 
 #include "hex.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -113,5 +114,5 @@ void TestAdapterProbe::requestsCountAndPollsDoNot()
     QCOMPARE(probe.requestCount(), 2);
 }
 
-QTEST_APPLESS_MAIN(TestAdapterProbe)
+TEST_CLASS(TestAdapterProbe)
 #include "test_adapter_probe.moc"

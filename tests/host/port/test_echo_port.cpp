@@ -6,6 +6,7 @@
 #include "host/port/echo_port.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/prepared_port.h"
 
 #include <QtTest>
@@ -89,5 +90,5 @@ void TestEchoPort::theNextRequestBeginsAnew()
     QCOMPARE(receive(port), 0xe5);
 }
 
-QTEST_APPLESS_MAIN(TestEchoPort)
+TEST_CLASS(TestEchoPort)
 #include "test_echo_port.moc"

@@ -6,6 +6,7 @@
 #include "host/port/line_settings.h"
 
 #include "device_setting.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -116,5 +117,5 @@ void TestLineSettings::differencesAreNamed()
     QTEST(lineDifference(kUsual, {baud, ParityCode(parity), dataBits, stopBits}), "text");
 }
 
-QTEST_APPLESS_MAIN(TestLineSettings)
+TEST_CLASS(TestLineSettings)
 #include "test_line_settings.moc"

@@ -5,6 +5,7 @@
 
 #include "host/port/port_choice.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -56,5 +57,5 @@ void TestPortChoice::theNamedPortIsTaken()
     QCOMPARE(choosePort(options), QString("/dev/ttyS7"));
 }
 
-QTEST_APPLESS_MAIN(TestPortChoice)
+TEST_CLASS(TestPortChoice)
 #include "test_port_choice.moc"

@@ -5,6 +5,7 @@
 
 #include "host/port/port_details.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 #include "tests/host/support/pseudo_line.h"
 
@@ -213,5 +214,5 @@ void TestPortDetails::adviceNamesWhatHelps()
     QCOMPARE(int(portAdvice(port).size()), 3);
 }
 
-QTEST_APPLESS_MAIN(TestPortDetails)
+TEST_CLASS(TestPortDetails)
 #include "test_port_details.moc"

@@ -7,6 +7,7 @@
 
 #include "hex.h"
 #include "host/frames/trace_printer.h"
+#include "test_class.h"
 #include "tests/host/support/prepared_port.h"
 
 #include <QtTest>
@@ -126,5 +127,5 @@ void TestTracingPort::everythingIsPassedOn()
     QCOMPARE(port.delay(), 6);
 }
 
-QTEST_APPLESS_MAIN(TestTracingPort)
+TEST_CLASS(TestTracingPort)
 #include "test_tracing_port.moc"

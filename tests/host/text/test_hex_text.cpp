@@ -6,6 +6,7 @@
 #include "host/text/hex_text.h"
 
 #include "hex.h"
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -59,6 +60,6 @@ void TestHexText::whatIsNoHexIsRefused()
     QTEST(failureOf([&] { parseHex(text); }).section(" / ", 0, 0), "complaint");
 }
 
-QTEST_APPLESS_MAIN(TestHexText)
+TEST_CLASS(TestHexText)
 
 #include "test_hex_text.moc"

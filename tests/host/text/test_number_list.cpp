@@ -5,6 +5,7 @@
 
 #include "host/text/number_list.h"
 
+#include "test_class.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>
@@ -82,5 +83,5 @@ void TestNumberList::onlyKindsWithSpansTakeThem()
         QString("2: \"9600..19200\" is no baud rate / write numbers from 50 to 4000000, commas between"));
 }
 
-QTEST_APPLESS_MAIN(TestNumberList)
+TEST_CLASS(TestNumberList)
 #include "test_number_list.moc"

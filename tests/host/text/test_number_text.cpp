@@ -5,6 +5,8 @@
 
 #include "host/text/number_text.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <cmath>
@@ -96,5 +98,5 @@ void TestNumberText::whatLastedIsToldInWhatIsOver()
     QTEST(elapsedText(milliseconds), "text");
 }
 
-QTEST_APPLESS_MAIN(TestNumberText)
+TEST_CLASS(TestNumberText)
 #include "test_number_text.moc"

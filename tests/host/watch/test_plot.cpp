@@ -5,6 +5,8 @@
 
 #include "host/watch/plot.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <algorithm>
@@ -145,6 +147,6 @@ void TestPlot::historyKeepsPeaksOfCrowdedSamples()
     QVERIFY(history.samples().back().isGap);
 }
 
-QTEST_APPLESS_MAIN(TestPlot)
+TEST_CLASS(TestPlot)
 
 #include "test_plot.moc"

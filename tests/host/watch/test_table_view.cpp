@@ -5,6 +5,8 @@
 
 #include "host/watch/table_view.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <chrono>
@@ -125,5 +127,5 @@ void TestTableView::itemsWithoutARowAreCounted()
     QTEST(last.startsWith("...") ? last : last.section(' ', 0, 0), "lastLine");
 }
 
-QTEST_APPLESS_MAIN(TestTableView)
+TEST_CLASS(TestTableView)
 #include "test_table_view.moc"

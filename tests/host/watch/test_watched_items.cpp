@@ -5,6 +5,8 @@
 
 #include "host/watch/watched_items.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 #include <chrono>
@@ -135,5 +137,5 @@ void TestWatchedItems::theSummaryOfNothingDividesByNothing()
              QStringList({"0 polls, no answers", "T37: 0 attempts, 0 errors"}));
 }
 
-QTEST_APPLESS_MAIN(TestWatchedItems)
+TEST_CLASS(TestWatchedItems)
 #include "test_watched_items.moc"

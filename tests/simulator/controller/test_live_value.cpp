@@ -6,6 +6,7 @@
 #include "conversation.h"
 
 #include "simulator/controller/live_value.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -214,5 +215,5 @@ void TestSimulatorLiveValue::badTextIsRefused()
     QCOMPARE(complaint(QTest::currentDataTag()), error);
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorLiveValue)
+TEST_CLASS(TestSimulatorLiveValue)
 #include "test_live_value.moc"

@@ -10,6 +10,7 @@
 #include "simulator/controller/memory_file.h"
 #include "simulator/controller/memory_file_error.h"
 #include "simulator/controller/memory_json.h"
+#include "test_class.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -401,5 +402,5 @@ void TestSimulatorMemoryFile::failedSavingLeavesNothingBeside()
              QStringList("memory.json"));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorMemoryFile)
+TEST_CLASS(TestSimulatorMemoryFile)
 #include "test_memory_file.moc"

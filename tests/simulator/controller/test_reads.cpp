@@ -4,6 +4,7 @@
 // Reads of every area, as items of a read job and the data of its answer.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -264,5 +265,5 @@ void TestSimulatorReads::referenceComesBack()
              plain("32 03 0000 ffff 0002 0005 00 00 04 01 ff 04 0008 11"));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorReads)
+TEST_CLASS(TestSimulatorReads)
 #include "test_reads.moc"

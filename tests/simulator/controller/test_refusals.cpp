@@ -4,6 +4,7 @@
 // What the simulated controller refuses: single items with a return code, whole jobs with an error class.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -307,5 +308,5 @@ void TestSimulatorRefusals::refusedJobIsAnsweredByteForByte()
              plain("68 0f 0f 68 00 02 08 32 02 00 00 00 09 00 00 00 00 81 04 cc 16"));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorRefusals)
+TEST_CLASS(TestSimulatorRefusals)
 #include "test_refusals.moc"

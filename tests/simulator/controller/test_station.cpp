@@ -4,6 +4,7 @@
 // The simulated station's turn-taking: acknowledgement, poll, answer, and when it keeps silent.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -156,5 +157,5 @@ void TestSimulatorStation::severalFramesMayComeAtOnce()
              plain("e5" + kAnswerVB100 + "e5" + kAnswerVB101));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorStation)
+TEST_CLASS(TestSimulatorStation)
 #include "test_station.moc"

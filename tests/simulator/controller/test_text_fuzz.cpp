@@ -10,6 +10,7 @@
 #include "simulator/controller/memory_file_error.h"
 #include "simulator/controller/memory_json.h"
 #include "simulator/faults/fault.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -145,5 +146,5 @@ void TestSimulatorTextFuzz::hugeNamesAreRefused()
     }
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorTextFuzz)
+TEST_CLASS(TestSimulatorTextFuzz)
 #include "test_text_fuzz.moc"

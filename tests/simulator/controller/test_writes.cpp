@@ -4,6 +4,7 @@
 // Writes of every area: the return codes of the answer, and what a read finds afterwards.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -223,5 +224,5 @@ void TestSimulatorWrites::largestWriteFillsTheLargestFrame()
     QCOMPARE(int(station.memory().bytes(sim::kAreaV)[224]), 0x00);
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorWrites)
+TEST_CLASS(TestSimulatorWrites)
 #include "test_writes.moc"

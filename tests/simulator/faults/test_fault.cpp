@@ -4,6 +4,7 @@
 // Faults as people write them.
 
 #include "simulator/faults/fault.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -138,5 +139,5 @@ void TestSimulatorFault::chanceIsKnown()
     QCOMPARE(sim::isRandom(sim::parseFault(QTest::currentDataTag())), random);
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorFault)
+TEST_CLASS(TestSimulatorFault)
 #include "test_fault.moc"

@@ -4,6 +4,7 @@
 // Misbehaviour that can be asked for: what each kind does to a conversation.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -384,5 +385,5 @@ void TestSimulatorFaults::sameSeedGivesTheSameRun()
     QVERIFY(conversation(fault, 7) != conversation(fault, 8));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorFaults)
+TEST_CLASS(TestSimulatorFaults)
 #include "test_faults.moc"

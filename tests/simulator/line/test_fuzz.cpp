@@ -8,6 +8,7 @@
 #include "seed.h"
 
 #include "simulator/trace/trace.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -200,5 +201,5 @@ void TestSimulatorFuzz::everyFaultSurvivesAnyBytes()
     QVERIFY(areasKeepTheirSizes(line.station(2)->memory()));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorFuzz)
+TEST_CLASS(TestSimulatorFuzz)
 #include "test_fuzz.moc"

@@ -4,6 +4,7 @@
 // A line with simulated stations: who hears what, how long it takes, and who is told.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -223,5 +224,5 @@ void TestSimulatorLine::writtenLiveValueIsOverwritten()
     QCOMPARE(readItems(line, "12 0a 10 02 0001 0000 83 000000"), plain("ff 04 0008 07"));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorLine)
+TEST_CLASS(TestSimulatorLine)
 #include "test_line.moc"

@@ -4,6 +4,7 @@
 // The simulator's frames: built, and found among noise.
 
 #include "conversation.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -206,5 +207,5 @@ void TestSimulatorLayer2::abandonedFrameGivesWayAtOnce()
     QCOMPARE(nextFrame(reader), plain(kPoll));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorLayer2)
+TEST_CLASS(TestSimulatorLayer2)
 #include "test_layer2.moc"

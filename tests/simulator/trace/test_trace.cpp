@@ -6,6 +6,7 @@
 #include "conversation.h"
 
 #include "simulator/trace/trace.h"
+#include "test_class.h"
 
 #include <QtTest>
 
@@ -78,5 +79,5 @@ void TestSimulatorTrace::directionIsShown()
     QCOMPARE(sim::traceLine(sim::Traffic::Skipped, {0x0A, 0xFF}), std::string("? 0a ff  skipped"));
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorTrace)
+TEST_CLASS(TestSimulatorTrace)
 #include "test_trace.moc"

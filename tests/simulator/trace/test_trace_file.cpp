@@ -6,6 +6,7 @@
 #include "conversation.h"
 
 #include "simulator/trace/trace_file.h"
+#include "test_class.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -138,5 +139,5 @@ void TestSimulatorTraceFile::fileThatTakesNoMoreIsToldOnce()
     QVERIFY(!trace.isGood());
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorTraceFile)
+TEST_CLASS(TestSimulatorTraceFile)
 #include "test_trace_file.moc"
