@@ -72,9 +72,9 @@ bool isTornApart(const QString &target, const QString &value)
 Assignment assign(Tag tag, const QString &values)
 {
     const int room = tag.item.size();
-    if (tag.item.count > 1 && (tag.isScaled() || tag.item.type == ValueType::F32))
+    if (tag.item.count > 1 && (tag.scaling.isActive() || tag.item.type == ValueType::F32))
         checkComma(tag.name, values);
-    const QByteArray data = encodeValues(tag.item, tag.isScaled() ? unscaledText(tag, values) : values);
+    const QByteArray data = encodeValues(tag.item, tag.scaling.isActive() ? unscaledText(tag, values) : values);
     if (data.size() > room)
         throw Failure(ExitCode::Usage, "there are more values than the tag has",
                       QString("%1 has %2").arg(tag.name).arg(tag.item.count));

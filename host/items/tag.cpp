@@ -18,29 +18,20 @@ namespace host {
 
 namespace {
 
-// As many digits as the number in the controller had any: a float has 7, an integer scaled as a double 15.
-constexpr int kFloatDigits = 7;
-constexpr int kDoubleDigits = 15;
-
 // The text of a number times the scale; empty for values that are none.
 struct Scaler
 {
-    QString operator()(qint64 number) const { return text(double(number), kDoubleDigits); }
-    QString operator()(float number) const { return text(double(number), kFloatDigits); }
+    QString operator()(qint64 number) const { return scaledText(scaling, number); }
+    QString operator()(float number) const { return scaledText(scaling, number); }
     template <typename Other> QString operator()(const Other & /*value*/) const { return QString(); }
 
-    QString text(double number, int digits) const
-    {
-        return QString::number(number * tag.scale + tag.offset, 'g', digits);
-    }
-
-    const Tag &tag;
+    const Scaling &scaling;
 };
 
 // The text of a scaled value; empty for tags without a scale, and for values that have none.
 QString scaledText(const Tag &tag, const Value &value)
 {
-    return tag.isScaled() ? std::visit(Scaler{tag}, value) : QString();
+    return tag.scaling.isActive() ? std::visit(Scaler{tag.scaling}, value) : QString();
 }
 
 QString shownText(const Tag &tag, const Value &value)
@@ -78,12 +69,12 @@ QString unscaledText(const Tag &tag, const QString &values)
     QStringList numbers;
     for (const QString &text : values.split(',')) {
         bool isNumber = false;
-        const double number = (text.toDouble(&isNumber) - tag.offset) / tag.scale;
+        const double shown = text.toDouble(&isNumber);
         if (!isNumber)
             throw Failure(ExitCode::Usage, '"' + text + "\" is not a number",
                           tag.label() + " is scaled: write a number with a point, as 21.5");
-        numbers << (tag.item.type == ValueType::F32 ? QString::number(number, 'g', kDoubleDigits)
-                                                    : QString::number(std::round(number), 'f', 0));
+        numbers << (tag.item.type == ValueType::F32 ? unscaledFloatText(tag.scaling, shown)
+                                                    : unscaledWholeText(tag.scaling, shown));
     }
     return numbers.join(',');
 }

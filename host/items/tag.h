@@ -1,13 +1,12 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// An item under the name that people know it by, with what its number means to them:
-//
-//   shown value = value in the controller * scale + offset, in the unit
+// An item under the name that people know it by, with what its number means to them.
 
 #ifndef HOST_ITEMS_TAG_H
 #define HOST_ITEMS_TAG_H
 
+#include "host/items/scaling.h"
 #include "host/items/value.h"
 #include "host/text/json.h"
 
@@ -26,12 +25,9 @@ struct Tag
     // What the tag is called on the screen: its name, or else its address.
     QString label() const { return name.isEmpty() ? item.address.text() : name; }
 
-    bool isScaled() const { return scale != 1 || offset != 0; }
-
     Item item;
     QString name;
-    double scale = 1;
-    double offset = 0;
+    Scaling scaling;
     QString unit;
 };
 

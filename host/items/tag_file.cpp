@@ -88,10 +88,10 @@ void checkScale(const Tag &tag)
 {
     const ValueType type = tag.item.type;
     const bool isNumber = type != ValueType::Bool && type != ValueType::Hex && type != ValueType::Str;
-    if (tag.isScaled() && !isNumber)
+    if (tag.scaling.isActive() && !isNumber)
         throw wrong("values of type " + typeName(type) + " cannot be scaled",
                     "leave scale and offset empty, or name another type");
-    if (tag.scale == 0)
+    if (tag.scaling.scale == 0)
         throw wrong("with a scale of 0 every value is the same", "leave the scale empty, or name another");
 }
 
@@ -117,8 +117,8 @@ Tag tagOf(const Row &row)
 {
     Tag tag(itemOf(row.cell("address"), row.cell("type")));
     tag.name = row.cell("name");
-    tag.scale = numberOf(row.cell("scale"), 1);
-    tag.offset = numberOf(row.cell("offset"), 0);
+    tag.scaling.scale = numberOf(row.cell("scale"), 1);
+    tag.scaling.offset = numberOf(row.cell("offset"), 0);
     tag.unit = row.cell("unit");
     if (tag.name.isEmpty())
         throw wrong("the tag has no name", "every tag needs one; a plain item can be named beside the file");

@@ -3,10 +3,32 @@
 
 #include "host/text/number_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace host {
+
+namespace {
+
+// Of a text like -1.25e-03 each digit behind the point is a place, and the exponent moves the point.
+template <typename Number> int placesOf(Number number)
+{
+    char digits[32];
+    const std::to_chars_result result =
+        std::to_chars(digits, digits + sizeof digits, number, std::chars_format::scientific);
+    const std::string_view text(digits, size_t(result.ptr - digits));
+    const size_t e = text.find('e');
+    const size_t point = text.find('.');
+    const int behindPoint = point == std::string_view::npos ? 0 : int(e - point - 1);
+    const int exponent = std::atoi(std::string(text.substr(e + 1)).c_str());
+    return std::max(behindPoint - exponent, 0);
+}
+
+} // namespace
 
 QString shortNumber(double number)
 {
@@ -21,6 +43,16 @@ QString shortestText(float number)
     char digits[32];
     const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
     return QString::fromLatin1(digits, int(end.ptr - digits));
+}
+
+int decimalPlaces(float number)
+{
+    return placesOf(number);
+}
+
+int decimalPlaces(double number)
+{
+    return placesOf(number);
 }
 
 QString durationText(qint64 milliseconds)

@@ -24,6 +24,11 @@ QString shortNumber(double number);
 // nan.
 QString shortestText(float number);
 
+// How many digits the shortest text of the number has behind the point: 2 for 0.05, 7 for 1e-7, 0 for 20. The
+// number must be finite.
+int decimalPlaces(float number);
+int decimalPlaces(double number);
+
 // How long something is going to last, to the nearest second. The second number always has two digits, so
 // that what stands behind it keeps its place while the time runs down: "8 s", "2 min 05 s", "1 h 00 min".
 QString durationText(qint64 milliseconds);

@@ -31,8 +31,8 @@ namespace {
 std::optional<double> numberOf(const QString &item, const QString &data, double scale, double offset)
 {
     Tag tag = parseItem(item);
-    tag.scale = scale;
-    tag.offset = offset;
+    tag.scaling.scale = scale;
+    tag.scaling.offset = offset;
     return shownNumber(tag, decodeValues(tag.item, bytes(qPrintable(data))).front());
 }
 

@@ -32,8 +32,8 @@ QString textOf(const Tag &tag)
     return QString("%1 %2:%3*%4 * %5 + %6 %7")
         .arg(tag.name, tag.item.address.text(), typeName(tag.item.type))
         .arg(tag.item.count)
-        .arg(tag.scale)
-        .arg(tag.offset)
+        .arg(tag.scaling.scale)
+        .arg(tag.scaling.offset)
         .arg(tag.unit)
         .trimmed();
 }
