@@ -3,6 +3,7 @@
 
 #include "host/base/messages.h"
 
+#include "common/terminal_text.h"
 #include "host/base/colour.h"
 #include "host/base/failure.h"
 #include "host/base/interruption.h"
@@ -12,11 +13,12 @@
 #include <string>
 #include <system_error>
 
+#include <unistd.h>
+
 namespace host {
 
 namespace {
 
-constexpr int kStderr = 2;
 const char kProgramLabel[] = "s7ppi:";
 const char kHintLabel[] = "hint:";
 
@@ -25,7 +27,14 @@ bool isVerbose = false;
 
 void printNotice(const QByteArray &label, const char *colour, const QString &text)
 {
-    std::cerr << coloured(label, colour, kStderr).constData() << ' ' << qUtf8Printable(text) << std::endl;
+    std::cerr << coloured(label, colour, STDERR_FILENO).constData() << ' '
+              << qUtf8Printable(common::messageText(text)) << std::endl;
+}
+
+// Values and names come from controllers and files.
+QByteArray terminalBytes(const QByteArray &data)
+{
+    return common::visibleText(QString::fromUtf8(data.constData(), int(data.size())), "\n\t").toUtf8();
 }
 
 void show(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &text)
@@ -81,7 +90,7 @@ void reportFailure(const QString &subject, const Failure &failure)
 
 void reportTrace(const QString &line)
 {
-    std::cerr << qUtf8Printable(line) << std::endl;
+    std::cerr << qUtf8Printable(common::visibleText(line)) << std::endl;
 }
 
 void printData(const QString &line)
@@ -89,8 +98,9 @@ void printData(const QString &line)
     printBytes(line.toUtf8() + '\n');
 }
 
-void printBytes(const QByteArray &bytes)
+void printBytes(const QByteArray &data)
 {
+    const QByteArray bytes = isatty(STDOUT_FILENO) ? terminalBytes(data) : data;
     std::cout.write(bytes.constData(), bytes.size()).flush();
     if (std::cout)
         return;

@@ -1,7 +1,8 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What the user reads: data on stdout, everything else on stderr, with the messages of driver and Qt.
+// What the user reads: data on stdout, everything else on stderr, with the messages of driver and Qt. On a
+// terminal, and in messages always, characters that would steer the terminal are written out.
 
 #ifndef HOST_BASE_MESSAGES_H
 #define HOST_BASE_MESSAGES_H
@@ -38,7 +39,7 @@ void reportTrace(const QString &line);
 void printData(const QString &line);
 
 // Prints data that are no lines, in the same way.
-void printBytes(const QByteArray &bytes);
+void printBytes(const QByteArray &data);
 
 // Sends the messages of driver and Qt to stderr: warnings always, debug messages only when verbose.
 void installDriverLog(bool verbose);

@@ -5,6 +5,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/files.h"
+#include "host/base/filled.h"
 
 #include <CLI/CLI.hpp>
 
@@ -117,7 +118,7 @@ std::vector<Setting> fileSettings(const QString &name, const Names &options)
     const QList<QByteArray> lines = withoutByteOrderMark(text).split('\n');
     for (int i = 0; i < int(lines.size()); ++i)
         if (!isBlank(lines.at(i)))
-            add(settings, settingOf(lines.at(i), QString("%1:%2").arg(name).arg(i + 1), options));
+            add(settings, settingOf(lines.at(i), filled("%1:%2", name, i + 1), options));
     return settings;
 }
 

@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/filled.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/driver/dry_run.h"
@@ -100,7 +101,7 @@ QString labelled(const QString &label, const QString &text)
 QString validText(const QString &text, const Item &item, const ItemCheck &found)
 {
     const Address &address = item.address;
-    const QString values = QString("%1 %2").arg(item.count).arg(typeName(item.type));
+    const QString values = filled("%1 %2", item.count, typeName(item.type));
     const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
     const QString frame = QString::fromLatin1(found.frame.toHex(' '));
     const bool isLong = found.requests > 1;
@@ -201,7 +202,7 @@ void CheckCommand::finish()
 {
     output.finish();
     if (wrong > 0)
-        throw Failure(outcome.code(), QString("%1 of %2 not valid").arg(wrong).arg(right + wrong),
+        throw Failure(outcome.code(), filled("%1 of %2 not valid", wrong, right + wrong),
                       "the data tell what could be meant instead");
 }
 

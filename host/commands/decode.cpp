@@ -4,10 +4,12 @@
 #include "host/commands/commands.h"
 
 #include "host/base/files.h"
+#include "host/base/filled.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/frames/explanation.h"
 #include "host/frames/trace_file.h"
+#include "host/frames/wire.h"
 #include "host/frames/words.h"
 #include "host/output/output.h"
 #include "host/text/hex_text.h"
@@ -75,12 +77,11 @@ private:
 
 QString byteLine(const ExplainedByte &byte)
 {
+    constexpr int kOffsetWidth = 4;
     constexpr int kFieldWidth = 22;
-    QString line = QString("%1  %2 %3 %4  %5")
-                       .arg(byte.offset, 4)
-                       .arg(uint(byte.byte), 2, 16, QChar('0'))
-                       .arg(byte.isFault ? '!' : ' ')
-                       .arg(byte.field.leftJustified(kFieldWidth), byte.meaning);
+    QString line = filled("%1  %2 %3 %4  %5", QString::number(byte.offset).rightJustified(kOffsetWidth),
+                          hexByte(byte.byte).toLower(), byte.isFault ? "!" : " ",
+                          byte.field.leftJustified(kFieldWidth), byte.meaning);
     while (line.endsWith(' '))
         line.chop(1);
     return line;
@@ -142,7 +143,7 @@ Failure DecodeCommand::faultyFrames() const
 {
     const bool isText = output.format() == Format::Text;
     return Failure(ExitCode::BrokenAnswer,
-                   QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(frames.size()),
+                   filled("%1 of %2 frames are cut, damaged or none", faulty, frames.size()),
                    isText ? "the lines with ! tell what is wrong with them"
                           : "the records whose fault is true tell what is wrong with them");
 }
@@ -163,7 +164,7 @@ void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outco
             decodeLine(command, lines.at(i));
         } catch (const Failure &failure) {
             if (failure.isFinal() || ++wrong <= kToldLines)
-                outcome.add(QString("%1:%2").arg(fileName).arg(i + 1), failure);
+                outcome.add(filled("%1:%2", fileName, i + 1), failure);
         }
     }
     if (wrong > kToldLines)

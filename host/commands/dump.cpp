@@ -4,6 +4,7 @@
 #include "host/commands/commands.h"
 
 #include "host/base/files_in_use.h"
+#include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
@@ -61,9 +62,8 @@ QString checkedFile(const OutputOptions &options, const Item &range)
 {
     if (!options.output || *options.output == "-")
         throw Failure(ExitCode::Usage, "a dump needs a file",
-                      QString("name it with -o FILE; s7ppi read '%1:hex*%2' prints the same memory")
-                          .arg(range.address.text())
-                          .arg(range.count));
+                      filled("name it with -o FILE; s7ppi read '%1:hex*%2' prints the same memory",
+                             range.address.text(), range.count));
     sinkFor(options);
     QString name = *options.output;
     claimFile(partName(name), FileRole::Unfinished);
@@ -72,7 +72,7 @@ QString checkedFile(const OutputOptions &options, const Item &range)
 
 QString sizesOf(const PartialDump &part)
 {
-    return QString("%1 of %2 bytes").arg(part.savedSize()).arg(part.dump().range.size());
+    return filled("%1 of %2 bytes", part.savedSize(), part.dump().range.size());
 }
 
 void tellEarlierPart(const PartialDump &part)

@@ -5,6 +5,7 @@
 
 #include "host/base/files.h"
 #include "host/base/files_in_use.h"
+#include "host/base/filled.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
@@ -158,9 +159,8 @@ void LoadCommand::goOn()
     if (count == 0)
         return;
     const Item earlier = partOf(load.target, 0, count);
-    reportNote(QString("%1 of %2 bytes were written by an earlier run; --restart begins anew")
-                   .arg(earlier.size())
-                   .arg(load.data.size()));
+    reportNote(filled("%1 of %2 bytes were written by an earlier run; --restart begins anew", earlier.size(),
+                      load.data.size()));
     const Differences differences = compareEarlier(earlier);
     written = differences.count > 0 ? differences.offset : earlier.size();
     if (differences.count > 0)
@@ -227,7 +227,7 @@ void LoadCommand::keepState()
 {
     if (doubtful)
         reportNote(rangeText(*doubtful) + " may have been written: no answer tells");
-    const QString place = QString("%1 of %2 bytes are written").arg(written).arg(load.data.size());
+    const QString place = filled("%1 of %2 bytes are written", written, load.data.size());
     if (written == 0)
         reportNote(place);
     else if (state.save(written))
@@ -302,8 +302,7 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
     Connection connection(options);
     const int station = connection.stationId();
     if (load.station && *load.station != station)
-        reportNote(
-            QString("the dump is of station %1, it goes to station %2").arg(*load.station).arg(station));
+        reportNote(filled("the dump is of station %1, it goes to station %2", *load.station, station));
     const LoadState state(stateName, load.target, station, load.data);
     LoadCommand command(connection, load, state, options);
     command.write(own.restart);

@@ -4,6 +4,7 @@
 #include "host/commands/commands.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/base/messages.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
@@ -23,7 +24,7 @@ constexpr int kLabelWidth = 10;
 
 QString line(const char *label, const QString &text)
 {
-    return text.isEmpty() ? QString() : QString("  %1 %2").arg(label, -kLabelWidth).arg(text);
+    return text.isEmpty() ? QString() : filled("  %1 %2", QString(label).leftJustified(kLabelWidth), text);
 }
 
 QString latencyText(const PortDetails &port)

@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
@@ -43,7 +44,7 @@ What is found is printed at once. The exit code is 4 when no station answered.
 
 Options: s7ppi --help)";
 
-const QString kAllStations = QString("%1..%2").arg(kFirstStation).arg(kLastStation);
+const QString kAllStations = filled("%1..%2", kFirstStation, kLastStation);
 const char kAllBauds[] = "9600,19200,187500"; // what the controllers can be set to
 const NumberKind kStation = {"station", kFirstStation, kLastStation, true};
 const NumberKind kBaud = {"baud rate", 50, 4000000, false};
@@ -207,7 +208,7 @@ void ScanCommand::scanLine(Connection &connection, int baud)
             progress.advance(1);
         }
     } catch (const Interrupted &) {
-        progress.note(QString("stopped at station %1, %2 baud").arg(current).arg(baud));
+        progress.note(filled("stopped at station %1, %2 baud", current, baud));
         throw;
     } catch (const Failure &failure) {
         if (failure.code() == ExitCode::PortLost)
@@ -237,7 +238,7 @@ void ScanCommand::tell(int baud, int station, const Answer &answer)
                   {"answer", jsonText(answer.kind)},
                   {"milliseconds", answer.milliseconds},
                   {"text", jsonText(answer.text)}},
-                 QString("station %1 at %2 baud: %3").arg(station).arg(baud).arg(answer.text));
+                 filled("station %1 at %2 baud: %3", station, baud, answer.text));
 }
 
 int scan(const Options &options, const ScanOptions &own)

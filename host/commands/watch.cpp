@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
@@ -196,8 +197,7 @@ std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOpti
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
-    const QString title =
-        QString("%1 every %2 ms, Ctrl-C ends").arg(connection.portName()).arg(intervalOf(own));
+    const QString title = filled("%1 every %2 ms, Ctrl-C ends", connection.portName(), intervalOf(own));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));

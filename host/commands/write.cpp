@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 
+#include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
@@ -57,7 +58,7 @@ address, as VW10:u8=1, are written as bytes: no byte changes that was not named.
 
 QString progress(const Item &item, int written)
 {
-    return QString("%1 of %2 values had been written").arg(written).arg(item.count);
+    return filled("%1 of %2 values had been written", written, item.count);
 }
 
 Failure partFailure(const Failure &failure, const Item &item, const WriteRequest &part, int written)

@@ -3,6 +3,8 @@
 
 #include "host/diagnosis/elf_file.h"
 
+#include "host/base/filled.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -140,10 +142,9 @@ QString machineText(const ElfFile &file)
 {
     static const QHash<int, QString> names = {{3, "x86"},     {8, "MIPS"},      {20, "PowerPC"}, {40, "ARM"},
                                               {62, "x86-64"}, {183, "AArch64"}, {243, "RISC-V"}};
-    return QString("%1, %2 bits, %3 endian")
-        .arg(names.value(file.machine, QString("machine %1").arg(file.machine)))
-        .arg(file.bits)
-        .arg(file.isLittleEndian ? "little" : "big");
+    return filled("%1, %2 bits, %3 endian",
+                  names.value(file.machine, QString("machine %1").arg(file.machine)), file.bits,
+                  file.isLittleEndian ? "little" : "big");
 }
 
 QStringList verificationLines(const QByteArray &bytes)

@@ -3,6 +3,7 @@
 
 #include "host/diagnosis/findings.h"
 
+#include "host/base/filled.h"
 #include "host/port/echo_port.h"
 
 #include <QStringList>
@@ -20,10 +21,8 @@ constexpr int kCheckWidth = 14;
 QString timesText(QList<qint64> times)
 {
     std::sort(times.begin(), times.end());
-    return QString("%1 ms at least, %2 ms median, %3 ms at most")
-        .arg(times.first())
-        .arg(times.at(times.size() / 2))
-        .arg(times.last());
+    return filled("%1 ms at least, %2 ms median, %3 ms at most", times.first(), times.at(times.size() / 2),
+                  times.last());
 }
 
 } // namespace
@@ -61,8 +60,7 @@ Finding judgeAnswers(const ReadTrial &trial)
     const int good = int(trial.answerTimes.size());
     if (good == 0)
         return failedFinding("answers", *trial.failure);
-    const QString text =
-        QString("%1 of %2 reads: ").arg(good).arg(trial.reads) + timesText(trial.answerTimes);
+    const QString text = filled("%1 of %2 reads: ", good, trial.reads) + timesText(trial.answerTimes);
     if (!trial.failure)
         return goodFinding("answers", text);
     return failedFinding("answers", Failure(trial.failure->code(), text + "; " + trial.failure->text(),
@@ -74,7 +72,7 @@ Finding judgeRetries(const ReadTrial &trial)
     const int repetitions = trial.requests - trial.reads;
     if (repetitions == 0)
         return goodFinding("retries", "none were needed");
-    return findingWith("retries", QString("%1 in %2 reads").arg(repetitions).arg(trial.reads),
+    return findingWith("retries", filled("%1 in %2 reads", repetitions, trial.reads),
                        "answers get lost or damaged: check cable, termination and biasing");
 }
 

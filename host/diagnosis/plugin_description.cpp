@@ -3,6 +3,7 @@
 
 #include "host/diagnosis/plugin_description.h"
 
+#include "host/base/filled.h"
 #include "host/port/line_settings.h"
 
 #include <QString>
@@ -22,7 +23,7 @@ QString bitsText(int flags)
     for (int i = 0; i < 31; ++i)
         if (flags >> i & 1)
             bits << QString::number(1 << i) + (1 << i == kRs485Port ? " (RS-485)" : "");
-    return bits.size() == 1 ? bits.first() : QString("%1 = %2").arg(flags).arg(bits.join(" + "));
+    return bits.size() == 1 ? bits.first() : filled("%1 = %2", flags, bits.join(" + "));
 }
 
 Json lineFields(const LineSettings &line)

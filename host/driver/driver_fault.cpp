@@ -3,6 +3,8 @@
 
 #include "host/driver/driver_fault.h"
 
+#include "host/base/filled.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -68,7 +70,7 @@ QString placesOf(const QString &text, const QStringList &texts)
     for (int i = 0; i < texts.size(); ++i)
         if (texts.at(i) == text)
             places << QString::number(i + 1);
-    return QString("%1 of %2").arg(places.join(", ")).arg(texts.size());
+    return filled("%1 of %2", places.join(", "), texts.size());
 }
 
 // A write of several bits ends with one text per bit, commas between; those of the written bits are

@@ -4,6 +4,7 @@
 #include "host/driver/read_plan.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/driver/connection.h"
 #include "host/items/memory_range.h"
 
@@ -60,7 +61,7 @@ QByteArray run(const ReadRequest &request, const ReadFunction &read)
     const QByteArray data = read(request.command);
     if (int(data.size()) != request.size)
         throw Failure(ExitCode::BrokenAnswer,
-                      QString("%1 bytes came instead of %2").arg(data.size()).arg(request.size),
+                      filled("%1 bytes came instead of %2", data.size(), request.size),
                       "the controller answered fewer objects than were asked for; try a smaller count");
     return byteSwapped(data, request.reversedWidth);
 }

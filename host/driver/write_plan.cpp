@@ -3,6 +3,8 @@
 
 #include "host/driver/write_plan.h"
 
+#include "host/base/filled.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -19,7 +21,7 @@ constexpr int kFrameBits = 12;
 QString bitAddress(const Address &address, int offset)
 {
     const int bit = address.bit + offset;
-    return QString("%1%2.%3").arg(address.prefix).arg(address.number + bit / 8).arg(bit % 8);
+    return filled("%1%2.%3", address.prefix, address.number + bit / 8, bit % 8);
 }
 
 QList<WriteRequest> planBits(const Item &item, const QByteArray &data)

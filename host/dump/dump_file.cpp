@@ -5,6 +5,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/files.h"
+#include "host/base/filled.h"
 #include "host/base/options.h"
 #include "host/items/memory_range.h"
 
@@ -66,7 +67,7 @@ private:
 
 Failure DumpParser::wrong(const QString &text, const QString &hint) const
 {
-    return Failure(ExitCode::Usage, QString("%1:%2: %3").arg(name).arg(lineNumber).arg(text), hint);
+    return Failure(ExitCode::Usage, filled("%1:%2: %3", name, lineNumber, text), hint);
 }
 
 void DumpParser::take(const QByteArray &line)
@@ -147,10 +148,9 @@ void DumpParser::takeElement(const QByteArray &digits)
 {
     const int width = range->valueSize();
     if (int(digits.size()) != 2 * width || !isHex(digits))
-        throw wrong(QString("\"%1\" is no element of %2 hexadecimal digits")
-                        .arg(QString::fromUtf8(digits))
-                        .arg(2 * width),
-                    kLineHint);
+        throw wrong(
+            filled("\"%1\" is no element of %2 hexadecimal digits", QString::fromUtf8(digits), 2 * width),
+            kLineHint);
     if (int(data.size()) == range->size())
         throw wrong("there is more than the area has: it ends at " + elementText(*range, range->count - 1),
                     "correct the area, or leave out the rest of the line");
@@ -201,10 +201,8 @@ Dump parseDump(const QByteArray &text, const QString &name)
     Dump dump = parser.dump();
     if (int(dump.data.size()) < dump.range.size())
         throw parser.wrong(
-            QString("the dump ends before %1: %2 of %3 bytes are there")
-                .arg(elementText(dump.range, dump.range.count - 1))
-                .arg(dump.data.size())
-                .arg(dump.range.size()),
+            filled("the dump ends before %1: %2 of %3 bytes are there",
+                   elementText(dump.range, dump.range.count - 1), dump.data.size(), dump.range.size()),
             "it was cut, or its dump was stopped: the same dump command goes on where a .part ends");
     return dump;
 }

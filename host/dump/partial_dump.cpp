@@ -4,6 +4,7 @@
 #include "host/dump/partial_dump.h"
 
 #include "host/base/files.h"
+#include "host/base/filled.h"
 #include "host/items/memory_range.h"
 
 #include <QByteArray>
@@ -24,7 +25,7 @@ const QByteArray kPortComment = "# port ";
 
 QString dumpName(const Item &range, int station, const QString &port)
 {
-    const QString name = QString("%1 of station %2").arg(rangeText(range)).arg(station);
+    const QString name = filled("%1 of station %2", rangeText(range), station);
     return port.isEmpty() ? name : name + " on " + port;
 }
 

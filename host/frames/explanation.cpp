@@ -3,6 +3,7 @@
 
 #include "host/frames/explanation.h"
 
+#include "host/base/filled.h"
 #include "host/frames/layout.h"
 #include "host/frames/words.h"
 
@@ -75,10 +76,8 @@ void Walk::miss(const QString &field)
     if (wholeSize == 0)
         explained.missing = QString("cut: it ends before \"%1\"").arg(field);
     else if (isCut())
-        explained.missing = QString("cut: %1 of %2 bytes are missing, from \"%3\" on")
-                                .arg(wholeSize - frame.size())
-                                .arg(wholeSize)
-                                .arg(field);
+        explained.missing = filled("cut: %1 of %2 bytes are missing, from \"%3\" on",
+                                   wholeSize - frame.size(), wholeSize, field);
     else
         explained.missing = QString("there are no bytes for \"%1\" within the lengths").arg(field);
     explained.faults << explained.missing;
@@ -126,7 +125,7 @@ QString recordMeaning(const QByteArray &bytes, const WireItem &item, int element
     for (int i = record.valueOffset; i < record.size; ++i)
         value = value << 8 | uchar(bytes.at(i));
     const QString status = record.valueOffset ? ", status " + hexByte(uchar(bytes.at(0))) : QString();
-    return QString("%1: %2%3").arg(address).arg(value).arg(status);
+    return filled("%1: %2%3", address, value, status);
 }
 
 void Walk::takeData(int length, const WireItem *item)

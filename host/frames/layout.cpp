@@ -3,6 +3,7 @@
 
 #include "host/frames/layout.h"
 
+#include "host/base/filled.h"
 #include "host/text/number_text.h"
 
 namespace host {
@@ -81,10 +82,8 @@ FieldMeaning dataLength(const FrameFacts &facts, int value)
     const int told = facts.parameterLength + value;
     if (told == behindHeader || facts.messageType > kLastAnswerType)
         return {counted(value, "byte"), false};
-    return {QString("%1, with the parameters %2, but %3 stand behind the header")
-                .arg(counted(value, "byte"))
-                .arg(told)
-                .arg(behindHeader),
+    return {filled("%1, with the parameters %2, but %3 stand behind the header", counted(value, "byte"), told,
+                   behindHeader),
             true};
 }
 
@@ -335,7 +334,7 @@ QString elementAddress(const WireItem &item, int index)
     const int first = item.address / 8;
     if (item.transportSize == kBitElement) {
         const int bit = item.address % 8 + index;
-        return QString("%1%2.%3").arg(letters).arg(first + bit / 8).arg(bit % 8);
+        return filled("%1%2.%3", letters, first + bit / 8, bit % 8);
     }
     const int width = dataRecord(item).size;
     const QString widthLetter = width == 4 ? "D" : width == 2 ? "W" : "B";

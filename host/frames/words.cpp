@@ -3,6 +3,7 @@
 
 #include "host/frames/words.h"
 
+#include "host/base/filled.h"
 #include "host/frames/layout.h"
 #include "host/text/number_text.h"
 
@@ -93,9 +94,9 @@ QString itemWords(const WireItem &item)
     const QString elements = counted(item.count, orUnknown(elementName(size), "element of kind", size));
     const QString letters = orUnknown(areaLetters(area), "area", area);
     if (isObjectArea(area))
-        return QString("%1 at %2%3").arg(elements, letters).arg(item.address);
-    const QString place = QString("%1 byte %2").arg(letters).arg(item.address / 8);
-    return size == kBitElement ? QString("%1 at %2 bit %3").arg(elements, place).arg(item.address % 8)
+        return filled("%1 at %2%3", elements, letters, item.address);
+    const QString place = filled("%1 byte %2", letters, item.address / 8);
+    return size == kBitElement ? filled("%1 at %2 bit %3", elements, place, item.address % 8)
                                : QString("%1 at %2").arg(elements, place);
 }
 
@@ -107,7 +108,7 @@ QString functionWords(const FrameFacts &facts)
 QString requestWords(FieldReader &reader)
 {
     const FrameFacts &facts = reader.facts;
-    QString words = QString("request %1 to station %2: ").arg(facts.reference).arg(facts.destination);
+    QString words = filled("request %1 to station %2: ", facts.reference, facts.destination);
     if (reader.left() == 0)
         return words + "without a function";
     reader.read(parameterFields());
@@ -148,8 +149,7 @@ QString writeAnswerWords(FieldReader &reader)
 QString answerWords(FieldReader &reader)
 {
     const FrameFacts &facts = reader.facts;
-    const QString words =
-        QString("answer to request %1 from station %2: ").arg(facts.reference).arg(facts.source);
+    const QString words = filled("answer to request %1 from station %2: ", facts.reference, facts.source);
     if (facts.errorClass != 0 || facts.errorCode != 0)
         return words + QString("not taken, error class %1, code %2")
                            .arg(hexByte(uchar(facts.errorClass)), hexByte(uchar(facts.errorCode)));

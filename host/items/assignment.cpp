@@ -4,6 +4,7 @@
 #include "host/items/assignment.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/items/tag_file.h"
 #include "host/items/value_parser.h"
 
@@ -74,10 +75,11 @@ Assignment assign(Tag tag, const QString &values)
     const int room = tag.item.size();
     if (tag.item.count > 1 && (tag.scaling.isActive() || tag.item.type == ValueType::F32))
         checkComma(tag.name, values);
-    const QByteArray data = encodeValues(tag.item, tag.scaling.isActive() ? unscaledText(tag, values) : values);
+    const QByteArray data =
+        encodeValues(tag.item, tag.scaling.isActive() ? unscaledText(tag, values) : values);
     if (data.size() > room)
         throw Failure(ExitCode::Usage, "there are more values than the tag has",
-                      QString("%1 has %2").arg(tag.name).arg(tag.item.count));
+                      filled("%1 has %2", tag.name, tag.item.count));
     tag.item.count = int(data.size()) / tag.item.valueSize();
     return {tag, data};
 }

@@ -4,6 +4,7 @@
 #include "host/items/memory_range.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 
 #include <QRegularExpression>
 
@@ -56,7 +57,7 @@ void checkEnds(const Address &first, const Address &last)
     if (last.prefix != first.prefix)
         throw Failure(ExitCode::Usage,
                       QString("%1 and %2 are not in the same area").arg(first.text(), last.text()),
-                      QString("write %1..%2%3").arg(first.text(), first.prefix).arg(last.number));
+                      filled("write %1..%2%3", first.text(), first.prefix, last.number));
     if (last.number < first.number)
         throw Failure(ExitCode::Usage, last.text() + " lies before " + first.text(),
                       QString("write %1..%2").arg(last.text(), first.text()));
@@ -65,7 +66,7 @@ void checkEnds(const Address &first, const Address &last)
         throw Failure(
             ExitCode::Usage,
             QString("%1 begins inside another element counted from %2").arg(last.text(), first.text()),
-            QString("write %1..%2%3").arg(first.text(), first.prefix).arg(last.number - excess));
+            filled("write %1..%2%3", first.text(), first.prefix, last.number - excess));
 }
 
 } // namespace

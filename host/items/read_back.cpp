@@ -3,6 +3,7 @@
 
 #include "host/items/read_back.h"
 
+#include "host/base/filled.h"
 #include "host/items/value.h"
 
 namespace host {
@@ -51,7 +52,7 @@ void checkReadBack(const Assignment &assignment, const QByteArray &data)
         return;
     const bool isOneOfMany = item.count > 1 && item.type != ValueType::Str;
     const QString place =
-        isOneOfMany ? QString("value %1 of %2 is ").arg(differences.index + 1).arg(item.count) : "reads ";
+        isOneOfMany ? filled("value %1 of %2 is ", differences.index + 1, item.count) : "reads ";
     throw notAsWritten(place + differences.first);
 }
 

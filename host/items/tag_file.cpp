@@ -4,6 +4,7 @@
 #include "host/items/tag_file.h"
 
 #include "host/base/files.h"
+#include "host/base/filled.h"
 #include "host/text/csv.h"
 
 #include <QByteArray>
@@ -102,7 +103,7 @@ public:
     Row(const QStringList &columns_, const QStringList &cells_) : columns(columns_), cells(cells_)
     {
         if (cells.size() > columns.size())
-            throw wrong(QString("there are %1 cells in %2 columns").arg(cells.size()).arg(columns.size()),
+            throw wrong(filled("there are %1 cells in %2 columns", cells.size(), columns.size()),
                         "put a cell with a separator in it between quotes");
     }
 
@@ -189,7 +190,7 @@ std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, O
     for (int i = 0; i < int(lines.size()); ++i) {
         if (isNothing(lines.at(i)))
             continue;
-        const QString place = QString("%1:%2").arg(fileName).arg(i + 1);
+        const QString place = filled("%1:%2", fileName, i + 1);
         const auto failure = outcome.attempt(place, [&] { parser.parse(lines.at(i)); });
         if (failure && !hasHead)
             return {};

@@ -4,6 +4,7 @@
 #include "host/items/value_parser.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/items/value.h"
 
 #include <QHash>
@@ -146,10 +147,8 @@ void checkRange(const Item &item, const QString &text, qint64 number)
     const qint64 nearest = std::clamp(number, range.least, range.most);
     if (nearest == number)
         return;
-    throw bad(QString("%1 is too %2 for %3: %4 to %5")
-                  .arg(text, number > range.most ? "large" : "small", typeName(item.type))
-                  .arg(range.least)
-                  .arg(range.most),
+    throw bad(filled("%1 is too %2 for %3: %4 to %5", text, number > range.most ? "large" : "small",
+                     typeName(item.type), range.least, range.most),
               rangeHint(item, text, number, nearest));
 }
 
@@ -201,9 +200,8 @@ QString hexHint(const Item &item, const QString &text)
     if (text.startsWith("0x", Qt::CaseInsensitive))
         return "write " + text.mid(2) + " instead of " + text;
     const int digits = 2 * item.valueSize();
-    return QString("hex is %1 digits for each value of %2, as %3")
-        .arg(digits)
-        .arg(item.address.text(), QString("1a2b3c4d").left(digits));
+    return filled("hex is %1 digits for each value of %2, as %3", digits, item.address.text(),
+                  QString("1a2b3c4d").left(digits));
 }
 
 QByteArray encodeHex(const Item &item, const QString &text)

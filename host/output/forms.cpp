@@ -3,6 +3,7 @@
 
 #include "host/output/forms.h"
 
+#include "host/base/filled.h"
 #include "host/output/table.h"
 
 #include <QList>
@@ -17,7 +18,7 @@ namespace {
 
 std::string formatName(const Schema &schema)
 {
-    return QString("s7ppi.%1/%2").arg(schema.command).arg(schema.version).toStdString();
+    return filled("s7ppi.%1/%2", schema.command, schema.version).toStdString();
 }
 
 // Texts that come from QString are sound, but the driver's own may be cut in the middle of a character.

@@ -3,7 +3,9 @@
 
 #include "host/output/progress.h"
 
+#include "common/terminal_text.h"
 #include "host/base/colour.h"
+#include "host/base/filled.h"
 #include "host/base/messages.h"
 #include "host/text/number_text.h"
 
@@ -36,7 +38,7 @@ QString fitted(const QString &text)
 
 QString rateText(double perSecond, const QString &unit)
 {
-    return QString("%1 %2/s").arg(perSecond, 0, 'f', perSecond < 10 ? 1 : 0).arg(unit);
+    return filled("%1 %2/s", QString::number(perSecond, 'f', perSecond < 10 ? 1 : 0), unit);
 }
 
 double rateOf(const Work &work, qint64 milliseconds)
@@ -48,12 +50,8 @@ double rateOf(const Work &work, qint64 milliseconds)
 
 QString progressText(const Work &work, qint64 milliseconds)
 {
-    QString text = QString("%1: %2 of %3 %4, %5 %")
-                       .arg(work.name)
-                       .arg(work.done)
-                       .arg(work.total)
-                       .arg(work.unit)
-                       .arg(work.total > 0 ? 100 * work.done / work.total : 100);
+    QString text = filled("%1: %2 of %3 %4, %5 %", work.name, work.done, work.total, work.unit,
+                          work.total > 0 ? 100 * work.done / work.total : 100);
     const double rate = rateOf(work, milliseconds);
     if (rate <= 0 || milliseconds < kFirstRate)
         return text;
@@ -63,12 +61,9 @@ QString progressText(const Work &work, qint64 milliseconds)
 
 QString summaryText(const Work &work, qint64 milliseconds)
 {
-    return QString("%1: %2 %3 in %4 s, %5")
-        .arg(work.name)
-        .arg(work.done - work.doneBefore)
-        .arg(work.unit)
-        .arg(double(milliseconds) / 1000, 0, 'f', 1)
-        .arg(rateText(rateOf(work, milliseconds), work.unit));
+    return filled("%1: %2 %3 in %4 s, %5", work.name, work.done - work.doneBefore, work.unit,
+                  QString::number(double(milliseconds) / 1000, 'f', 1),
+                  rateText(rateOf(work, milliseconds), work.unit));
 }
 
 Progress::Progress(const OutputOptions &options, const Work &work_) : style(styleFor(options)), work(work_)
@@ -107,7 +102,7 @@ void Progress::show()
         reportNote(text);
         return;
     }
-    std::cerr << kEraseLine << qUtf8Printable(fitted(text)) << std::flush;
+    std::cerr << kEraseLine << qUtf8Printable(fitted(common::visibleText(text))) << std::flush;
     isShown = true;
 }
 

@@ -4,6 +4,7 @@
 #include "host/port/line_settings.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/text/number_text.h"
 
 #include <QStringList>
@@ -24,7 +25,7 @@ constexpr int kSpeedTolerance = 50;
 Failure unknownCode(const char *what, int code)
 {
     return Failure(
-        ExitCode::PluginUnusable, QString("the plug-in proposes %1 code %2").arg(what).arg(code),
+        ExitCode::PluginUnusable, filled("the plug-in proposes %1 code %2", what, code),
         "the plug-in belongs to another host's ports; this host knows parity 0 to 4, stop bits 0 and 2");
 }
 

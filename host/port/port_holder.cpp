@@ -3,6 +3,8 @@
 
 #include "host/port/port_holder.h"
 
+#include "host/base/filled.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -71,7 +73,7 @@ QString holderText(const QList<PortHolder> &holders)
 {
     QStringList texts;
     for (const PortHolder &holder : holders)
-        texts << QString("%1 (process %2)").arg(holder.program).arg(holder.process);
+        texts << filled("%1 (process %2)", holder.program, holder.process);
     return texts.join(", ");
 }
 

@@ -5,6 +5,7 @@
 
 #include "host/base/failure.h"
 #include "host/base/files.h"
+#include "host/base/filled.h"
 #include "host/text/csv.h"
 
 #include <QDateTime>
@@ -57,7 +58,7 @@ public:
 private:
     Failure wrong(const QString &what) const
     {
-        return Failure(ExitCode::Usage, QString("%1:%2: %3").arg(fileName).arg(line).arg(what), kHint);
+        return Failure(ExitCode::Usage, filled("%1:%2: %3", fileName, line, what), kHint);
     }
 
     void takeHead(const QString &text);
@@ -202,7 +203,7 @@ void RecordingParser::takeRow(const QString &text)
         throw wrong("a quote is not closed");
     cells = *parts;
     if (cells.size() != columns.size())
-        throw wrong(QString("%1 cells instead of %2").arg(cells.size()).arg(columns.size()));
+        throw wrong(filled("%1 cells instead of %2", cells.size(), columns.size()));
     const qint64 time = timeCell();
     if (!cell("error").isEmpty()) {
         takeError(time);

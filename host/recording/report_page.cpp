@@ -4,6 +4,7 @@
 #include "host/recording/report_page.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/driver/driver_fault.h"
 #include "host/recording/statistics.h"
 #include "host/recording/trend_chart.h"
@@ -140,12 +141,8 @@ QString grid(const ChartFrame &frame)
 {
     QString lines;
     for (int i = 1; i < 4; ++i) {
-        lines += QString("<line x1=\"0\" x2=\"%1\" y1=\"%2\" y2=\"%2\"/>")
-                     .arg(frame.width)
-                     .arg(frame.height * i / 4);
-        lines += QString("<line y1=\"0\" y2=\"%1\" x1=\"%2\" x2=\"%2\"/>")
-                     .arg(frame.height)
-                     .arg(frame.width * i / 4);
+        lines += filled("<line x1=\"0\" x2=\"%1\" y1=\"%2\" y2=\"%2\"/>", frame.width, frame.height * i / 4);
+        lines += filled("<line y1=\"0\" y2=\"%1\" x1=\"%2\" x2=\"%2\"/>", frame.height, frame.width * i / 4);
     }
     return lines;
 }
@@ -154,11 +151,10 @@ QString plot(const Recording &recording, const RecordedSeries &series, const Tre
 {
     const ChartFrame frame = chartFrame(recording, trend.least, trend.most);
     const QString picture =
-        QString("<svg viewBox=\"0 0 %1 %2\" preserveAspectRatio=\"none\" role=\"img\" aria-label=\"%3\">%4"
-                "<path d=\"%5\"/></svg>")
-            .arg(frame.width)
-            .arg(frame.height)
-            .arg(("trend of " + series.label).toHtmlEscaped(), grid(frame), trendPath(series.samples, frame));
+        filled("<svg viewBox=\"0 0 %1 %2\" preserveAspectRatio=\"none\" role=\"img\" aria-label=\"%3\">%4"
+               "<path d=\"%5\"/></svg>",
+               frame.width, frame.height, ("trend of " + series.label).toHtmlEscaped(), grid(frame),
+               trendPath(series.samples, frame));
     return QString("<div class=\"plot\"><div "
                    "class=\"scale\"><span>%1</span><span>%2</span><span>%3</span></div>%4"
                    "<div class=\"times\"><span>%5</span><span>%6</span></div></div>\n")
@@ -210,8 +206,8 @@ QString binRow(const TimeBin &bin, int fullest)
 {
     const QString range =
         bin.to > 0 ? shortNumber(bin.from) + " to " + shortNumber(bin.to) : "above " + shortNumber(bin.from);
-    const QString bar = bin.count ? QString("<span class=\"bar\" style=\"width:%1%\"></span>")
-                                        .arg(bin.count * 100.0 / fullest, 0, 'f', 1)
+    const QString bar = bin.count ? filled("<span class=\"bar\" style=\"width:%1%\"></span>",
+                                           QString::number(bin.count * 100.0 / fullest, 'f', 1))
                                   : QString("<span></span>");
     return QString("<span>%1</span>%2<span>%3</span>\n").arg(range, bar, QString::number(bin.count));
 }

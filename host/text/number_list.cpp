@@ -4,6 +4,7 @@
 #include "host/text/number_list.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 
 #include <QStringList>
 
@@ -13,7 +14,7 @@ namespace {
 
 Failure wrong(const QString &text, const NumberKind &kind)
 {
-    const QString limits = QString("from %1 to %2").arg(kind.least).arg(kind.most);
+    const QString limits = filled("from %1 to %2", kind.least, kind.most);
     const QString span = kind.hasSpans ? ", or spans as 2..9" : "";
     return Failure(ExitCode::Usage, QString("\"%1\" is no %2").arg(text, kind.name),
                    QString("write numbers %1, commas between%2").arg(limits, span));
@@ -32,8 +33,8 @@ void add(QList<int> &numbers, const QString &text, const NumberKind &kind)
     const int first = parseNumber(isSpan ? text.section("..", 0, 0) : text, kind);
     const int last = isSpan ? parseNumber(text.section("..", 1), kind) : first;
     if (last < first)
-        throw Failure(ExitCode::Usage, QString("%1 is less than %2").arg(last).arg(first),
-                      QString("write %1..%2").arg(last).arg(first));
+        throw Failure(ExitCode::Usage, filled("%1 is less than %2", last, first),
+                      filled("write %1..%2", last, first));
     for (int number = first; number <= last; ++number)
         if (!numbers.contains(number))
             numbers << number;

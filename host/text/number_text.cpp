@@ -3,6 +3,8 @@
 
 #include "host/text/number_text.h"
 
+#include "host/base/filled.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -26,6 +28,11 @@ template <typename Number> int placesOf(Number number)
     const int behindPoint = point == std::string_view::npos ? 0 : int(e - point - 1);
     const int exponent = std::atoi(std::string(text.substr(e + 1)).c_str());
     return std::max(behindPoint - exponent, 0);
+}
+
+QString twoDigits(qint64 number)
+{
+    return QString::number(number).rightJustified(2, '0');
 }
 
 } // namespace
@@ -61,8 +68,8 @@ QString durationText(qint64 milliseconds)
     if (seconds < 60)
         return QString("%1 s").arg(seconds);
     if (seconds < 3600)
-        return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
-    return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60, 2, 10, QChar('0'));
+        return filled("%1 min %2 s", seconds / 60, twoDigits(seconds % 60));
+    return filled("%1 h %2 min", seconds / 3600, twoDigits(seconds / 60 % 60));
 }
 
 QString elapsedText(qint64 milliseconds)
@@ -74,9 +81,8 @@ QString elapsedText(qint64 milliseconds)
         return QString("%1 s").arg(seconds);
     const qint64 minutes = seconds / 60;
     if (minutes < 60)
-        return seconds % 60 ? QString("%1 min %2 s").arg(minutes).arg(seconds % 60)
-                            : QString("%1 min").arg(minutes);
-    return QString("%1 h %2 min").arg(minutes / 60).arg(minutes % 60);
+        return seconds % 60 ? filled("%1 min %2 s", minutes, seconds % 60) : QString("%1 min").arg(minutes);
+    return filled("%1 h %2 min", minutes / 60, minutes % 60);
 }
 
 } // namespace host

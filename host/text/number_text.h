@@ -6,6 +6,8 @@
 #ifndef HOST_TEXT_NUMBER_TEXT_H
 #define HOST_TEXT_NUMBER_TEXT_H
 
+#include "host/base/filled.h"
+
 #include <QString>
 
 namespace host {
@@ -13,7 +15,7 @@ namespace host {
 // A number with what it counts: "1 byte", "4 bytes".
 inline QString counted(qint64 count, const QString &what)
 {
-    return QString("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
+    return filled("%1 %2%3", count, what, count == 1 ? "" : "s");
 }
 
 // A whole number of up to nine digits as it is, any other number with five digits:

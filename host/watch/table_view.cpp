@@ -3,6 +3,8 @@
 
 #include "host/watch/table_view.h"
 
+#include "host/base/filled.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -143,7 +145,7 @@ void TableView::tell(const Watch &watch, const QString &text)
 void TableView::draw(const Watch &watch)
 {
     screen.takeResize();
-    const QString polls = QString("%1, poll %2").arg(title).arg(watch.polls + 1);
+    const QString polls = filled("%1, poll %2", title, watch.polls + 1);
     QStringList lines = {cut(polls, screen.columns()), cut(lastMessage, screen.columns())};
     lines << watchTable(watch, std::chrono::steady_clock::now(), screen.columns(),
                         screen.rows() - kTitleRows);

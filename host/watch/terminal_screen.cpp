@@ -3,6 +3,7 @@
 
 #include "host/watch/terminal_screen.h"
 
+#include "common/terminal_text.h"
 #include "host/base/interruption.h"
 
 #include <QByteArray>
@@ -112,8 +113,10 @@ void TerminalScreen::show(const QStringList &lines)
 {
     werase(stdscr);
     const int count = std::min(int(lines.size()), rows());
-    for (int row = 0; row < count; ++row)
-        mvwaddnstr(stdscr, row, 0, lines.at(row).left(columns()).toLocal8Bit().constData(), -1);
+    for (int row = 0; row < count; ++row) {
+        const QString line = common::visibleText(lines.at(row)).left(columns());
+        mvwaddnstr(stdscr, row, 0, line.toLocal8Bit().constData(), -1);
+    }
     wrefresh(stdscr);
 }
 

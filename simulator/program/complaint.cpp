@@ -3,6 +3,10 @@
 
 #include "simulator/program/complaint.h"
 
+#include "common/terminal_text.h"
+
+#include <QString>
+
 #include <iostream>
 
 namespace sim {
@@ -11,11 +15,17 @@ namespace {
 
 const char *const kLabel = "s7ppi-sim: ";
 
+// What is told may quote a file.
+std::string visible(const std::string &text)
+{
+    return common::messageText(QString::fromStdString(text)).toStdString();
+}
+
 } // namespace
 
 void note(const std::string &text)
 {
-    std::cerr << kLabel << text << std::endl;
+    std::cerr << kLabel << visible(text) << std::endl;
 }
 
 void complain(const std::string &text, const std::string &hint)
@@ -25,7 +35,7 @@ void complain(const std::string &text, const std::string &hint)
 
 std::string complaint(const std::string &text, const std::string &hint)
 {
-    return kLabel + text + "\nhint: " + hint + '\n';
+    return kLabel + visible(text) + "\nhint: " + visible(hint) + '\n';
 }
 
 } // namespace sim

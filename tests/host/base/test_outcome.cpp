@@ -5,6 +5,8 @@
 
 #include "host/base/outcome.h"
 
+#include "test_class.h"
+
 #include <QtTest>
 
 using namespace host;
@@ -50,5 +52,5 @@ void TestOutcome::whatIsToldElsewhereCountsToo()
     QCOMPARE(int(outcome.code()), 2);
 }
 
-QTEST_APPLESS_MAIN(TestOutcome)
+TEST_CLASS(TestOutcome)
 #include "test_outcome.moc"

@@ -139,3 +139,23 @@ without_room() {
     run -2 --separate-stderr s7ppi report ''
     [ "${stderr_lines[0]}" = "s7ppi: no name is given" ]
 }
+
+@test "a percent sign in a file's name is told as it is" {
+    local name=$BATS_TEST_TMPDIR/50%1%2%3.csv
+    printf 'name,address\nBoiler,VX1\n' >"$name"
+    run --separate-stderr s7ppi read --port sim "@$name"
+    [ "$status" -eq 2 ]
+    [[ "$stderr" == *"$name:2: "* ]]
+    run --separate-stderr s7ppi report "$name"
+    [ "$status" -eq 2 ]
+    [[ "$stderr" == *"$name:1: "* ]]
+    run --separate-stderr s7ppi decode --trace "$name"
+    [ "$status" -eq 2 ]
+    [[ "$stderr" == *"$name:1: "* ]]
+    run --separate-stderr s7ppi load --port sim "$name"
+    [ "$status" -eq 2 ]
+    [[ "$stderr" == *"$name:1: "* ]]
+    S7PPI_CONFIG=$name run --separate-stderr s7ppi read --port sim VB0
+    [ "$status" -eq 2 ]
+    [[ "$stderr" == *"$name:1: "* ]]
+}
