@@ -105,12 +105,12 @@ void TestBitReads::timersAndMemoryAreNotTraced_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("item");
-    QTest::newRow("T") << "T37"
-                       << "04 01 ff 09 00 05 02 00 00 12 34";
-    QTest::newRow("V") << "V10.0"
-                       << "04 01 ff 04 00 08 a5";
-    QTest::newRow("HC") << "HC0"
-                        << "04 01 ff 04 00 08 a5";
+    const auto row = [](const char *name, const char *address, const char *item) {
+        QTest::newRow(name) << address << item;
+    };
+    row("T", "T37", "04 01 ff 09 00 05 02 00 00 12 34");
+    row("V", "V10.0", "04 01 ff 04 00 08 a5");
+    row("HC", "HC0", "04 01 ff 04 00 08 a5");
 }
 
 void TestBitReads::timersAndMemoryAreNotTraced()

@@ -52,31 +52,22 @@ void TestBitWrites::addressNamesTheFirstBit_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("block");
-    QTest::newRow("V10.3") << "V10.3"
-                           << "0502120a10010001000184000053120a10010001000184000054";
-    QTest::newRow("Q0.7") << "Q0.7"
-                          << "0502120a10010001000082000007120a10010001000082000008";
-    QTest::newRow("M13 is M13.3") << "M13"
-                                  << "0502120a1001000100008300006b120a1001000100008300006c";
-    QTest::newRow("V10.12 is V10.2") << "V10.12"
-                                     << "0502120a10010001000184000052120a10010001000184000053";
-    QTest::newRow("V10.9, then V11.0") << "V10.9"
-                                       << "0502120a10010001000184000059120a10010001000184000058";
-    QTest::newRow("V10.A is bit 17") << "V10.A"
-                                     << "0502120a10010001000184000061120a10010001000184000058";
-    QTest::newRow("V10. is bit -2") << "V10."
-                                    << "0502120a1001000100018400004e120a10010001000184000058";
-    QTest::newRow("M1/ is bit -1, then bit 0 of the same byte")
-        << "M1/"
-        << "0502120a10010001000083000007120a10010001000083000008";
-    QTest::newRow("VB10.3") << "VB10.3"
-                            << "0502120a10010001000184000053120a10010001000184000054";
-    QTest::newRow("unknown prefix") << "v10.3"
-                                    << "0502120a10010001000000000053120a10010001000000000054";
-    QTest::newRow("no prefix") << "10.3"
-                               << "0502120a10010001000000000053120a10010001000000000054";
-    QTest::newRow("no address") << ""
-                                << "0502120a10010001000000000000120a10010001000000000001";
+    const auto row = [](const char *name, const char *address, const char *block) {
+        QTest::newRow(name) << address << block;
+    };
+    row("V10.3", "V10.3", "0502120a10010001000184000053120a10010001000184000054");
+    row("Q0.7", "Q0.7", "0502120a10010001000082000007120a10010001000082000008");
+    row("M13 is M13.3", "M13", "0502120a1001000100008300006b120a1001000100008300006c");
+    row("V10.12 is V10.2", "V10.12", "0502120a10010001000184000052120a10010001000184000053");
+    row("V10.9, then V11.0", "V10.9", "0502120a10010001000184000059120a10010001000184000058");
+    row("V10.A is bit 17", "V10.A", "0502120a10010001000184000061120a10010001000184000058");
+    row("V10. is bit -2", "V10.", "0502120a1001000100018400004e120a10010001000184000058");
+    row("M1/ is bit -1, then bit 0 of the same byte", "M1/",
+        "0502120a10010001000083000007120a10010001000083000008");
+    row("VB10.3", "VB10.3", "0502120a10010001000184000053120a10010001000184000054");
+    row("unknown prefix", "v10.3", "0502120a10010001000000000053120a10010001000000000054");
+    row("no prefix", "10.3", "0502120a10010001000000000053120a10010001000000000054");
+    row("no address", "", "0502120a10010001000000000000120a10010001000000000001");
 }
 
 void TestBitWrites::addressNamesTheFirstBit()
@@ -156,19 +147,17 @@ void TestBitWrites::everyItemMustBeTaken_data()
     const QString object("Object does not exist or length error");
     QTest::addColumn<QString>("item");
     QTest::addColumn<QString>("text");
-    QTest::newRow("05") << "05 01 05" << address;
-    QTest::newRow("00") << "05 01 00"
-                        << "unknow error";
-    QTest::newRow("ff 05") << "05 02 ff 05"
-                           << "," + address;
-    QTest::newRow("05 ff") << "05 02 05 ff" << address + ",";
-    QTest::newRow("ff 0a ff") << "05 03 ff 0a ff"
-                              << "," + object + ",";
-    QTest::newRow("0a 05") << "05 02 0a 05" << object + "," + address;
-    QTest::newRow("01 03 06") << "05 03 01 03 06"
-                              << "Hardware fault,Illegal object access,Data type is not supported";
-    QTest::newRow("fe 04") << "05 02 fe 04"
-                           << "unknow error,unknow error";
+    const auto row = [](const char *name, const char *item, const QString &text) {
+        QTest::newRow(name) << item << text;
+    };
+    row("05", "05 01 05", address);
+    row("00", "05 01 00", "unknow error");
+    row("ff 05", "05 02 ff 05", "," + address);
+    row("05 ff", "05 02 05 ff", address + ",");
+    row("ff 0a ff", "05 03 ff 0a ff", "," + object + ",");
+    row("0a 05", "05 02 0a 05", object + "," + address);
+    row("01 03 06", "05 03 01 03 06", "Hardware fault,Illegal object access,Data type is not supported");
+    row("fe 04", "05 02 fe 04", "unknow error,unknow error");
 }
 
 void TestBitWrites::everyItemMustBeTaken()
@@ -223,11 +212,13 @@ void TestBitWrites::codesBeyondTheFrameCountAs00_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QString>("text");
-    QTest::newRow("1 of 2 codes held")
-        << bytes("68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 02 ff ff 16")
-        << ",unknow error";
-    QTest::newRow("no code held")
-        << bytes("68 11 11 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 01 ff 16") << "unknow error";
+    const auto row = [](const char *name, const char *answer, const char *text) {
+        QTest::newRow(name) << bytes(answer) << text;
+    };
+    row("1 of 2 codes held", "68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 02 ff ff 16",
+        ",unknow error");
+    row("no code held", "68 11 11 68 00 02 08 32 03 00 00 00 01 00 02 00 b7 00 00 05 01 ff 16",
+        "unknow error");
 }
 
 void TestBitWrites::codesBeyondTheFrameCountAs00()

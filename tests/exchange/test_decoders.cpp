@@ -233,15 +233,17 @@ void TestDecoders::highSpeedCounters_data()
 {
     QTest::addColumn<QByteArray>("parameters");
     QTest::addColumn<QString>("data");
-    QTest::newRow("one") << bytes("04 01 ff 09 0005 99 01020304") << "04030201";
-    QTest::newRow("two") << bytes("04 01 ff 09 000a 00 01020304 00 fffefdfc") << "04030201fcfdfeff";
-    QTest::newRow("none") << bytes("04 01 ff 09 0000") << "";
-    QTest::newRow("1 byte begins another")
-        << bytes("04 01 ff 09 0006 00 01020304 00 05060708") << "0403020108070605";
-    QTest::newRow("function 5") << bytes("05 01 ff 09 0005 00 01020304") << "";
-    QTest::newRow("2 items") << bytes("04 02 ff 09 0005 00 01020304") << "";
-    QTest::newRow("return code 05") << bytes("04 01 05 09 0005 00 01020304") << "";
-    QTest::newRow("transport size 4") << bytes("04 01 ff 04 0005 00 01020304") << "";
+    const auto row = [](const char *name, const char *parameters, const char *data) {
+        QTest::newRow(name) << bytes(parameters) << data;
+    };
+    row("one", "04 01 ff 09 0005 99 01020304", "04030201");
+    row("two", "04 01 ff 09 000a 00 01020304 00 fffefdfc", "04030201fcfdfeff");
+    row("none", "04 01 ff 09 0000", "");
+    row("1 byte begins another", "04 01 ff 09 0006 00 01020304 00 05060708", "0403020108070605");
+    row("function 5", "05 01 ff 09 0005 00 01020304", "");
+    row("2 items", "04 02 ff 09 0005 00 01020304", "");
+    row("return code 05", "04 01 05 09 0005 00 01020304", "");
+    row("transport size 4", "04 01 ff 04 0005 00 01020304", "");
 }
 
 void TestDecoders::highSpeedCounters()

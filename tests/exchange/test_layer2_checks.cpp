@@ -139,23 +139,25 @@ void TestLayer2Checks::checkSD2ReadWriteRspJudgesTheRest_data()
     QTest::addColumn<QByteArray>("received");
     QTest::addColumn<int>("length");
     QTest::addColumn<QString>("text");
+    const auto row = [](const char *name, const QByteArray &received, int length, const char *text) {
+        QTest::newRow(name) << received << length << text;
+    };
     const QByteArray answer = bytes("68 05 05 68 00 02 08 32 03 3f 16");
     const QByteArray largest = bytes("68 ff ff 68") + QByteArray(255, '\x01') + bytes("ff 16");
-    QTest::newRow("good") << answer << 4 << "";
-    QTest::newRow("good, more bytes than owed") << answer << 5 << "";
-    QTest::newRow("sum above 255") << bytes("68 05 05 68 00 02 08 fb fb 00 16") << 4 << "";
-    QTest::newRow("length 255") << largest << 254 << "";
-    QTest::newRow("no rest") << answer.left(7) << 0 << "packet loss";
-    QTest::newRow("1 byte short, though the frame is whole") << answer << 3 << "packet loss";
-    QTest::newRow("end 00") << bytes("68 05 05 68 00 02 08 32 03 3f 00") << 4 << "packet loss";
-    QTest::newRow("end 14") << bytes("68 05 05 68 00 02 08 32 03 3f 14") << 4 << "packet loss";
-    QTest::newRow("end 15") << bytes("68 05 05 68 00 02 08 32 03 3f 15") << 4 << "invalid response";
-    QTest::newRow("end 17") << bytes("68 05 05 68 00 02 08 32 03 3f 17") << 4 << "invalid response";
-    QTest::newRow("end 80") << bytes("68 05 05 68 00 02 08 32 03 3f 80") << 4 << "invalid response";
-    QTest::newRow("end and check sum wrong")
-        << bytes("68 05 05 68 00 02 08 32 03 3e 15") << 4 << "invalid response";
-    QTest::newRow("check sum wrong") << bytes("68 05 05 68 00 02 08 32 03 3e 16") << 4 << "checksum error";
-    QTest::newRow("destination counts") << bytes("68 05 05 68 01 02 08 32 03 3f 16") << 4 << "checksum error";
+    row("good", answer, 4, "");
+    row("good, more bytes than owed", answer, 5, "");
+    row("sum above 255", bytes("68 05 05 68 00 02 08 fb fb 00 16"), 4, "");
+    row("length 255", largest, 254, "");
+    row("no rest", answer.left(7), 0, "packet loss");
+    row("1 byte short, though the frame is whole", answer, 3, "packet loss");
+    row("end 00", bytes("68 05 05 68 00 02 08 32 03 3f 00"), 4, "packet loss");
+    row("end 14", bytes("68 05 05 68 00 02 08 32 03 3f 14"), 4, "packet loss");
+    row("end 15", bytes("68 05 05 68 00 02 08 32 03 3f 15"), 4, "invalid response");
+    row("end 17", bytes("68 05 05 68 00 02 08 32 03 3f 17"), 4, "invalid response");
+    row("end 80", bytes("68 05 05 68 00 02 08 32 03 3f 80"), 4, "invalid response");
+    row("end and check sum wrong", bytes("68 05 05 68 00 02 08 32 03 3e 15"), 4, "invalid response");
+    row("check sum wrong", bytes("68 05 05 68 00 02 08 32 03 3e 16"), 4, "checksum error");
+    row("destination counts", bytes("68 05 05 68 01 02 08 32 03 3f 16"), 4, "checksum error");
 }
 
 void TestLayer2Checks::checkSD2ReadWriteRspJudgesTheRest()

@@ -274,12 +274,12 @@ void TestRequests::lengthOfALongPDUWraps_data()
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("head");
     QTest::addColumn<QString>("end");
-    QTest::newRow("252 bytes do not") << 252 << "68ffff6802006c"
-                                      << "6a16";
-    QTest::newRow("253 bytes, none covered") << 253 << "6800006802006c"
-                                             << "0016";
-    QTest::newRow("300 bytes, 47 covered") << 300 << "682f2f6802006c"
-                                           << "9a16";
+    const auto row = [](const char *name, int size, const char *head, const char *end) {
+        QTest::newRow(name) << size << head << end;
+    };
+    row("252 bytes do not", 252, "68ffff6802006c", "6a16");
+    row("253 bytes, none covered", 253, "6800006802006c", "0016");
+    row("300 bytes, 47 covered", 300, "682f2f6802006c", "9a16");
 }
 
 void TestRequests::lengthOfALongPDUWraps()
@@ -325,22 +325,23 @@ void TestRequests::parameterBlock_data()
     QTest::addColumn<QByteArray>("prefix");
     QTest::addColumn<uint>("address");
     QTest::addColumn<QString>("block");
-    QTest::newRow("VB100") << 2 << 4 << QByteArray("VB") << 100u << "0401120a10020004000184000320";
-    QTest::newRow("SMB28") << 2 << 1 << QByteArray("SMB") << 28u << "0401120a100200010000050000e0";
-    QTest::newRow("AIW0") << 4 << 1 << QByteArray("AIW") << 0u << "0401120a10040001000006000000";
-    QTest::newRow("T37") << 0x1f << 1 << QByteArray("T") << 37u << "0401120a101f000100001f000025";
-    QTest::newRow("C5") << 0x1e << 1 << QByteArray("C") << 5u << "0401120a101e000100001e000005";
-    QTest::newRow("HC0") << 0x20 << 1 << QByteArray("HC") << 0u << "0401120a10200001000020000000";
-    QTest::newRow("unknown prefix") << 2 << 1 << QByteArray("DB") << 100u << "0401120a10020001000000000320";
-    QTest::newRow("V alone is data block 1")
-        << 2 << 1 << QByteArray("VX") << 0u << "0401120a10020001000100000000";
-    QTest::newRow("count ffff") << 2 << 0xffff << QByteArray("VB") << 0u << "0401120a1002ffff000184000000";
-    QTest::newRow("last address") << 2 << 1 << QByteArray("VB") << 2097151u << "0401120a10020001000184fffff8";
-    QTest::newRow("byte 2^21") << 2 << 1 << QByteArray("VB") << 2097152u << "0401120a10020001000184000000";
-    QTest::newRow("byte 2^32 - 1") << 2 << 1 << QByteArray("VB") << 4294967295u
-                                   << "0401120a10020001000184fffff8";
-    QTest::newRow("timer 2^24 + 1") << 0x1f << 1 << QByteArray("T") << 16777217u
-                                    << "0401120a101f000100001f000001";
+    const auto row = [](const char *name, int transportSize, int count, const char *prefix, uint address,
+                        const char *block) {
+        QTest::newRow(name) << transportSize << count << QByteArray(prefix) << address << block;
+    };
+    row("VB100", 2, 4, "VB", 100u, "0401120a10020004000184000320");
+    row("SMB28", 2, 1, "SMB", 28u, "0401120a100200010000050000e0");
+    row("AIW0", 4, 1, "AIW", 0u, "0401120a10040001000006000000");
+    row("T37", 0x1f, 1, "T", 37u, "0401120a101f000100001f000025");
+    row("C5", 0x1e, 1, "C", 5u, "0401120a101e000100001e000005");
+    row("HC0", 0x20, 1, "HC", 0u, "0401120a10200001000020000000");
+    row("unknown prefix", 2, 1, "DB", 100u, "0401120a10020001000000000320");
+    row("V alone is data block 1", 2, 1, "VX", 0u, "0401120a10020001000100000000");
+    row("count ffff", 2, 0xffff, "VB", 0u, "0401120a1002ffff000184000000");
+    row("last address", 2, 1, "VB", 2097151u, "0401120a10020001000184fffff8");
+    row("byte 2^21", 2, 1, "VB", 2097152u, "0401120a10020001000184000000");
+    row("byte 2^32 - 1", 2, 1, "VB", 4294967295u, "0401120a10020001000184fffff8");
+    row("timer 2^24 + 1", 0x1f, 1, "T", 16777217u, "0401120a101f000100001f000001");
 }
 
 void TestRequests::parameterBlock()
@@ -390,22 +391,24 @@ void TestRequests::requestOfBytes_data()
     QTest::addColumn<uint>("address");
     QTest::addColumn<int>("count");
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("VB100, 4 bytes") << QByteArray("VB") << 100u << 4
-                                    << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                             "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16");
-    QTest::newRow("VD100, 6 bytes as double words")
-        << QByteArray("VD") << 100u << 6
-        << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                 "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16");
-    QTest::newRow("VW100, 3 bytes as words") << QByteArray("VW") << 100u << 3
-                                             << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                                      "04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16");
-    QTest::newRow("AIW16, 2 bytes") << QByteArray("AIW") << 16u << 2
-                                    << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                             "04 01 12 0a 10 04 00 01 00 00 06 00 00 80 6c 16");
-    QTest::newRow("unknown prefix") << QByteArray("vb") << 100u << 4
-                                    << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                             "04 01 12 0a 10 02 00 04 00 00 00 00 03 20 0a 16");
+    const auto row = [](const char *name, const char *prefix, uint address, int count, const char *frame) {
+        QTest::newRow(name) << QByteArray(prefix) << address << count << bytes(frame);
+    };
+    row("VB100, 4 bytes", "VB", 100u, 4,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16");
+    row("VD100, 6 bytes as double words", "VD", 100u, 6,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16");
+    row("VW100, 3 bytes as words", "VW", 100u, 3,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16");
+    row("AIW16, 2 bytes", "AIW", 16u, 2,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 04 00 01 00 00 06 00 00 80 6c 16");
+    row("unknown prefix", "vb", 100u, 4,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 02 00 04 00 00 00 00 03 20 0a 16");
 }
 
 void TestRequests::requestOfBytes()
@@ -463,15 +466,18 @@ void TestRequests::requestOfObjects_data()
     QTest::addColumn<QByteArray>("prefix");
     QTest::addColumn<uint>("number");
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("T37") << QByteArray("T") << 37u
-                         << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                  "04 01 12 0a 10 1f 00 02 00 00 1f 00 00 25 46 16");
-    QTest::newRow("C5") << QByteArray("C") << 5u
-                        << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                 "04 01 12 0a 10 1e 00 02 00 00 1e 00 00 05 24 16");
-    QTest::newRow("HC0") << QByteArray("HC") << 0u
-                         << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-                                  "04 01 12 0a 10 20 00 02 00 00 20 00 00 00 23 16");
+    const auto row = [](const char *name, const char *prefix, uint number, const char *frame) {
+        QTest::newRow(name) << QByteArray(prefix) << number << bytes(frame);
+    };
+    row("T37", "T", 37u,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 1f 00 02 00 00 1f 00 00 25 46 16");
+    row("C5", "C", 5u,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 1e 00 02 00 00 1e 00 00 05 24 16");
+    row("HC0", "HC", 0u,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
+        "04 01 12 0a 10 20 00 02 00 00 20 00 00 00 23 16");
 }
 
 void TestRequests::requestOfObjects()

@@ -139,13 +139,15 @@ void TestWriteDecoders::returnCodesHaveTheirMessagesInOrder_data()
 {
     QTest::addColumn<QByteArray>("codes");
     QTest::addColumn<QString>("text");
-    QTest::newRow("ff 05") << bytes("ff 05") << ",Invalid address (incorrect variable address)";
-    QTest::newRow("05 ff") << bytes("05 ff") << "Invalid address (incorrect variable address),";
-    QTest::newRow("ff 0a ff") << bytes("ff 0a ff") << ",Object does not exist or length error,";
-    QTest::newRow("01 03 06") << bytes("01 03 06")
-                              << "Hardware fault,Illegal object access,Data type is not supported";
-    QTest::newRow("00 04") << bytes("00 04") << "unknow error,unknow error";
-    QTest::newRow("ff ff ff 05") << bytes("ff ff ff 05") << ",,,Invalid address (incorrect variable address)";
+    const auto row = [](const char *codes, const char *text) {
+        QTest::newRow(codes) << bytes(codes) << text;
+    };
+    row("ff 05", ",Invalid address (incorrect variable address)");
+    row("05 ff", "Invalid address (incorrect variable address),");
+    row("ff 0a ff", ",Object does not exist or length error,");
+    row("01 03 06", "Hardware fault,Illegal object access,Data type is not supported");
+    row("00 04", "unknow error,unknow error");
+    row("ff ff ff 05", ",,,Invalid address (incorrect variable address)");
 }
 
 void TestWriteDecoders::returnCodesHaveTheirMessagesInOrder()
@@ -177,26 +179,27 @@ void TestWriteDecoders::dataOfWordsIsFittedToTheCommand_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QString>("fitted");
-    QTest::newRow("3 words of 4 bytes") << int(kWords) << 3 << bytes("11223344") << "112233440000";
-    QTest::newRow("3 words of 8 bytes") << int(kWords) << 3 << bytes("1122334455667788") << "112233445566";
-    QTest::newRow("2 words of 4 bytes") << int(kWords) << 2 << bytes("11223344") << "11223344";
-    QTest::newRow("no words") << int(kWords) << 0 << bytes("11223344") << "";
-    QTest::newRow("-1 words") << int(kWords) << -1 << bytes("11223344") << "";
-    QTest::newRow("INT_MIN words") << int(kWords) << INT_MIN << bytes("11223344") << "";
-    QTest::newRow("1 word of nothing") << int(kWords) << 1 << QByteArray() << "0000";
-    QTest::newRow("2 double words of 5 bytes")
-        << int(kDoubleWords) << 2 << bytes("1122334455") << "1122334455000000";
-    QTest::newRow("1 double word of 5 bytes") << int(kDoubleWords) << 1 << bytes("1122334455") << "11223344";
-    QTest::newRow("1 double word of 4 bytes") << int(kDoubleWords) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("no double words") << int(kDoubleWords) << 0 << bytes("11223344") << "";
-    QTest::newRow("-1 double words") << int(kDoubleWords) << -1 << bytes("11223344") << "";
-    QTest::newRow("bits stay") << int(kBits) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("bytes stay") << int(kBytes) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("quad words stay") << int(kQuadWords) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("blocks stay") << int(kBlock) << 8 << bytes("11223344") << "11223344";
-    QTest::newRow("bit blocks stay") << int(kBitBlock) << 1 << bytes("11223344") << "11223344";
-    QTest::newRow("bytes stay at a count that nothing holds")
-        << int(kBytes) << INT_MAX << bytes("11223344") << "11223344";
+    const auto row = [](const char *name, int dataType, int count, const char *data, const char *fitted) {
+        QTest::newRow(name) << dataType << count << bytes(data) << fitted;
+    };
+    row("3 words of 4 bytes", kWords, 3, "11223344", "112233440000");
+    row("3 words of 8 bytes", kWords, 3, "1122334455667788", "112233445566");
+    row("2 words of 4 bytes", kWords, 2, "11223344", "11223344");
+    row("no words", kWords, 0, "11223344", "");
+    row("-1 words", kWords, -1, "11223344", "");
+    row("INT_MIN words", kWords, INT_MIN, "11223344", "");
+    row("1 word of nothing", kWords, 1, "", "0000");
+    row("2 double words of 5 bytes", kDoubleWords, 2, "1122334455", "1122334455000000");
+    row("1 double word of 5 bytes", kDoubleWords, 1, "1122334455", "11223344");
+    row("1 double word of 4 bytes", kDoubleWords, 1, "11223344", "11223344");
+    row("no double words", kDoubleWords, 0, "11223344", "");
+    row("-1 double words", kDoubleWords, -1, "11223344", "");
+    row("bits stay", kBits, 1, "11223344", "11223344");
+    row("bytes stay", kBytes, 1, "11223344", "11223344");
+    row("quad words stay", kQuadWords, 1, "11223344", "11223344");
+    row("blocks stay", kBlock, 8, "11223344", "11223344");
+    row("bit blocks stay", kBitBlock, 1, "11223344", "11223344");
+    row("bytes stay at a count that nothing holds", kBytes, INT_MAX, "11223344", "11223344");
 }
 
 void TestWriteDecoders::dataOfWordsIsFittedToTheCommand()

@@ -65,6 +65,18 @@ QString itemAddresses(const QByteArray &frame, int items)
     return addresses.join(" ");
 }
 
+void addObjectColumns()
+{
+    QTest::addColumn<uint>("number");
+    QTest::addColumn<QByteArray>("values");
+    QTest::addColumn<QByteArray>("frame");
+}
+
+void row(const char *name, uint number, const char *values, const char *frame)
+{
+    QTest::newRow(name) << number << bytes(values) << bytes(frame);
+}
+
 } // namespace
 
 class TestWriteRequests : public QObject
@@ -147,26 +159,27 @@ void TestWriteRequests::parameterBlock_data()
     QTest::addColumn<int>("transportSize");
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("block");
-    QTest::newRow("VB100") << QByteArray("VB") << 100u << 2 << 2 << "0501120a10020002000184000320";
-    QTest::newRow("VW10") << QByteArray("VW") << 10u << 4 << 2 << "0501120a10040002000184000050";
-    QTest::newRow("VD10") << QByteArray("VD") << 10u << 6 << 1 << "0501120a10060001000184000050";
-    QTest::newRow("SMB28") << QByteArray("SMB") << 28u << 2 << 1 << "0501120a100200010000050000e0";
-    QTest::newRow("AQW2") << QByteArray("AQW") << 2u << 4 << 1 << "0501120a10040001000007000010";
-    QTest::newRow("T37") << QByteArray("T") << 37u << 0x1f << 1 << "0501120a101f000100001f000025";
-    QTest::newRow("C5") << QByteArray("C") << 5u << 0x1e << 1 << "0501120a101e000100001e000005";
-    QTest::newRow("HC1 is an object") << QByteArray("HC") << 1u << 2 << 1 << "0501120a10020001000020000001";
-    QTest::newRow("unknown prefix") << QByteArray("DB") << 100u << 2 << 1 << "0501120a10020001000000000320";
-    QTest::newRow("lower case") << QByteArray("vb") << 100u << 2 << 1 << "0501120a10020001000000000320";
-    QTest::newRow("no prefix") << QByteArray() << 100u << 2 << 1 << "0501120a10020001000000000320";
-    QTest::newRow("V in front is data block 1")
-        << QByteArray("VX") << 0u << 2 << 1 << "0501120a10020001000100000000";
-    QTest::newRow("count ffff") << QByteArray("VB") << 0u << 2 << 0xffff << "0501120a1002ffff000184000000";
-    QTest::newRow("last address") << QByteArray("VB") << 2097151u << 2 << 1 << "0501120a10020001000184fffff8";
-    QTest::newRow("byte 2^21") << QByteArray("VB") << 2097152u << 2 << 1 << "0501120a10020001000184000000";
-    QTest::newRow("byte 2^32 - 1") << QByteArray("VB") << 4294967295u << 2 << 1
-                                   << "0501120a10020001000184fffff8";
-    QTest::newRow("timer 2^24 + 1") << QByteArray("T") << 16777217u << 0x1f << 1
-                                    << "0501120a101f000100001f000001";
+    const auto row = [](const char *name, const char *prefix, uint address, int transportSize, int count,
+                        const char *block) {
+        QTest::newRow(name) << QByteArray(prefix) << address << transportSize << count << block;
+    };
+    row("VB100", "VB", 100u, 2, 2, "0501120a10020002000184000320");
+    row("VW10", "VW", 10u, 4, 2, "0501120a10040002000184000050");
+    row("VD10", "VD", 10u, 6, 1, "0501120a10060001000184000050");
+    row("SMB28", "SMB", 28u, 2, 1, "0501120a100200010000050000e0");
+    row("AQW2", "AQW", 2u, 4, 1, "0501120a10040001000007000010");
+    row("T37", "T", 37u, 0x1f, 1, "0501120a101f000100001f000025");
+    row("C5", "C", 5u, 0x1e, 1, "0501120a101e000100001e000005");
+    row("HC1 is an object", "HC", 1u, 2, 1, "0501120a10020001000020000001");
+    row("unknown prefix", "DB", 100u, 2, 1, "0501120a10020001000000000320");
+    row("lower case", "vb", 100u, 2, 1, "0501120a10020001000000000320");
+    row("no prefix", "", 100u, 2, 1, "0501120a10020001000000000320");
+    row("V in front is data block 1", "VX", 0u, 2, 1, "0501120a10020001000100000000");
+    row("count ffff", "VB", 0u, 2, 0xffff, "0501120a1002ffff000184000000");
+    row("last address", "VB", 2097151u, 2, 1, "0501120a10020001000184fffff8");
+    row("byte 2^21", "VB", 2097152u, 2, 1, "0501120a10020001000184000000");
+    row("byte 2^32 - 1", "VB", 4294967295u, 2, 1, "0501120a10020001000184fffff8");
+    row("timer 2^24 + 1", "T", 16777217u, 0x1f, 1, "0501120a101f000100001f000001");
 }
 
 void TestWriteRequests::parameterBlock()
@@ -210,49 +223,49 @@ void TestWriteRequests::memory_data()
     QTest::addColumn<uint>("address");
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("VB10") << QByteArray("VB") << 10u << bytes("112233")
-                          << bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-                                   "05 01 12 0a 10 02 00 03 00 01 84 00 00 50 00 04 00 18 11 22 33 45 16");
-    QTest::newRow("VW10") << QByteArray("VW") << 10u << bytes("34127856")
-                          << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                                   "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 56 78 fd 16");
-    QTest::newRow("VW10, a word and a half")
-        << QByteArray("VW") << 10u << bytes("341278")
-        << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                 "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 00 78 a7 16");
-    QTest::newRow("VD10") << QByteArray("VD") << 10u << bytes("44332211")
-                          << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                                   "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 11 22 33 44 94 16");
-    QTest::newRow("VD10, half a double word")
-        << QByteArray("VD") << 10u << bytes("3412")
-        << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                 "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 00 00 12 34 30 16");
-    QTest::newRow("VD10, 5 bytes")
-        << QByteArray("VD") << 10u << bytes("4433221155")
-        << bytes("68 27 27 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0c"
-                 "05 01 12 0a 10 06 00 02 00 01 84 00 00 50 00 04 00 40 11 22 33 44 00 00 00 55 0e 16");
-    QTest::newRow("QB0") << QByteArray("QB") << 0u << bytes("ff")
-                         << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-                                  "05 01 12 0a 10 02 00 01 00 00 82 00 00 00 00 04 00 08 ff 77 16");
-    QTest::newRow("SB3") << QByteArray("SB") << 3u << bytes("01")
-                         << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-                                  "05 01 12 0a 10 02 00 01 00 00 04 00 00 18 00 04 00 08 01 13 16");
-    QTest::newRow("IW0") << QByteArray("IW") << 0u << bytes("3412")
-                         << bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-                                  "05 01 12 0a 10 04 00 01 00 00 81 00 00 00 00 04 00 10 12 34 c8 16");
-    QTest::newRow("MD4") << QByteArray("MD") << 4u << bytes("44332211")
-                         << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                                  "05 01 12 0a 10 06 00 01 00 00 83 00 00 20 00 04 00 20 11 22 33 44 62 16");
-    QTest::newRow("SMD28") << QByteArray("SMD") << 28u << bytes("44332211")
-                           << bytes(
-                                  "68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                                  "05 01 12 0a 10 06 00 01 00 00 05 00 00 e0 00 04 00 20 11 22 33 44 a4 16");
-    QTest::newRow("AQW2") << QByteArray("AQW") << 2u << bytes("3412")
-                          << bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-                                   "05 01 12 0a 10 04 00 01 00 00 07 00 00 10 00 04 00 10 12 34 5e 16");
-    QTest::newRow("no prefix") << QByteArray() << 10u << bytes("11")
-                               << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-                                        "05 01 12 0a 10 02 00 01 00 00 00 00 00 50 00 04 00 08 11 57 16");
+    const auto row = [](const char *name, const char *prefix, uint address, const char *data,
+                        const QByteArray &frame) {
+        QTest::newRow(name) << QByteArray(prefix) << address << bytes(data) << frame;
+    };
+    row("VB10", "VB", 10u, "112233",
+        bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
+              "05 01 12 0a 10 02 00 03 00 01 84 00 00 50 00 04 00 18 11 22 33 45 16"));
+    row("VW10", "VW", 10u, "34127856",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 56 78 fd 16"));
+    row("VW10, a word and a half", "VW", 10u, "341278",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 00 78 a7 16"));
+    row("VD10", "VD", 10u, "44332211",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 11 22 33 44 94 16"));
+    row("VD10, half a double word", "VD", 10u, "3412",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 00 00 12 34 30 16"));
+    row("VD10, 5 bytes", "VD", 10u, "4433221155",
+        bytes("68 27 27 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0c"
+              "05 01 12 0a 10 06 00 02 00 01 84 00 00 50 00 04 00 40 11 22 33 44 00 00 00 55 0e 16"));
+    row("QB0", "QB", 0u, "ff",
+        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+              "05 01 12 0a 10 02 00 01 00 00 82 00 00 00 00 04 00 08 ff 77 16"));
+    row("SB3", "SB", 3u, "01",
+        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+              "05 01 12 0a 10 02 00 01 00 00 04 00 00 18 00 04 00 08 01 13 16"));
+    row("IW0", "IW", 0u, "3412",
+        bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
+              "05 01 12 0a 10 04 00 01 00 00 81 00 00 00 00 04 00 10 12 34 c8 16"));
+    row("MD4", "MD", 4u, "44332211",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 06 00 01 00 00 83 00 00 20 00 04 00 20 11 22 33 44 62 16"));
+    row("SMD28", "SMD", 28u, "44332211",
+        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+              "05 01 12 0a 10 06 00 01 00 00 05 00 00 e0 00 04 00 20 11 22 33 44 a4 16"));
+    row("AQW2", "AQW", 2u, "3412",
+        bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
+              "05 01 12 0a 10 04 00 01 00 00 07 00 00 10 00 04 00 10 12 34 5e 16"));
+    row("no prefix", "", 10u, "11",
+        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+              "05 01 12 0a 10 02 00 01 00 00 00 00 00 50 00 04 00 08 11 57 16"));
 }
 
 void TestWriteRequests::memory()
@@ -267,12 +280,13 @@ void TestWriteRequests::memory()
 void TestWriteRequests::memoryWithoutDataHasNoElements_data()
 {
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("VB") << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                 "05 01 12 0a 10 02 00 00 00 01 84 00 00 50 00 04 00 00 c1 16");
-    QTest::newRow("VW") << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                 "05 01 12 0a 10 04 00 00 00 01 84 00 00 50 00 04 00 00 c3 16");
-    QTest::newRow("VD") << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                 "05 01 12 0a 10 06 00 00 00 01 84 00 00 50 00 04 00 00 c5 16");
+    const auto row = [](const char *name, const char *frame) { QTest::newRow(name) << bytes(frame); };
+    row("VB", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+              "05 01 12 0a 10 02 00 00 00 01 84 00 00 50 00 04 00 00 c1 16");
+    row("VW", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+              "05 01 12 0a 10 04 00 00 00 01 84 00 00 50 00 04 00 00 c3 16");
+    row("VD", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+              "05 01 12 0a 10 06 00 00 00 01 84 00 00 50 00 04 00 00 c5 16");
 }
 
 void TestWriteRequests::memoryWithoutDataHasNoElements()
@@ -287,26 +301,25 @@ void TestWriteRequests::lengthOfALongRequestWraps_data()
     QTest::addColumn<int>("size");
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<QString>("end");
-    QTest::newRow("224 bytes, PDU of 252, do not")
-        << 224
-        << bytes("68 ff ff 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e4"
-                 "05 01 12 0a 10 02 00 e0 00 01 84 00 00 00 00 04 07 00")
-        << "1816";
-    QTest::newRow("225 bytes, check sum of nothing")
-        << 225
-        << bytes("68 00 00 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e5"
-                 "05 01 12 0a 10 02 00 e1 00 01 84 00 00 00 00 04 07 08")
-        << "0016";
-    QTest::newRow("252 bytes, check sum of 27 bytes")
-        << 252
-        << bytes("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 00"
-                 "05 01 12 0a 10 02 00 fc 00 01 84 00 00 00 00 04 07 e0")
-        << "6616";
-    QTest::newRow("300 bytes, check sum of 75 bytes")
-        << 300
-        << bytes("68 4b 4b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 30"
-                 "05 01 12 0a 10 02 01 2c 00 01 84 00 00 00 00 04 09 60")
-        << "6016";
+    const auto row = [](const char *name, int size, const char *front, const char *end) {
+        QTest::newRow(name) << size << bytes(front) << end;
+    };
+    row("224 bytes, PDU of 252, do not", 224,
+        "68 ff ff 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e4"
+        "05 01 12 0a 10 02 00 e0 00 01 84 00 00 00 00 04 07 00",
+        "1816");
+    row("225 bytes, check sum of nothing", 225,
+        "68 00 00 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e5"
+        "05 01 12 0a 10 02 00 e1 00 01 84 00 00 00 00 04 07 08",
+        "0016");
+    row("252 bytes, check sum of 27 bytes", 252,
+        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 00"
+        "05 01 12 0a 10 02 00 fc 00 01 84 00 00 00 00 04 07 e0",
+        "6616");
+    row("300 bytes, check sum of 75 bytes", 300,
+        "68 4b 4b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 30"
+        "05 01 12 0a 10 02 01 2c 00 01 84 00 00 00 00 04 09 60",
+        "6016");
 }
 
 void TestWriteRequests::lengthOfALongRequestWraps()
@@ -331,20 +344,18 @@ void TestWriteRequests::countsOfALongRequestWrap()
 
 void TestWriteRequests::timers_data()
 {
-    QTest::addColumn<uint>("number");
-    QTest::addColumn<QByteArray>("values");
-    QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("T37") << 37u << bytes("2c 01")
-                         << bytes("68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
-                                  "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 25"
-                                  "00 04 00 28 00 00 00 01 2c a8 16");
-    QTest::newRow("T37 and T38") << 37u << bytes("2c 01 e8 03")
-                                 << bytes("68 29 29 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0e"
-                                          "05 01 12 0a 10 1f 00 02 00 00 1f 00 00 25"
-                                          "00 04 00 50 00 00 00 01 2c 00 00 00 03 e8 c1 16");
-    QTest::newRow("none") << 37u << QByteArray()
-                          << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                   "05 01 12 0a 10 1f 00 00 00 00 1f 00 00 25 00 04 00 00 4d 16");
+    addObjectColumns();
+    row("T37", 37u, "2c 01",
+        "68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
+        "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 25"
+        "00 04 00 28 00 00 00 01 2c a8 16");
+    row("T37 and T38", 37u, "2c 01 e8 03",
+        "68 29 29 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0e"
+        "05 01 12 0a 10 1f 00 02 00 00 1f 00 00 25"
+        "00 04 00 50 00 00 00 01 2c 00 00 00 03 e8 c1 16");
+    row("none", 37u, "",
+        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+        "05 01 12 0a 10 1f 00 00 00 00 1f 00 00 25 00 04 00 00 4d 16");
 }
 
 void TestWriteRequests::timers()
@@ -357,19 +368,17 @@ void TestWriteRequests::timers()
 
 void TestWriteRequests::counters_data()
 {
-    QTest::addColumn<uint>("number");
-    QTest::addColumn<QByteArray>("values");
-    QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("C5") << 5u << bytes("05 00")
-                        << bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-                                 "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 05 00 04 00 18 00 00 05 4c 16");
-    QTest::newRow("C5 and C6") << 5u << bytes("05 00 06 01")
-                               << bytes("68 25 25 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0a"
-                                        "05 01 12 0a 10 1e 00 02 00 00 1e 00 00 05"
-                                        "00 04 00 30 00 00 05 00 01 06 6f 16");
-    QTest::newRow("none") << 5u << QByteArray()
-                          << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                   "05 01 12 0a 10 1e 00 00 00 00 1e 00 00 05 00 04 00 00 2b 16");
+    addObjectColumns();
+    row("C5", 5u, "05 00",
+        "68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
+        "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 05 00 04 00 18 00 00 05 4c 16");
+    row("C5 and C6", 5u, "05 00 06 01",
+        "68 25 25 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0a"
+        "05 01 12 0a 10 1e 00 02 00 00 1e 00 00 05"
+        "00 04 00 30 00 00 05 00 01 06 6f 16");
+    row("none", 5u, "",
+        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+        "05 01 12 0a 10 1e 00 00 00 00 1e 00 00 05 00 04 00 00 2b 16");
 }
 
 void TestWriteRequests::counters()
@@ -395,14 +404,14 @@ void TestWriteRequests::anOddByteMakesAnElementThatIsNotCounted_data()
     QTest::addColumn<QByteArray>("values");
     QTest::addColumn<QString>("block");
     QTest::addColumn<QString>("data");
-    QTest::newRow("timers, 3 bytes") << true << bytes("2c 01 e8") << "0501120a101f000100001f000005"
-                                     << "00040050000000012c00000000e8";
-    QTest::newRow("timers, 1 byte") << true << bytes("e8") << "0501120a101f000000001f000005"
-                                    << "0004002800000000e8";
-    QTest::newRow("counters, 3 bytes") << false << bytes("05 00 06") << "0501120a101e000100001e000005"
-                                       << "00040030000005000006";
-    QTest::newRow("counters, 1 byte") << false << bytes("11") << "0501120a101e000000001e000005"
-                                      << "00040018000011";
+    const auto row = [](const char *name, bool timers, const char *values, const char *block,
+                        const char *data) {
+        QTest::newRow(name) << timers << bytes(values) << block << data;
+    };
+    row("timers, 3 bytes", true, "2c 01 e8", "0501120a101f000100001f000005", "00040050000000012c00000000e8");
+    row("timers, 1 byte", true, "e8", "0501120a101f000000001f000005", "0004002800000000e8");
+    row("counters, 3 bytes", false, "05 00 06", "0501120a101e000100001e000005", "00040030000005000006");
+    row("counters, 1 byte", false, "11", "0501120a101e000000001e000005", "00040018000011");
 }
 
 void TestWriteRequests::anOddByteMakesAnElementThatIsNotCounted()
@@ -424,24 +433,27 @@ void TestWriteRequests::bits_data()
     QTest::addColumn<uint>("bit");
     QTest::addColumn<QByteArray>("values");
     QTest::addColumn<QByteArray>("frame");
-    QTest::newRow("V10.3") << QByteArray("V") << 10u << 3u << bytes("01")
-                           << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-                                    "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16");
-    QTest::newRow("Q0.7 and Q1.0") << QByteArray("Q") << 0u << 7u << bytes("01 00")
-                                   << bytes("68 32 32 68 02 00 6c 32 01 00 00 00 01 00 1a 00 0b"
-                                            "05 02 12 0a 10 01 00 01 00 00 82 00 00 07"
-                                            "12 0a 10 01 00 01 00 00 82 00 00 08"
-                                            "00 03 00 01 01 00 00 03 00 01 00 46 16");
-    QTest::newRow("V10.6 to V11.0") << QByteArray("V") << 10u << 6u << bytes("01 00 01")
-                                    << bytes("68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
-                                             "05 03 12 0a 10 01 00 01 00 01 84 00 00 56"
-                                             "12 0a 10 01 00 01 00 01 84 00 00 57"
-                                             "12 0a 10 01 00 01 00 01 84 00 00 58"
-                                             "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16");
-    QTest::newRow("the value as it stands")
-        << QByteArray("M") << 13u << 3u << bytes("ff")
-        << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-                 "05 01 12 0a 10 01 00 01 00 00 83 00 00 6b 00 03 00 01 ff da 16");
+    const auto row = [](const char *name, const char *prefix, uint byte, uint bit, const char *values,
+                        const char *frame) {
+        QTest::newRow(name) << QByteArray(prefix) << byte << bit << bytes(values) << bytes(frame);
+    };
+    row("V10.3", "V", 10u, 3u, "01",
+        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+        "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16");
+    row("Q0.7 and Q1.0", "Q", 0u, 7u, "01 00",
+        "68 32 32 68 02 00 6c 32 01 00 00 00 01 00 1a 00 0b"
+        "05 02 12 0a 10 01 00 01 00 00 82 00 00 07"
+        "12 0a 10 01 00 01 00 00 82 00 00 08"
+        "00 03 00 01 01 00 00 03 00 01 00 46 16");
+    row("V10.6 to V11.0", "V", 10u, 6u, "01 00 01",
+        "68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
+        "05 03 12 0a 10 01 00 01 00 01 84 00 00 56"
+        "12 0a 10 01 00 01 00 01 84 00 00 57"
+        "12 0a 10 01 00 01 00 01 84 00 00 58"
+        "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16");
+    row("the value as it stands", "M", 13u, 3u, "ff",
+        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
+        "05 01 12 0a 10 01 00 01 00 00 83 00 00 6b 00 03 00 01 ff da 16");
 }
 
 void TestWriteRequests::bits()
@@ -469,16 +481,19 @@ void TestWriteRequests::bitsFollowEachOther_data()
     QTest::addColumn<uint>("bit");
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("addresses");
-    QTest::newRow("within a byte") << 10u << 3u << 2 << "000053 000054";
-    QTest::newRow("into the next byte") << 10u << 6u << 3 << "000056 000057 000058";
-    QTest::newRow("through a byte")
-        << 0u << 7u << 10 << "000007 000008 000009 00000a 00000b 00000c 00000d 00000e 00000f 000010";
-    QTest::newRow("first bit 8") << 10u << 8u << 3 << "000058 000058 000059";
-    QTest::newRow("first bit 17") << 10u << 17u << 3 << "000061 000058 000059";
-    QTest::newRow("first bit -2, wrapped") << 10u << 4294967294u << 3 << "00004e 000058 000059";
-    QTest::newRow("first bit -1, wrapped") << 10u << 4294967295u << 3 << "00004f 000050 000051";
-    QTest::newRow("over the end of the addresses") << 2097151u << 7u << 2 << "ffffff 000000";
-    QTest::newRow("over the end of the byte numbers") << 4294967295u << 7u << 2 << "ffffff 000000";
+    const auto row = [](const char *name, uint byte, uint bit, int count, const char *addresses) {
+        QTest::newRow(name) << byte << bit << count << addresses;
+    };
+    row("within a byte", 10u, 3u, 2, "000053 000054");
+    row("into the next byte", 10u, 6u, 3, "000056 000057 000058");
+    row("through a byte", 0u, 7u, 10,
+        "000007 000008 000009 00000a 00000b 00000c 00000d 00000e 00000f 000010");
+    row("first bit 8", 10u, 8u, 3, "000058 000058 000059");
+    row("first bit 17", 10u, 17u, 3, "000061 000058 000059");
+    row("first bit -2, wrapped", 10u, 4294967294u, 3, "00004e 000058 000059");
+    row("first bit -1, wrapped", 10u, 4294967295u, 3, "00004f 000050 000051");
+    row("over the end of the addresses", 2097151u, 7u, 2, "ffffff 000000");
+    row("over the end of the byte numbers", 4294967295u, 7u, 2, "ffffff 000000");
 }
 
 void TestWriteRequests::bitsFollowEachOther()
@@ -520,18 +535,21 @@ void TestWriteRequests::itemCountOfBitsIsTheLowByteOfTheirNumber_data()
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("end");
-    QTest::newRow("255 bits") << 255
-                              << bytes("68 fc fc 68 02 00 6c 32 01 00 00 00 01 0b f6 05 f9"
-                                       "05 ff 12 0a 10 01 00 01 00 01 84 00 00 00")
-                              << 4610 << "4c16";
-    QTest::newRow("256 bits, no items") << 256
-                                        << bytes("68 0e 0e 68 02 00 6c 32 01 00 00 00 01 00 02 05 ff"
-                                                 "05 00 00 03 00 01 01 00 00 03 00 01 01 00")
-                                        << 1556 << "ad16";
-    QTest::newRow("257 bits, 1 item") << 257
-                                      << bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 06 05"
-                                               "05 01 12 0a 10 01 00 01 00 01 84 00 00 00")
-                                      << 1574 << "7916";
+    const auto row = [](const char *name, int count, const char *front, int size, const char *end) {
+        QTest::newRow(name) << count << bytes(front) << size << end;
+    };
+    row("255 bits", 255,
+        "68 fc fc 68 02 00 6c 32 01 00 00 00 01 0b f6 05 f9"
+        "05 ff 12 0a 10 01 00 01 00 01 84 00 00 00",
+        4610, "4c16");
+    row("256 bits, no items", 256,
+        "68 0e 0e 68 02 00 6c 32 01 00 00 00 01 00 02 05 ff"
+        "05 00 00 03 00 01 01 00 00 03 00 01 01 00",
+        1556, "ad16");
+    row("257 bits, 1 item", 257,
+        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 06 05"
+        "05 01 12 0a 10 01 00 01 00 01 84 00 00 00",
+        1574, "7916");
 }
 
 void TestWriteRequests::itemCountOfBitsIsTheLowByteOfTheirNumber()

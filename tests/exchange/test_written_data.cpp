@@ -196,28 +196,31 @@ void TestWrittenData::countsBeyond16BitsAreSentWhole_data()
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("end");
-    QTest::newRow("65536 words") << int(kWords) << "VW0" << 65536
-                                 << bytes("68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-                                          "05 01 12 0a 10 04 00 00 00 01 84 00 00 00 00 04 00 00 12 34")
-                                 << 131109 << "7316";
-    QTest::newRow("65537 words") << int(kWords) << "VW0" << 65537
-                                 << bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-                                          "05 01 12 0a 10 04 00 01 00 01 84 00 00 00 00 04 00 10 12 34")
-                                 << 131111 << "cc16";
-    QTest::newRow("65537 double words")
-        << int(kDoubleWords) << "VD0" << 65537
-        << bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-                 "05 01 12 0a 10 06 00 01 00 01 84 00 00 00 00 04 00 20 00 00 12 34")
-        << 262185 << "e016";
-    QTest::newRow("65537 timers") << int(kWords) << "T1" << 65537
-                                  << bytes("68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
-                                           "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 01 00 04 00 28"
-                                           "00 00 00 12 34")
-                                  << 327722 << "9d16";
-    QTest::newRow("65537 counters") << int(kWords) << "C1" << 65537
-                                    << bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-                                             "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 01 00 04 00 18 00 12 34")
-                                    << 196648 << "8916";
+    const auto row = [](const char *name, int dataType, const char *address, int count, const char *front,
+                        int size, const char *end) {
+        QTest::newRow(name) << dataType << address << count << bytes(front) << size << end;
+    };
+    row("65536 words", kWords, "VW0", 65536,
+        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
+        "05 01 12 0a 10 04 00 00 00 01 84 00 00 00 00 04 00 00 12 34",
+        131109, "7316");
+    row("65537 words", kWords, "VW0", 65537,
+        "68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
+        "05 01 12 0a 10 04 00 01 00 01 84 00 00 00 00 04 00 10 12 34",
+        131111, "cc16");
+    row("65537 double words", kDoubleWords, "VD0", 65537,
+        "68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
+        "05 01 12 0a 10 06 00 01 00 01 84 00 00 00 00 04 00 20 00 00 12 34",
+        262185, "e016");
+    row("65537 timers", kWords, "T1", 65537,
+        "68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
+        "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 01 00 04 00 28"
+        "00 00 00 12 34",
+        327722, "9d16");
+    row("65537 counters", kWords, "C1", 65537,
+        "68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
+        "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 01 00 04 00 18 00 12 34",
+        196648, "8916");
 }
 
 void TestWrittenData::countsBeyond16BitsAreSentWhole()
@@ -267,18 +270,17 @@ void TestWrittenData::writeDWordsSendsTheDataUnchanged_data()
     QTest::addColumn<QString>("address");
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QString>("sent");
-    QTest::newRow("2 double words") << "VD10" << bytes("4433221188776655")
-                                    << "0501120a10060002000184000050 000400401122334455667788";
-    QTest::newRow("half a double word")
-        << "VD10" << bytes("3412") << "0501120a10060001000184000050 0004002000001234";
-    QTest::newRow("words") << "VW10" << bytes("34127856") << "0501120a10040002000184000050 0004002012345678";
-    QTest::newRow("bytes") << "VB10" << bytes("112233") << "0501120a10020003000184000050 00040018112233";
-    QTest::newRow("timers") << "T37" << bytes("2c01e803")
-                            << "0501120a101f000200001f000025 00040050000000012c00000003e8";
-    QTest::newRow("timers, 3 bytes") << "T37" << bytes("2c01e8")
-                                     << "0501120a101f000100001f000025 00040050000000012c00000000e8";
-    QTest::newRow("counters, 3 bytes")
-        << "C5" << bytes("050006") << "0501120a101e000100001e000005 00040030000005000006";
+    const auto row = [](const char *name, const char *address, const char *data, const char *sent) {
+        QTest::newRow(name) << address << bytes(data) << sent;
+    };
+    row("2 double words", "VD10", "4433221188776655",
+        "0501120a10060002000184000050 000400401122334455667788");
+    row("half a double word", "VD10", "3412", "0501120a10060001000184000050 0004002000001234");
+    row("words", "VW10", "34127856", "0501120a10040002000184000050 0004002012345678");
+    row("bytes", "VB10", "112233", "0501120a10020003000184000050 00040018112233");
+    row("timers", "T37", "2c01e803", "0501120a101f000200001f000025 00040050000000012c00000003e8");
+    row("timers, 3 bytes", "T37", "2c01e8", "0501120a101f000100001f000025 00040050000000012c00000000e8");
+    row("counters, 3 bytes", "C5", "050006", "0501120a101e000100001e000005 00040030000005000006");
 }
 
 void TestWrittenData::writeDWordsSendsTheDataUnchanged()

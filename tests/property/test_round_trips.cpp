@@ -193,12 +193,14 @@ void TestRoundTrips::bits_data()
 {
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<int>("type");
+    const auto row = [](const char *name, const QString &prefix, int type) {
+        QTest::newRow(name) << prefix << type;
+    };
     for (const NamedArea &area : kAreas) {
         if (*area.widths != ' ')
             continue;
-        QTest::newRow(area.name) << QString(area.name) << int(kBits);
-        QTest::newRow(qPrintable(QString("%1, block").arg(area.name)))
-            << QString(area.name) << int(kBitBlock);
+        row(area.name, QString(area.name), kBits);
+        row(qPrintable(QString("%1, block").arg(area.name)), QString(area.name), kBitBlock);
     }
 }
 

@@ -33,40 +33,26 @@ void TestAddressText::prefixIsTheLeadingLetters_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("prefix");
-    QTest::newRow("VW100") << "VW100"
-                           << "VW";
-    QTest::newRow("VB100") << "VB100"
-                           << "VB";
-    QTest::newRow("SMB28") << "SMB28"
-                           << "SMB";
-    QTest::newRow("V10.3") << "V10.3"
-                           << "V";
-    QTest::newRow("HC0") << "HC0"
-                         << "HC";
-    QTest::newRow("100") << "100"
-                         << "";
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("only letters") << "AIW"
-                                  << "AIW";
-    QTest::newRow("lower case stays") << "vb100"
-                                      << "vb";
-    QTest::newRow("underscores") << "_A_b1"
-                                 << "_A_b";
-    QTest::newRow("later letters") << "V1B"
-                                   << "V";
-    QTest::newRow("blank first") << " V1"
-                                 << "";
-    QTest::newRow("A and Z") << "AZaz5"
-                             << "AZaz";
-    QTest::newRow("below A") << "A@"
-                             << "A";
-    QTest::newRow("above Z") << "Z["
-                             << "Z";
-    QTest::newRow("below a") << "a`"
-                             << "a";
-    QTest::newRow("above z") << "z{"
-                             << "z";
+    const auto row = [](const char *name, const char *text, const char *prefix) {
+        QTest::newRow(name) << text << prefix;
+    };
+    row("VW100", "VW100", "VW");
+    row("VB100", "VB100", "VB");
+    row("SMB28", "SMB28", "SMB");
+    row("V10.3", "V10.3", "V");
+    row("HC0", "HC0", "HC");
+    row("100", "100", "");
+    row("empty", "", "");
+    row("only letters", "AIW", "AIW");
+    row("lower case stays", "vb100", "vb");
+    row("underscores", "_A_b1", "_A_b");
+    row("later letters", "V1B", "V");
+    row("blank first", " V1", "");
+    row("A and Z", "AZaz5", "AZaz");
+    row("below A", "A@", "A");
+    row("above Z", "Z[", "Z");
+    row("below a", "a`", "a");
+    row("above z", "z{", "z");
 }
 
 void TestAddressText::prefixIsTheLeadingLetters()

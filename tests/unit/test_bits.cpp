@@ -321,32 +321,23 @@ void TestBits::copiedBitsComeFromTheStartOfTheSource_data()
     QTest::addColumn<int>("destStart");
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("result");
-    QTest::newRow("whole byte") << "00"
-                                << "a5" << 0 << 8 << "a5";
-    QTest::newRow("zeros are copied, too") << "ffff"
-                                           << "a5" << 4 << 8 << "5ffa";
-    QTest::newRow("grows") << "00"
-                           << "ff" << 6 << 4 << "c003";
-    QTest::newRow("grows from nothing") << ""
-                                        << "01" << 16 << 1 << "000001";
-    QTest::newRow("grows with zeros, too") << "ff"
-                                           << "00" << 8 << 1 << "ff00";
-    QTest::newRow("beyond the source is 0") << "ffff"
-                                            << "ff" << 0 << 12 << "fff0";
-    QTest::newRow("empty source") << "ff"
-                                  << "" << 0 << 4 << "f0";
-    QTest::newRow("no count") << "00"
-                              << "ff" << 0 << 0 << "00";
-    QTest::newRow("no count, no growth") << ""
-                                         << "ff" << 20 << 0 << "";
-    QTest::newRow("negative count") << "00"
-                                    << "ff" << 0 << -1 << "00";
-    QTest::newRow("begins below bit 0") << "00"
-                                        << "0c" << -2 << 4 << "03";
-    QTest::newRow("all below bit 0") << "00"
-                                     << "ff" << -8 << 8 << "00";
-    QTest::newRow("far below bit 0") << "00"
-                                     << "ff" << INT_MIN << INT_MAX << "00";
+    const auto row = [](const char *name, const char *dest, const char *src, int destStart, int count,
+                        const char *result) {
+        QTest::newRow(name) << dest << src << destStart << count << result;
+    };
+    row("whole byte", "00", "a5", 0, 8, "a5");
+    row("zeros are copied, too", "ffff", "a5", 4, 8, "5ffa");
+    row("grows", "00", "ff", 6, 4, "c003");
+    row("grows from nothing", "", "01", 16, 1, "000001");
+    row("grows with zeros, too", "ff", "00", 8, 1, "ff00");
+    row("beyond the source is 0", "ffff", "ff", 0, 12, "fff0");
+    row("empty source", "ff", "", 0, 4, "f0");
+    row("no count", "00", "ff", 0, 0, "00");
+    row("no count, no growth", "", "ff", 20, 0, "");
+    row("negative count", "00", "ff", 0, -1, "00");
+    row("begins below bit 0", "00", "0c", -2, 4, "03");
+    row("all below bit 0", "00", "ff", -8, 8, "00");
+    row("far below bit 0", "00", "ff", INT_MIN, INT_MAX, "00");
 }
 
 void TestBits::copiedBitsComeFromTheStartOfTheSource()

@@ -22,6 +22,11 @@ void addArrayAndResults()
     QTest::addColumn<QString>("doubleWords");
 }
 
+void row(const char *name, const char *array, const char *words, const char *doubleWords)
+{
+    QTest::newRow(name) << array << words << doubleWords;
+}
+
 } // namespace
 
 class TestByteOrder : public QObject
@@ -64,16 +69,14 @@ void TestByteOrder::elementsFromTheWire_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("words");
     QTest::addColumn<QString>("doubleWords");
-    QTest::newRow("1") << 1 << "0201"
-                       << "04030201";
-    QTest::newRow("2") << 2 << "02010403"
-                       << "0403020108070605";
-    QTest::newRow("0") << 0 << ""
-                       << "";
-    QTest::newRow("negative") << -1 << ""
-                              << "";
-    QTest::newRow("far below 0") << INT_MIN << ""
-                                 << "";
+    const auto row = [](const char *name, int count, const char *words, const char *doubleWords) {
+        QTest::newRow(name) << count << words << doubleWords;
+    };
+    row("1", 1, "0201", "04030201");
+    row("2", 2, "02010403", "0403020108070605");
+    row("0", 0, "", "");
+    row("negative", -1, "", "");
+    row("far below 0", INT_MIN, "", "");
 }
 
 void TestByteOrder::elementsFromTheWire()
@@ -114,32 +117,18 @@ void TestByteOrder::arrayThatIsTooLongIsEmpty()
 void TestByteOrder::elementsForTheWireAreFilledWithZeros_data()
 {
     addArrayAndResults();
-    QTest::newRow("empty") << ""
-                           << ""
-                           << "";
-    QTest::newRow("1 byte") << "01"
-                            << "0001"
-                            << "00000001";
-    QTest::newRow("2 bytes") << "0102"
-                             << "0201"
-                             << "00000201";
-    QTest::newRow("3 bytes") << "010203"
-                             << "02010003"
-                             << "00030201";
-    QTest::newRow("4 bytes") << "01020304"
-                             << "02010403"
-                             << "04030201";
-    QTest::newRow("5 bytes") << "0102030405"
-                             << "020104030005"
-                             << "0403020100000005";
-    QTest::newRow("8 bytes") << "0102030405060708"
-                             << "0201040306050807"
-                             << "0403020108070605";
-    QTest::newRow("33 bytes") << "0102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f2021"
-                              << "02010403060508070a090c0b0e0d100f1211141316151817"
-                                 "1a191c1b1e1d201f0021"
-                              << "04030201080706050c0b0a09100f0e0d14131211181716151c1b1a19201f1e1d"
-                                 "00000021";
+    row("empty", "", "", "");
+    row("1 byte", "01", "0001", "00000001");
+    row("2 bytes", "0102", "0201", "00000201");
+    row("3 bytes", "010203", "02010003", "00030201");
+    row("4 bytes", "01020304", "02010403", "04030201");
+    row("5 bytes", "0102030405", "020104030005", "0403020100000005");
+    row("8 bytes", "0102030405060708", "0201040306050807", "0403020108070605");
+    row("33 bytes", "0102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f2021",
+        "02010403060508070a090c0b0e0d100f1211141316151817"
+        "1a191c1b1e1d201f0021",
+        "04030201080706050c0b0a09100f0e0d14131211181716151c1b1a19201f1e1d"
+        "00000021");
 }
 
 void TestByteOrder::elementsForTheWireAreFilledWithZeros()
@@ -172,27 +161,13 @@ void TestByteOrder::elementsForTheWireAreNoneWhenMemoryIsShort()
 void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement_data()
 {
     addArrayAndResults();
-    QTest::newRow("empty") << ""
-                           << ""
-                           << "";
-    QTest::newRow("1 byte") << "01"
-                            << "01"
-                            << "01";
-    QTest::newRow("2 bytes") << "0102"
-                             << "0201"
-                             << "0102";
-    QTest::newRow("3 bytes") << "010203"
-                             << "020103"
-                             << "010203";
-    QTest::newRow("4 bytes") << "01020304"
-                             << "02010403"
-                             << "04030201";
-    QTest::newRow("7 bytes") << "01020304050607"
-                             << "02010403060507"
-                             << "04030201050607";
-    QTest::newRow("8 bytes") << "0102030405060708"
-                             << "0201040306050807"
-                             << "0403020108070605";
+    row("empty", "", "", "");
+    row("1 byte", "01", "01", "01");
+    row("2 bytes", "0102", "0201", "0102");
+    row("3 bytes", "010203", "020103", "010203");
+    row("4 bytes", "01020304", "02010403", "04030201");
+    row("7 bytes", "01020304050607", "02010403060507", "04030201050607");
+    row("8 bytes", "0102030405060708", "0201040306050807", "0403020108070605");
 }
 
 void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement()

@@ -102,14 +102,13 @@ void TestBytes::reverseArrayReversesACopy_data()
 {
     QTest::addColumn<QString>("array");
     QTest::addColumn<QString>("reversed");
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("one byte") << "01"
-                              << "01";
-    QTest::newRow("even length") << "01020304"
-                                 << "04030201";
-    QTest::newRow("odd length") << "010203"
-                                << "030201";
+    const auto row = [](const char *name, const char *array, const char *reversed) {
+        QTest::newRow(name) << array << reversed;
+    };
+    row("empty", "", "");
+    row("one byte", "01", "01");
+    row("even length", "01020304", "04030201");
+    row("odd length", "010203", "030201");
 }
 
 void TestBytes::reverseArrayReversesACopy()

@@ -135,18 +135,16 @@ void TestDiagnostics::dumpShowsBytesAndText_data()
 {
     QTest::addColumn<QString>("array");
     QTest::addColumn<QString>("text");
-    QTest::newRow("empty") << ""
-                           << "() : ";
-    QTest::newRow("lower case, no leading zero")
-        << "01ab" << QString("(0X1 0Xab ) : ") + QChar(0x01) + QChar(0xAB);
-    QTest::newRow("text") << "565731"
-                          << "(0X56 0X57 0X31 ) : VW1";
-    QTest::newRow("text ends at a zero byte") << "41004200"
-                                              << "(0X41 0X0 0X42 0X0 ) : A";
-    QTest::newRow("zero byte first") << "0041"
-                                     << "(0X0 0X41 ) : ";
-    QTest::newRow("above 127 is Latin-1")
-        << "80e4ff" << QString("(0X80 0Xe4 0Xff ) : ") + QChar(0x80) + QChar(0xE4) + QChar(0xFF);
+    const auto row = [](const char *name, const char *array, const QString &text) {
+        QTest::newRow(name) << array << text;
+    };
+    row("empty", "", "() : ");
+    row("lower case, no leading zero", "01ab", QString("(0X1 0Xab ) : ") + QChar(0x01) + QChar(0xAB));
+    row("text", "565731", "(0X56 0X57 0X31 ) : VW1");
+    row("text ends at a zero byte", "41004200", "(0X41 0X0 0X42 0X0 ) : A");
+    row("zero byte first", "0041", "(0X0 0X41 ) : ");
+    row("above 127 is Latin-1", "80e4ff",
+        QString("(0X80 0Xe4 0Xff ) : ") + QChar(0x80) + QChar(0xE4) + QChar(0xFF));
 }
 
 void TestDiagnostics::dumpShowsBytesAndText()

@@ -171,20 +171,16 @@ void TestPack::packsCountedElements_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QString>("packed");
-    QTest::newRow("one byte") << "1C"
-                              << "01";
-    QTest::newRow("C") << "8C"
-                       << "0102030405060708";
-    QTest::newRow("c") << "3c"
-                       << "010203";
-    QTest::newRow("n") << "3n"
-                       << "020104030605";
-    QTest::newRow("v") << "3v"
-                       << "010203040506";
-    QTest::newRow("N") << "2N"
-                       << "0403020108070605";
-    QTest::newRow("V") << "2V"
-                       << "0102030405060708";
+    const auto row = [](const char *name, const char *format, const char *packed) {
+        QTest::newRow(name) << format << packed;
+    };
+    row("one byte", "1C", "01");
+    row("C", "8C", "0102030405060708");
+    row("c", "3c", "010203");
+    row("n", "3n", "020104030605");
+    row("v", "3v", "010203040506");
+    row("N", "2N", "0403020108070605");
+    row("V", "2V", "0102030405060708");
 }
 
 void TestPack::packsCountedElements()

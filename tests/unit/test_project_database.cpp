@@ -233,13 +233,14 @@ void TestProjectDatabase::databaseNameNeedsNoDirectories_data()
 {
     QTest::addColumn<QStringList>("directories");
     QTest::addColumn<QString>("name");
-    QTest::newRow("both") << QStringList("compile/database") << "/compile/database/database";
-    QTest::newRow("no database") << QStringList("compile") << "/compile/database";
-    QTest::newRow("no compile") << QStringList() << "/database";
-    QTest::newRow("database beside the program") << QStringList("database") << "/database/database";
-    QTest::newRow("compile comes first") << (QStringList() << "database"
-                                                           << "compile")
-                                         << "/compile/database";
+    const auto row = [](const char *title, const QStringList &directories, const char *name) {
+        QTest::newRow(title) << directories << name;
+    };
+    row("both", QStringList("compile/database"), "/compile/database/database");
+    row("no database", QStringList("compile"), "/compile/database");
+    row("no compile", QStringList(), "/database");
+    row("database beside the program", QStringList("database"), "/database/database");
+    row("compile comes first", QString("database,compile").split(','), "/compile/database");
 }
 
 void TestProjectDatabase::databaseNameNeedsNoDirectories()
@@ -259,14 +260,12 @@ void TestProjectDatabase::fileIsNoDirectoryOfTheDatabase_data()
     QTest::addColumn<QStringList>("directories");
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("name");
-    QTest::newRow("compile") << QStringList() << "compile"
-                             << "/database";
-    QTest::newRow("compile, database beside the program") << QStringList("database") << "compile"
-                                                          << "/database/database";
-    QTest::newRow("compile/database") << QStringList("compile") << "compile/database"
-                                      << "/compile/database";
-    QTest::newRow("database beside the program") << QStringList() << "database"
-                                                 << "/database";
+    const auto row = [](const char *title, const QStringList &directories, const char *file,
+                        const char *name) { QTest::newRow(title) << directories << file << name; };
+    row("compile", QStringList(), "compile", "/database");
+    row("compile, database beside the program", QStringList("database"), "compile", "/database/database");
+    row("compile/database", QStringList("compile"), "compile/database", "/compile/database");
+    row("database beside the program", QStringList(), "database", "/database");
 }
 
 void TestProjectDatabase::fileIsNoDirectoryOfTheDatabase()

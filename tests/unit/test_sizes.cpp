@@ -176,24 +176,18 @@ void TestSizes::dataIsCutOrFilledToTheCommandsLength_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("fitted");
-    QTest::newRow("5 bytes for 2 words") << int(kWords) << 2 << "0102030405"
-                                         << "01020304";
-    QTest::newRow("3 bytes for 2 words") << int(kWords) << 2 << "010203"
-                                         << "01020300";
-    QTest::newRow("4 bytes for 2 words") << int(kWords) << 2 << "01020304"
-                                         << "01020304";
-    QTest::newRow("nothing for 1 double word") << int(kDoubleWords) << 1 << ""
-                                               << "00000000";
-    QTest::newRow("9 bits keep the upper ones") << int(kBits) << 9 << "ffffff"
-                                                << "ffff";
-    QTest::newRow("quad word") << int(kQuadWords) << 1 << "0102"
-                               << "0102000000000000";
-    QTest::newRow("block") << int(kBlock) << 2 << "010203"
-                           << "0102";
-    QTest::newRow("unknown type") << 9 << 2 << "010203"
-                                  << "";
-    QTest::newRow("negative count") << int(kBytes) << -1 << "010203"
-                                    << "";
+    const auto row = [](const char *name, int dataType, int count, const char *data, const char *fitted) {
+        QTest::newRow(name) << dataType << count << data << fitted;
+    };
+    row("5 bytes for 2 words", kWords, 2, "0102030405", "01020304");
+    row("3 bytes for 2 words", kWords, 2, "010203", "01020300");
+    row("4 bytes for 2 words", kWords, 2, "01020304", "01020304");
+    row("nothing for 1 double word", kDoubleWords, 1, "", "00000000");
+    row("9 bits keep the upper ones", kBits, 9, "ffffff", "ffff");
+    row("quad word", kQuadWords, 1, "0102", "0102000000000000");
+    row("block", kBlock, 2, "010203", "0102");
+    row("unknown type", 9, 2, "010203", "");
+    row("negative count", kBytes, -1, "010203", "");
 }
 
 void TestSizes::dataIsCutOrFilledToTheCommandsLength()
@@ -228,24 +222,15 @@ void TestSizes::dataIsFilledToWholeWords_data()
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("words");
     QTest::addColumn<QString>("doubleWords");
-    QTest::newRow("empty") << ""
-                           << ""
-                           << "";
-    QTest::newRow("1 byte") << "01"
-                            << "0100"
-                            << "01000000";
-    QTest::newRow("2 bytes") << "0102"
-                             << "0102"
-                             << "01020000";
-    QTest::newRow("3 bytes") << "010203"
-                             << "01020300"
-                             << "01020300";
-    QTest::newRow("4 bytes") << "01020304"
-                             << "01020304"
-                             << "01020304";
-    QTest::newRow("5 bytes") << "0102030405"
-                             << "010203040500"
-                             << "0102030405000000";
+    const auto row = [](const char *name, const char *data, const char *words, const char *doubleWords) {
+        QTest::newRow(name) << data << words << doubleWords;
+    };
+    row("empty", "", "", "");
+    row("1 byte", "01", "0100", "01000000");
+    row("2 bytes", "0102", "0102", "01020000");
+    row("3 bytes", "010203", "01020300", "01020300");
+    row("4 bytes", "01020304", "01020304", "01020304");
+    row("5 bytes", "0102030405", "010203040500", "0102030405000000");
 }
 
 void TestSizes::dataIsFilledToWholeWords()
@@ -263,30 +248,21 @@ void TestSizes::to64bitsDataFillsToFourOnly_data()
 {
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("filled");
-    QTest::newRow("empty") << ""
-                           << "";
-    QTest::newRow("1 byte") << "01"
-                            << "01000000";
-    QTest::newRow("2 bytes") << "0102"
-                             << "01020000";
-    QTest::newRow("3 bytes") << "010203"
-                             << "01020300";
-    QTest::newRow("4 bytes") << "01020304"
-                             << "01020304";
-    QTest::newRow("5 bytes") << "0102030405"
-                             << "0102030405";
-    QTest::newRow("6 bytes") << "010203040506"
-                             << "010203040506";
-    QTest::newRow("7 bytes") << "01020304050607"
-                             << "01020304050607";
-    QTest::newRow("8 bytes") << "0102030405060708"
-                             << "0102030405060708";
-    QTest::newRow("9 bytes") << "010203040506070809"
-                             << "010203040506070809000000";
-    QTest::newRow("11 bytes") << "0102030405060708090a0b"
-                              << "0102030405060708090a0b00";
-    QTest::newRow("12 bytes") << "0102030405060708090a0b0c"
-                              << "0102030405060708090a0b0c";
+    const auto row = [](const char *name, const char *data, const char *filled) {
+        QTest::newRow(name) << data << filled;
+    };
+    row("empty", "", "");
+    row("1 byte", "01", "01000000");
+    row("2 bytes", "0102", "01020000");
+    row("3 bytes", "010203", "01020300");
+    row("4 bytes", "01020304", "01020304");
+    row("5 bytes", "0102030405", "0102030405");
+    row("6 bytes", "010203040506", "010203040506");
+    row("7 bytes", "01020304050607", "01020304050607");
+    row("8 bytes", "0102030405060708", "0102030405060708");
+    row("9 bytes", "010203040506070809", "010203040506070809000000");
+    row("11 bytes", "0102030405060708090a0b", "0102030405060708090a0b00");
+    row("12 bytes", "0102030405060708090a0b0c", "0102030405060708090a0b0c");
 }
 
 void TestSizes::to64bitsDataFillsToFourOnly()

@@ -421,18 +421,15 @@ void TestTxPackage::setSectionSizeCutsAndFillsTheFrame_data()
 {
     QTest::addColumn<QString>("sizes");
     QTest::addColumn<QString>("frame");
-    QTest::newRow("as long") << "1 2"
-                             << "010203";
-    QTest::newRow("longer") << "4 1"
-                            << "0102030000";
-    QTest::newRow("shorter") << "1 0"
-                             << "01";
-    QTest::newRow("no section") << ""
-                                << "";
-    QTest::newRow("reference counts as stored") << "1 2 -1"
-                                                << "0102";
-    QTest::newRow("below 0") << "1 -2"
-                             << "";
+    const auto row = [](const char *name, const char *sizes, const char *frame) {
+        QTest::newRow(name) << sizes << frame;
+    };
+    row("as long", "1 2", "010203");
+    row("longer", "4 1", "0102030000");
+    row("shorter", "1 0", "01");
+    row("no section", "", "");
+    row("reference counts as stored", "1 2 -1", "0102");
+    row("below 0", "1 -2", "");
 }
 
 void TestTxPackage::setSectionSizeCutsAndFillsTheFrame()
@@ -599,13 +596,13 @@ void TestTxPackage::toStringShowsBytesAndText_data()
 {
     QTest::addColumn<QString>("array");
     QTest::addColumn<QString>("text");
-    QTest::newRow("empty") << ""
-                           << "() : ";
-    QTest::newRow("no leading zero, lower case")
-        << "0aff" << QString("(0Xa 0Xff ) : ") + QChar(0x0A) + QChar(0xFF);
-    QTest::newRow("0X5 and 0Xfe") << "05fe" << QString("(0X5 0Xfe ) : ") + QChar(0x05) + QChar(0xFE);
-    QTest::newRow("text ends at a zero byte") << "41004200"
-                                              << "(0X41 0X0 0X42 0X0 ) : A";
+    const auto row = [](const char *name, const char *array, const QString &text) {
+        QTest::newRow(name) << array << text;
+    };
+    row("empty", "", "() : ");
+    row("no leading zero, lower case", "0aff", QString("(0Xa 0Xff ) : ") + QChar(0x0A) + QChar(0xFF));
+    row("0X5 and 0Xfe", "05fe", QString("(0X5 0Xfe ) : ") + QChar(0x05) + QChar(0xFE));
+    row("text ends at a zero byte", "41004200", "(0X41 0X0 0X42 0X0 ) : A");
 }
 
 void TestTxPackage::toStringShowsBytesAndText()

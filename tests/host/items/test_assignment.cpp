@@ -30,28 +30,19 @@ void TestAssignment::thereAreAsManyValuesAsAreNamed_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("data");
-    QTest::newRow("VB100=17") << "VB100"
-                              << "u8" << 1 << "11";
-    QTest::newRow("VW10:i16=-1,0x7f") << "VW10"
-                                      << "i16" << 2 << "ffff007f";
-    QTest::newRow("V10.7=1,0,1") << "V10.7"
-                                 << "bool" << 3 << "010001";
-    QTest::newRow("VB0:hex=112233") << "VB0"
-                                    << "hex" << 3 << "112233";
-    QTest::newRow("VW0:hex=1122,33445566") << "VW0"
-                                           << "hex" << 3 << "112233445566";
-    QTest::newRow("VB20:str=a=b") << "VB20"
-                                  << "str" << 3 << "613d62";
-    QTest::newRow("VD0:f32=1.0,5.0") << "VD0"
-                                     << "f32" << 2 << "3f80000040a00000";
-    QTest::newRow("VD0:f32=1,-5") << "VD0"
-                                  << "f32" << 2 << "3f800000c0a00000";
-    QTest::newRow("VD0:f32=1,5,1") << "VD0"
-                                   << "f32" << 3 << "3f80000040a000003f800000";
-    QTest::newRow("T37=300") << "T37"
-                             << "u16" << 1 << "012c";
-    QTest::newRow("VB2097150=1,2") << "VB2097150"
-                                   << "u8" << 2 << "0102";
+    const auto row = [](const char *name, const char *address, const char *type, int count,
+                        const char *data) { QTest::newRow(name) << address << type << count << data; };
+    row("VB100=17", "VB100", "u8", 1, "11");
+    row("VW10:i16=-1,0x7f", "VW10", "i16", 2, "ffff007f");
+    row("V10.7=1,0,1", "V10.7", "bool", 3, "010001");
+    row("VB0:hex=112233", "VB0", "hex", 3, "112233");
+    row("VW0:hex=1122,33445566", "VW0", "hex", 3, "112233445566");
+    row("VB20:str=a=b", "VB20", "str", 3, "613d62");
+    row("VD0:f32=1.0,5.0", "VD0", "f32", 2, "3f80000040a00000");
+    row("VD0:f32=1,-5", "VD0", "f32", 2, "3f800000c0a00000");
+    row("VD0:f32=1,5,1", "VD0", "f32", 3, "3f80000040a000003f800000");
+    row("T37=300", "T37", "u16", 1, "012c");
+    row("VB2097150=1,2", "VB2097150", "u8", 2, "0102");
 }
 
 void TestAssignment::thereAreAsManyValuesAsAreNamed()

@@ -29,24 +29,18 @@ void TestItem::theAddressGivesTheTypeThatIsLeftOut_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("type");
-    QTest::newRow("bit") << "V10.3"
-                         << "bool";
-    QTest::newRow("byte") << "SMB0"
-                          << "u8";
-    QTest::newRow("word") << "VW100"
-                          << "u16";
-    QTest::newRow("double word") << "MD0"
-                                 << "u32";
-    QTest::newRow("analogue input") << "AIW0"
-                                    << "i16";
-    QTest::newRow("analogue output") << "AQW2"
-                                     << "i16";
-    QTest::newRow("timer") << "T37"
-                           << "u16";
-    QTest::newRow("counter") << "C5"
-                             << "u16";
-    QTest::newRow("high-speed counter") << "HC0"
-                                        << "u32";
+    const auto row = [](const char *name, const char *text, const char *type) {
+        QTest::newRow(name) << text << type;
+    };
+    row("bit", "V10.3", "bool");
+    row("byte", "SMB0", "u8");
+    row("word", "VW100", "u16");
+    row("double word", "MD0", "u32");
+    row("analogue input", "AIW0", "i16");
+    row("analogue output", "AQW2", "i16");
+    row("timer", "T37", "u16");
+    row("counter", "C5", "u16");
+    row("high-speed counter", "HC0", "u32");
 }
 
 void TestItem::theAddressGivesTheTypeThatIsLeftOut()
@@ -64,42 +58,27 @@ void TestItem::typeAndCountAreTaken_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("valueSize");
-    QTest::newRow("VB100:u8") << "VB100:u8"
-                              << "u8" << 1 << 1;
-    QTest::newRow("VB100:i8*3") << "VB100:i8*3"
-                                << "i8" << 3 << 1;
-    QTest::newRow("VB100:u16") << "VB100:u16"
-                               << "u16" << 1 << 2;
-    QTest::newRow("VD100:i16*5") << "VD100:i16*5"
-                                 << "i16" << 5 << 2;
-    QTest::newRow("VW100:u32") << "VW100:u32"
-                               << "u32" << 1 << 4;
-    QTest::newRow("VW100:i32") << "VW100:i32"
-                               << "i32" << 1 << 4;
-    QTest::newRow("VB100:f32*2") << "VB100:f32*2"
-                                 << "f32" << 2 << 4;
-    QTest::newRow("VB100:hex*4") << "VB100:hex*4"
-                                 << "hex" << 4 << 1;
-    QTest::newRow("VW100:hex*4") << "VW100:hex*4"
-                                 << "hex" << 4 << 2;
-    QTest::newRow("VD100:bcd") << "VD100:bcd"
-                               << "bcd" << 1 << 4;
-    QTest::newRow("T37:hex") << "T37:hex"
-                             << "hex" << 1 << 2;
-    QTest::newRow("HC0:hex") << "HC0:hex"
-                             << "hex" << 1 << 4;
-    QTest::newRow("T37:bool*2") << "T37:bool*2"
-                                << "bool" << 2 << 1;
-    QTest::newRow("HC0:i32") << "HC0:i32"
-                             << "i32" << 1 << 4;
-    QTest::newRow("VB100:str*16") << "VB100:str*16"
-                                  << "str" << 16 << 1;
-    QTest::newRow("V10.3*4") << "V10.3*4"
-                             << "bool" << 4 << 1;
-    QTest::newRow("to the last bit there is") << "V2097151.0*8"
-                                              << "bool" << 8 << 1;
-    QTest::newRow("to the last byte there is") << "VB2097150*2"
-                                               << "u8" << 2 << 1;
+    const auto row = [](const char *name, const char *text, const char *type, int count, int valueSize) {
+        QTest::newRow(name) << text << type << count << valueSize;
+    };
+    row("VB100:u8", "VB100:u8", "u8", 1, 1);
+    row("VB100:i8*3", "VB100:i8*3", "i8", 3, 1);
+    row("VB100:u16", "VB100:u16", "u16", 1, 2);
+    row("VD100:i16*5", "VD100:i16*5", "i16", 5, 2);
+    row("VW100:u32", "VW100:u32", "u32", 1, 4);
+    row("VW100:i32", "VW100:i32", "i32", 1, 4);
+    row("VB100:f32*2", "VB100:f32*2", "f32", 2, 4);
+    row("VB100:hex*4", "VB100:hex*4", "hex", 4, 1);
+    row("VW100:hex*4", "VW100:hex*4", "hex", 4, 2);
+    row("VD100:bcd", "VD100:bcd", "bcd", 1, 4);
+    row("T37:hex", "T37:hex", "hex", 1, 2);
+    row("HC0:hex", "HC0:hex", "hex", 1, 4);
+    row("T37:bool*2", "T37:bool*2", "bool", 2, 1);
+    row("HC0:i32", "HC0:i32", "i32", 1, 4);
+    row("VB100:str*16", "VB100:str*16", "str", 16, 1);
+    row("V10.3*4", "V10.3*4", "bool", 4, 1);
+    row("to the last bit there is", "V2097151.0*8", "bool", 8, 1);
+    row("to the last byte there is", "VB2097150*2", "u8", 2, 1);
 }
 
 void TestItem::typeAndCountAreTaken()

@@ -47,28 +47,20 @@ void TestReadBack::theFirstDifferenceIsNamed_data()
 {
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("text");
-    QTest::newRow("VB0=17") << "12"
-                            << "reads 18 and not 17";
-    QTest::newRow("VB0=1,2,3") << "010503"
-                               << "value 2 of 3 is 5 and not 2";
-    QTest::newRow("VW0=1,2,3") << "000100020004"
-                               << "value 3 of 3 is 4 and not 3";
-    QTest::newRow("VW0:i16=-1") << "fffe"
-                                << "reads -2 and not -1";
-    QTest::newRow("VD0:f32=1") << "3f800001"
-                               << "reads 1.0000001 and not 1";
-    QTest::newRow("VD0:f32=0") << "80000000"
-                               << "reads -0 and not 0";
-    QTest::newRow("VB0:str=ab") << "6163"
-                                << "reads \"ac\" and not \"ab\"";
-    QTest::newRow("VW0:hex=1122") << "1123"
-                                  << "reads 1123 and not 1122";
-    QTest::newRow("VW0:bcd=12") << "001f"
-                                << "reads 001f and not 0012";
-    QTest::newRow("V0.0=1,0") << "0101"
-                              << "value 2 of 2 is 1 and not 0";
-    QTest::newRow("T37=300") << "012d"
-                             << "reads 301 and not 300";
+    const auto row = [](const char *name, const char *data, const char *text) {
+        QTest::newRow(name) << data << text;
+    };
+    row("VB0=17", "12", "reads 18 and not 17");
+    row("VB0=1,2,3", "010503", "value 2 of 3 is 5 and not 2");
+    row("VW0=1,2,3", "000100020004", "value 3 of 3 is 4 and not 3");
+    row("VW0:i16=-1", "fffe", "reads -2 and not -1");
+    row("VD0:f32=1", "3f800001", "reads 1.0000001 and not 1");
+    row("VD0:f32=0", "80000000", "reads -0 and not 0");
+    row("VB0:str=ab", "6163", "reads \"ac\" and not \"ab\"");
+    row("VW0:hex=1122", "1123", "reads 1123 and not 1122");
+    row("VW0:bcd=12", "001f", "reads 001f and not 0012");
+    row("V0.0=1,0", "0101", "value 2 of 2 is 1 and not 0");
+    row("T37=300", "012d", "reads 301 and not 300");
 }
 
 void TestReadBack::theFirstDifferenceIsNamed()

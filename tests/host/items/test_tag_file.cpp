@@ -93,18 +93,18 @@ void TestTagFile::everyColumnHasItsMeaning()
 void TestTagFile::filesOfSpreadsheetsAreRead_data()
 {
     QTest::addColumn<QByteArray>("file");
-    QTest::newRow("semicolons") << QByteArray("name;address;type\nBoiler;VW100;i16\n");
-    QTest::newRow("tabulators") << QByteArray("name\taddress\ttype\nBoiler\tVW100\ti16");
-    QTest::newRow("another order") << QByteArray("type,address,name\ni16,VW100,Boiler\n");
-    QTest::newRow("quotes") << QByteArray("\"name\",\"address\",\"type\"\n\"Boiler\",\"VW100\",\"i16\"\n");
-    QTest::newRow("ends of lines as on Windows, and a byte order mark")
-        << QByteArray("\xef\xbb\xbfname,address,type\r\nBoiler,VW100,i16\r\n");
-    QTest::newRow("comments, blanks and empty lines")
-        << QByteArray("# tags\n\nname, address, type\n# one\n Boiler , VW100 , i16 \n\n");
-    QTest::newRow("columns of its own")
-        << QByteArray("remark,name,address,Comment,comment,type,\nhot,Boiler,VW100,a,b,i16,\n");
-    QTest::newRow("columns in another case") << QByteArray("Name,ADDRESS,Type\nBoiler,VW100,i16\n");
-    QTest::newRow("the type with the address") << QByteArray("name,address,type\nBoiler,VW100:i16,u32\n");
+    const auto row = [](const char *name, const char *file) { QTest::newRow(name) << QByteArray(file); };
+    row("semicolons", "name;address;type\nBoiler;VW100;i16\n");
+    row("tabulators", "name\taddress\ttype\nBoiler\tVW100\ti16");
+    row("another order", "type,address,name\ni16,VW100,Boiler\n");
+    row("quotes", "\"name\",\"address\",\"type\"\n\"Boiler\",\"VW100\",\"i16\"\n");
+    row("ends of lines as on Windows, and a byte order mark",
+        "\xef\xbb\xbfname,address,type\r\nBoiler,VW100,i16\r\n");
+    row("comments, blanks and empty lines",
+        "# tags\n\nname, address, type\n# one\n Boiler , VW100 , i16 \n\n");
+    row("columns of its own", "remark,name,address,Comment,comment,type,\nhot,Boiler,VW100,a,b,i16,\n");
+    row("columns in another case", "Name,ADDRESS,Type\nBoiler,VW100,i16\n");
+    row("the type with the address", "name,address,type\nBoiler,VW100:i16,u32\n");
 }
 
 void TestTagFile::filesOfSpreadsheetsAreRead()
@@ -171,16 +171,14 @@ void TestTagFile::valuesAreShownScaledWithTheirUnit_data()
 {
     QTest::addColumn<QString>("data");
     QTest::addColumn<QString>("text");
-    QTest::newRow("Boiler") << "0267"
-                            << "21.5 °C";
-    QTest::newRow("Levels") << "0001000300000005"
-                            << "0.5 1.5 0 2.5 mm";
-    QTest::newRow("Speed") << "41c80000"
-                           << "1500 1/min";
-    QTest::newRow("Pump") << "01"
-                          << "1";
-    QTest::newRow("Label") << "48656c6c6f"
-                           << "\"Hello\"";
+    const auto row = [](const char *name, const char *data, const char *text) {
+        QTest::newRow(name) << data << text;
+    };
+    row("Boiler", "0267", "21.5 °C");
+    row("Levels", "0001000300000005", "0.5 1.5 0 2.5 mm");
+    row("Speed", "41c80000", "1500 1/min");
+    row("Pump", "01", "1");
+    row("Label", "48656c6c6f", "\"Hello\"");
 }
 
 void TestTagFile::valuesAreShownScaledWithTheirUnit()
@@ -214,14 +212,14 @@ void TestTagFile::valuesAreAssignedAsTheyAreShown()
 void TestTagFile::wrongAssignmentsToTagsAreRefused_data()
 {
     QTest::addColumn<QString>("failure");
-    QTest::newRow("Boiler=warm")
-        << "2: \"warm\" is not a number / Boiler is scaled: write a number with a point, as 21.5";
-    QTest::newRow("Boiler=4000")
-        << "2: 40400 is too large for i16: -32768 to 32767 / the nearest value is 32767";
-    QTest::newRow("Boiler=1,2") << "2: there are more values than the tag has / Boiler has 1";
-    QTest::newRow("Levels=0,5")
-        << "2: \"0,5\" may be one number or two / write Levels=0.5 for one number, Levels=0.0,5.0 for two";
-    QTest::newRow("Label=Hello!") << "2: there are more values than the tag has / Label has 5";
+    const auto row = [](const char *name, const char *failure) { QTest::newRow(name) << failure; };
+    row("Boiler=warm",
+        "2: \"warm\" is not a number / Boiler is scaled: write a number with a point, as 21.5");
+    row("Boiler=4000", "2: 40400 is too large for i16: -32768 to 32767 / the nearest value is 32767");
+    row("Boiler=1,2", "2: there are more values than the tag has / Boiler has 1");
+    row("Levels=0,5",
+        "2: \"0,5\" may be one number or two / write Levels=0.5 for one number, Levels=0.0,5.0 for two");
+    row("Label=Hello!", "2: there are more values than the tag has / Label has 5");
 }
 
 void TestTagFile::wrongAssignmentsToTagsAreRefused()

@@ -44,14 +44,13 @@ void TestHexText::whatIsNoHexIsRefused_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("complaint");
-    QTest::newRow("letters") << "10 zz"
-                             << "2: \"zz\" is not hexadecimal";
-    QTest::newRow("half a byte") << "10 025"
-                                 << "2: \"025\" is an odd number of digits";
-    QTest::newRow("a mark alone") << "0x"
-                                  << "2: \"0x\" is not hexadecimal";
-    QTest::newRow("beyond ASCII") << QString::fromUtf8("１０")
-                                  << QString::fromUtf8("2: \"１０\" is not hexadecimal");
+    const auto row = [](const char *name, const QString &text, const QString &complaint) {
+        QTest::newRow(name) << text << complaint;
+    };
+    row("letters", "10 zz", "2: \"zz\" is not hexadecimal");
+    row("half a byte", "10 025", "2: \"025\" is an odd number of digits");
+    row("a mark alone", "0x", "2: \"0x\" is not hexadecimal");
+    row("beyond ASCII", QString::fromUtf8("１０"), QString::fromUtf8("2: \"１０\" is not hexadecimal"));
 }
 
 void TestHexText::whatIsNoHexIsRefused()

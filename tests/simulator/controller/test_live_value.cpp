@@ -172,41 +172,41 @@ void TestSimulatorLiveValue::badTextIsRefused_data()
     const QString noPlace =
         "is no place in the memory; such are V10.3 VB10 VW10 VD10 VD10:f32 AIW0 T37 C5 HC0";
     QTest::addColumn<QString>("error");
+    const auto row = [](const char *name, const QString &error) { QTest::newRow(name) << error; };
     for (const char *place : {"",      "V10",  "XB1",     "vb1",     "VX1",     "VB",      "VB-1",
                               "VB1.0", "V1.8", "V1.10",   "T37.0",   "TW37",    "AI0",     "AI0.0",
                               "AIB0",  "AID0", "VW1:f32", "T37:f32", "HC0:f32", "VD4:i32", "VB1000000"})
-        QTest::newRow(qPrintable(QString(place) + "=clock")) << QString("\"%1\" %2").arg(place, noPlace);
-    QTest::newRow("VB10240=clock") << "\"VB10240\" lies behind the last one of V, 10239";
-    QTest::newRow("VD10237=clock") << "\"VD10237\" lies behind the last one of V, 10239";
-    QTest::newRow("T256=clock") << "\"T256\" lies behind the last one of T, 255";
-    QTest::newRow("HC6=clock") << "\"HC6\" lies behind the last one of HC, 5";
-    QTest::newRow("AIW1=clock") << "\"AIW1\" does not begin at an even byte";
+        row(qPrintable(QString(place) + "=clock"), QString("\"%1\" %2").arg(place, noPlace));
+    row("VB10240=clock", "\"VB10240\" lies behind the last one of V, 10239");
+    row("VD10237=clock", "\"VD10237\" lies behind the last one of V, 10239");
+    row("T256=clock", "\"T256\" lies behind the last one of T, 255");
+    row("HC6=clock", "\"HC6\" lies behind the last one of HC, 5");
+    row("AIW1=clock", "\"AIW1\" does not begin at an even byte");
 
-    QTest::newRow("VW0") << "\"VW0\" is neither PLACE=KIND:ARGUMENTS, as VW100=ramp:0..1000/10s, nor demo";
-    QTest::newRow("VW0=") << "\"\" is no kind of live value; the nearest is ramp";
-    QTest::newRow("VW0=sinus:1+-1/1s") << "\"sinus\" is no kind of live value; the nearest is sine";
-    QTest::newRow("VW0=ramp") << "\"ramp\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s";
-    QTest::newRow("VW0=ramp:0..5") << "\"ramp:0..5\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s";
-    QTest::newRow("VW0=ramp:0..5/10") << "\"ramp:0..5/10\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s";
-    QTest::newRow("VW0=ramp:0..5/10d") << "\"ramp:0..5/10d\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s";
-    QTest::newRow("VW0=ramp:0..x/10s") << "\"ramp:0..x/10s\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s";
-    QTest::newRow("VW0=sine:5+4/1s")
-        << "\"sine:5+4/1s\": give sine:MIDDLE+-AMPLITUDE/TIME, as sine:500+-400/30s";
-    QTest::newRow("VD0=clock:1") << "\"clock:1\": give clock, without arguments";
-    QTest::newRow("VW0=counter:1") << "\"counter:1\": give counter:STEP/TIME, as counter:1/s";
-    QTest::newRow("V0.0=blink") << "\"blink\": give blink:TIME, as blink:1s";
+    row("VW0", "\"VW0\" is neither PLACE=KIND:ARGUMENTS, as VW100=ramp:0..1000/10s, nor demo");
+    row("VW0=", "\"\" is no kind of live value; the nearest is ramp");
+    row("VW0=sinus:1+-1/1s", "\"sinus\" is no kind of live value; the nearest is sine");
+    row("VW0=ramp", "\"ramp\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
+    row("VW0=ramp:0..5", "\"ramp:0..5\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
+    row("VW0=ramp:0..5/10", "\"ramp:0..5/10\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
+    row("VW0=ramp:0..5/10d", "\"ramp:0..5/10d\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
+    row("VW0=ramp:0..x/10s", "\"ramp:0..x/10s\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
+    row("VW0=sine:5+4/1s", "\"sine:5+4/1s\": give sine:MIDDLE+-AMPLITUDE/TIME, as sine:500+-400/30s");
+    row("VD0=clock:1", "\"clock:1\": give clock, without arguments");
+    row("VW0=counter:1", "\"counter:1\": give counter:STEP/TIME, as counter:1/s");
+    row("V0.0=blink", "\"blink\": give blink:TIME, as blink:1s");
 
-    QTest::newRow("VW0=blink:1s") << "VW0: only a bit can blink";
-    QTest::newRow("V0.0=counter:1/s") << "V0.0: a bit can only blink";
-    QTest::newRow("VW0=clock") << "VW0: clock needs a double word";
-    QTest::newRow("VD0:f32=clock") << "VD0:f32: clock needs a double word";
-    QTest::newRow("V0.0=blink:0s") << "\"blink:0s\": the time must be longer than 0";
-    QTest::newRow("VW0=counter:0/s") << "\"counter:0/s\": the step must not be 0";
-    QTest::newRow("VW0=counter:-0.0/2s") << "\"counter:-0.0/2s\": the step must not be 0";
-    QTest::newRow("VW0=ramp:0..65536/1s") << "\"ramp:0..65536/1s\" goes beyond what VW0 can hold";
-    QTest::newRow("VW0=ramp:-32769..0/1s") << "\"ramp:-32769..0/1s\" goes beyond what VW0 can hold";
-    QTest::newRow("VB0=sine:100+-156/1s") << "\"sine:100+-156/1s\" goes beyond what VB0 can hold";
-    QTest::newRow("C0=ramp:0..65536/1s") << "\"ramp:0..65536/1s\" goes beyond what C0 can hold";
+    row("VW0=blink:1s", "VW0: only a bit can blink");
+    row("V0.0=counter:1/s", "V0.0: a bit can only blink");
+    row("VW0=clock", "VW0: clock needs a double word");
+    row("VD0:f32=clock", "VD0:f32: clock needs a double word");
+    row("V0.0=blink:0s", "\"blink:0s\": the time must be longer than 0");
+    row("VW0=counter:0/s", "\"counter:0/s\": the step must not be 0");
+    row("VW0=counter:-0.0/2s", "\"counter:-0.0/2s\": the step must not be 0");
+    row("VW0=ramp:0..65536/1s", "\"ramp:0..65536/1s\" goes beyond what VW0 can hold");
+    row("VW0=ramp:-32769..0/1s", "\"ramp:-32769..0/1s\" goes beyond what VW0 can hold");
+    row("VB0=sine:100+-156/1s", "\"sine:100+-156/1s\" goes beyond what VB0 can hold");
+    row("C0=ramp:0..65536/1s", "\"ramp:0..65536/1s\" goes beyond what C0 can hold");
 }
 
 void TestSimulatorLiveValue::badTextIsRefused()

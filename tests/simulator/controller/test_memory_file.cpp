@@ -208,74 +208,56 @@ void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("error");
-    QTest::newRow("not an object") << R"([1])"
-                                   << "the whole file: must be an object in braces";
-    QTest::newRow("unknown area")
-        << R"({ "X": {} })"
-        << "\"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
-    QTest::newRow("lower case area")
-        << R"({ "v": {} })"
-        << "\"v\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
-    QTest::newRow("area without braces") << R"({ "V": "00" })"
-                                         << "V: must be an object in braces";
-    QTest::newRow("area twice") << R"({ "V": {}, "V": {} })"
-                                << "\"V\": comes twice";
-    QTest::newRow("byte twice") << R"({ "V": { "1": "01", "1": "02" } })"
-                                << "\"1\": comes twice";
-    QTest::newRow("address without number") << R"({ "V": { "a": "00" } })"
-                                            << "V: \"a\" is not a number";
-    QTest::newRow("address with sign") << R"({ "V": { "-1": "00" } })"
-                                       << "V: \"-1\" is not a number";
-    QTest::newRow("empty address") << R"({ "V": { "": "00" } })"
-                                   << "V: \"\" is not a number";
-    QTest::newRow("address with letters behind") << R"({ "V": { "1b": "00" } })"
-                                                 << "V: \"1b\" is not a number";
-    QTest::newRow("huge address") << R"({ "V": { "99999999999999999999": "00" } })"
-                                  << "V: \"99999999999999999999\" is not a number";
-    QTest::newRow("address behind the area") << R"({ "M": { "32": "00" } })"
-                                             << "M: \"32\" is too large, the last one is 31";
-    QTest::newRow("bytes behind the area") << R"({ "M": { "31": "0102" } })"
-                                           << "M31: goes on behind the area's last byte, M31";
-    QTest::newRow("bytes as a number") << R"({ "M": { "0": 11 } })"
-                                       << "M0: must be a text of hexadecimal bytes";
-    QTest::newRow("odd digits") << R"({ "M": { "0": "123" } })"
-                                << "M0: \"123\" is not a text of hexadecimal bytes";
-    QTest::newRow("blank in a byte") << R"({ "M": { "0": "1 23 4" } })"
-                                     << "M0: \"1 23 4\" is not a text of hexadecimal bytes";
-    QTest::newRow("no hexadecimal digit") << R"({ "M": { "0": "0g" } })"
-                                          << "M0: \"0g\" is not a text of hexadecimal bytes";
-    QTest::newRow("overlap") << R"({ "M": { "1": "0102", "2": "03" } })"
-                             << "M2: M2 was given before";
-    QTest::newRow("overlap by another spelling") << R"({ "M": { "1": "01", "01": "03" } })"
-                                                 << "M1: M1 was given before";
-    QTest::newRow("timer behind the last") << R"({ "T": { "256": {} } })"
-                                           << "T: \"256\" is too large, the last one is 255";
-    QTest::newRow("timer by another spelling") << R"({ "T": { "1": {}, "01": {} } })"
-                                               << "T1: was given before";
-    QTest::newRow("timer as a number") << R"({ "T": { "1": 5 } })"
-                                       << "T1: must be an object in braces";
-    QTest::newRow("timer field") << R"({ "T": { "1": { "valu": 5 } } })"
-                                 << "T1: \"valu\" is unknown; there are value, preset and status";
-    QTest::newRow("timer value too large") << R"({ "T": { "1": { "value": 65536 } } })"
-                                           << "T1 value: must be a whole number from 0 to 65535";
-    QTest::newRow("counter preset negative") << R"({ "C": { "1": { "preset": -1 } } })"
-                                             << "C1 preset: must be a whole number from 0 to 65535";
-    QTest::newRow("counter value broken") << R"({ "C": { "1": { "value": 1.5 } } })"
-                                          << "C1 value: must be a whole number from 0 to 65535";
-    QTest::newRow("status as a number") << R"({ "C": { "1": { "status": 1 } } })"
-                                        << "C1 status: must be true or false";
-    QTest::newRow("high-speed counter behind the last") << R"({ "HC": { "6": 1 } })"
-                                                        << "HC: \"6\" is too large, the last one is 5";
-    QTest::newRow("high-speed counter too large") << R"({ "HC": { "0": 4294967296 } })"
-                                                  << "HC0: must be a whole number from 0 to 4294967295";
-    QTest::newRow("live without braces") << R"({ "live": [] })"
-                                         << "live: must be an object in braces";
-    QTest::newRow("live number") << R"({ "live": { "VW0": 5 } })"
-                                 << "live: VW0 must be a text, as \"ramp:0..1000/10s\"";
-    QTest::newRow("live kind") << R"({ "live": { "VW0": "rmp:0..1/1s" } })"
-                               << "live: \"rmp\" is no kind of live value; the nearest is ramp";
-    QTest::newRow("high-speed counter as a text") << R"({ "HC": { "0": "1" } })"
-                                                  << "HC0: must be a whole number from 0 to 4294967295";
+    const auto row = [](const char *name, const char *text, const char *error) {
+        QTest::newRow(name) << text << error;
+    };
+    row("not an object", R"([1])", "the whole file: must be an object in braces");
+    row("unknown area", R"({ "X": {} })",
+        "\"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live");
+    row("lower case area", R"({ "v": {} })",
+        "\"v\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live");
+    row("area without braces", R"({ "V": "00" })", "V: must be an object in braces");
+    row("area twice", R"({ "V": {}, "V": {} })", "\"V\": comes twice");
+    row("byte twice", R"({ "V": { "1": "01", "1": "02" } })", "\"1\": comes twice");
+    row("address without number", R"({ "V": { "a": "00" } })", "V: \"a\" is not a number");
+    row("address with sign", R"({ "V": { "-1": "00" } })", "V: \"-1\" is not a number");
+    row("empty address", R"({ "V": { "": "00" } })", "V: \"\" is not a number");
+    row("address with letters behind", R"({ "V": { "1b": "00" } })", "V: \"1b\" is not a number");
+    row("huge address", R"({ "V": { "99999999999999999999": "00" } })",
+        "V: \"99999999999999999999\" is not a number");
+    row("address behind the area", R"({ "M": { "32": "00" } })",
+        "M: \"32\" is too large, the last one is 31");
+    row("bytes behind the area", R"({ "M": { "31": "0102" } })",
+        "M31: goes on behind the area's last byte, M31");
+    row("bytes as a number", R"({ "M": { "0": 11 } })", "M0: must be a text of hexadecimal bytes");
+    row("odd digits", R"({ "M": { "0": "123" } })", "M0: \"123\" is not a text of hexadecimal bytes");
+    row("blank in a byte", R"({ "M": { "0": "1 23 4" } })",
+        "M0: \"1 23 4\" is not a text of hexadecimal bytes");
+    row("no hexadecimal digit", R"({ "M": { "0": "0g" } })", "M0: \"0g\" is not a text of hexadecimal bytes");
+    row("overlap", R"({ "M": { "1": "0102", "2": "03" } })", "M2: M2 was given before");
+    row("overlap by another spelling", R"({ "M": { "1": "01", "01": "03" } })", "M1: M1 was given before");
+    row("timer behind the last", R"({ "T": { "256": {} } })", "T: \"256\" is too large, the last one is 255");
+    row("timer by another spelling", R"({ "T": { "1": {}, "01": {} } })", "T1: was given before");
+    row("timer as a number", R"({ "T": { "1": 5 } })", "T1: must be an object in braces");
+    row("timer field", R"({ "T": { "1": { "valu": 5 } } })",
+        "T1: \"valu\" is unknown; there are value, preset and status");
+    row("timer value too large", R"({ "T": { "1": { "value": 65536 } } })",
+        "T1 value: must be a whole number from 0 to 65535");
+    row("counter preset negative", R"({ "C": { "1": { "preset": -1 } } })",
+        "C1 preset: must be a whole number from 0 to 65535");
+    row("counter value broken", R"({ "C": { "1": { "value": 1.5 } } })",
+        "C1 value: must be a whole number from 0 to 65535");
+    row("status as a number", R"({ "C": { "1": { "status": 1 } } })", "C1 status: must be true or false");
+    row("high-speed counter behind the last", R"({ "HC": { "6": 1 } })",
+        "HC: \"6\" is too large, the last one is 5");
+    row("high-speed counter too large", R"({ "HC": { "0": 4294967296 } })",
+        "HC0: must be a whole number from 0 to 4294967295");
+    row("live without braces", R"({ "live": [] })", "live: must be an object in braces");
+    row("live number", R"({ "live": { "VW0": 5 } })", "live: VW0 must be a text, as \"ramp:0..1000/10s\"");
+    row("live kind", R"({ "live": { "VW0": "rmp:0..1/1s" } })",
+        "live: \"rmp\" is no kind of live value; the nearest is ramp");
+    row("high-speed counter as a text", R"({ "HC": { "0": "1" } })",
+        "HC0: must be a whole number from 0 to 4294967295");
 }
 
 void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace()
@@ -295,21 +277,21 @@ void TestSimulatorMemoryFile::errorsNameTheLine_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("error");
-    QTest::newRow("area")
-        << QByteArray("{\n  \"V\": {},\n  \"X\": {}\n}")
-        << "line 3: \"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live";
-    QTest::newRow("byte behind others")
-        << QByteArray("{\n\"V\": {\n\"1\": \"00\",\n\"2\": \"0\"\n},\n\"M\": {}\n}")
-        << "line 4: V2: \"0\" is not a text of hexadecimal bytes";
-    QTest::newRow("field behind other objects")
-        << QByteArray("{ \"T\": {\n\"1\": { \"value\": 1 },\n\"2\": {\n\"preset\": -1 } } }")
-        << "line 4: T2 preset: must be a whole number from 0 to 65535";
-    QTest::newRow("twin") << QByteArray("{\n\"M\": {},\n\n\"M\": {}\n}") << "line 4: \"M\": comes twice";
-    QTest::newRow("syntax") << QByteArray("{\n  \"V\": ,\n}")
-                            << "line 2, column 8: not JSON: syntax error while parsing value - unexpected "
-                               "','; expected '[', '{', or a literal";
-    QTest::newRow("number beyond all numbers") << QByteArray("{ \"HC\": {\n \"0\": 1e9999 } }")
-                                               << "line 2: not JSON: number overflow parsing '1e9999'";
+    const auto row = [](const char *name, const char *text, const char *error) {
+        QTest::newRow(name) << QByteArray(text) << error;
+    };
+    row("area", "{\n  \"V\": {},\n  \"X\": {}\n}",
+        "line 3: \"X\": is not a part of the memory; there are I Q V M SM S AI AQ T C HC live");
+    row("byte behind others", "{\n\"V\": {\n\"1\": \"00\",\n\"2\": \"0\"\n},\n\"M\": {}\n}",
+        "line 4: V2: \"0\" is not a text of hexadecimal bytes");
+    row("field behind other objects", "{ \"T\": {\n\"1\": { \"value\": 1 },\n\"2\": {\n\"preset\": -1 } } }",
+        "line 4: T2 preset: must be a whole number from 0 to 65535");
+    row("twin", "{\n\"M\": {},\n\n\"M\": {}\n}", "line 4: \"M\": comes twice");
+    row("syntax", "{\n  \"V\": ,\n}",
+        "line 2, column 8: not JSON: syntax error while parsing value - unexpected "
+        "','; expected '[', '{', or a literal");
+    row("number beyond all numbers", "{ \"HC\": {\n \"0\": 1e9999 } }",
+        "line 2: not JSON: number overflow parsing '1e9999'");
 }
 
 void TestSimulatorMemoryFile::errorsNameTheLine()

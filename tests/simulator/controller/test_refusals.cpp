@@ -26,98 +26,57 @@ void TestSimulatorRefusals::readItemIsRefused_data()
 {
     QTest::addColumn<QString>("item");
     QTest::addColumn<QString>("code");
+    const auto row = [](const char *name, const char *item, const char *code) {
+        QTest::newRow(name) << item << code;
+    };
 
-    QTest::newRow("area 00") << "12 0a 10 02 0001 0000 00 000000"
-                             << "0a";
-    QTest::newRow("area ff") << "12 0a 10 02 0001 0000 ff 000000"
-                             << "0a";
-    QTest::newRow("V with data block 0") << "12 0a 10 02 0001 0000 84 000000"
-                                         << "0a";
-    QTest::newRow("V with data block 2") << "12 0a 10 02 0001 0002 84 000000"
-                                         << "0a";
-    QTest::newRow("M with data block 1") << "12 0a 10 02 0001 0001 83 000000"
-                                         << "0a";
-    QTest::newRow("T with data block 1") << "12 0a 10 1f 0001 0001 1f 000000"
-                                         << "0a";
+    row("area 00", "12 0a 10 02 0001 0000 00 000000", "0a");
+    row("area ff", "12 0a 10 02 0001 0000 ff 000000", "0a");
+    row("V with data block 0", "12 0a 10 02 0001 0000 84 000000", "0a");
+    row("V with data block 2", "12 0a 10 02 0001 0002 84 000000", "0a");
+    row("M with data block 1", "12 0a 10 02 0001 0001 83 000000", "0a");
+    row("T with data block 1", "12 0a 10 1f 0001 0001 1f 000000", "0a");
 
-    QTest::newRow("V as timers") << "12 0a 10 1f 0001 0001 84 000000"
-                                 << "06";
-    QTest::newRow("V as an unknown kind") << "12 0a 10 03 0001 0001 84 000000"
-                                          << "06";
-    QTest::newRow("T as words") << "12 0a 10 04 0001 0000 1f 000000"
-                                << "06";
-    QTest::newRow("T as a bit") << "12 0a 10 01 0001 0000 1f 000000"
-                                << "06";
-    QTest::newRow("T as counters") << "12 0a 10 1e 0001 0000 1f 000000"
-                                   << "06";
-    QTest::newRow("C as timers") << "12 0a 10 1f 0001 0000 1e 000000"
-                                 << "06";
-    QTest::newRow("HC as double words") << "12 0a 10 06 0001 0000 20 000000"
-                                        << "06";
-    QTest::newRow("AI as a bit") << "12 0a 10 01 0001 0000 06 000000"
-                                 << "06";
-    QTest::newRow("AI as bytes") << "12 0a 10 02 0001 0000 06 000000"
-                                 << "06";
-    QTest::newRow("AQ as double words") << "12 0a 10 06 0001 0000 07 000000"
-                                        << "06";
+    row("V as timers", "12 0a 10 1f 0001 0001 84 000000", "06");
+    row("V as an unknown kind", "12 0a 10 03 0001 0001 84 000000", "06");
+    row("T as words", "12 0a 10 04 0001 0000 1f 000000", "06");
+    row("T as a bit", "12 0a 10 01 0001 0000 1f 000000", "06");
+    row("T as counters", "12 0a 10 1e 0001 0000 1f 000000", "06");
+    row("C as timers", "12 0a 10 1f 0001 0000 1e 000000", "06");
+    row("HC as double words", "12 0a 10 06 0001 0000 20 000000", "06");
+    row("AI as a bit", "12 0a 10 01 0001 0000 06 000000", "06");
+    row("AI as bytes", "12 0a 10 02 0001 0000 06 000000", "06");
+    row("AQ as double words", "12 0a 10 06 0001 0000 07 000000", "06");
 
-    QTest::newRow("no byte") << "12 0a 10 02 0000 0001 84 000000"
-                             << "0a";
-    QTest::newRow("no timer") << "12 0a 10 1f 0000 0000 1f 000000"
-                              << "0a";
-    QTest::newRow("two bits") << "12 0a 10 01 0002 0000 83 000000"
-                              << "0a";
-    QTest::newRow("235 bytes") << "12 0a 10 02 00eb 0001 84 000000"
-                               << "0a";
-    QTest::newRow("118 words") << "12 0a 10 04 0076 0001 84 000000"
-                               << "0a";
-    QTest::newRow("59 double words") << "12 0a 10 06 003b 0001 84 000000"
-                                     << "0a";
-    QTest::newRow("47 timers") << "12 0a 10 1f 002f 0000 1f 000000"
-                               << "0a";
-    QTest::newRow("79 counters") << "12 0a 10 1e 004f 0000 1e 000000"
-                                 << "0a";
-    QTest::newRow("65535 double words") << "12 0a 10 06 ffff 0001 84 000000"
-                                        << "0a";
+    row("no byte", "12 0a 10 02 0000 0001 84 000000", "0a");
+    row("no timer", "12 0a 10 1f 0000 0000 1f 000000", "0a");
+    row("two bits", "12 0a 10 01 0002 0000 83 000000", "0a");
+    row("235 bytes", "12 0a 10 02 00eb 0001 84 000000", "0a");
+    row("118 words", "12 0a 10 04 0076 0001 84 000000", "0a");
+    row("59 double words", "12 0a 10 06 003b 0001 84 000000", "0a");
+    row("47 timers", "12 0a 10 1f 002f 0000 1f 000000", "0a");
+    row("79 counters", "12 0a 10 1e 004f 0000 1e 000000", "0a");
+    row("65535 double words", "12 0a 10 06 ffff 0001 84 000000", "0a");
 
-    QTest::newRow("VB10240") << "12 0a 10 02 0001 0001 84 014000"
-                             << "05";
-    QTest::newRow("VW10239") << "12 0a 10 04 0001 0001 84 013ff8"
-                             << "05";
-    QTest::newRow("VD10237") << "12 0a 10 06 0001 0001 84 013fe8"
-                             << "05";
-    QTest::newRow("VB10200, 41") << "12 0a 10 02 0029 0001 84 013ec0"
-                                 << "05";
-    QTest::newRow("the highest address") << "12 0a 10 02 0001 0001 84 fffff8"
-                                         << "05";
-    QTest::newRow("IB16") << "12 0a 10 02 0001 0000 81 000080"
-                          << "05";
-    QTest::newRow("Q16.0") << "12 0a 10 01 0001 0000 82 000080"
-                           << "05";
-    QTest::newRow("MB32") << "12 0a 10 02 0001 0000 83 000100"
-                          << "05";
-    QTest::newRow("SMB550") << "12 0a 10 02 0001 0000 05 001130"
-                            << "05";
-    QTest::newRow("SB32") << "12 0a 10 02 0001 0000 04 000100"
-                          << "05";
-    QTest::newRow("AIW64") << "12 0a 10 04 0001 0000 06 000200"
-                           << "05";
-    QTest::newRow("AQW62, 2") << "12 0a 10 04 0002 0000 07 0001f0"
-                              << "05";
-    QTest::newRow("AIW1") << "12 0a 10 04 0001 0000 06 000008"
-                          << "05";
-    QTest::newRow("byte at a bit") << "12 0a 10 02 0001 0001 84 000001"
-                                   << "05";
-    QTest::newRow("T256") << "12 0a 10 1f 0001 0000 1f 000100"
-                          << "05";
-    QTest::newRow("T255, 2") << "12 0a 10 1f 0002 0000 1f 0000ff"
-                             << "05";
-    QTest::newRow("C256") << "12 0a 10 1e 0001 0000 1e 000100"
-                          << "05";
-    QTest::newRow("HC6") << "12 0a 10 20 0001 0000 20 000006"
-                         << "05";
-    QTest::newRow("HC with the highest number") << "12 0a 10 20 0001 0000 20 ffffff"
-                                                << "05";
+    row("VB10240", "12 0a 10 02 0001 0001 84 014000", "05");
+    row("VW10239", "12 0a 10 04 0001 0001 84 013ff8", "05");
+    row("VD10237", "12 0a 10 06 0001 0001 84 013fe8", "05");
+    row("VB10200, 41", "12 0a 10 02 0029 0001 84 013ec0", "05");
+    row("the highest address", "12 0a 10 02 0001 0001 84 fffff8", "05");
+    row("IB16", "12 0a 10 02 0001 0000 81 000080", "05");
+    row("Q16.0", "12 0a 10 01 0001 0000 82 000080", "05");
+    row("MB32", "12 0a 10 02 0001 0000 83 000100", "05");
+    row("SMB550", "12 0a 10 02 0001 0000 05 001130", "05");
+    row("SB32", "12 0a 10 02 0001 0000 04 000100", "05");
+    row("AIW64", "12 0a 10 04 0001 0000 06 000200", "05");
+    row("AQW62, 2", "12 0a 10 04 0002 0000 07 0001f0", "05");
+    row("AIW1", "12 0a 10 04 0001 0000 06 000008", "05");
+    row("byte at a bit", "12 0a 10 02 0001 0001 84 000001", "05");
+    row("T256", "12 0a 10 1f 0001 0000 1f 000100", "05");
+    row("T255, 2", "12 0a 10 1f 0002 0000 1f 0000ff", "05");
+    row("C256", "12 0a 10 1e 0001 0000 1e 000100", "05");
+    row("HC6", "12 0a 10 20 0001 0000 20 000006", "05");
+    row("HC with the highest number", "12 0a 10 20 0001 0000 20 ffffff", "05");
 }
 
 void TestSimulatorRefusals::readItemIsRefused()
@@ -133,96 +92,43 @@ void TestSimulatorRefusals::writeItemIsRefused_data()
     QTest::addColumn<QString>("item");
     QTest::addColumn<QString>("written");
     QTest::addColumn<QString>("code");
+    const auto row = [](const char *name, const char *item, const char *written, const char *code) {
+        QTest::newRow(name) << item << written << code;
+    };
 
-    QTest::newRow("AIW0") << "12 0a 10 04 0001 0000 06 000000"
-                          << "00 04 0010 0001"
-                          << "03";
-    QTest::newRow("AI as a bit") << "12 0a 10 01 0001 0000 06 000000"
-                                 << "00 03 0001 01"
-                                 << "03";
-    QTest::newRow("HC0") << "12 0a 10 20 0001 0000 20 000000"
-                         << "00 04 0028 0000000001"
-                         << "03";
-    QTest::newRow("HC as a bit") << "12 0a 10 01 0001 0000 20 000000"
-                                 << "00 03 0001 01"
-                                 << "03";
+    row("AIW0", "12 0a 10 04 0001 0000 06 000000", "00 04 0010 0001", "03");
+    row("AI as a bit", "12 0a 10 01 0001 0000 06 000000", "00 03 0001 01", "03");
+    row("HC0", "12 0a 10 20 0001 0000 20 000000", "00 04 0028 0000000001", "03");
+    row("HC as a bit", "12 0a 10 01 0001 0000 20 000000", "00 03 0001 01", "03");
 
-    QTest::newRow("unknown area") << "12 0a 10 02 0001 0000 00 000000"
-                                  << "00 04 0008 01"
-                                  << "0a";
-    QTest::newRow("V with data block 0") << "12 0a 10 02 0001 0000 84 000000"
-                                         << "00 04 0008 01"
-                                         << "0a";
+    row("unknown area", "12 0a 10 02 0001 0000 00 000000", "00 04 0008 01", "0a");
+    row("V with data block 0", "12 0a 10 02 0001 0000 84 000000", "00 04 0008 01", "0a");
 
-    QTest::newRow("T as a bit") << "12 0a 10 01 0001 0000 1f 000005"
-                                << "00 03 0001 01"
-                                << "06";
-    QTest::newRow("C as words") << "12 0a 10 04 0001 0000 1e 000005"
-                                << "00 04 0010 0001"
-                                << "06";
-    QTest::newRow("AQ as a byte") << "12 0a 10 02 0001 0000 07 000000"
-                                  << "00 04 0008 01"
-                                  << "06";
-    QTest::newRow("byte with a bit's data") << "12 0a 10 02 0001 0000 83 000000"
-                                            << "00 03 0001 01"
-                                            << "06";
-    QTest::newRow("bit with a byte's data") << "12 0a 10 01 0001 0000 83 000000"
-                                            << "00 04 0008 01"
-                                            << "06";
-    QTest::newRow("word with data in bytes") << "12 0a 10 04 0001 0000 83 000000"
-                                             << "00 09 0002 0001"
-                                             << "06";
-    QTest::newRow("timer with data in bytes") << "12 0a 10 1f 0001 0000 1f 000000"
-                                              << "00 09 0005 0000000001"
-                                              << "06";
+    row("T as a bit", "12 0a 10 01 0001 0000 1f 000005", "00 03 0001 01", "06");
+    row("C as words", "12 0a 10 04 0001 0000 1e 000005", "00 04 0010 0001", "06");
+    row("AQ as a byte", "12 0a 10 02 0001 0000 07 000000", "00 04 0008 01", "06");
+    row("byte with a bit's data", "12 0a 10 02 0001 0000 83 000000", "00 03 0001 01", "06");
+    row("bit with a byte's data", "12 0a 10 01 0001 0000 83 000000", "00 04 0008 01", "06");
+    row("word with data in bytes", "12 0a 10 04 0001 0000 83 000000", "00 09 0002 0001", "06");
+    row("timer with data in bytes", "12 0a 10 1f 0001 0000 1f 000000", "00 09 0005 0000000001", "06");
 
-    QTest::newRow("less data than bytes") << "12 0a 10 02 0003 0000 83 000000"
-                                          << "00 04 0010 0001"
-                                          << "0a";
-    QTest::newRow("more data than bytes") << "12 0a 10 02 0001 0000 83 000000"
-                                          << "00 04 0010 0001"
-                                          << "0a";
-    QTest::newRow("7 bits for a byte") << "12 0a 10 02 0001 0000 83 000000"
-                                       << "00 04 0007 01"
-                                       << "0a";
-    QTest::newRow("no data") << "12 0a 10 02 0001 0000 83 000000"
-                             << "00 04 0000"
-                             << "0a";
-    QTest::newRow("no byte") << "12 0a 10 02 0000 0000 83 000000"
-                             << "00 04 0000"
-                             << "0a";
-    QTest::newRow("two bits for one") << "12 0a 10 01 0001 0000 83 000000"
-                                      << "00 03 0002 01"
-                                      << "0a";
-    QTest::newRow("timer of 3 bytes") << "12 0a 10 1f 0001 0000 1f 000000"
-                                      << "00 04 0018 00 0001"
-                                      << "0a";
-    QTest::newRow("two counters for one") << "12 0a 10 1e 0001 0000 1e 000000"
-                                          << "00 04 0030 00 0001 00 0002"
-                                          << "0a";
+    row("less data than bytes", "12 0a 10 02 0003 0000 83 000000", "00 04 0010 0001", "0a");
+    row("more data than bytes", "12 0a 10 02 0001 0000 83 000000", "00 04 0010 0001", "0a");
+    row("7 bits for a byte", "12 0a 10 02 0001 0000 83 000000", "00 04 0007 01", "0a");
+    row("no data", "12 0a 10 02 0001 0000 83 000000", "00 04 0000", "0a");
+    row("no byte", "12 0a 10 02 0000 0000 83 000000", "00 04 0000", "0a");
+    row("two bits for one", "12 0a 10 01 0001 0000 83 000000", "00 03 0002 01", "0a");
+    row("timer of 3 bytes", "12 0a 10 1f 0001 0000 1f 000000", "00 04 0018 00 0001", "0a");
+    row("two counters for one", "12 0a 10 1e 0001 0000 1e 000000", "00 04 0030 00 0001 00 0002", "0a");
     // 8192 bytes are 65536 bits, which the length field shows as 0.
-    QTest::newRow("8192 bytes without data") << "12 0a 10 02 2000 0001 84 000000"
-                                             << "00 04 0000"
-                                             << "0a";
+    row("8192 bytes without data", "12 0a 10 02 2000 0001 84 000000", "00 04 0000", "0a");
 
-    QTest::newRow("VB10240") << "12 0a 10 02 0001 0001 84 014000"
-                             << "00 04 0008 01"
-                             << "05";
-    QTest::newRow("MW31") << "12 0a 10 04 0001 0000 83 0000f8"
-                          << "00 04 0010 0001"
-                          << "05";
-    QTest::newRow("Q16.0") << "12 0a 10 01 0001 0000 82 000080"
-                           << "00 03 0001 01"
-                           << "05";
-    QTest::newRow("AQW1") << "12 0a 10 04 0001 0000 07 000008"
-                          << "00 04 0010 0001"
-                          << "05";
-    QTest::newRow("T256") << "12 0a 10 1f 0001 0000 1f 000100"
-                          << "00 04 0028 0000000001"
-                          << "05";
-    QTest::newRow("C255, 2") << "12 0a 10 1e 0002 0000 1e 0000ff"
-                             << "00 04 0030 00 0001 00 0002"
-                             << "05";
+    row("VB10240", "12 0a 10 02 0001 0001 84 014000", "00 04 0008 01", "05");
+    row("MW31", "12 0a 10 04 0001 0000 83 0000f8", "00 04 0010 0001", "05");
+    row("Q16.0", "12 0a 10 01 0001 0000 82 000080", "00 03 0001 01", "05");
+    row("AQW1", "12 0a 10 04 0001 0000 07 000008", "00 04 0010 0001", "05");
+    row("T256", "12 0a 10 1f 0001 0000 1f 000100", "00 04 0028 0000000001", "05");
+    row("C255, 2", "12 0a 10 1e 0002 0000 1e 0000ff", "00 04 0030 00 0001 00 0002", "05");
 }
 
 void TestSimulatorRefusals::writeItemIsRefused()
@@ -240,54 +146,45 @@ void TestSimulatorRefusals::jobIsRefused_data()
 {
     QTest::addColumn<QString>("pdu");
     QTest::addColumn<QString>("answer");
+    const auto row = [](const char *name, const QString &pdu, const QString &answer) {
+        QTest::newRow(name) << pdu << answer;
+    };
     const QString unknown = "32 02 0000 1234 0000 0000 81 04";
     const QString inconsistent = "32 02 0000 1234 0000 0000 85 00";
     const QString item = "12 0a 10 02 0001 0001 84 000320";
 
-    QTest::newRow("protocol id") << "72 01 0000 1234 000e 0000 04 01" + item << unknown;
-    QTest::newRow("answer instead of a job") << "32 03 0000 1234 000e 0000 04 01" + item << unknown;
-    QTest::newRow("message type 7") << "32 07 0000 1234 000e 0000 04 01" + item << unknown;
-    QTest::newRow("function 00") << "32 01 0000 1234 000e 0000 00 01" + item << unknown;
-    QTest::newRow("function 28") << "32 01 0000 1234 0001 0000 28" << unknown;
-    QTest::newRow("function f0") << "32 01 0000 1234 0008 0000 f0 00 0001 0001 00f0" << unknown;
+    row("protocol id", "72 01 0000 1234 000e 0000 04 01" + item, unknown);
+    row("answer instead of a job", "32 03 0000 1234 000e 0000 04 01" + item, unknown);
+    row("message type 7", "32 07 0000 1234 000e 0000 04 01" + item, unknown);
+    row("function 00", "32 01 0000 1234 000e 0000 00 01" + item, unknown);
+    row("function 28", "32 01 0000 1234 0001 0000 28", unknown);
+    row("function f0", "32 01 0000 1234 0008 0000 f0 00 0001 0001 00f0", unknown);
 
-    QTest::newRow("empty") << ""
-                           << "32 02 0000 0000 0000 0000 81 04";
-    QTest::newRow("header cut behind the reference") << "32 01 0000 1234" << inconsistent;
-    QTest::newRow("header cut inside the reference") << "32 01 0000 12"
-                                                     << "32 02 0000 0000 0000 0000 85 00";
-    QTest::newRow("reserved field") << "32 01 0001 1234 000e 0000 04 01" + item << inconsistent;
-    QTest::newRow("no parameters") << "32 01 0000 1234 0000 0000" << inconsistent;
-    QTest::newRow("no item count") << "32 01 0000 1234 0001 0000 04" << inconsistent;
-    QTest::newRow("no items") << "32 01 0000 1234 0002 0000 04 00" << inconsistent;
-    QTest::newRow("parameter length too small") << "32 01 0000 1234 000d 0000 04 01" + item << inconsistent;
-    QTest::newRow("parameter length too large") << "32 01 0000 1234 000f 0000 04 01" + item << inconsistent;
-    QTest::newRow("parameter and data length shifted")
-        << "32 01 0000 1234 000d 0001 04 01" + item << inconsistent;
-    QTest::newRow("huge lengths") << "32 01 0000 1234 ffff ffff 04 01" + item << inconsistent;
-    QTest::newRow("one item of two") << "32 01 0000 1234 000e 0000 04 02" + item << inconsistent;
-    QTest::newRow("two items of one") << "32 01 0000 1234 001a 0000 04 01" + item + item << inconsistent;
-    QTest::newRow("255 items") << "32 01 0000 1234 000e 0000 04 ff" + item << inconsistent;
-    QTest::newRow("specification") << "32 01 0000 1234 000e 0000 04 01 13 0a 10 02 0001 0001 84 000320"
-                                   << inconsistent;
-    QTest::newRow("address length") << "32 01 0000 1234 000e 0000 04 01 12 0b 10 02 0001 0001 84 000320"
-                                    << inconsistent;
-    QTest::newRow("syntax") << "32 01 0000 1234 000e 0000 04 01 12 0a 11 02 0001 0001 84 000320"
-                            << inconsistent;
-    QTest::newRow("read with data") << "32 01 0000 1234 000e 0005 04 01" + item + "00 04 0008 01"
-                                    << inconsistent;
-    QTest::newRow("write without data") << "32 01 0000 1234 000e 0000 05 01" + item << inconsistent;
-    QTest::newRow("write, half a data head")
-        << "32 01 0000 1234 000e 0003 05 01" + item + "00 04 00" << inconsistent;
-    QTest::newRow("write, data cut") << "32 01 0000 1234 000e 0005 05 01" + item + "00 04 0010 01"
-                                     << inconsistent;
-    QTest::newRow("write, data too long")
-        << "32 01 0000 1234 000e 0006 05 01" + item + "00 04 0008 01 00" << inconsistent;
-    QTest::newRow("write, data's first byte")
-        << "32 01 0000 1234 000e 0005 05 01" + item + "ff 04 0008 01" << inconsistent;
-    QTest::newRow("two writes without fill byte")
-        << "32 01 0000 1234 001a 000a 05 02" + item + item + "00 04 0008 01" + "00 04 0008 02"
-        << inconsistent;
+    row("empty", "", "32 02 0000 0000 0000 0000 81 04");
+    row("header cut behind the reference", "32 01 0000 1234", inconsistent);
+    row("header cut inside the reference", "32 01 0000 12", "32 02 0000 0000 0000 0000 85 00");
+    row("reserved field", "32 01 0001 1234 000e 0000 04 01" + item, inconsistent);
+    row("no parameters", "32 01 0000 1234 0000 0000", inconsistent);
+    row("no item count", "32 01 0000 1234 0001 0000 04", inconsistent);
+    row("no items", "32 01 0000 1234 0002 0000 04 00", inconsistent);
+    row("parameter length too small", "32 01 0000 1234 000d 0000 04 01" + item, inconsistent);
+    row("parameter length too large", "32 01 0000 1234 000f 0000 04 01" + item, inconsistent);
+    row("parameter and data length shifted", "32 01 0000 1234 000d 0001 04 01" + item, inconsistent);
+    row("huge lengths", "32 01 0000 1234 ffff ffff 04 01" + item, inconsistent);
+    row("one item of two", "32 01 0000 1234 000e 0000 04 02" + item, inconsistent);
+    row("two items of one", "32 01 0000 1234 001a 0000 04 01" + item + item, inconsistent);
+    row("255 items", "32 01 0000 1234 000e 0000 04 ff" + item, inconsistent);
+    row("specification", "32 01 0000 1234 000e 0000 04 01 13 0a 10 02 0001 0001 84 000320", inconsistent);
+    row("address length", "32 01 0000 1234 000e 0000 04 01 12 0b 10 02 0001 0001 84 000320", inconsistent);
+    row("syntax", "32 01 0000 1234 000e 0000 04 01 12 0a 11 02 0001 0001 84 000320", inconsistent);
+    row("read with data", "32 01 0000 1234 000e 0005 04 01" + item + "00 04 0008 01", inconsistent);
+    row("write without data", "32 01 0000 1234 000e 0000 05 01" + item, inconsistent);
+    row("write, half a data head", "32 01 0000 1234 000e 0003 05 01" + item + "00 04 00", inconsistent);
+    row("write, data cut", "32 01 0000 1234 000e 0005 05 01" + item + "00 04 0010 01", inconsistent);
+    row("write, data too long", "32 01 0000 1234 000e 0006 05 01" + item + "00 04 0008 01 00", inconsistent);
+    row("write, data's first byte", "32 01 0000 1234 000e 0005 05 01" + item + "ff 04 0008 01", inconsistent);
+    row("two writes without fill byte",
+        "32 01 0000 1234 001a 000a 05 02" + item + item + "00 04 0008 01" + "00 04 0008 02", inconsistent);
 }
 
 void TestSimulatorRefusals::jobIsRefused()

@@ -91,31 +91,31 @@ void TestSimulatorFault::percentageMayHaveAFraction()
 void TestSimulatorFault::badTextIsRefused_data()
 {
     QTest::addColumn<QString>("error");
-    QTest::newRow("silemt") << "\"silemt\" is no kind of fault; the nearest is silent";
-    QTest::newRow("ECHO") << "\"ECHO\" is no kind of fault; the nearest is echo";
-    QTest::newRow("Silent") << "\"Silent\" is no kind of fault; the nearest is silent";
-    QTest::newRow("silent ") << "\"silent \" is no kind of fault; the nearest is silent";
-    QTest::newRow("bad-crc@1") << "\"bad-crc\" is no kind of fault; the nearest is bad-end";
-    QTest::newRow("wrong-station") << "\"wrong-station\" is no kind of fault; the nearest is "
-                                      "wrong-destination";
-    QTest::newRow("silent=1") << "silent takes no argument, it is given \"1\"";
-    QTest::newRow("silent=") << "silent takes no argument, it is given \"\"";
-    QTest::newRow("late=") << "late=MS: \"\" is not a number from 1 to 600000";
-    QTest::newRow("late=0") << "late=MS: \"0\" is not a number from 1 to 600000";
-    QTest::newRow("late=-1") << "late=MS: \"-1\" is not a number from 1 to 600000";
-    QTest::newRow("late=1s") << "late=MS: \"1s\" is not a number from 1 to 600000";
-    QTest::newRow("late=600001") << "late=MS: \"600001\" is not a number from 1 to 600000";
-    QTest::newRow("short=261") << "short=BYTES: \"261\" is not a number from 1 to 260";
-    QTest::newRow("corrupt=261") << "corrupt=POSITION: \"261\" is not a number from 0 to 260";
-    QTest::newRow("wrong-source=256") << "wrong-source=STATION: \"256\" is not a number from 0 to 255";
-    QTest::newRow("item-refused=ff") << "item-refused=CODE: \"ff\" is not a hexadecimal number from 0 to fe";
-    QTest::newRow("noise=99999999999") << "noise=BYTES: \"99999999999\" is not a number from 1 to 200";
+    const auto row = [](const char *name, const QString &error) { QTest::newRow(name) << error; };
+    row("silemt", "\"silemt\" is no kind of fault; the nearest is silent");
+    row("ECHO", "\"ECHO\" is no kind of fault; the nearest is echo");
+    row("Silent", "\"Silent\" is no kind of fault; the nearest is silent");
+    row("silent ", "\"silent \" is no kind of fault; the nearest is silent");
+    row("bad-crc@1", "\"bad-crc\" is no kind of fault; the nearest is bad-end");
+    row("wrong-station", "\"wrong-station\" is no kind of fault; the nearest is wrong-destination");
+    row("silent=1", "silent takes no argument, it is given \"1\"");
+    row("silent=", "silent takes no argument, it is given \"\"");
+    row("late=", "late=MS: \"\" is not a number from 1 to 600000");
+    row("late=0", "late=MS: \"0\" is not a number from 1 to 600000");
+    row("late=-1", "late=MS: \"-1\" is not a number from 1 to 600000");
+    row("late=1s", "late=MS: \"1s\" is not a number from 1 to 600000");
+    row("late=600001", "late=MS: \"600001\" is not a number from 1 to 600000");
+    row("short=261", "short=BYTES: \"261\" is not a number from 1 to 260");
+    row("corrupt=261", "corrupt=POSITION: \"261\" is not a number from 0 to 260");
+    row("wrong-source=256", "wrong-source=STATION: \"256\" is not a number from 0 to 255");
+    row("item-refused=ff", "item-refused=CODE: \"ff\" is not a hexadecimal number from 0 to fe");
+    row("noise=99999999999", "noise=BYTES: \"99999999999\" is not a number from 1 to 200");
     for (const char *number : {"", "0", "-1", "x", "1x", "1@2", "99999999999", "1%2"})
-        QTest::newRow(qPrintable(QString("silent@") + number))
-            << QString("@N: \"") + number + "\" is not the number of a request, from 1 on";
+        row(qPrintable(QString("silent@") + number),
+            QString("@N: \"") + number + "\" is not the number of a request, from 1 on");
     for (const char *number : {"", "0", "-1", "x", "1x", "100.1", "nan", "1e1", "1@2"})
-        QTest::newRow(qPrintable(QString("silent%") + number))
-            << QString("%P: \"") + number + "\" is not a percentage above 0, up to 100";
+        row(qPrintable(QString("silent%") + number),
+            QString("%P: \"") + number + "\" is not a percentage above 0, up to 100");
 }
 
 void TestSimulatorFault::badTextIsRefused()

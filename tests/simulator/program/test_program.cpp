@@ -441,30 +441,22 @@ void TestSimulatorProgram::badUsageIsStatus2_data()
 {
     QTest::addColumn<QString>("options");
     QTest::addColumn<QString>("complaint");
-    QTest::newRow("unknown option") << "--nope"
-                                    << "--nope";
-    QTest::newRow("argument") << "nope"
-                              << "nope";
-    QTest::newRow("station 0") << "--station 0"
-                               << "--station";
-    QTest::newRow("station 127") << "--station 127"
-                                 << "--station";
-    QTest::newRow("station two") << "--station two"
-                                 << "--station";
-    QTest::newRow("link and port") << "--link a --port b"
-                                   << "--link";
-    QTest::newRow("baud rate of no port") << "--baud 9600"
-                                          << "--baud requires --port";
-    QTest::newRow("baud rate") << "--port a --baud 0"
-                               << "--baud";
-    QTest::newRow("parity") << "--port a --parity mark"
-                            << "mark not in {even,odd,none}";
-    QTest::newRow("fault of request 0") << "--fault no-resource@0"
-                                        << "@N: \"0\" is not the number of a request, from 1 on";
-    QTest::newRow("fault") << "--fault loud"
-                           << "\"loud\" is no kind of fault; the nearest is late";
-    QTest::newRow("memory file") << "--memory /nonexistent.json"
-                                 << "/nonexistent.json: cannot open: No such file or directory";
+    const auto row = [](const char *name, const char *options, const char *complaint) {
+        QTest::newRow(name) << options << complaint;
+    };
+    row("unknown option", "--nope", "--nope");
+    row("argument", "nope", "nope");
+    row("station 0", "--station 0", "--station");
+    row("station 127", "--station 127", "--station");
+    row("station two", "--station two", "--station");
+    row("link and port", "--link a --port b", "--link");
+    row("baud rate of no port", "--baud 9600", "--baud requires --port");
+    row("baud rate", "--port a --baud 0", "--baud");
+    row("parity", "--port a --parity mark", "mark not in {even,odd,none}");
+    row("fault of request 0", "--fault no-resource@0", "@N: \"0\" is not the number of a request, from 1 on");
+    row("fault", "--fault loud", "\"loud\" is no kind of fault; the nearest is late");
+    row("memory file", "--memory /nonexistent.json",
+        "/nonexistent.json: cannot open: No such file or directory");
 }
 
 void TestSimulatorProgram::badUsageIsStatus2()

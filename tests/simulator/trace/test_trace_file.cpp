@@ -63,12 +63,14 @@ void TestSimulatorTraceFile::recordIsTimeDirectionAndBytes_data()
     QTest::addColumn<int>("traffic");
     QTest::addColumn<QString>("bytes");
     QTest::addColumn<QString>("record");
-    QTest::newRow("request") << qint64(1769860800250) << int(sim::Traffic::Received) << "10 02 00 5c 5e 16"
-                             << "2026-01-31T12:00:00.250Z > 10 02 00 5c 5e 16";
-    QTest::newRow("answer") << qint64(1709210096007) << int(sim::Traffic::Sent) << "E5"
-                            << "2024-02-29T12:34:56.007Z < e5";
-    QTest::newRow("no frame") << qint64(0) << int(sim::Traffic::Skipped) << "00 ff"
-                              << "1970-01-01T00:00:00.000Z > 00 ff";
+    const auto row = [](const char *name, qint64 milliseconds, int traffic, const char *bytes,
+                        const char *record) {
+        QTest::newRow(name) << milliseconds << traffic << bytes << record;
+    };
+    row("request", qint64(1769860800250), int(sim::Traffic::Received), "10 02 00 5c 5e 16",
+        "2026-01-31T12:00:00.250Z > 10 02 00 5c 5e 16");
+    row("answer", qint64(1709210096007), int(sim::Traffic::Sent), "E5", "2024-02-29T12:34:56.007Z < e5");
+    row("no frame", qint64(0), int(sim::Traffic::Skipped), "00 ff", "1970-01-01T00:00:00.000Z > 00 ff");
 }
 
 void TestSimulatorTraceFile::recordIsTimeDirectionAndBytes()
