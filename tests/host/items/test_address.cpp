@@ -6,7 +6,7 @@
 #include "host/items/address.h"
 
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -23,8 +23,6 @@ private slots:
     void invalidTextsGetTheNearestValidOne();
     void textsWithoutAnythingNearGetTheListOfAreas_data();
     void textsWithoutAnythingNearGetTheListOfAreas();
-    void theListOfAreasNamesAllOfThem();
-    void anAddressErrorIsAUsageError();
 };
 
 void TestAddress::everyAreaHasItsForms_data()
@@ -69,11 +67,11 @@ void TestAddress::everyAreaHasItsForms()
 
 void TestAddress::invalidTextsGetTheNearestValidOne_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("nearest");
-    const auto row = [](const char *text, const char *nearest) {
-        QTest::newRow(text) << QString(text) << QString(nearest);
+    addRefusedTexts();
+    const auto row = [](const QString &text, const QString &nearest) {
+        refused(text, "not an address of the controller", "write " + nearest + " instead of " + text);
     };
+    row("vb1", "VB1");
     row("vb100", "VB100");
     row("Vb100", "VB100");
     row("VB0100", "VB100");
@@ -105,38 +103,23 @@ void TestAddress::invalidTextsGetTheNearestValidOne_data()
 
 void TestAddress::invalidTextsGetTheNearestValidOne()
 {
-    QFETCH(QString, text);
-    QFETCH(QString, nearest);
-    QCOMPARE(hintOf([&] { parseAddress(text); }), "write " + nearest + " instead of " + text);
+    compareRefusal([](const QString &text) { parseAddress(text); });
 }
 
 void TestAddress::textsWithoutAnythingNearGetTheListOfAreas_data()
 {
-    QTest::addColumn<QString>("text");
-    for (const char *text : {"", "100", "VB", "X1", "VB-1", "VB1.", "V1.x", "VB1VB2", "V1.2.3", "V\u00c41",
-                             "VB\u0661", "VB1\nVB2"})
-        QTest::newRow(text) << QString::fromUtf8(text);
+    addRefusedTexts();
+    const QString areas = "areas are I Q V M SM S (bits, as V10.3, or with B, W or D, as VB100), AIW, AQW, "
+                          "T, C and HC";
+    refused("X1", "not an address of the controller", areas);
+    for (const char *text :
+         {"", "100", "VB", "VB-1", "VB1.", "V1.x", "VB1VB2", "V1.2.3", "V\u00c41", "VB\u0661", "VB1\nVB2"})
+        refused(text, "not an address of the controller", "an address is letters and a number; " + areas);
 }
 
 void TestAddress::textsWithoutAnythingNearGetTheListOfAreas()
 {
-    QFETCH(QString, text);
-    const QString hint = hintOf([&] { parseAddress(text); });
-    QVERIFY2(hint.contains("areas are I Q V M SM S"), qPrintable(hint));
-}
-
-void TestAddress::theListOfAreasNamesAllOfThem()
-{
-    QCOMPARE(
-        failureOf([] { parseAddress("X1"); }),
-        QString("2: not an address of the controller / areas are I Q V M SM S (bits, as V10.3, or with B, "
-                "W or D, as VB100), AIW, AQW, T, C and HC"));
-}
-
-void TestAddress::anAddressErrorIsAUsageError()
-{
-    QCOMPARE(failureOf([] { parseAddress("vb1"); }),
-             QString("2: not an address of the controller / write VB1 instead of vb1"));
+    compareRefusal([](const QString &text) { parseAddress(text); });
 }
 
 TEST_CLASS(TestAddress)

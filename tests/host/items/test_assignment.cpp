@@ -7,7 +7,7 @@
 
 #include "hex.h"
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -56,31 +56,31 @@ void TestAssignment::thereAreAsManyValuesAsAreNamed()
 
 void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
 {
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *text, const char *failure) {
-        QTest::newRow(text) << "2: " + QString(failure);
-    };
-    row("VB100", "no value is given / write VB100=VALUE");
-    row("VB100*4", "no value is given / write VB100=VALUE");
-    row("VB100*4=1", "a count is not needed here / write VB100=VALUE,VALUE with as many values as you mean");
-    row("VB1:str*3=Hello", "a count is not needed here / write VB1:str=TEXT, a text as long as you mean");
-    row("VD0:f32=1,5",
-        "\"1,5\" may be one number or two / write VD0:f32=1.5 for one number, VD0:f32=1.0,5.0 for two");
-    row("VW2:f32=-1, 50", "\"-1, 50\" may be one number or two / write VW2:f32=-1.50 for one number, "
-                          "VW2:f32=-1.0,50.0 for two");
-    row("vb10=1", "not an address of the controller / write VB10 instead of vb10");
-    row("V10.9=1", "not an address of the controller / write V10.7 instead of V10.9");
-    row("VB10 =1", "not an address of the controller / write VB10 instead of VB10 ");
-    row("VB10:byte=1", "\"byte\" is not a type / write u8 instead of byte");
-    row("V1.0:u8=1", "V1.0 cannot be taken as u8 / V1.0 can be taken as bool; its whole byte is VB1");
-    row("VB0=300", "300 is too large for u8: 0 to 255 / the nearest value is 255");
-    row("VB2097151=1,2", "VB2097151 is not followed by that many values / the largest count here is 1");
-    row("V2097151.7=1,0", "V2097151.7 is not followed by that many values / the largest count here is 1");
+    addRefusedTexts();
+    refused("VB100", "no value is given", "write VB100=VALUE");
+    refused("VB100*4", "no value is given", "write VB100=VALUE");
+    refused("VB100*4=1", "a count is not needed here",
+            "write VB100=VALUE,VALUE with as many values as you mean");
+    refused("VB1:str*3=Hello", "a count is not needed here",
+            "write VB1:str=TEXT, a text as long as you mean");
+    refused("VD0:f32=1,5", "\"1,5\" may be one number or two",
+            "write VD0:f32=1.5 for one number, VD0:f32=1.0,5.0 for two");
+    refused("VW2:f32=-1, 50", "\"-1, 50\" may be one number or two",
+            "write VW2:f32=-1.50 for one number, VW2:f32=-1.0,50.0 for two");
+    refused("vb10=1", "not an address of the controller", "write VB10 instead of vb10");
+    refused("V10.9=1", "not an address of the controller", "write V10.7 instead of V10.9");
+    refused("VB10 =1", "not an address of the controller", "write VB10 instead of VB10 ");
+    refused("VB10:byte=1", "\"byte\" is not a type", "write u8 instead of byte");
+    refused("V1.0:u8=1", "V1.0 cannot be taken as u8", "V1.0 can be taken as bool; its whole byte is VB1");
+    refused("VB0=300", "300 is too large for u8: 0 to 255", "the nearest value is 255");
+    refused("VB2097151=1,2", "VB2097151 is not followed by that many values", "the largest count here is 1");
+    refused("V2097151.7=1,0", "V2097151.7 is not followed by that many values",
+            "the largest count here is 1");
 }
 
 void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant()
 {
-    QTEST(failureOf([] { parseAssignment(QTest::currentDataTag()); }), "failure");
+    compareRefusal([](const QString &text) { parseAssignment(text); });
 }
 
 TEST_CLASS(TestAssignment)

@@ -6,7 +6,7 @@
 #include "host/items/item.h"
 
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -92,51 +92,45 @@ void TestItem::typeAndCountAreTaken()
 
 void TestItem::wrongItemsSayWhatCouldBeMeant_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *text, const char *failure) {
-        QTest::newRow(text) << QString(text) << "2: " + QString(failure);
-    };
+    addRefusedTexts();
     const char countHint[] = "a count is a whole number from 1 on, as VB100*4";
     const char typesHint[] = "types are bool u8 i8 u16 i16 u32 i32 f32 hex bcd str";
     const char memoryHint[] =
         "VB1 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; its first bit is V1.0";
 
-    row("vb1:u8*2", "not an address of the controller / write VB1 instead of vb1");
-    row("VB0..VB9", "a range, which only dump takes / write a count, as VB100*4");
-    row("VW1:U16", "\"U16\" is not a type / write u16 instead of U16");
-    row("VW1:word", "\"word\" is not a type / write u16 instead of word");
-    row("VW1:INT", "\"INT\" is not a type / write i16 instead of INT");
-    row("VD1:Real", "\"Real\" is not a type / write f32 instead of Real");
-    row("V1.0:bit", "\"bit\" is not a type / write bool instead of bit");
-    row("VB1:", qPrintable(QString("\"\" is not a type / %1").arg(typesHint)));
-    row("VB1:u64", qPrintable(QString("\"u64\" is not a type / %1").arg(typesHint)));
-    row("VB1:u8:u8", qPrintable(QString("\"u8:u8\" is not a type / %1").arg(typesHint)));
-    row("VB1*", qPrintable(QString("\"\" is not a count / %1").arg(countHint)));
-    row("VB1*0", qPrintable(QString("\"0\" is not a count / %1").arg(countHint)));
-    row("VB1*-1", qPrintable(QString("\"-1\" is not a count / %1").arg(countHint)));
-    row("VB1*2*3", qPrintable(QString("\"2*3\" is not a count / %1").arg(countHint)));
-    row("VB1*99999999999", qPrintable(QString("\"99999999999\" is not a count / %1").arg(countHint)));
-    row("VB1*4:u8", qPrintable(QString("\"4:u8\" is not a count / %1").arg(countHint)));
-    row("VB1:bool", qPrintable(QString("VB1 cannot be taken as bool / %1").arg(memoryHint)));
-    row("SMW2:bool",
-        "SMW2 cannot be taken as bool / SMW2 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; "
-        "its first bit is SM2.0");
-    row("V1.3:u8", "V1.3 cannot be taken as u8 / V1.3 can be taken as bool; its whole byte is VB1");
-    row("T1:f32", "T1 cannot be taken as f32 / T1 can be taken as bool u16 i16 hex");
-    row("C1:bcd", "C1 cannot be taken as bcd / C1 can be taken as bool u16 i16 hex");
-    row("HC1:u16", "HC1 cannot be taken as u16 / HC1 can be taken as u32 i32 hex");
-    row("AIW0:u8", "AIW0 cannot be taken as u8 / AIW0 can be taken as u16 i16 hex bcd");
-    row("VB2097151*2", "VB2097151 is not followed by that many values / the largest count here is 1");
-    row("VD2097144*3", "VD2097144 is not followed by that many values / the largest count here is 2");
-    row("V2097151.1*8", "V2097151.1 is not followed by that many values / the largest count here is 7");
-    row("T0*65537", "T0 is not followed by that many values / the largest count here is 65536");
+    refused("vb1:u8*2", "not an address of the controller", "write VB1 instead of vb1");
+    refused("VB0..VB9", "a range, which only dump takes", "write a count, as VB100*4");
+    refused("VW1:U16", "\"U16\" is not a type", "write u16 instead of U16");
+    refused("VW1:word", "\"word\" is not a type", "write u16 instead of word");
+    refused("VW1:INT", "\"INT\" is not a type", "write i16 instead of INT");
+    refused("VD1:Real", "\"Real\" is not a type", "write f32 instead of Real");
+    refused("V1.0:bit", "\"bit\" is not a type", "write bool instead of bit");
+    refused("VB1:", "\"\" is not a type", typesHint);
+    refused("VB1:u64", "\"u64\" is not a type", typesHint);
+    refused("VB1:u8:u8", "\"u8:u8\" is not a type", typesHint);
+    refused("VB1*", "\"\" is not a count", countHint);
+    refused("VB1*0", "\"0\" is not a count", countHint);
+    refused("VB1*-1", "\"-1\" is not a count", countHint);
+    refused("VB1*2*3", "\"2*3\" is not a count", countHint);
+    refused("VB1*99999999999", "\"99999999999\" is not a count", countHint);
+    refused("VB1*4:u8", "\"4:u8\" is not a count", countHint);
+    refused("VB1:bool", "VB1 cannot be taken as bool", memoryHint);
+    refused("SMW2:bool", "SMW2 cannot be taken as bool",
+            "SMW2 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; its first bit is SM2.0");
+    refused("V1.3:u8", "V1.3 cannot be taken as u8", "V1.3 can be taken as bool; its whole byte is VB1");
+    refused("T1:f32", "T1 cannot be taken as f32", "T1 can be taken as bool u16 i16 hex");
+    refused("C1:bcd", "C1 cannot be taken as bcd", "C1 can be taken as bool u16 i16 hex");
+    refused("HC1:u16", "HC1 cannot be taken as u16", "HC1 can be taken as u32 i32 hex");
+    refused("AIW0:u8", "AIW0 cannot be taken as u8", "AIW0 can be taken as u16 i16 hex bcd");
+    refused("VB2097151*2", "VB2097151 is not followed by that many values", "the largest count here is 1");
+    refused("VD2097144*3", "VD2097144 is not followed by that many values", "the largest count here is 2");
+    refused("V2097151.1*8", "V2097151.1 is not followed by that many values", "the largest count here is 7");
+    refused("T0*65537", "T0 is not followed by that many values", "the largest count here is 65536");
 }
 
 void TestItem::wrongItemsSayWhatCouldBeMeant()
 {
-    QFETCH(QString, text);
-    QTEST(failureOf([&] { parseItem(text); }), "failure");
+    compareRefusal([](const QString &text) { parseItem(text); });
 }
 
 TEST_CLASS(TestItem)

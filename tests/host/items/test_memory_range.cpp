@@ -6,7 +6,7 @@
 #include "host/items/memory_range.h"
 
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -53,26 +53,21 @@ void TestMemoryRange::bothEndsAreIncluded()
 
 void TestMemoryRange::whatIsNoRangeGetsTheNearestOne_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *text, const char *failure) {
-        QTest::newRow(text) << QString(text) << QString(failure);
-    };
-    row("VB0", "2: VB0 is not a range / a range is FIRST..LAST, as VB0..VB4095 or MB0..31");
-    row("vb0..9", "2: vb0: not an address of the controller / write VB0 instead of vb0");
-    row("VB0..vb9", "2: vb9: not an address of the controller / write VB9 instead of vb9");
-    row("V0.0..V3.7", "2: V0.0 is a bit, and ranges are of bytes / its byte is VB0");
-    row("VB0..MB9", "2: VB0 and MB9 are not in the same area / write VB0..VB9");
-    row("VB0..VW8", "2: VB0 and VW8 are not in the same area / write VB0..VB8");
-    row("VB9..VB0", "2: VB0 lies before VB9 / write VB0..VB9");
-    row("VW0..VW9", "2: VW9 begins inside another element counted from VW0 / write VW0..VW8");
-    row("VD2..VD9", "2: VD9 begins inside another element counted from VD2 / write VD2..VD6");
+    addRefusedTexts();
+    refused("VB0", "VB0 is not a range", "a range is FIRST..LAST, as VB0..VB4095 or MB0..31");
+    refused("vb0..9", "vb0: not an address of the controller", "write VB0 instead of vb0");
+    refused("VB0..vb9", "vb9: not an address of the controller", "write VB9 instead of vb9");
+    refused("V0.0..V3.7", "V0.0 is a bit, and ranges are of bytes", "its byte is VB0");
+    refused("VB0..MB9", "VB0 and MB9 are not in the same area", "write VB0..VB9");
+    refused("VB0..VW8", "VB0 and VW8 are not in the same area", "write VB0..VB8");
+    refused("VB9..VB0", "VB0 lies before VB9", "write VB0..VB9");
+    refused("VW0..VW9", "VW9 begins inside another element counted from VW0", "write VW0..VW8");
+    refused("VD2..VD9", "VD9 begins inside another element counted from VD2", "write VD2..VD6");
 }
 
 void TestMemoryRange::whatIsNoRangeGetsTheNearestOne()
 {
-    QFETCH(QString, text);
-    QTEST(failureOf([&] { parseRange(text); }), "failure");
+    compareRefusal([](const QString &text) { parseRange(text); });
 }
 
 void TestMemoryRange::moreElementsThanAnAddressCanNameAreRefused()

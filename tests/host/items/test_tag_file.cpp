@@ -8,7 +8,7 @@
 #include "hex.h"
 #include "host/items/assignment.h"
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -211,20 +211,19 @@ void TestTagFile::valuesAreAssignedAsTheyAreShown()
 
 void TestTagFile::wrongAssignmentsToTagsAreRefused_data()
 {
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *name, const char *failure) { QTest::newRow(name) << failure; };
-    row("Boiler=warm",
-        "2: \"warm\" is not a number / Boiler is scaled: write a number with a point, as 21.5");
-    row("Boiler=4000", "2: 40400 is too large for i16: -32768 to 32767 / the nearest value is 32767");
-    row("Boiler=1,2", "2: there are more values than the tag has / Boiler has 1");
-    row("Levels=0,5",
-        "2: \"0,5\" may be one number or two / write Levels=0.5 for one number, Levels=0.0,5.0 for two");
-    row("Label=Hello!", "2: there are more values than the tag has / Label has 5");
+    addRefusedTexts();
+    refused("Boiler=warm", "\"warm\" is not a number",
+            "Boiler is scaled: write a number with a point, as 21.5");
+    refused("Boiler=4000", "40400 is too large for i16: -32768 to 32767", "the nearest value is 32767");
+    refused("Boiler=1,2", "there are more values than the tag has", "Boiler has 1");
+    refused("Levels=0,5", "\"0,5\" may be one number or two",
+            "write Levels=0.5 for one number, Levels=0.0,5.0 for two");
+    refused("Label=Hello!", "there are more values than the tag has", "Label has 5");
 }
 
 void TestTagFile::wrongAssignmentsToTagsAreRefused()
 {
-    QTEST(failureOf([this] { parseAssignment(reference(QTest::currentDataTag())); }), "failure");
+    compareRefusal([this](const QString &text) { parseAssignment(reference(text)); });
 }
 
 TEST_CLASS(TestTagFile)

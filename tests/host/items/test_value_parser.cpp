@@ -8,11 +8,21 @@
 #include "hex.h"
 #include "host/items/value.h"
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
 using namespace host;
+
+namespace {
+
+// "VB0=300": the item and its values.
+void encodeAssigned(const QString &text)
+{
+    encodeValues(parseItem(text.section('=', 0, 0)), text.section('=', 1));
+}
+
+} // namespace
 
 class TestValueParser : public QObject
 {
@@ -121,126 +131,120 @@ void TestValueParser::whatReadPrintsCanBeWritten()
 
 void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne_data()
 {
-    QTest::addColumn<QString>("item");
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *item, const char *value, const char *failure) {
-        QTest::newRow(value) << QString(item) << QString("2: %1 is too %2").arg(value, failure);
-    };
-    row("VB0", "256", "large for u8: 0 to 255 / the nearest value is 255");
-    row("VB0", "0x100", "large for u8: 0 to 255 / the nearest value is 255");
-    row("VB0", "99999999999999999999999", "large for u8: 0 to 255 / the nearest value is 255");
-    row("VB0", "-1", "small for u8: 0 to 255 / the nearest value is 0; for -1 there is i8");
-    row("VB0", "-99999999999999999999999", "small for u8: 0 to 255 / the nearest value is 0");
-    row("VB0:i8", "128", "large for i8: -128 to 127 / the nearest value is 127");
-    row("VB0:i8", "-129", "small for i8: -128 to 127 / the nearest value is -128");
-    row("VB100", "-129", "small for u8: 0 to 255 / the nearest value is 0; for -129 there is i16");
-    row("VB100", "-40000", "small for u8: 0 to 255 / the nearest value is 0; for -40000 there is i32");
-    row("VW2", "-40000", "small for u16: 0 to 65535 / the nearest value is 0; for -40000 there is i32");
-    row("VB2", "-2147483649", "small for u8: 0 to 255 / the nearest value is 0");
-    row("T38", "-40000", "small for u16: 0 to 65535 / the nearest value is 0");
-    row("VW0", "65536", "large for u16: 0 to 65535 / the nearest value is 65535");
-    row("T37", "-2", "small for u16: 0 to 65535 / the nearest value is 0; for -2 there is i16");
-    row("VW0:i16", "32768", "large for i16: -32768 to 32767 / the nearest value is 32767");
-    row("AQW0", "-32769", "small for i16: -32768 to 32767 / the nearest value is -32768");
-    row("VD0", "4294967296", "large for u32: 0 to 4294967295 / the nearest value is 4294967295");
-    row("VD0:i32", "2147483648",
-        "large for i32: -2147483648 to 2147483647 / the nearest value is 2147483647");
-    row("VD0:i32", "-2147483649",
-        "small for i32: -2147483648 to 2147483647 / the nearest value is -2147483648");
-    row("VB0:bcd", "100", "large for bcd: 0 to 99 / the nearest value is 99");
-    row("VB0:bcd", "-3", "small for bcd: 0 to 99 / the nearest value is 0");
-    row("VW0:bcd", "10000", "large for bcd: 0 to 9999 / the nearest value is 9999");
-    row("VD0:bcd", "100000000", "large for bcd: 0 to 99999999 / the nearest value is 99999999");
-    row("VD0:f32", "3.4028236e38",
-        "large for f32: -3.4028235e+38 to 3.4028235e+38 / the nearest value is 3.4028235e+38");
-    row("VD0:f32", "-1e999",
-        "small for f32: -3.4028235e+38 to 3.4028235e+38 / the nearest value is -3.4028235e+38");
-    row("VD0:f32", "7e-46", "near to 0 for f32 / the nearest value is 0");
-    row("VD0:f32", "-1e-400", "near to 0 for f32 / the nearest value is 0");
+    addRefusedTexts();
+    refused("VB0=256", "256 is too large for u8: 0 to 255", "the nearest value is 255");
+    refused("VB0=0x100", "0x100 is too large for u8: 0 to 255", "the nearest value is 255");
+    refused("VB0=99999999999999999999999", "99999999999999999999999 is too large for u8: 0 to 255",
+            "the nearest value is 255");
+    refused("VB0=-1", "-1 is too small for u8: 0 to 255", "the nearest value is 0; for -1 there is i8");
+    refused("VB0=-99999999999999999999999", "-99999999999999999999999 is too small for u8: 0 to 255",
+            "the nearest value is 0");
+    refused("VB0:i8=128", "128 is too large for i8: -128 to 127", "the nearest value is 127");
+    refused("VB0:i8=-129", "-129 is too small for i8: -128 to 127", "the nearest value is -128");
+    refused("VB100=-129", "-129 is too small for u8: 0 to 255",
+            "the nearest value is 0; for -129 there is i16");
+    refused("VB100=-40000", "-40000 is too small for u8: 0 to 255",
+            "the nearest value is 0; for -40000 there is i32");
+    refused("VW2=-40000", "-40000 is too small for u16: 0 to 65535",
+            "the nearest value is 0; for -40000 there is i32");
+    refused("VB2=-2147483649", "-2147483649 is too small for u8: 0 to 255", "the nearest value is 0");
+    refused("T38=-40000", "-40000 is too small for u16: 0 to 65535", "the nearest value is 0");
+    refused("VW0=65536", "65536 is too large for u16: 0 to 65535", "the nearest value is 65535");
+    refused("T37=-2", "-2 is too small for u16: 0 to 65535", "the nearest value is 0; for -2 there is i16");
+    refused("VW0:i16=32768", "32768 is too large for i16: -32768 to 32767", "the nearest value is 32767");
+    refused("AQW0=-32769", "-32769 is too small for i16: -32768 to 32767", "the nearest value is -32768");
+    refused("VD0=4294967296", "4294967296 is too large for u32: 0 to 4294967295",
+            "the nearest value is 4294967295");
+    refused("VD0:i32=2147483648", "2147483648 is too large for i32: -2147483648 to 2147483647",
+            "the nearest value is 2147483647");
+    refused("VD0:i32=-2147483649", "-2147483649 is too small for i32: -2147483648 to 2147483647",
+            "the nearest value is -2147483648");
+    refused("VB0:bcd=100", "100 is too large for bcd: 0 to 99", "the nearest value is 99");
+    refused("VB0:bcd=-3", "-3 is too small for bcd: 0 to 99", "the nearest value is 0");
+    refused("VW0:bcd=10000", "10000 is too large for bcd: 0 to 9999", "the nearest value is 9999");
+    refused("VD0:bcd=100000000", "100000000 is too large for bcd: 0 to 99999999",
+            "the nearest value is 99999999");
+    refused("VD0:f32=3.4028236e38", "3.4028236e38 is too large for f32: -3.4028235e+38 to 3.4028235e+38",
+            "the nearest value is 3.4028235e+38");
+    refused("VD0:f32=-1e999", "-1e999 is too small for f32: -3.4028235e+38 to 3.4028235e+38",
+            "the nearest value is -3.4028235e+38");
+    refused("VD0:f32=7e-46", "7e-46 is too near to 0 for f32", "the nearest value is 0");
+    refused("VD0:f32=-1e-400", "-1e-400 is too near to 0 for f32", "the nearest value is 0");
 }
 
 void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne()
 {
-    QFETCH(QString, item);
-    QTEST(failureOf([&] { encodeValues(parseItem(item), QTest::currentDataTag()); }), "failure");
+    compareRefusal(encodeAssigned);
 }
 
 void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
 {
-    QTest::addColumn<QString>("item");
-    QTest::addColumn<QString>("values");
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *item, const char *values, const QString &failure) {
-        QTest::addRow("%s=%s", item, values) << QString(item) << QString(values) << "2: " + failure;
-    };
+    addRefusedTexts();
     const QString wholeHint = "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
     const QString floatHint = "numbers are written 1.5, -2e3, inf or nan";
     const QString hexHint = "hex is 2 digits for each value of VB0, as 1a";
     const QString escapeHint = "write \\\\ for \\, \\\" for \" and \\xNN for any other byte";
 
-    row("V0.0", "", "\"\" is not a bit / bits are 0 off false and 1 on true");
-    row("V0.0", "2", "\"2\" is not a bit / bits are 0 off false and 1 on true");
-    row("V0.0", "1,,0", "\"\" is not a bit / bits are 0 off false and 1 on true");
-    row("V0.0", "ON", "\"ON\" is not a bit / write on instead of ON");
-    row("V0.0", "True", "\"True\" is not a bit / write true instead of True");
+    refused("V0.0=", "\"\" is not a bit", "bits are 0 off false and 1 on true");
+    refused("V0.0=2", "\"2\" is not a bit", "bits are 0 off false and 1 on true");
+    refused("V0.0=1,,0", "\"\" is not a bit", "bits are 0 off false and 1 on true");
+    refused("V0.0=ON", "\"ON\" is not a bit", "write on instead of ON");
+    refused("V0.0=True", "\"True\" is not a bit", "write true instead of True");
 
-    row("VB0", "", "\"\" is not a whole number / " + wholeHint);
-    row("VB0", "1,", "\"\" is not a whole number / " + wholeHint);
-    row("VB0", "1 2", "\"1 2\" is not a whole number / " + wholeHint);
-    row("VB0", "12x", "\"12x\" is not a whole number / " + wholeHint);
-    row("VB0", "0x", "\"0x\" is not a whole number / " + wholeHint);
-    row("VB0", "0b12",
-        "\"0b12\" is not a whole number / 0b begins a number of 0 and 1 only, 0x one of hexadecimal digits");
-    row("VB0", "fff", "\"fff\" is not a whole number / " + wholeHint);
-    row("VB0", "16#100", "\"16#100\" is not a whole number / " + wholeHint);
-    row("VW0", "fff", "\"fff\" is not a whole number / write 0xfff instead of fff");
-    row("VB0", "--1", "\"--1\" is not a whole number / " + wholeHint);
-    row("VB0", "1e2", "\"1e2\" is not a whole number / " + wholeHint);
-    row("VW0", "1e2", "\"1e2\" is not a whole number / write 0x1e2 instead of 1e2");
-    row("VB0", "ff", "\"ff\" is not a whole number / write 0xff instead of ff");
-    row("VW0", "16#12Ab", "\"16#12Ab\" is not a whole number / write 0x12Ab instead of 16#12Ab");
-    row("VB0", "2#101", "\"2#101\" is not a whole number / write 0b101 instead of 2#101");
-    row("VB0", "1.5", "\"1.5\" is not a whole number / this type holds whole numbers; fractions need f32");
-    row("VB0:bcd", "1a", "\"1a\" is not a whole number / write 0x1a instead of 1a");
+    refused("VB0=", "\"\" is not a whole number", wholeHint);
+    refused("VB0=1,", "\"\" is not a whole number", wholeHint);
+    refused("VB0=1 2", "\"1 2\" is not a whole number", wholeHint);
+    refused("VB0=12x", "\"12x\" is not a whole number", wholeHint);
+    refused("VB0=0x", "\"0x\" is not a whole number", wholeHint);
+    refused("VB0=0b12", "\"0b12\" is not a whole number",
+            "0b begins a number of 0 and 1 only, 0x one of hexadecimal digits");
+    refused("VB0=fff", "\"fff\" is not a whole number", wholeHint);
+    refused("VB0=16#100", "\"16#100\" is not a whole number", wholeHint);
+    refused("VW0=fff", "\"fff\" is not a whole number", "write 0xfff instead of fff");
+    refused("VB0=--1", "\"--1\" is not a whole number", wholeHint);
+    refused("VB0=1e2", "\"1e2\" is not a whole number", wholeHint);
+    refused("VW0=1e2", "\"1e2\" is not a whole number", "write 0x1e2 instead of 1e2");
+    refused("VB0=ff", "\"ff\" is not a whole number", "write 0xff instead of ff");
+    refused("VW0=16#12Ab", "\"16#12Ab\" is not a whole number", "write 0x12Ab instead of 16#12Ab");
+    refused("VB0=2#101", "\"2#101\" is not a whole number", "write 0b101 instead of 2#101");
+    refused("VB0=1.5", "\"1.5\" is not a whole number", "this type holds whole numbers; fractions need f32");
+    refused("VB0:bcd=1a", "\"1a\" is not a whole number", "write 0x1a instead of 1a");
 
-    row("VD0:f32", "", "\"\" is not a number / " + floatHint);
-    row("VD0:f32", ".", "\".\" is not a number / " + floatHint);
-    row("VD0:f32", "1e", "\"1e\" is not a number / " + floatHint);
-    row("VD0:f32", "0x10", "\"0x10\" is not a number / " + floatHint);
-    row("VD0:f32", "infinity", "\"infinity\" is not a number / " + floatHint);
-    row("VD0:f32", "1.5.2", "\"1.5.2\" is not a number / " + floatHint);
+    refused("VD0:f32=", "\"\" is not a number", floatHint);
+    refused("VD0:f32=.", "\".\" is not a number", floatHint);
+    refused("VD0:f32=1e", "\"1e\" is not a number", floatHint);
+    refused("VD0:f32=0x10", "\"0x10\" is not a number", floatHint);
+    refused("VD0:f32=infinity", "\"infinity\" is not a number", floatHint);
+    refused("VD0:f32=1.5.2", "\"1.5.2\" is not a number", floatHint);
 
-    row("VB0:hex", "", "\"\" is not a row of bytes in hex / " + hexHint);
-    row("VB0:hex", "1", "\"1\" is not a row of bytes in hex / " + hexHint);
-    row("VB0:hex", "11 22", "\"11 22\" is not a row of bytes in hex / " + hexHint);
-    row("VB0:hex", "1g", "\"1g\" is not a row of bytes in hex / " + hexHint);
-    row("VB0:hex", "0x12", "\"0x12\" is not a row of bytes in hex / write 12 instead of 0x12");
-    row("VW0:hex", "112233",
-        "\"112233\" is no whole number of values / hex is 4 digits for each value of VW0, as 1a2b");
-    row("VD0:hex", "1122",
-        "\"1122\" is no whole number of values / hex is 8 digits for each value of VD0, as 1a2b3c4d");
+    refused("VB0:hex=", "\"\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=1", "\"1\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=11 22", "\"11 22\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=1g", "\"1g\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=0x12", "\"0x12\" is not a row of bytes in hex", "write 12 instead of 0x12");
+    refused("VW0:hex=112233", "\"112233\" is no whole number of values",
+            "hex is 4 digits for each value of VW0, as 1a2b");
+    refused("VD0:hex=1122", "\"1122\" is no whole number of values",
+            "hex is 8 digits for each value of VD0, as 1a2b3c4d");
 
-    row("VB0:str", "", "the text is empty / a text is one character or more; \\x00 is the character 0");
-    row("VB0:str", "\"\"", "the text is empty / a text is one character or more; \\x00 is the character 0");
-    row("VB0:str", "\"", "the quotes do not stand around the whole text / write \\\" for a quote within it");
-    row("VB0:str", "\"ab",
-        "the quotes do not stand around the whole text / write \\\" for a quote within it");
-    row("VB0:str", "\"a\"b\"",
-        "the quotes do not stand around the whole text / write \\\" for a quote within it");
-    row("VB0:str", "\\n", "\\n means nothing / " + escapeHint);
-    row("VB0:str", "a\\x4", "\\x means nothing / " + escapeHint);
-    row("VB0:str", "a\\", "\\ means nothing / " + escapeHint);
-    row("VB0:str", "\xc3\xa4",
-        QString::fromUtf8(
-            "\xc3\xa4 is no character of plain ASCII / write other characters as the bytes that "
-            "the display shows them for, \\xNN each"));
+    refused("VB0:str=", "the text is empty", "a text is one character or more; \\x00 is the character 0");
+    refused("VB0:str=\"\"", "the text is empty", "a text is one character or more; \\x00 is the character 0");
+    refused("VB0:str=\"", "the quotes do not stand around the whole text",
+            "write \\\" for a quote within it");
+    refused("VB0:str=\"ab", "the quotes do not stand around the whole text",
+            "write \\\" for a quote within it");
+    refused("VB0:str=\"a\"b\"", "the quotes do not stand around the whole text",
+            "write \\\" for a quote within it");
+    refused("VB0:str=\\n", "\\n means nothing", escapeHint);
+    refused("VB0:str=a\\x4", "\\x means nothing", escapeHint);
+    refused("VB0:str=a\\", "\\ means nothing", escapeHint);
+    refused("VB0:str=\xc3\xa4", "\xc3\xa4 is no character of plain ASCII",
+            "write other characters as the bytes that the display shows them for, \\xNN each");
 }
 
 void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant()
 {
-    QFETCH(QString, item);
-    QFETCH(QString, values);
-    QTEST(failureOf([&] { encodeValues(parseItem(item), values); }), "failure");
+    compareRefusal(encodeAssigned);
 }
 
 TEST_CLASS(TestValueParser)

@@ -28,9 +28,4 @@ inline QString textOf(const std::optional<host::Failure> &failure)
     return failure ? failure->text() : QString();
 }
 
-template <typename Action> QString hintOf(const Action &action)
-{
-    return failureOf(action).section(" / ", 1);
-}
-
 #endif

@@ -7,7 +7,7 @@
 
 #include "hex.h"
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -42,21 +42,18 @@ void TestHexText::anyGroupingIsTaken()
 
 void TestHexText::whatIsNoHexIsRefused_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("complaint");
-    const auto row = [](const char *name, const QString &text, const QString &complaint) {
-        QTest::newRow(name) << text << complaint;
-    };
-    row("letters", "10 zz", "2: \"zz\" is not hexadecimal");
-    row("half a byte", "10 025", "2: \"025\" is an odd number of digits");
-    row("a mark alone", "0x", "2: \"0x\" is not hexadecimal");
-    row("beyond ASCII", QString::fromUtf8("１０"), QString::fromUtf8("2: \"１０\" is not hexadecimal"));
+    addRefusedTexts();
+    const QString hint =
+        "write bytes as two hexadecimal digits each, as 10 02 00 5c 5e 16, or 0x10,0x02, or 10:02";
+    refused("10 zz", "\"zz\" is not hexadecimal", hint);
+    refused("10 025", "\"025\" is an odd number of digits", hint);
+    refused("0x", "\"0x\" is not hexadecimal", hint);
+    refused("１０", "\"１０\" is not hexadecimal", hint);
 }
 
 void TestHexText::whatIsNoHexIsRefused()
 {
-    QFETCH(QString, text);
-    QTEST(failureOf([&] { parseHex(text); }).section(" / ", 0, 0), "complaint");
+    compareRefusal([](const QString &text) { parseHex(text); });
 }
 
 TEST_CLASS(TestHexText)

@@ -6,7 +6,7 @@
 #include "host/text/number_list.h"
 
 #include "test_class.h"
-#include "tests/host/support/failure_of.h"
+#include "tests/host/support/refused_text.h"
 
 #include <QtTest>
 
@@ -49,31 +49,22 @@ void TestNumberList::numbersAndSpansMakeAList()
 
 void TestNumberList::whatIsNoNumberIsToldWithTheLimits_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("failure");
-    const auto row = [](const char *text, const char *part) {
-        QTest::newRow(text) << QString(text)
-                            << QString(
-                                   "2: \"%1\" is no station / write numbers from 0 to 126, commas between, "
-                                   "or spans as 2..9")
-                                   .arg(part);
-    };
-    row("", "");
-    row("x", "x");
-    row("2,,3", "");
-    row("-1", "-1");
-    row("127", "127");
-    row("2..x", "x");
-    row("..9", "");
-    row("99999999999", "99999999999");
-    QTest::newRow("9..2") << "9..2"
-                          << "2: 2 is less than 9 / write 2..9";
+    addRefusedTexts();
+    const QString hint = "write numbers from 0 to 126, commas between, or spans as 2..9";
+    refused("", "\"\" is no station", hint);
+    refused("x", "\"x\" is no station", hint);
+    refused("2,,3", "\"\" is no station", hint);
+    refused("-1", "\"-1\" is no station", hint);
+    refused("127", "\"127\" is no station", hint);
+    refused("2..x", "\"x\" is no station", hint);
+    refused("..9", "\"\" is no station", hint);
+    refused("99999999999", "\"99999999999\" is no station", hint);
+    refused("9..2", "2 is less than 9", "write 2..9");
 }
 
 void TestNumberList::whatIsNoNumberIsToldWithTheLimits()
 {
-    QFETCH(QString, text);
-    QTEST(failureOf([&] { parseNumbers(text, kStation); }), "failure");
+    compareRefusal([](const QString &text) { parseNumbers(text, kStation); });
 }
 
 void TestNumberList::onlyKindsWithSpansTakeThem()

@@ -3,6 +3,7 @@
 //
 // Values that change by themselves: where they lie, and what they are at which time.
 
+#include "complaint.h"
 #include "conversation.h"
 
 #include "simulator/controller/live_value.h"
@@ -36,12 +37,7 @@ QString bytesAt(const sim::Memory &memory, uint8_t area, int first, int count)
 
 QString complaint(const QString &text)
 {
-    try {
-        sim::parseLiveValues(text.toStdString());
-    } catch (const std::invalid_argument &error) {
-        return QString::fromStdString(error.what());
-    }
-    return "none";
+    return complaintOf<std::invalid_argument>([&] { sim::parseLiveValues(text.toStdString()); });
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 //
 // The simulator's memory as a file.
 
+#include "complaint.h"
 #include "seed.h"
 
 #include "simulator/controller/areas.h"
@@ -25,32 +26,19 @@ namespace {
 
 QString errorIn(const char *text)
 {
-    try {
-        sim::parseMemory(text);
-    } catch (const sim::MemoryFileError &error) {
-        return QString::fromStdString(error.what());
-    }
-    return "none";
+    return complaintOf<sim::MemoryFileError>([&] { sim::parseMemory(text); });
 }
 
 QString errorLoading(const QString &path)
 {
-    try {
-        sim::loadMemory(path.toStdString());
-    } catch (const sim::MemoryFileError &error) {
-        return QString::fromStdString(error.what());
-    }
-    return "none";
+    return complaintOf<sim::MemoryFileError>([&] { sim::loadMemory(path.toStdString()); });
 }
 
 QString errorSaving(const QString &path)
 {
-    try {
+    return complaintOf<sim::MemoryFileError>([&] {
         sim::saveMemory({sim::exampleMemory(), {}}, path.toStdString());
-    } catch (const sim::MemoryFileError &error) {
-        return QString::fromStdString(error.what());
-    }
-    return "none";
+    });
 }
 
 void writeFile(const QString &path, const QByteArray &content)

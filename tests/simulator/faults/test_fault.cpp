@@ -3,6 +3,8 @@
 //
 // Faults as people write them.
 
+#include "complaint.h"
+
 #include "simulator/faults/fault.h"
 #include "test_class.h"
 
@@ -15,12 +17,7 @@ namespace {
 
 QString complaint(const QString &text)
 {
-    try {
-        sim::parseFault(text.toStdString());
-    } catch (const std::invalid_argument &error) {
-        return QString::fromStdString(error.what());
-    }
-    return "none";
+    return complaintOf<std::invalid_argument>([&] { sim::parseFault(text.toStdString()); });
 }
 
 } // namespace
