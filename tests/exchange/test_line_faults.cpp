@@ -68,9 +68,7 @@ private slots:
     void refusalWithACarryInItsSumIsNotTaken();
     void answerOfLength2FromStation8PassesOnlyLayer2();
     void answerOfLength1IsPacketLoss();
-    void refusalOfMoreThanSixBytesIsPacketLoss();
     void failedReceiveOfARefusalIsPacketLoss();
-    void refusalByteThatThePortDoesNotCountIsNoResponse();
     void claimedHeadOfThreeBytesIsInvalid();
 };
 
@@ -264,25 +262,11 @@ void TestLineFaults::answerOfLength1IsPacketLoss()
     QCOMPARE(outcomeOfRead(byteCommand("VB100", 4), port).texts, QStringList() << "packet loss");
 }
 
-void TestLineFaults::refusalOfMoreThanSixBytesIsPacketLoss()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(2, INT_MAX);
-    QCOMPARE(reasonOf(port), QString("first NAK packet loss"));
-}
-
 void TestLineFaults::failedReceiveOfARefusalIsPacketLoss()
 {
     ScriptedPort port;
     port.expectsRequest().answers("10 00 02 02 04 16").receiveClaims(2, -1);
     QCOMPARE(reasonOf(port), QString("first NAK packet loss"));
-}
-
-void TestLineFaults::refusalByteThatThePortDoesNotCountIsNoResponse()
-{
-    ScriptedPort port;
-    port.expectsRequest().answers("10").receiveClaims(1, 0);
-    QCOMPARE(reasonOf(port), QString("plc no response"));
 }
 
 void TestLineFaults::claimedHeadOfThreeBytesIsInvalid()

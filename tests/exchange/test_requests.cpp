@@ -22,7 +22,6 @@ private slots:
     void areaTableHasACodeForEveryPrefix_data();
     void areaTableHasACodeForEveryPrefix();
     void areaTableHas29Prefixes();
-    void areaCodeIsThatOfTheTable();
     void prefixesThatAreNotInTheAreaTable_data();
     void prefixesThatAreNotInTheAreaTable();
     void lookingUpAnUnknownPrefixDoesNotInsertIt();
@@ -93,17 +92,6 @@ void TestRequests::areaTableHasACodeForEveryPrefix()
     const QByteArray prefix(QTest::currentDataTag());
     QVERIFY(g_s7_200_ppi_area_table.contains(prefix));
     QCOMPARE(int(g_s7_200_ppi_area_table.value(prefix)), code);
-}
-
-void TestRequests::areaCodeIsThatOfTheTable()
-{
-    const int area = 10; // where it stands in the block
-    QHash<QByteArray, unsigned char> table;
-    table.swap(g_s7_200_ppi_area_table);
-    const QByteArray emptied = S7_200_PPIPackLayer7ReadReqParamBlock(2, 1, "VB", 100);
-    table.swap(g_s7_200_ppi_area_table);
-    QCOMPARE(int(emptied.at(area)), 0);
-    QCOMPARE(hex(S7_200_PPIPackLayer7ReadReqParamBlock(2, 1, "VB", 100).mid(area, 1)), QString("84"));
 }
 
 void TestRequests::areaTableHas29Prefixes()

@@ -150,11 +150,6 @@ void TestAddressText::numberEndsWithItsArray()
 {
     QCOMPARE(ExtractPLCDeviceAddress(QByteArray::fromRawData("1234", 2), 10), 12);
     QCOMPARE(ExtractPLCDeviceAddress(QByteArray::fromRawData("V1234", 3), 10), 12);
-    QCOMPARE(ExtractPLCDeviceAddress(QByteArray("V12\0"
-                                                "3",
-                                                5),
-                                     10),
-             12);
 }
 
 void TestAddressText::otherCharactersAreNoDigits()

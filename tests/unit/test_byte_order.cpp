@@ -3,7 +3,6 @@
 
 #include "guarded_bytes.h"
 #include "hex.h"
-#include "short_memory.h"
 #include "test_class.h"
 #include "tools/byte_order.h"
 
@@ -45,7 +44,6 @@ private slots:
     void elementsForTheWireAreFilledWithZeros_data();
     void elementsForTheWireAreFilledWithZeros();
     void elementsForTheWireReadNoByteBehindThem();
-    void elementsForTheWireAreNoneWhenMemoryIsShort();
     void conversionInPlaceLeavesAnIncompleteElement_data();
     void conversionInPlaceLeavesAnIncompleteElement();
     void conversionInPlaceDoesNotTouchACopy();
@@ -147,15 +145,6 @@ void TestByteOrder::elementsForTheWireReadNoByteBehindThem()
     const GuardedBytes host(bytes("11 22 33"));
     QCOMPARE(hex(toBigEndianUShortArray(host.array())), QString("22110033"));
     QCOMPARE(hex(toBigEndianULongArray(host.array())), QString("00332211"));
-}
-
-void TestByteOrder::elementsForTheWireAreNoneWhenMemoryIsShort()
-{
-    const char first = '\1';
-    const QByteArray host = QByteArray::fromRawData(&first, 1000000001); // refused before it is read
-    const ShortMemory shortage;
-    QVERIFY(toBigEndianUShortArray(host).isEmpty());
-    QVERIFY(toBigEndianULongArray(host).isEmpty());
 }
 
 void TestByteOrder::conversionInPlaceLeavesAnIncompleteElement_data()

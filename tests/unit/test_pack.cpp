@@ -108,7 +108,6 @@ private slots:
     void unpackingNeedsNoAlignment();
     void emptyFormatDoesNothing();
     void emptyFormatWithAnArgumentListDoesNothing();
-    void nothingNeedsNoBuffer();
     void unknownLetterEndsPackingWithZeroAndUnpackingWithMinusOne();
     void letterNotAcceptedAfterACountIsAnError();
     void countErrors_data();
@@ -436,13 +435,6 @@ void TestPack::unpackingNeedsNoAlignment()
     QCOMPARE(stored.hex(8), QString("ee34127856bc9aee"));
     QCOMPARE(DataUnpack(data(source) + 1, "1N", place), 4);
     QCOMPARE(stored.hex(8), QString("ee78563412bc9aee"));
-}
-
-void TestPack::nothingNeedsNoBuffer()
-{
-    QCOMPARE(DataPack(nullptr, ""), 0);
-    QCOMPARE(DataPack(nullptr, "0x"), 0);
-    QCOMPARE(DataPack(nullptr, "0X"), 0);
 }
 
 void TestPack::emptyFormatDoesNothing()

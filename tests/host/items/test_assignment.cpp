@@ -61,12 +61,6 @@ void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
     refused("VB100*4", "no value is given", "write VB100=VALUE");
     refused("VB100*4=1", "a count is not needed here",
             "write VB100=VALUE,VALUE with as many values as you mean");
-    refused("VB1:str*3=Hello", "a count is not needed here",
-            "write VB1:str=TEXT, a text as long as you mean");
-    refused("VD0:f32=1,5", "\"1,5\" may be one number or two",
-            "write VD0:f32=1.5 for one number, VD0:f32=1.0,5.0 for two");
-    refused("VW2:f32=-1, 50", "\"-1, 50\" may be one number or two",
-            "write VW2:f32=-1.50 for one number, VW2:f32=-1.0,50.0 for two");
     refused("vb10=1", "not an address of the controller", "write VB10 instead of vb10");
     refused("V10.9=1", "not an address of the controller", "write V10.7 instead of V10.9");
     refused("VB10 =1", "not an address of the controller", "write VB10 instead of VB10 ");

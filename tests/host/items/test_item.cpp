@@ -99,7 +99,6 @@ void TestItem::wrongItemsSayWhatCouldBeMeant_data()
         "VB1 can be taken as u8 i8 u16 i16 u32 i32 f32 hex bcd str; its first bit is V1.0";
 
     refused("vb1:u8*2", "not an address of the controller", "write VB1 instead of vb1");
-    refused("VB0..VB9", "a range, which only dump takes", "write a count, as VB100*4");
     refused("VW1:U16", "\"U16\" is not a type", "write u16 instead of U16");
     refused("VW1:word", "\"word\" is not a type", "write u16 instead of word");
     refused("VW1:INT", "\"INT\" is not a type", "write i16 instead of INT");

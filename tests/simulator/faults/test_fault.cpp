@@ -90,8 +90,6 @@ void TestSimulatorFault::badTextIsRefused_data()
     QTest::addColumn<QString>("error");
     const auto row = [](const char *name, const QString &error) { QTest::newRow(name) << error; };
     row("silemt", "\"silemt\" is no kind of fault; the nearest is silent");
-    row("ECHO", "\"ECHO\" is no kind of fault; the nearest is echo");
-    row("Silent", "\"Silent\" is no kind of fault; the nearest is silent");
     row("silent ", "\"silent \" is no kind of fault; the nearest is silent");
     row("bad-crc@1", "\"bad-crc\" is no kind of fault; the nearest is bad-end");
     row("wrong-station", "\"wrong-station\" is no kind of fault; the nearest is wrong-destination");

@@ -61,7 +61,6 @@ private slots:
     void lateAcknowledgementComesWhenItsTimeIsUp();
     void lateAnswerMeetsTheNextRequest();
     void echoOfEveryFrameComesFirst();
-    void permanentEchoIsOfFramesToAbsentStationsToo();
     void noiseStandsInFrontOfTheAnswer();
     void noiseStandsInFrontOfTheAcknowledgement();
     void noiseStandsWithinTheAnswer();
@@ -233,15 +232,6 @@ void TestSimulatorFaults::echoOfEveryFrameComesFirst()
     QCOMPARE(hex(line.advance(20ms)), plain(kAnswerVB100));
     QCOMPARE(say(line, kReadVB100), QString());
     QCOMPARE(hex(line.advance(20ms)), plain("e5"));
-}
-
-void TestSimulatorFaults::permanentEchoIsOfFramesToAbsentStationsToo()
-{
-    const QByteArray pollOfStation9 = "10 09 00 5c 65 16";
-    sim::Simulator permanent = lineWith({"echo"});
-    QCOMPARE(say(permanent, pollOfStation9), plain(pollOfStation9));
-    sim::Simulator once = lineWith({"echo@1"});
-    QCOMPARE(say(once, pollOfStation9), QString());
 }
 
 void TestSimulatorFaults::noiseStandsInFrontOfTheAnswer()

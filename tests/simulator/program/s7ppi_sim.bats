@@ -6,118 +6,14 @@
 # S7PPI_BIN_DIR holds it.
 
 # bats runs every test in a shell of its own and sets the variables of run.
-# shellcheck disable=SC2030,SC2031,SC2154
+# shellcheck disable=SC2030,SC2031,SC2034,SC2154
 
-bats_require_minimum_version 1.5.0
-
-read_vb100=681b1b6802006c320100000001000e00000401120a10020001000184000320
-request=${read_vb100}8c16
-poll=1002005c5e16
-answer=681616680002083203000000010002000500000401ff040008116816
-
-setup() {
-    PATH="$S7PPI_BIN_DIR:$PATH"
-    cd "$BATS_TEST_TMPDIR" || return 1
-    simulator=
-}
-
-teardown() {
-    [ -z "$simulator" ] || kill "$simulator" 2>/dev/null || true
-}
-
-# start OPTION...: a simulator in the background; its port is then open as $line, its messages are in the
-# file messages.
-start() {
-    : >output
-    s7ppi-sim "$@" >>output 2>messages 3>&- &
-    simulator=$!
-    local i
-    for ((i = 0; i < 600; i++)); do
-        port=$(head -n 1 output)
-        [ -n "$port" ] && break
-        sleep 0.05
-    done
-    exec {line}<>"$port"
-}
-
-# stop [SIGNAL]: $status is then its exit code.
-stop() {
-    kill -s "${1:-TERM}" "$simulator"
-    ended
-}
-
-# ended: waits until it has ended by itself; $status is then its exit code.
-ended() {
-    status=0
-    wait "$simulator" || status=$?
-    simulator=
-}
-
-send() {
-    local i escaped=
-    for ((i = 0; i < ${#1}; i += 2)); do
-        escaped+="\\x${1:i:2}"
-    done
-    printf '%b' "$escaped" >&"$line"
-}
-
-# hear COUNT: that many bytes in hex, or fewer when five seconds are over.
-hear() {
-    timeout 5 head -c "$1" <&"$line" | od -An -v -tx1 | tr -d ' \n'
-}
-
-# ask HEX COUNT: what comes back.
-ask() {
-    send "$1"
-    hear "$2"
-}
-
-# exchange: acknowledgement and answer of one read of VB100.
-exchange() {
-    ask "$request" 1
-    ask "$poll" 28
-}
-
-# byte_of STATION AREA ADDRESS: one byte of an area in hex, by a read job with reference 1.
-byte_of() {
-    local body sum=0 i
-    body=$(printf '%02x006c320100000001000e00000401120a1002000100%02x%s%06x' \
-        "$1" $(($2 == 84 ? 1 : 0)) "$2" $(($3 * 8)))
-    for ((i = 0; i < ${#body}; i += 2)); do
-        sum=$((sum + 16#${body:i:2}))
-    done
-    ask "$(printf '681b1b68%s%02x16' "$body" $((sum % 256)))" 1 >/dev/null
-    ask "$(printf '10%02x005c%02x16' "$1" $(($1 + 0x5c)))" 28 | cut -c 51-52
-}
-
-# fails CODE OPTION... : ends with that code and nothing but a message, which is then in $output, and a hint.
-fails() {
-    run "-$1" --separate-stderr timeout 10 s7ppi-sim "${@:2}"
-    [ -z "$output" ]
-    [ "${#stderr_lines[@]}" -eq 2 ]
-    [[ ${stderr_lines[1]} == 'hint: '* ]]
-    output=${stderr_lines[0]}
-}
-
-usage_error() {
-    fails 2 "$@"
-}
-
-# messages_are TEXT: that message, and a hint, are all that was told.
-messages_are() {
-    [ "$(head -n 1 messages)" = "$1" ]
-    [[ $(tail -n +2 messages) == 'hint: '* ]]
-    [ "$(wc -l <messages)" -eq 2 ]
-}
-
-milliseconds() {
-    date +%s%3N
-}
+load common
 
 @test "the port's name is the only output, and it answers there" {
     start
     [[ $port == /dev/pts/* ]]
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     stop
     [ "$status" -eq 0 ]
     [ "$(cat output)" = "$port" ]
@@ -196,15 +92,6 @@ milliseconds() {
     [[ $output == *'several stations would be saved to memory.json'* ]]
 }
 
-@test "--save to nowhere is refused at the start, and leaves nothing in a folder that there is" {
-    fails 74 --link plc --save missing/saved.json
-    [ "$output" = "s7ppi-sim: missing/saved.json: cannot save: No such file or directory" ]
-    [ ! -L plc ]
-    echo '{}' >two.json
-    fails 74 --station 2:two.json --station 3:missing/three.json --save
-    [ "$(echo two*)" = two.json ]
-}
-
 @test "a memory file that does not exist yet is made by --save" {
     start --station 2:new.json --save
     [ "$(cat messages)" = 's7ppi-sim: new.json is new: it begins with the example memory' ]
@@ -240,26 +127,26 @@ milliseconds() {
 
 @test "faults are made for one request or for all, and add up" {
     start --fault short=4@1 --fault wrong-source=9 --fault bad-end@2
-    [ "$(ask $request 1)" = e5 ]
-    [ "$(ask $poll 4)" = 68161668 ]
-    [ "$(ask $request 1)" = e5 ]
-    [ "$(ask $poll 28)" = 681616680009083203000000010002000500000401ff040008116f17 ]
-    [ "$(ask $request 1)" = e5 ]
-    [ "$(ask $poll 28)" = 681616680009083203000000010002000500000401ff040008116f16 ]
+    [ "$(ask "$request" 1)" = e5 ]
+    [ "$(ask "$poll" 4)" = 68161668 ]
+    [ "$(ask "$request" 1)" = e5 ]
+    [ "$(ask "$poll" 28)" = 681616680009083203000000010002000500000401ff040008116f17 ]
+    [ "$(ask "$request" 1)" = e5 ]
+    [ "$(ask "$poll" 28)" = 681616680009083203000000010002000500000401ff040008116f16 ]
 }
 
 @test "an echo comes back first" {
     start --fault echo
-    [ "$(ask $request 34)" = ${request}e5 ]
-    [ "$(ask $poll 34)" = $poll$answer ]
+    [ "$(ask "$request" 34)" = "${request}e5" ]
+    [ "$(ask "$poll" 34)" = "$poll$answer" ]
 }
 
 @test "a late answer comes late" {
     start --fault late=300
-    [ "$(ask $request 1)" = e5 ]
+    [ "$(ask "$request" 1)" = e5 ]
     local before
     before=$(milliseconds)
-    [ "$(ask $poll 28)" = $answer ]
+    [ "$(ask "$poll" 28)" = "$answer" ]
     (($(milliseconds) - before >= 300))
 }
 
@@ -280,17 +167,17 @@ milliseconds() {
 
 @test "faults by chance tell their seed, with which the run repeats" {
     start --fault noise=8
-    [ "$(ask $request 1)" = e5 ]
+    [ "$(ask "$request" 1)" = e5 ]
     local first seed
-    first=$(ask $poll 36)
+    first=$(ask "$poll" 36)
     [[ $first == *$answer ]]
     stop
     seed=$(sed -n 's/^s7ppi-sim: faults by chance; --seed \([0-9]*\) repeats them$/\1/p' messages)
     [ -n "$seed" ]
 
     start --fault noise=8 --seed "$seed"
-    [ "$(ask $request 1)" = e5 ]
-    [ "$(ask $poll 36)" = "$first" ]
+    [ "$(ask "$request" 1)" = e5 ]
+    [ "$(ask "$poll" 36)" = "$first" ]
     stop
     grep -qF -- "--seed $seed " messages
 }
@@ -350,14 +237,14 @@ milliseconds() {
     start --pace 2400
     local before
     before=$(milliseconds)
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     # 33 + 1 + 6 + 28 bytes of 11 bits: 311 ms
     (($(milliseconds) - before >= 310))
     stop
     start --pace --link plc
     [ -L plc ]
     before=$(milliseconds)
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     (($(milliseconds) - before >= 77)) # at 9600
     usage_error --pace fast
     usage_error --pace 1
@@ -368,7 +255,7 @@ milliseconds() {
     start --turnaround 120
     local before
     before=$(milliseconds)
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     (($(milliseconds) - before >= 240))
     usage_error --turnaround -1
     [[ $output == *--turnaround* ]]
@@ -376,7 +263,7 @@ milliseconds() {
 
 @test "--trace writes a line for every frame" {
     start --trace trace.txt
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     local time='20[0-9]{2}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}Z'
     [ "$(wc -l <trace.txt)" -eq 5 ]
     [[ $(sed -n 1p trace.txt) == "# s7ppi-sim "*" on $port" ]]
@@ -398,7 +285,7 @@ milliseconds() {
     start --trace trace.txt
     local i
     for ((i = 0; i < 20; i++)); do
-        [ "$(exchange)" = e5$answer ]
+        [ "$(exchange)" = "e5$answer" ]
     done
     stop
     [ "$status" -eq 74 ]
@@ -418,21 +305,10 @@ milliseconds() {
 
 @test "-v shows the frames from the master's side" {
     start -v
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     stop
     [ "$(cut -c 1 messages | tr -d '\n')" = '><><' ]
     grep -qF '> 10 02 00 5c 5e 16  0 to 2: poll' messages
-}
-
-@test "a port in the folder needs no ./ before its name" {
-    start
-    local far=$simulator
-    ln -s "$port" plc
-    start --port plc
-    [ "$port" = plc ]
-    stop
-    [ "$status" -eq 0 ]
-    kill "$far"
 }
 
 @test "a serial port that vanishes is told and has its own exit code" {
@@ -458,9 +334,9 @@ milliseconds() {
         sleep 0.05
     done
     exec {line}<>plc
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     wait "$reader"
-    [ "$(exchange)" = e5$answer ]
+    [ "$(exchange)" = "e5$answer" ]
     stop
     [ "$status" -eq 0 ]
     [[ $(cat first) == '> 68 1b 1b 68'* ]]
@@ -472,21 +348,6 @@ milliseconds() {
     [ "${stderr_lines[0]}" = "s7ppi-sim: stdout does not take the port's name" ]
     [[ ${stderr_lines[1]} == 'hint: '* ]]
     [ ! -L plc ]
-}
-
-@test "the line never takes the place of a closed stdin, stdout or stderr" {
-    run -74 bash -c 'exec timeout 10 s7ppi-sim --link plc <&- >&- 2>&-'
-    [ ! -L plc ]
-    s7ppi-sim --link plc -v <&- >/dev/null 2>&- 3>&- &
-    simulator=$!
-    local i
-    for ((i = 0; i < 600; i++)); do
-        [ -L plc ] && break
-        sleep 0.05
-    done
-    [ "$(readlink "/proc/$simulator/fd/0" "/proc/$simulator/fd/2" | uniq)" = /dev/null ]
-    exec {line}<>plc
-    [ "$(exchange)" = e5$answer ]
 }
 
 @test "a memory file without end is not read to the end" {
@@ -501,10 +362,6 @@ milliseconds() {
     fails 3 --link plc
     [ "$output" = "s7ppi-sim: cannot make the link plc: File exists" ]
     [ "$(cat plc)" = precious ]
-    ln -s plc twin
-    run -3 --separate-stderr s7ppi-sim --link twin
-    [ "${stderr_lines[1]}" = "hint: end the other simulator, or remove the link" ]
-    [ "$(readlink twin)" = plc ]
 }
 
 @test "options that do not go together are wrong usage" {

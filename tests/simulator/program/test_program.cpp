@@ -132,8 +132,6 @@ private slots:
     void savingThatCannotSucceedIsRefusedAtTheStart();
     void linkLeadsToThePortAndGoesAtTheEnd();
     void staleLinkIsReplaced();
-    void linkOfARunningSimulatorIsNotReplaced();
-    void linkToAFileIsNotReplaced();
     void linkThatLeadsElsewhereAtTheEndStays();
     void fileIsNoLinkToReplace();
     void framesAreShownOnDemand();
@@ -342,31 +340,6 @@ void TestSimulatorProgram::staleLinkIsReplaced()
         // Another program of this machine has got the terminal's number meanwhile.
     }
     QFAIL("never replaced");
-}
-
-void TestSimulatorProgram::linkOfARunningSimulatorIsNotReplaced()
-{
-    const QTemporaryDir folder;
-    const QString link = folder.filePath("plc");
-    Simulator first({"--link", link});
-    QVERIFY(!first.portName().isEmpty());
-    Simulator second({"--link", link});
-    QCOMPARE(second.waitForEnd(), 3);
-    QCOMPARE(second.complaint(), "s7ppi-sim: cannot make the link " + link + ": File exists");
-    QCOMPARE(QFile::symLinkTarget(link), first.portName());
-    QCOMPARE(first.stop(), 0);
-    QVERIFY(!QFileInfo(link).isSymLink());
-}
-
-void TestSimulatorProgram::linkToAFileIsNotReplaced()
-{
-    const QTemporaryDir folder;
-    const QString link = folder.filePath("plc");
-    writeFile(folder.filePath("recipe"), "precious");
-    QVERIFY(QFile::link(folder.filePath("recipe"), link));
-    Simulator simulator({"--link", link});
-    QCOMPARE(simulator.waitForEnd(), 3);
-    QCOMPARE(QFile::symLinkTarget(link), folder.filePath("recipe"));
 }
 
 void TestSimulatorProgram::linkThatLeadsElsewhereAtTheEndStays()
