@@ -158,6 +158,8 @@ void TestRequests::byteNumberIsAllDigits_data()
     QTest::newRow("empty") << "" << 0u;
     QTest::newRow("4294967295") << "VB4294967295" << 4294967295u;
     QTest::newRow("4294967297 wraps") << "VB4294967297" << 1u;
+    QTest::newRow("a colon, behind 9, is no digit") << "VB1:" << 1u;
+    QTest::newRow("a slash, in front of 0, is no digit") << "V/1:0" << 10u;
 }
 
 void TestRequests::byteNumberIsAllDigits()
@@ -182,6 +184,7 @@ void TestRequests::bitNumberIsTheLastCharacter_data()
     QTest::newRow("a slash is -1, wrapped") << "V10./" << 10u << 4294967295u;
     QTest::newRow("a dot at the end is -2, wrapped") << "V10." << 10u << 4294967294u;
     QTest::newRow("V1.0.3") << "V1.0.3" << 1u << 3u;
+    QTest::newRow("a colon or a slash is no digit of the byte") << "V/1:0.3" << 10u << 3u;
 }
 
 void TestRequests::bitNumberIsTheLastCharacter()
