@@ -4,6 +4,7 @@
 #include "host/frames/layout.h"
 
 #include "host/base/filled.h"
+#include "host/base/options.h"
 #include "host/text/number_text.h"
 
 namespace host {
@@ -32,7 +33,7 @@ FieldMeaning station(const FrameFacts & /*facts*/, int value)
 {
     if (value == kBroadcast)
         return {"all stations", false};
-    return {QString("station %1").arg(value), value > kStationMax};
+    return {QString("station %1").arg(value), value > kLastStation};
 }
 
 FieldMeaning functionCode(const FrameFacts & /*facts*/, int value)

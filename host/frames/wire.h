@@ -26,8 +26,7 @@ constexpr int kLongFrameCounted = 4;
 constexpr int kAddressesSize = 3; // destination, source, function code: the least that a length can count
 constexpr int kTailSize = 2;      // check sum and end
 
-constexpr int kStationMax = 126;
-constexpr int kBroadcast = 127;
+constexpr int kBroadcast = 127; // the number that means all stations
 
 // A function code: bit 6 tells requests from answers, the low four bits tell which. In a request two bits
 // between them keep a repeated frame from being taken for a new one.
