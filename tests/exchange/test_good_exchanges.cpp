@@ -7,6 +7,7 @@
 #include "answer.h"
 #include "commands.h"
 #include "fake_sleep.h"
+#include "frame_vectors.h"
 #include "hex.h"
 #include "log_capture.h"
 #include "outcome.h"
@@ -22,7 +23,6 @@ namespace {
 
 const char kPoll[] = "10 02 00 5c 5e 16";
 const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
-const char kTaken1[] = "68 12 12 68 00 02 08 32 03 00 00 00 01 00 02 00 01 00 00 05 01 ff 48 16";
 
 QByteArray requestToStation2(const Sample &sample)
 {
@@ -81,40 +81,16 @@ void TestGoodExchanges::readIsThisConversation_data()
     QTest::addColumn<QByteArray>("request");
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QString>("data");
-    const auto row = [](const char *name, const CommunicatorCommand &read, const char *request,
-                        const QByteArray &answer, const char *data) {
-        QTest::newRow(name) << read << bytes(request) << answer << data;
+    const FrameVectors frames("exchange/exchanges.frames");
+    const auto row = [&](const char *name, const CommunicatorCommand &read, const char *data) {
+        QTest::newRow(name) << read << frames.sent(name) << frames.received(name) << data;
     };
-    row("4 bytes of VB100", byteCommand("VB100", 4),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16",
-        bytes("68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00"
-              "04 01 ff 04 00 20 11 22 33 44 1c 16"),
-        "11223344");
-    row("6 bytes of VD100", byteCommand("VD100", 6),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16",
-        QByteArray(Answer("04 01 ff 04 00 40 11 22 33 44 55 66 77 88")), "443322118877");
-    row("2 words of VW100", wordCommand("VW100", 2),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16",
-        bytes("68 19 19 68 00 02 08 32 03 00 00 00 01 00 02 00 08 00 00"
-              "04 01 ff 04 00 20 11 22 33 44 1c 16"),
-        "22114433");
-    row("2 double words of VD100", doubleWordCommand("VD100", 2),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16",
-        QByteArray(Answer("04 01 ff 04 00 40 11 22 33 44 55 66 77 88")), "4433221188776655");
-    row("8 bits of V10.0", bitCommand("V10.0", 8),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 02 00 01 00 01 84 00 00 50 b9 16",
-        QByteArray(Answer("04 01 ff 04 00 08 a5")), "0100010000010001");
-    row("3 bytes of T37", byteCommand("T37", 3),
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 1f 00 02 00 00 1f 00 00 25 46 16",
-        bytes("68 1f 1f 68 00 02 08 32 03 00 00 00 01 00 02 00 0e 00 00"
-              "04 01 ff 09 00 0a 02 00 00 12 34 00 00 00 56 78 7d 16"),
-        "341278");
+    row("4 bytes of VB100", byteCommand("VB100", 4), "11223344");
+    row("6 bytes of VD100", byteCommand("VD100", 6), "443322118877");
+    row("2 words of VW100", wordCommand("VW100", 2), "22114433");
+    row("2 double words of VD100", doubleWordCommand("VD100", 2), "4433221188776655");
+    row("8 bits of V10.0", bitCommand("V10.0", 8), "0100010000010001");
+    row("3 bytes of T37", byteCommand("T37", 3), "341278");
 }
 
 void TestGoodExchanges::readIsThisConversation()
@@ -135,36 +111,16 @@ void TestGoodExchanges::writeIsThisConversation_data()
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QByteArray>("request");
     QTest::addColumn<QByteArray>("answer");
-    const auto row = [](const char *name, const CommunicatorCommand &write, const char *data,
-                        const char *request, const char *answer) {
-        QTest::newRow(name) << write << bytes(data) << bytes(request) << bytes(answer);
+    const FrameVectors frames("exchange/exchanges.frames");
+    const auto row = [&](const char *name, const CommunicatorCommand &write, const char *data) {
+        QTest::newRow(name) << write << bytes(data) << frames.sent(name) << frames.received(name);
     };
-    row("3 bytes of VB10", byteCommand("VB10", 3), "11 22 33",
-        "68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-        "05 01 12 0a 10 02 00 03 00 01 84 00 00 50 00 04 00 18 11 22 33 45 16",
-        kTaken1);
-    row("2 words of VW10", wordCommand("VW10", 2), "34 12 78 56",
-        "68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-        "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 56 78 fd 16",
-        kTaken1);
-    row("1 double word of VD4", doubleWordCommand("VD4", 1), "44 33 22 11",
-        "68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-        "05 01 12 0a 10 06 00 01 00 01 84 00 00 20 00 04 00 20 11 22 33 44 64 16",
-        kTaken1);
-    row("1 bit of V10.3", bitCommand("V10.3", 1), "01",
-        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-        "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16",
-        kTaken1);
-    row("3 bits over the end of a byte", bitCommand("V10.6", 3), "01 00 01",
-        "68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
-        "05 03 12 0a 10 01 00 01 00 01 84 00 00 56 12 0a 10 01 00 01 00 01 84 00 00 57"
-        "12 0a 10 01 00 01 00 01 84 00 00 58"
-        "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16",
-        "68 14 14 68 00 02 08 32 03 00 00 00 01 00 02 00 03 00 00 05 03 ff ff ff 4a 16");
-    row("2 bytes of T37", byteCommand("T37", 2), "2c 01",
-        "68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
-        "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 25 00 04 00 28 00 00 00 01 2c a8 16",
-        kTaken1);
+    row("3 bytes of VB10", byteCommand("VB10", 3), "11 22 33");
+    row("2 words of VW10", wordCommand("VW10", 2), "34 12 78 56");
+    row("1 double word of VD4", doubleWordCommand("VD4", 1), "44 33 22 11");
+    row("1 bit of V10.3", bitCommand("V10.3", 1), "01");
+    row("3 bits over the end of a byte", bitCommand("V10.6", 3), "01 00 01");
+    row("2 bytes of T37", byteCommand("T37", 2), "2c 01");
 }
 
 void TestGoodExchanges::writeIsThisConversation()

@@ -3,6 +3,7 @@
 //
 // Address texts, and the frames of read requests built from them.
 
+#include "frame_vectors.h"
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_address.h"
 #include "simatic_s7_200_ppi/ppi_layer2.h"
@@ -382,24 +383,15 @@ void TestRequests::requestOfBytes_data()
     QTest::addColumn<uint>("address");
     QTest::addColumn<int>("count");
     QTest::addColumn<QByteArray>("frame");
-    const auto row = [](const char *name, const char *prefix, uint address, int count, const char *frame) {
-        QTest::newRow(name) << QByteArray(prefix) << address << count << bytes(frame);
+    const FrameVectors frames("exchange/read_requests.frames");
+    const auto row = [&](const char *name, const char *prefix, uint address, int count) {
+        QTest::newRow(name) << QByteArray(prefix) << address << count << frames.sent(name);
     };
-    row("VB100, 4 bytes", "VB", 100u, 4,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 02 00 04 00 01 84 00 03 20 8f 16");
-    row("VD100, 6 bytes as double words", "VD", 100u, 6,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 06 00 02 00 01 84 00 03 20 91 16");
-    row("VW100, 3 bytes as words", "VW", 100u, 3,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16");
-    row("AIW16, 2 bytes", "AIW", 16u, 2,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 04 00 01 00 00 06 00 00 80 6c 16");
-    row("unknown prefix", "vb", 100u, 4,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 02 00 04 00 00 00 00 03 20 0a 16");
+    row("VB100, 4 bytes", "VB", 100u, 4);
+    row("VD100, 6 bytes as double words", "VD", 100u, 6);
+    row("VW100, 3 bytes as words", "VW", 100u, 3);
+    row("AIW16, 2 bytes", "AIW", 16u, 2);
+    row("unknown prefix", "vb", 100u, 4);
 }
 
 void TestRequests::requestOfBytes()
@@ -457,18 +449,13 @@ void TestRequests::requestOfObjects_data()
     QTest::addColumn<QByteArray>("prefix");
     QTest::addColumn<uint>("number");
     QTest::addColumn<QByteArray>("frame");
-    const auto row = [](const char *name, const char *prefix, uint number, const char *frame) {
-        QTest::newRow(name) << QByteArray(prefix) << number << bytes(frame);
+    const FrameVectors frames("exchange/read_requests.frames");
+    const auto row = [&](const char *name, const char *prefix, uint number) {
+        QTest::newRow(name) << QByteArray(prefix) << number << frames.sent(name);
     };
-    row("T37", "T", 37u,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 1f 00 02 00 00 1f 00 00 25 46 16");
-    row("C5", "C", 5u,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 1e 00 02 00 00 1e 00 00 05 24 16");
-    row("HC0", "HC", 0u,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00"
-        "04 01 12 0a 10 20 00 02 00 00 20 00 00 00 23 16");
+    row("T37", "T", 37u);
+    row("C5", "C", 5u);
+    row("HC0", "HC", 0u);
 }
 
 void TestRequests::requestOfObjects()

@@ -3,6 +3,7 @@
 //
 // The frames of write requests and the parts that they are made of.
 
+#include "frame_vectors.h"
 #include "hex.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
 #include "test_class.h"
@@ -72,9 +73,9 @@ void addObjectColumns()
     QTest::addColumn<QByteArray>("frame");
 }
 
-void row(const char *name, uint number, const char *values, const char *frame)
+void row(const FrameVectors &frames, const char *name, uint number, const char *values)
 {
-    QTest::newRow(name) << number << bytes(values) << bytes(frame);
+    QTest::newRow(name) << number << bytes(values) << frames.sent(name);
 }
 
 } // namespace
@@ -223,49 +224,23 @@ void TestWriteRequests::memory_data()
     QTest::addColumn<uint>("address");
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QByteArray>("frame");
-    const auto row = [](const char *name, const char *prefix, uint address, const char *data,
-                        const QByteArray &frame) {
-        QTest::newRow(name) << QByteArray(prefix) << address << bytes(data) << frame;
+    const FrameVectors frames("exchange/write_requests.frames");
+    const auto row = [&](const char *name, const char *prefix, uint address, const char *data) {
+        QTest::newRow(name) << QByteArray(prefix) << address << bytes(data) << frames.sent(name);
     };
-    row("VB10", "VB", 10u, "112233",
-        bytes("68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-              "05 01 12 0a 10 02 00 03 00 01 84 00 00 50 00 04 00 18 11 22 33 45 16"));
-    row("VW10", "VW", 10u, "34127856",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 56 78 fd 16"));
-    row("VW10, a word and a half", "VW", 10u, "341278",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 04 00 02 00 01 84 00 00 50 00 04 00 20 12 34 00 78 a7 16"));
-    row("VD10", "VD", 10u, "44332211",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 11 22 33 44 94 16"));
-    row("VD10, half a double word", "VD", 10u, "3412",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 06 00 01 00 01 84 00 00 50 00 04 00 20 00 00 12 34 30 16"));
-    row("VD10, 5 bytes", "VD", 10u, "4433221155",
-        bytes("68 27 27 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0c"
-              "05 01 12 0a 10 06 00 02 00 01 84 00 00 50 00 04 00 40 11 22 33 44 00 00 00 55 0e 16"));
-    row("QB0", "QB", 0u, "ff",
-        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-              "05 01 12 0a 10 02 00 01 00 00 82 00 00 00 00 04 00 08 ff 77 16"));
-    row("SB3", "SB", 3u, "01",
-        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-              "05 01 12 0a 10 02 00 01 00 00 04 00 00 18 00 04 00 08 01 13 16"));
-    row("IW0", "IW", 0u, "3412",
-        bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-              "05 01 12 0a 10 04 00 01 00 00 81 00 00 00 00 04 00 10 12 34 c8 16"));
-    row("MD4", "MD", 4u, "44332211",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 06 00 01 00 00 83 00 00 20 00 04 00 20 11 22 33 44 62 16"));
-    row("SMD28", "SMD", 28u, "44332211",
-        bytes("68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-              "05 01 12 0a 10 06 00 01 00 00 05 00 00 e0 00 04 00 20 11 22 33 44 a4 16"));
-    row("AQW2", "AQW", 2u, "3412",
-        bytes("68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-              "05 01 12 0a 10 04 00 01 00 00 07 00 00 10 00 04 00 10 12 34 5e 16"));
-    row("no prefix", "", 10u, "11",
-        bytes("68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-              "05 01 12 0a 10 02 00 01 00 00 00 00 00 50 00 04 00 08 11 57 16"));
+    row("VB10", "VB", 10u, "112233");
+    row("VW10", "VW", 10u, "34127856");
+    row("VW10, a word and a half", "VW", 10u, "341278");
+    row("VD10", "VD", 10u, "44332211");
+    row("VD10, half a double word", "VD", 10u, "3412");
+    row("VD10, 5 bytes", "VD", 10u, "4433221155");
+    row("QB0", "QB", 0u, "ff");
+    row("SB3", "SB", 3u, "01");
+    row("IW0", "IW", 0u, "3412");
+    row("MD4", "MD", 4u, "44332211");
+    row("SMD28", "SMD", 28u, "44332211");
+    row("AQW2", "AQW", 2u, "3412");
+    row("no prefix", "", 10u, "11");
 }
 
 void TestWriteRequests::memory()
@@ -345,17 +320,10 @@ void TestWriteRequests::countsOfALongRequestWrap()
 void TestWriteRequests::timers_data()
 {
     addObjectColumns();
-    row("T37", 37u, "2c 01",
-        "68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
-        "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 25"
-        "00 04 00 28 00 00 00 01 2c a8 16");
-    row("T37 and T38", 37u, "2c 01 e8 03",
-        "68 29 29 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0e"
-        "05 01 12 0a 10 1f 00 02 00 00 1f 00 00 25"
-        "00 04 00 50 00 00 00 01 2c 00 00 00 03 e8 c1 16");
-    row("none", 37u, "",
-        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-        "05 01 12 0a 10 1f 00 00 00 00 1f 00 00 25 00 04 00 00 4d 16");
+    const FrameVectors frames("exchange/write_requests.frames");
+    row(frames, "T37", 37u, "2c 01");
+    row(frames, "T37 and T38", 37u, "2c 01 e8 03");
+    row(frames, "no timers", 37u, "");
 }
 
 void TestWriteRequests::timers()
@@ -369,16 +337,10 @@ void TestWriteRequests::timers()
 void TestWriteRequests::counters_data()
 {
     addObjectColumns();
-    row("C5", 5u, "05 00",
-        "68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-        "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 05 00 04 00 18 00 00 05 4c 16");
-    row("C5 and C6", 5u, "05 00 06 01",
-        "68 25 25 68 02 00 6c 32 01 00 00 00 01 00 0e 00 0a"
-        "05 01 12 0a 10 1e 00 02 00 00 1e 00 00 05"
-        "00 04 00 30 00 00 05 00 01 06 6f 16");
-    row("none", 5u, "",
-        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-        "05 01 12 0a 10 1e 00 00 00 00 1e 00 00 05 00 04 00 00 2b 16");
+    const FrameVectors frames("exchange/write_requests.frames");
+    row(frames, "C5", 5u, "05 00");
+    row(frames, "C5 and C6", 5u, "05 00 06 01");
+    row(frames, "no counters", 5u, "");
 }
 
 void TestWriteRequests::counters()
@@ -433,27 +395,14 @@ void TestWriteRequests::bits_data()
     QTest::addColumn<uint>("bit");
     QTest::addColumn<QByteArray>("values");
     QTest::addColumn<QByteArray>("frame");
-    const auto row = [](const char *name, const char *prefix, uint byte, uint bit, const char *values,
-                        const char *frame) {
-        QTest::newRow(name) << QByteArray(prefix) << byte << bit << bytes(values) << bytes(frame);
+    const FrameVectors frames("exchange/write_requests.frames");
+    const auto row = [&](const char *name, const char *prefix, uint byte, uint bit, const char *values) {
+        QTest::newRow(name) << QByteArray(prefix) << byte << bit << bytes(values) << frames.sent(name);
     };
-    row("V10.3", "V", 10u, 3u, "01",
-        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-        "05 01 12 0a 10 01 00 01 00 01 84 00 00 53 00 03 00 01 01 c6 16");
-    row("Q0.7 and Q1.0", "Q", 0u, 7u, "01 00",
-        "68 32 32 68 02 00 6c 32 01 00 00 00 01 00 1a 00 0b"
-        "05 02 12 0a 10 01 00 01 00 00 82 00 00 07"
-        "12 0a 10 01 00 01 00 00 82 00 00 08"
-        "00 03 00 01 01 00 00 03 00 01 00 46 16");
-    row("V10.6 to V11.0", "V", 10u, 6u, "01 00 01",
-        "68 44 44 68 02 00 6c 32 01 00 00 00 01 00 26 00 11"
-        "05 03 12 0a 10 01 00 01 00 01 84 00 00 56"
-        "12 0a 10 01 00 01 00 01 84 00 00 57"
-        "12 0a 10 01 00 01 00 01 84 00 00 58"
-        "00 03 00 01 01 00 00 03 00 01 00 00 00 03 00 01 01 0d 16");
-    row("the value as it stands", "M", 13u, 3u, "ff",
-        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 00 05"
-        "05 01 12 0a 10 01 00 01 00 00 83 00 00 6b 00 03 00 01 ff da 16");
+    row("V10.3", "V", 10u, 3u, "01");
+    row("Q0.7 and Q1.0", "Q", 0u, 7u, "01 00");
+    row("V10.6 to V11.0", "V", 10u, 6u, "01 00 01");
+    row("the value as it stands", "M", 13u, 3u, "ff");
 }
 
 void TestWriteRequests::bits()

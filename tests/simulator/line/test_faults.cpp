@@ -4,6 +4,7 @@
 // Misbehaviour that can be asked for: what each kind does to a conversation.
 
 #include "conversation.h"
+#include "frame_vectors.h"
 #include "test_class.h"
 
 #include <QtTest>
@@ -78,51 +79,9 @@ void TestSimulatorFaults::faultChangesTheConversation_data()
 {
     QTest::addColumn<QString>("afterRequest");
     QTest::addColumn<QString>("afterPoll");
-    const auto row = [](const char *name, const QString &afterRequest, const QString &afterPoll) {
-        QTest::newRow(name) << afterRequest << afterPoll;
-    };
-    row("no-resource", "10 00 02 02 04 16", "e5");
-    row("not-active", "10 00 02 03 05 16", "e5");
-    row("silent", "", "e5");
-    row("wrong-ack", "00", "e5");
-    row("late-ack", "", kAnswerVB100);
-    row("no-answer", "e5", "");
-    row("not-ready", "e5", "e5");
-    row("late", "e5", "");
-    row("truncated", "e5", "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08");
-    row("truncated=1", "e5",
-        "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68");
-    row("truncated=200", "e5", "");
-    row("short", "e5", "68 16 16 68 00 02");
-    row("short=1", "e5", "68");
-    row("short=200", "e5", kAnswerVB100);
-    row("corrupt=6", "e5",
-        "68 16 16 68 00 02 f7 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 16");
-    row("corrupt=200", "e5",
-        "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 e9");
-    row("bad-checksum", "e5",
-        "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16");
-    row("bad-end", "e5",
-        "68 16 16 68 00 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 68 17");
-    row("wrong-source", "e5",
-        "68 16 16 68 00 03 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16");
-    row("wrong-source=9", "e5",
-        "68 16 16 68 00 09 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 6f 16");
-    row("wrong-destination", "e5",
-        "68 16 16 68 01 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 69 16");
-    row("wrong-destination=5", "e5",
-        "68 16 16 68 05 02 08 32 03 00 00 00 01 00 02 00 05 00 00 04 01 ff 04 00 08 11 6d 16");
-    row("stale-reference", "e5",
-        "68 16 16 68 00 02 08 32 03 00 00 00 00 00 02 00 05 00 00 04 01 ff 04 00 08 11 67 16");
-    row("error-class", "e5", "68 0f 0f 68 00 02 08 32 02 00 00 00 01 00 00 00 00 81 04 c4 16");
-    row("hardware-fault", "e5",
-        "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 01 00 00 00 4c 16");
-    row("item-refused", "e5",
-        "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 05 00 00 00 50 16");
-    row("item-refused=0A", "e5",
-        "68 15 15 68 00 02 08 32 03 00 00 00 01 00 02 00 04 00 00 04 01 0a 00 00 00 55 16");
-    row("ignore-writes", "e5", kAnswerVB100);
-    row("echo", kReadVB100 + "e5", kPoll + kAnswerVB100);
+    const FrameVectors frames("simulator/line/faults.frames");
+    for (const QByteArray &fault : frames.names())
+        QTest::newRow(fault.constData()) << hex(frames.received(fault, 0)) << hex(frames.received(fault, 1));
 }
 
 void TestSimulatorFaults::faultChangesTheConversation()
