@@ -255,13 +255,9 @@ void TestWriteRequests::memory()
 void TestWriteRequests::memoryWithoutDataHasNoElements_data()
 {
     QTest::addColumn<QByteArray>("frame");
-    const auto row = [](const char *name, const char *frame) { QTest::newRow(name) << bytes(frame); };
-    row("VB", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-              "05 01 12 0a 10 02 00 00 00 01 84 00 00 50 00 04 00 00 c1 16");
-    row("VW", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-              "05 01 12 0a 10 04 00 00 00 01 84 00 00 50 00 04 00 00 c3 16");
-    row("VD", "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-              "05 01 12 0a 10 06 00 00 00 01 84 00 00 50 00 04 00 00 c5 16");
+    const FrameVectors frames("exchange/write_requests.frames");
+    for (const char *prefix : {"VB", "VW", "VD"})
+        QTest::newRow(prefix) << frames.sent(QByteArray(prefix) + " without data");
 }
 
 void TestWriteRequests::memoryWithoutDataHasNoElements()
@@ -276,25 +272,14 @@ void TestWriteRequests::lengthOfALongRequestWraps_data()
     QTest::addColumn<int>("size");
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<QString>("end");
-    const auto row = [](const char *name, int size, const char *front, const char *end) {
-        QTest::newRow(name) << size << bytes(front) << end;
+    const FrameVectors frames("exchange/write_requests.frames");
+    const auto row = [&](const char *name, int size, const char *end) {
+        QTest::newRow(name) << size << frames.sent(name) << end;
     };
-    row("224 bytes, PDU of 252, do not", 224,
-        "68 ff ff 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e4"
-        "05 01 12 0a 10 02 00 e0 00 01 84 00 00 00 00 04 07 00",
-        "1816");
-    row("225 bytes, check sum of nothing", 225,
-        "68 00 00 68 02 00 6c 32 01 00 00 00 01 00 0e 00 e5"
-        "05 01 12 0a 10 02 00 e1 00 01 84 00 00 00 00 04 07 08",
-        "0016");
-    row("252 bytes, check sum of 27 bytes", 252,
-        "68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 00"
-        "05 01 12 0a 10 02 00 fc 00 01 84 00 00 00 00 04 07 e0",
-        "6616");
-    row("300 bytes, check sum of 75 bytes", 300,
-        "68 4b 4b 68 02 00 6c 32 01 00 00 00 01 00 0e 01 30"
-        "05 01 12 0a 10 02 01 2c 00 01 84 00 00 00 00 04 09 60",
-        "6016");
+    row("224 bytes, PDU of 252, do not", 224, "1816");
+    row("225 bytes, check sum of nothing", 225, "0016");
+    row("252 bytes, check sum of 27 bytes", 252, "6616");
+    row("300 bytes, check sum of 75 bytes", 300, "6016");
 }
 
 void TestWriteRequests::lengthOfALongRequestWraps()
@@ -484,21 +469,13 @@ void TestWriteRequests::itemCountOfBitsIsTheLowByteOfTheirNumber_data()
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("end");
-    const auto row = [](const char *name, int count, const char *front, int size, const char *end) {
-        QTest::newRow(name) << count << bytes(front) << size << end;
+    const FrameVectors frames("exchange/write_requests.frames");
+    const auto row = [&](const char *name, int count, int size, const char *end) {
+        QTest::newRow(name) << count << frames.sent(name) << size << end;
     };
-    row("255 bits", 255,
-        "68 fc fc 68 02 00 6c 32 01 00 00 00 01 0b f6 05 f9"
-        "05 ff 12 0a 10 01 00 01 00 01 84 00 00 00",
-        4610, "4c16");
-    row("256 bits, no items", 256,
-        "68 0e 0e 68 02 00 6c 32 01 00 00 00 01 00 02 05 ff"
-        "05 00 00 03 00 01 01 00 00 03 00 01 01 00",
-        1556, "ad16");
-    row("257 bits, 1 item", 257,
-        "68 20 20 68 02 00 6c 32 01 00 00 00 01 00 0e 06 05"
-        "05 01 12 0a 10 01 00 01 00 01 84 00 00 00",
-        1574, "7916");
+    row("255 bits", 255, 4610, "4c16");
+    row("256 bits, no items", 256, 1556, "ad16");
+    row("257 bits, 1 item", 257, 1574, "7916");
 }
 
 void TestWriteRequests::itemCountOfBitsIsTheLowByteOfTheirNumber()

@@ -6,6 +6,7 @@
 
 #include "answer.h"
 #include "commands.h"
+#include "frame_vectors.h"
 #include "hex.h"
 #include "log_capture.h"
 #include "outcome.h"
@@ -196,31 +197,16 @@ void TestWrittenData::countsBeyond16BitsAreSentWhole_data()
     QTest::addColumn<QByteArray>("front");
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("end");
-    const auto row = [](const char *name, int dataType, const char *address, int count, const char *front,
-                        int size, const char *end) {
-        QTest::newRow(name) << dataType << address << count << bytes(front) << size << end;
+    const FrameVectors frames("exchange/write_requests.frames");
+    const auto row = [&](const char *name, int dataType, const char *address, int count, int size,
+                         const char *end) {
+        QTest::newRow(name) << dataType << address << count << frames.sent(name) << size << end;
     };
-    row("65536 words", kWords, "VW0", 65536,
-        "68 1f 1f 68 02 00 6c 32 01 00 00 00 01 00 0e 00 04"
-        "05 01 12 0a 10 04 00 00 00 01 84 00 00 00 00 04 00 00 12 34",
-        131109, "7316");
-    row("65537 words", kWords, "VW0", 65537,
-        "68 21 21 68 02 00 6c 32 01 00 00 00 01 00 0e 00 06"
-        "05 01 12 0a 10 04 00 01 00 01 84 00 00 00 00 04 00 10 12 34",
-        131111, "cc16");
-    row("65537 double words", kDoubleWords, "VD0", 65537,
-        "68 23 23 68 02 00 6c 32 01 00 00 00 01 00 0e 00 08"
-        "05 01 12 0a 10 06 00 01 00 01 84 00 00 00 00 04 00 20 00 00 12 34",
-        262185, "e016");
-    row("65537 timers", kWords, "T1", 65537,
-        "68 24 24 68 02 00 6c 32 01 00 00 00 01 00 0e 00 09"
-        "05 01 12 0a 10 1f 00 01 00 00 1f 00 00 01 00 04 00 28"
-        "00 00 00 12 34",
-        327722, "9d16");
-    row("65537 counters", kWords, "C1", 65537,
-        "68 22 22 68 02 00 6c 32 01 00 00 00 01 00 0e 00 07"
-        "05 01 12 0a 10 1e 00 01 00 00 1e 00 00 01 00 04 00 18 00 12 34",
-        196648, "8916");
+    row("65536 words", kWords, "VW0", 65536, 131109, "7316");
+    row("65537 words", kWords, "VW0", 65537, 131111, "cc16");
+    row("65537 double words", kDoubleWords, "VD0", 65537, 262185, "e016");
+    row("65537 timers", kWords, "T1", 65537, 327722, "9d16");
+    row("65537 counters", kWords, "C1", 65537, 196648, "8916");
 }
 
 void TestWrittenData::countsBeyond16BitsAreSentWhole()
