@@ -3,8 +3,10 @@
 //
 // The commands of s7ppi, in the order in which --help lists them.
 
+#include "common/end_of_memory.h"
 #include "common/exit_code.h"
 #include "common/standard_streams.h"
+#include "host/base/interruption.h"
 #include "host/cli/program.h"
 #include "host/commands/commands.h"
 
@@ -28,10 +30,11 @@ const std::vector<host::Declare> kCommands = {
 int main(int argc, char *argv[])
 {
     common::keepClosedStreams();
+    common::prepareEndOfMemory("s7ppi", host::runLastResort);
     try {
         const QCoreApplication application(argc, argv);
         return host::runProgram(argc, argv, kCommands);
-    } catch (const std::exception &error) { // no memory, say
+    } catch (const std::exception &error) {
         std::cerr << "s7ppi: internal failure: " << error.what()
                   << "\nhint: run it again with --verbose, and report what that shows" << std::endl;
         return int(common::ExitCode::Internal);

@@ -20,8 +20,7 @@ std::atomic<void (*)()> lastResort = nullptr;
 // A signal raised here takes effect when the handler returns: by then its action is the default one.
 void endAtOnce(int signalNumber)
 {
-    if (void (*action)() = lastResort.load())
-        action();
+    runLastResort();
     struct sigaction byDefault = {};
     byDefault.sa_handler = SIG_DFL;
     if (sigaction(signalNumber, &byDefault, nullptr) != 0 || raise(signalNumber) != 0)
@@ -61,6 +60,12 @@ int interruptingSignal()
 void setLastResort(void (*action)())
 {
     lastResort = action;
+}
+
+void runLastResort()
+{
+    if (void (*action)() = lastResort.load())
+        action();
 }
 
 } // namespace host

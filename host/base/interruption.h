@@ -27,6 +27,9 @@ int interruptingSignal();
 // handler and may make no calls but async-signal-safe ones.
 void setLastResort(void (*action)());
 
+// Runs what is set; async-signal-safe.
+void runLastResort();
+
 } // namespace host
 
 #endif

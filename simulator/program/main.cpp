@@ -3,6 +3,7 @@
 //
 // The program s7ppi-sim: simulated S7-200 controllers at the end of a pseudo-terminal or a serial port.
 
+#include "common/end_of_memory.h"
 #include "common/exit_code.h"
 #include "common/standard_streams.h"
 #include "simulator/controller/live_value.h"
@@ -229,6 +230,7 @@ ExitCode runProgram(const sim::Options &options)
 int main(int argc, char *argv[])
 {
     common::keepClosedStreams();
+    common::prepareEndOfMemory("s7ppi-sim", nullptr);
     // When whoever reads the frames of -v goes away, writing them fails and the memory is saved all the same.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
@@ -238,7 +240,7 @@ int main(int argc, char *argv[])
         return int(options ? runProgram(*options) : exitCode);
     } catch (const std::exception &error) {
         sim::complain(std::string("internal failure: ") + error.what(),
-                      "free some memory; it may be a bug, too");
+                      "run it again with -v, and report what that shows");
         return int(ExitCode::Internal);
     }
 }
