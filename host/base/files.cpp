@@ -3,72 +3,57 @@
 
 #include "host/base/files.h"
 
-#include "host/base/failure.h"
-#include "host/base/files_in_use.h"
-#include "host/base/interruption.h"
-
-#include <QFile>
-#include <QFileInfo>
+#include "host/base/input_file.h"
+#include "host/base/line_reader.h"
 
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 
-#include <unistd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 namespace host {
 
 namespace {
 
-const char kHint[] = "check the file's name and rights";
-
-Failure unreadable(const QString &name, const QString &reason, const QString &hint)
+QByteArray allOf(InputFile &file)
 {
-    return Failure(ExitCode::Usage, name + " cannot be read: " + reason, hint);
+    QByteArray bytes;
+    for (QByteArray more = file.readSome(); !more.isEmpty(); more = file.readSome())
+        bytes += more;
+    return bytes;
 }
 
-// Stdin is read without QFile, which begins a read that a signal ended once more.
-QByteArray readStdin()
+bool isRemoved(int handle)
 {
-    claimFile("/dev/stdin", FileRole::Input);
-    QByteArray bytes;
-    char buffer[65536];
-    while (true) {
-        const ssize_t count = read(STDIN_FILENO, buffer, sizeof buffer);
-        if (count > 0)
-            bytes.append(buffer, int(count));
-        else if (interruptingSignal() != 0)
-            throw Interrupted();
-        else if (count == 0)
-            return bytes;
-        else if (errno != EINTR)
-            throw unreadable("stdin", std::strerror(errno), kHint);
-    }
+    struct stat state = {};
+    return fstat(handle, &state) == 0 && state.st_nlink == 0;
 }
 
 } // namespace
 
-QByteArray readFile(const QString &name, const QString &hint)
+QByteArray readFile(const QString &name, const QString &hint, qint64 largest)
 {
-    if (name.isEmpty())
-        throw Failure(ExitCode::Usage, "no name is given", hint);
-    claimFile(name, FileRole::Input);
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        throw unreadable(name, file.errorString(), hint);
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw unreadable(name, file.errorString(), hint);
-    return bytes;
+    InputFile file(name, hint, largest);
+    return allOf(file);
 }
 
-QByteArray readInput(const QString &fileName)
+QByteArray readTextFile(const QString &name, const QString &hint, qint64 largest)
 {
-    if (fileName == "-")
-        return readStdin();
-    if (QFileInfo(fileName).isDir())
-        throw unreadable(fileName, "it is a directory", kHint);
-    return readFile(fileName, kHint);
+    const QByteArray text = readFile(name, hint, largest);
+    checkLines(name, text);
+    return text;
+}
+
+QByteArray readInput(const QString &fileName, qint64 largest)
+{
+    return allOf(*inputNamed(fileName, largest));
+}
+
+bool lockForWriting(const QFileDevice &file)
+{
+    const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return !isLocked && !isRemoved(file.handle());
 }
 
 QByteArray withoutByteOrderMark(const QByteArray &text)

@@ -12,12 +12,26 @@
 
 namespace host {
 
-// Returns what the whole file holds. Fails with the hint when it cannot be read.
-QByteArray readFile(const QString &name, const QString &hint);
+// The largest files, in bytes. Settings and tags are written by people. A dump has three characters for a
+// byte, and a controller's addresses end at two megabytes.
+constexpr qint64 kLargestText = 4 << 20;
+constexpr qint64 kLargestDump = 16 << 20;
+
+// Returns what the whole file holds. Fails with the hint when it cannot be read, or when it is larger than
+// the limit.
+QByteArray readFile(const QString &name, const QString &hint, qint64 largest);
+
+// Returns the lines of a file of text, of which none may be too long.
+QByteArray readTextFile(const QString &name, const QString &hint, qint64 largest);
 
 // Returns what a file that the user names holds, or what comes from stdin for "-". Fails when it cannot be
-// read.
-QByteArray readInput(const QString &fileName);
+// read, or when it is larger than the limit.
+QByteArray readInput(const QString &fileName, qint64 largest);
+
+// Locks an open file for this process alone; the system gives the lock back when the process ends, however
+// that happens. False when another one has it, or has removed the file meanwhile. On a file system without
+// locks there are none.
+bool lockForWriting(const QFileDevice &file);
 
 // Returns the text without the byte order mark with which some editors begin a file of UTF-8.
 QByteArray withoutByteOrderMark(const QByteArray &text);

@@ -138,7 +138,6 @@ int outcomeOf(Options &options, const std::function<int()> &command)
 // the program in order.
 int run(Options &options, const std::function<int()> &command)
 {
-    catchInterruptions();
     setQuiet(options.quiet);
     setVerbose(options.verbose);
     installDriverLog(options.verbose);
@@ -155,6 +154,7 @@ int runProgram(int argc, char *argv[], const std::vector<Declare> &commands)
                  "s7ppi");
     CommandLine line;
     declare(app, line, commands);
+    catchInterruptions();
     try {
         app.parse(argc, argv);
         applySettings(app, line.options);
@@ -162,6 +162,8 @@ int runProgram(int argc, char *argv[], const std::vector<Declare> &commands)
         if (error.get_exit_code() != 0)
             return usageError(app, error);
         line.command = [&app, error] { return printAbout(app, error); };
+    } catch (const Interrupted &) {
+        return kSignalExit + interruptingSignal();
     } catch (const Failure &failure) {
         reportFailure(failure);
         return int(failure.code());

@@ -112,8 +112,8 @@ QStringList strangeVariables(const Names &options)
 
 std::vector<Setting> fileSettings(const QString &name, const Names &options)
 {
-    const QByteArray text =
-        readFile(name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none");
+    const QByteArray text = readTextFile(
+        name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none", kLargestText);
     std::vector<Setting> settings;
     const QList<QByteArray> lines = withoutByteOrderMark(text).split('\n');
     for (int i = 0; i < int(lines.size()); ++i)

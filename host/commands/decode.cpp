@@ -5,6 +5,7 @@
 
 #include "host/base/files.h"
 #include "host/base/filled.h"
+#include "host/base/line_reader.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/frames/explanation.h"
@@ -20,6 +21,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -49,6 +51,12 @@ Examples:
 // So many wrong lines of a trace are told one by one; the others are counted.
 constexpr int kToldLines = 5;
 
+// Bytes that are no trace are explained together.
+constexpr qint64 kLargestHex = 4 << 20;
+
+// A document of json has its list of frames at its end, and all of it is kept until then.
+constexpr int kMostFrames = 100000;
+
 class DecodeCommand
 {
 public:
@@ -60,19 +68,24 @@ public:
     // Explains the frames in some bytes that passed together.
     void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
 
+    // Whether there have been as many frames as the output takes.
+    bool isFull() const { return output.format() == Format::JsonDocument && count >= kMostFrames; }
+
     // Ends the data, and fails when a frame had a fault or there was none at all.
     void finish();
 
 private:
     void decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin);
+    void list(const QByteArray &frame, const ExplainedFrame &explained, Json entry);
     void write(const ExplainedByte &byte, const QString &missing);
     Failure faultyFrames() const;
 
     Output output;
     QString source; // of the bytes
     FrameExplainer explainer;
-    Json frames = Json::array();
-    int faulty = 0;
+    Json frames = Json::array(); // of a document of json
+    qint64 count = 0;
+    qint64 faulty = 0;
 };
 
 QString byteLine(const ExplainedByte &byte)
@@ -95,16 +108,16 @@ void DecodeCommand::decode(const QByteArray &bytes, const QString &heading, cons
 
 void DecodeCommand::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
 {
+    if (isFull())
+        throw Failure(ExitCode::Usage,
+                      QString("%1there are more than %2 frames").arg(source).arg(kMostFrames),
+                      "choose --format ndjson, csv or text, which take any number");
     const ExplainedFrame explained = explainer.explain(frame);
-    Json entry = origin;
-    entry["meaning"] = jsonText(frameWords(frame));
-    entry["size"] = frame.size();
-    entry["faults"] = Json::array();
-    for (const QString &fault : explained.faults)
-        entry["faults"].push_back(jsonText(fault));
-    if (!frames.empty())
+    if (count > 0)
         output.writeText(QString());
-    frames.push_back(entry);
+    if (output.format() == Format::JsonDocument)
+        list(frame, explained, origin);
+    ++count;
     faulty += explained.faults.isEmpty() ? 0 : 1;
 
     output.writeText(heading + frameWords(frame) + ", " + counted(frame.size(), "byte"));
@@ -115,11 +128,21 @@ void DecodeCommand::decodeFrame(const QByteArray &frame, const QString &heading,
         output.writeText("         ! " + fault);
 }
 
+void DecodeCommand::list(const QByteArray &frame, const ExplainedFrame &explained, Json entry)
+{
+    entry["meaning"] = jsonText(frameWords(frame));
+    entry["size"] = frame.size();
+    entry["faults"] = Json::array();
+    for (const QString &fault : explained.faults)
+        entry["faults"].push_back(jsonText(fault));
+    frames.push_back(entry);
+}
+
 // Writes a byte, and what is missing behind it, if anything is; in the text the latter has a line of its own.
 void DecodeCommand::write(const ExplainedByte &byte, const QString &missing)
 {
     const bool isBoth = !byte.meaning.isEmpty() && !missing.isEmpty();
-    output.write({{"frame", frames.size()},
+    output.write({{"frame", count},
                   {"offset", byte.offset},
                   {"byte", QByteArray(1, char(byte.byte)).toHex().toStdString()},
                   {"field", jsonText(byte.field)},
@@ -132,7 +155,7 @@ void DecodeCommand::finish()
 {
     output.setField("frames", frames);
     output.finish();
-    if (frames.empty())
+    if (count == 0)
         throw Failure(ExitCode::Usage, source + "there are no bytes to decode",
                       "s7ppi decode --help has examples");
     if (faulty > 0)
@@ -143,7 +166,7 @@ Failure DecodeCommand::faultyFrames() const
 {
     const bool isText = output.format() == Format::Text;
     return Failure(ExitCode::BrokenAnswer,
-                   filled("%1 of %2 frames are cut, damaged or none", faulty, frames.size()),
+                   QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(count),
                    isText ? "the lines with ! tell what is wrong with them"
                           : "the records whose fault is true tell what is wrong with them");
 }
@@ -157,14 +180,16 @@ void decodeLine(DecodeCommand &command, const QByteArray &line)
 
 void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outcome)
 {
-    const QList<QByteArray> lines = readInput(fileName).split('\n');
+    LineReader lines(fileName, std::numeric_limits<qint64>::max()); // a line at a time, it may go on for days
     int wrong = 0;
-    for (int i = 0; i < lines.size(); ++i) {
+    while (lines.next()) {
         try {
-            decodeLine(command, lines.at(i));
+            decodeLine(command, lines.line());
         } catch (const Failure &failure) {
+            if (command.isFull())
+                throw;
             if (failure.isFinal() || ++wrong <= kToldLines)
-                outcome.add(filled("%1:%2", fileName, i + 1), failure);
+                outcome.add(QString("%1:%2").arg(fileName).arg(lines.number()), failure);
         }
     }
     if (wrong > kToldLines)
@@ -175,7 +200,7 @@ void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outco
 QByteArray bytesOf(const QStringList &texts)
 {
     if (texts.size() == 1 && texts.first() == "-")
-        return parseHex(utf8Text(readInput("-")));
+        return parseHex(utf8Text(readInput("-", kLargestHex)));
     QString joined;
     for (const QString &text : texts)
         joined += text + '\n';

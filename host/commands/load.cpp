@@ -78,7 +78,7 @@ Load rawLoad(const LoadOptions &own)
     if (!own.target)
         throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
                       "name the first address with --to ADDRESS");
-    const QByteArray data = readFile(own.file, kFileHint);
+    const QByteArray data = readFile(own.file, kFileHint, kLargestDump);
     if (data.isEmpty())
         throw Failure(ExitCode::Usage, own.file + " is empty", "name a file that has bytes in it");
     return {targetAt(*own.target, data), data, std::nullopt};
@@ -91,7 +91,7 @@ Load loadOf(const OutputOptions &options, const LoadOptions &own)
         return rawLoad(own);
     if (format != "text" && !own.dryRun) // then it is the form of the frames
         throw Failure(ExitCode::Usage, "load reads no " + format, "choose --format text or raw");
-    const Dump dump = parseDump(readFile(own.file, kFileHint), own.file);
+    const Dump dump = parseDump(readFile(own.file, kFileHint, kLargestDump), own.file);
     return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
 }
 

@@ -4,7 +4,6 @@
 #include "host/commands/commands.h"
 
 #include "host/base/failure.h"
-#include "host/base/files.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/output/sink.h"
@@ -29,7 +28,7 @@ script and no network, and goes to stdout without -o.)";
 
 int report(const OutputOptions &options, const QString &fileName)
 {
-    const Recording recording = parseRecording(fileName, readInput(fileName));
+    const Recording recording = readRecording(fileName);
     if (recording.leftOut > 0)
         reportWarning(QString("%1: %2 left out, headings that come again or lines that were cut")
                           .arg(fileName, counted(recording.leftOut, "line")));

@@ -27,6 +27,9 @@ namespace {
 
 constexpr std::chrono::seconds kLoadingTime(10);
 
+// In bytes; with all that helps to find faults in it a library is ten times smaller.
+constexpr qint64 kLargestLibrary = 128 << 20;
+
 const char *const kEntryPoints[] = {"CreateDriver", "qt_plugin_instance",
                                     "qt_plugin_query_verification_data"};
 
@@ -165,7 +168,7 @@ bool isSameMachine(const ElfFile &file, const ElfFile &own)
 
 Examination examinePlugin(const QString &fileName)
 {
-    const QByteArray bytes = readInput(fileName);
+    const QByteArray bytes = readInput(fileName, kLargestLibrary);
     const ElfFile file = parseElf(bytes);
     Examination examination;
     if (file.failure) {
@@ -173,7 +176,7 @@ Examination examinePlugin(const QString &fileName)
         return examination;
     }
     examination.findings << findingOn("file", true, QString("shared library, %1 bytes").arg(bytes.size()));
-    const ElfFile own = parseElf(readInput("/proc/self/exe"));
+    const ElfFile own = parseElf(readInput("/proc/self/exe", kLargestLibrary));
     const bool isOurMachine = isSameMachine(file, own);
     const QString machine = machineText(file);
     examination.findings << findingOn("machine", isOurMachine,

@@ -6,6 +6,7 @@
 #include "host/base/failure.h"
 #include "host/base/files.h"
 #include "host/base/filled.h"
+#include "host/base/line_reader.h"
 #include "host/base/options.h"
 #include "host/items/memory_range.h"
 
@@ -42,7 +43,7 @@ class DumpParser
 public:
     explicit DumpParser(const QString &name_) : name(name_) {}
 
-    void take(const QByteArray &line);
+    void takeAll(const QByteArray &text);
 
     // Returns what was read; fails when that is not even all that stands before the data.
     Dump dump() const;
@@ -50,6 +51,7 @@ public:
     Failure wrong(const QString &text, const QString &hint) const;
 
 private:
+    void take(const QByteArray &line);
     void takeMagic(const QList<QByteArray> &words);
     void takeArea(const QList<QByteArray> &words);
     void takeStation(const QList<QByteArray> &words);
@@ -68,6 +70,15 @@ private:
 Failure DumpParser::wrong(const QString &text, const QString &hint) const
 {
     return Failure(ExitCode::Usage, filled("%1:%2: %3", name, lineNumber, text), hint);
+}
+
+void DumpParser::takeAll(const QByteArray &text)
+{
+    LineReader lines(name, text);
+    while (lines.next())
+        take(lines.line());
+    if (text.isEmpty())
+        take(text);
 }
 
 void DumpParser::take(const QByteArray &line)
@@ -195,9 +206,7 @@ QByteArray dumpText(const Dump &dump)
 Dump parseDump(const QByteArray &text, const QString &name)
 {
     DumpParser parser(name);
-    const QList<QByteArray> lines = (text.endsWith('\n') ? text.chopped(1) : text).split('\n');
-    for (const QByteArray &line : lines)
-        parser.take(line);
+    parser.takeAll(text);
     Dump dump = parser.dump();
     if (int(dump.data.size()) < dump.range.size())
         throw parser.wrong(
@@ -211,9 +220,7 @@ Dump parsePartialDump(const QByteArray &text, const QString &name, int &wholeSiz
 {
     wholeSize = int(text.lastIndexOf('\n')) + 1;
     DumpParser parser(name);
-    const QList<QByteArray> lines = text.left(wholeSize).split('\n');
-    for (const QByteArray &line : lines)
-        parser.take(line);
+    parser.takeAll(text.left(wholeSize));
     return parser.dump();
 }
 

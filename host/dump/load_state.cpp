@@ -7,10 +7,16 @@
 
 #include <QCryptographicHash>
 #include <QFile>
-#include <QSaveFile>
+#include <QFileInfo>
 #include <QString>
 
 namespace host {
+
+namespace {
+
+constexpr qint64 kLongest = 4096; // bytes, ten times what is ever written
+
+} // namespace
 
 LoadState::LoadState(const QString &file_, const Item &target, int station, const QByteArray &data)
     : file(file_), size(int(data.size())),
@@ -22,22 +28,26 @@ LoadState::LoadState(const QString &file_, const Item &target, int station, cons
 int LoadState::written() const
 {
     QFile state(file);
-    if (!state.open(QIODevice::ReadOnly))
+    if (!QFileInfo(file).isFile() || !state.open(QIODevice::ReadOnly))
         return 0;
-    const QByteArray text = state.readAll();
-    if (!text.startsWith(head))
+    const QByteArray text = state.read(kLongest);
+    const int end = int(text.indexOf('\n', head.size()));
+    if (!text.startsWith(head) || end < 0)
         return 0;
-    const int bytes = text.mid(head.size()).trimmed().toInt();
+    const int bytes = text.mid(head.size(), end - head.size()).toInt();
     return bytes > 0 && bytes <= size ? bytes : 0;
 }
 
-// The file is flushed first: commit() alone would not notice that there was no room.
+// A load saves after every block, so that nothing is made anew then: the few bytes that are other ones are
+// written over in one go, which a kill cannot divide.
 bool LoadState::save(int written) const
 {
-    QSaveFile state(file);
+    QFile state(file);
+    if (QFileInfo::exists(file) && !QFileInfo(file).isFile())
+        return false;
     const QByteArray text = head + QByteArray::number(written) + '\n';
-    return state.open(QIODevice::WriteOnly) && state.write(text) == text.size() && state.flush() &&
-           state.commit();
+    return state.open(QIODevice::ReadWrite | QIODevice::Unbuffered) && state.write(text) == text.size() &&
+           state.resize(text.size());
 }
 
 void LoadState::forget() const

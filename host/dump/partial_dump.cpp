@@ -5,16 +5,13 @@
 
 #include "host/base/files.h"
 #include "host/base/filled.h"
+#include "host/base/input_file.h"
+#include "host/base/line_reader.h"
 #include "host/items/memory_range.h"
 
 #include <QByteArray>
 #include <QFileInfo>
 #include <QString>
-
-#include <cerrno>
-
-#include <sys/file.h>
-#include <sys/stat.h>
 
 namespace host {
 
@@ -32,16 +29,11 @@ QString dumpName(const Item &range, int station, const QString &port)
 // The port that the comment line names; empty when there is no such line.
 QString portOf(const QByteArray &text)
 {
-    for (const QByteArray &line : text.split('\n'))
-        if (line.startsWith(kPortComment))
-            return QString::fromUtf8(line.mid(kPortComment.size()));
+    LineReader lines(QString(), text);
+    while (lines.next())
+        if (lines.line().startsWith(kPortComment))
+            return QString::fromUtf8(lines.line().mid(kPortComment.size()));
     return QString();
-}
-
-bool isRemoved(int handle)
-{
-    struct stat state = {};
-    return fstat(handle, &state) == 0 && state.st_nlink == 0;
 }
 
 } // namespace
@@ -49,6 +41,8 @@ bool isRemoved(int handle)
 PartialDump::PartialDump(const QString &name, const DumpSource &source, bool restart)
     : file(name), port(source.port.simplified()), read{source.range, source.station, {}}
 {
+    if (QFileInfo::exists(name) && !QFileInfo(name).isFile())
+        throw Failure(ExitCode::Usage, name + " is no file", "remove it, or name another file with -o");
     if (!file.open(QIODevice::ReadWrite))
         throw lost();
     lock();
@@ -57,12 +51,10 @@ PartialDump::PartialDump(const QString &name, const DumpSource &source, bool res
     writeAnew();
 }
 
-// The system gives the lock back when the process ends, however that happens. On a file system without locks
-// there is none. A file that was removed between opening and locking belonged to another process up to then.
+// A file that was removed between opening and locking belonged to another process up to then.
 void PartialDump::lock()
 {
-    const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    if (isLocked || isRemoved(file.handle()))
+    if (!lockForWriting(file))
         throw Failure(ExitCode::OutputLost, name() + " is being written by another s7ppi",
                       "wait for its end, or name another file with -o");
 }
@@ -70,7 +62,10 @@ void PartialDump::lock()
 // Takes over what the file holds, but for a last line that was not finished: its bytes are read again.
 void PartialDump::resume()
 {
-    const QByteArray text = file.readAll();
+    const QByteArray text = file.read(kLargestDump + 1);
+    if (text.size() > kLargestDump)
+        throw Failure(ExitCode::Usage, name() + " is too large: it has more than " + limitText(kLargestDump),
+                      kRestartHint);
     try {
         int wholeSize = 0;
         const Dump found = parsePartialDump(text, name(), wholeSize);

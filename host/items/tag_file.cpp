@@ -168,7 +168,7 @@ QString fileIn(const QString &reference)
 
 std::vector<Tag> readTagFile(const QString &name, Outcome &outcome)
 {
-    return parseTagFile(name, readFile(name, "check the file's name and rights"), outcome);
+    return parseTagFile(name, readTextFile(name, "check the file's name and rights", kLargestText), outcome);
 }
 
 Failure unknownTag(const QString &name, const std::vector<Tag> &tags)

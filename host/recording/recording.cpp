@@ -6,6 +6,7 @@
 #include "host/base/failure.h"
 #include "host/base/files.h"
 #include "host/base/filled.h"
+#include "host/base/line_reader.h"
 #include "host/text/csv.h"
 
 #include <QDateTime>
@@ -25,27 +26,21 @@ constexpr double kLargest = 1e300;
 
 const QStringList kNeeded = {"time", "address", "type", "value", "error"};
 
-// A record with the number of the line on which it begins. A cell between quotes may hold line ends, so that
-// counting records would not give it.
+// What a recording takes in memory grows with it; this is months of a value a second.
+constexpr qint64 kLargestRecording = 256 << 20;
+
+// A record. A cell between quotes may hold line ends, so that it may have several lines.
 struct Row
 {
-    int line;
+    int line; // the number of its first one
     QString text;
+    bool isOpen;  // a quote is not closed
+    bool isWhole; // the file does not end within its last line
 };
 
-std::vector<Row> rowsOf(const QString &text)
+bool opensOrCloses(const QString &text)
 {
-    std::vector<Row> rows;
-    bool isOpen = false;
-    const QStringList lines = text.split('\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        if (isOpen)
-            rows.back().text += '\n' + lines.at(i);
-        else
-            rows.push_back({i + 1, lines.at(i)});
-        isOpen ^= lines.at(i).count('"') % 2 != 0;
-    }
-    return rows;
+    return text.count('"') % 2 != 0;
 }
 
 class RecordingParser
@@ -53,7 +48,7 @@ class RecordingParser
 public:
     explicit RecordingParser(const QString &fileName_) : fileName(fileName_) {}
 
-    Recording parse(const QString &text);
+    Recording parse(LineReader &lines);
 
 private:
     Failure wrong(const QString &what) const
@@ -61,10 +56,14 @@ private:
         return Failure(ExitCode::Usage, filled("%1:%2: %3", fileName, line, what), kHint);
     }
 
+    std::optional<Row> nextRow(LineReader &lines);
     void takeHead(const QString &text);
     bool isHeadAgain(const QString &text);
+    void take(const Row &row);
+    bool isCut(const Row &row) const;
+    bool beginsLikeRecord(const QString &text) const;
     void takeRow(const QString &text);
-    void takeLastRow(const QString &text, bool isWhole);
+    void takeCutRow(const QString &text);
     void takeError(qint64 time);
     void takeValue(qint64 time);
     void takeAnswerTime();
@@ -92,6 +91,21 @@ private:
     std::vector<Place> places; // one for each of the series
     QHash<QString, int> known;
 };
+
+std::optional<Row> RecordingParser::nextRow(LineReader &lines)
+{
+    if (!lines.next())
+        return std::nullopt;
+    Row row = {lines.number(), utf8Text(lines.line()), false, lines.isWhole()};
+    row.isOpen = opensOrCloses(row.text);
+    while (row.isOpen && row.text.size() < kLongestLine && lines.next()) {
+        const QString more = utf8Text(lines.line());
+        row.text += '\n' + more;
+        row.isOpen = !opensOrCloses(more);
+        row.isWhole = lines.isWhole();
+    }
+    return row;
+}
 
 void RecordingParser::takeHead(const QString &text)
 {
@@ -213,13 +227,50 @@ void RecordingParser::takeRow(const QString &text)
     takeAnswerTime();
 }
 
-void RecordingParser::takeLastRow(const QString &text, bool isWhole)
+void RecordingParser::take(const Row &row)
+{
+    line = row.line;
+    if (row.text.trimmed().isEmpty())
+        return;
+    if (isHeadAgain(row.text))
+        ++recording.leftOut;
+    else if (isCut(row))
+        takeCutRow(row.text);
+    else
+        takeRow(row.text);
+}
+
+// Whether the file ends within the record. It may do so behind a line end that stands in a text; a quote that
+// is open for another reason has swallowed the records behind it.
+bool RecordingParser::isCut(const Row &row) const
+{
+    if (!row.isWhole || !row.isOpen)
+        return !row.isWhole;
+    if (row.text.size() >= kLongestLine) // the file goes on
+        return false;
+    const QStringList lines = row.text.split('\n');
+    const bool hasSwallowed = std::any_of(lines.begin() + 1, lines.end(),
+                                          [this](const QString &text) { return beginsLikeRecord(text); });
+    const int open = int(csvCells(row.text + '"', separator).value_or(QStringList()).size()) - 1;
+    return !hasSwallowed && open == columns.value("value");
+}
+
+bool RecordingParser::beginsLikeRecord(const QString &text) const
+{
+    return QDateTime::fromString(text.section(separator, 0, 0), Qt::ISODateWithMs).isValid();
+}
+
+// A record that lacks no more than its line end counts, but for one of an error: its text comes last, and may
+// have gone on.
+void RecordingParser::takeCutRow(const QString &text)
 {
     try {
-        takeRow(text);
+        const QStringList parts = csvCells(text, separator).value_or(QStringList());
+        if (!parts.value(columns.value("error")).isEmpty())
+            ++recording.leftOut;
+        else
+            takeRow(text);
     } catch (const Failure &) {
-        if (isWhole)
-            throw;
         ++recording.leftOut;
     }
 }
@@ -235,21 +286,12 @@ void RecordingParser::numberElements()
             recording.series.at(i).label += '[' + places.at(i).index + ']';
 }
 
-Recording RecordingParser::parse(const QString &text)
+Recording RecordingParser::parse(LineReader &lines)
 {
-    const std::vector<Row> rows = rowsOf(text);
-    takeHead(rows.front().text);
-    for (size_t i = 1; i < rows.size(); ++i) {
-        line = rows.at(i).line;
-        if (rows.at(i).text.trimmed().isEmpty())
-            continue;
-        if (isHeadAgain(rows.at(i).text))
-            ++recording.leftOut;
-        else if (i + 1 < rows.size())
-            takeRow(rows.at(i).text);
-        else
-            takeLastRow(rows.at(i).text, text.endsWith('\n'));
-    }
+    const std::optional<Row> head = nextRow(lines);
+    takeHead(head ? head->text : QString());
+    while (const std::optional<Row> row = nextRow(lines))
+        take(*row);
     line = 1;
     if (!hasBegun)
         throw wrong("there are no records behind the first line");
@@ -259,9 +301,16 @@ Recording RecordingParser::parse(const QString &text)
 
 } // namespace
 
+Recording readRecording(const QString &fileName)
+{
+    LineReader lines(fileName, kLargestRecording);
+    return RecordingParser(fileName).parse(lines);
+}
+
 Recording parseRecording(const QString &fileName, const QByteArray &text)
 {
-    return RecordingParser(fileName).parse(utf8Text(text));
+    LineReader lines(fileName, text);
+    return RecordingParser(fileName).parse(lines);
 }
 
 } // namespace host

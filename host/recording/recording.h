@@ -52,8 +52,12 @@ struct Recording
     int leftOut = 0; // lines of the file: headings again, and ends of recordings that were cut
 };
 
-// Reads one recording, or several behind each other. Fails with the place, "log.csv:7", of what is no such
-// record; the last line of a recording may have been cut.
+// Reads one recording, or several behind each other, from a file or for "-" from stdin. Fails with the place,
+// "log.csv:7", of what is no such record; the last line of a recording may have been cut. A file of more than
+// 256 MiB is refused.
+Recording readRecording(const QString &fileName);
+
+// The same of a text that was read already.
 Recording parseRecording(const QString &fileName, const QByteArray &text);
 
 } // namespace host

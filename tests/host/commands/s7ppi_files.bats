@@ -159,3 +159,101 @@ without_room() {
     [ "$status" -eq 2 ]
     [[ "$stderr" == *"$name:1: "* ]]
 }
+
+# gives_way SIGNAL CODE S7PPI_ARGUMENT...: a wait for a pipe through which nothing comes ends with one signal.
+gives_way() {
+    local signal=$1 code=$2 reader
+    shift 2
+    s7ppi "$@" <&0 2>errors 3>&- &
+    reader=$!
+    background+=("$reader")
+    eventually awaits "$reader"
+    kill "-$signal" "$reader"
+    status=0
+    wait "$reader" || status=$?
+    [ "$status" -eq "$code" ]
+    [ ! -s errors ]
+}
+
+# awaits PROCESS: whether it waits for its pipe: it has it open, be it as stdin.
+awaits() {
+    [ -n "$(find /proc/"$1"/fd -lname "$PWD/pipe" 2>/dev/null)" ]
+}
+
+@test "130, 143: a pipe through which nothing comes gives way to the first signal" {
+    enter_directory
+    mkfifo pipe
+    local writing
+    for writing in no yes; do
+        # A writer that stays silent; this is one of its readers, too, or it would wait for them.
+        if [ "$writing" = yes ]; then
+            exec 4<>pipe
+        fi
+        gives_way TERM 143 report pipe
+        gives_way INT 130 decode --trace pipe
+        gives_way TERM 143 read --port sim @pipe
+        gives_way TERM 143 check @pipe:Pump
+        gives_way INT 130 load --port sim pipe
+        gives_way TERM 143 load --port sim --format raw --to VB0 pipe
+        gives_way TERM 143 plugin pipe
+        gives_way TERM 143 --config pipe read --port sim VB100
+    done
+    gives_way TERM 143 report - <pipe
+    gives_way INT 130 decode - <pipe
+    gives_way INT 130 decode --trace - <pipe
+    exec 4<&-
+}
+
+@test "a pipe is read to its end, however late that comes" {
+    enter_directory
+    mkfifo pipe
+    (
+        exec 3>&- >pipe
+        printf 'name,add'
+        sleep 0.3
+        printf 'ress\nPump,VB100\n'
+    ) &
+    run -0 --separate-stderr s7ppi read --port sim @pipe
+    [ "$output" = "Pump 17" ]
+}
+
+@test "2: what has no end is told by name" {
+    enter_directory
+    local arguments
+    while read -r arguments; do
+        # shellcheck disable=SC2086
+        run -2 --separate-stderr s7ppi $arguments </dev/zero
+        [[ "${stderr_lines[0]}" =~ ^"s7ppi: ".*("is too large: it has more than "[0-9]+" MiB"|"the line has more than 1 MiB")$ ]]
+        [ "${stderr_lines[1]}" = "hint: check the name: it may be another file, or a device" ]
+    done <<'ARGUMENTS'
+report /dev/zero
+report -
+decode --trace /dev/zero
+decode -
+read --port sim @/dev/zero
+load --port sim /dev/zero
+load --port sim --format raw --to VB0 /dev/zero
+--config /dev/zero read --port sim VB100
+ARGUMENTS
+    run -2 --separate-stderr s7ppi plugin /dev/zero
+    [ "${stderr_lines[0]}" = "s7ppi: /dev/zero is too large: it has more than 128 MiB" ]
+}
+
+@test "2: a .part or a .loading that is no file is told, or left alone" {
+    enter_directory
+    mkfifo a.dump.part
+    run -2 --separate-stderr s7ppi dump --port sim VB100..VB103 -o a.dump
+    [ "${stderr_lines[0]}" = "s7ppi: a.dump.part is no file" ]
+    rm a.dump.part
+    s7ppi dump -q --port sim VB100..VB103 -o a.dump
+    mkfifo a.dump.loading
+    run -0 s7ppi load -q --port sim a.dump
+}
+
+@test "2: more frames than one document takes" {
+    enter_directory
+    yes e5 | head -n 100001 >acknowledgements
+    run -2 --separate-stderr bash -c 's7ppi decode --format json - <acknowledgements >document'
+    [ "${stderr_lines[0]}" = "s7ppi: there are more than 100000 frames" ]
+    [ "${stderr_lines[1]}" = "hint: choose --format ndjson, csv or text, which take any number" ]
+}

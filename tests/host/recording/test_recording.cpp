@@ -20,6 +20,7 @@ using namespace host;
 
 namespace {
 
+const QByteArray kRecord = "2026-01-31T12:00:02.000Z,,VB0,str,0,1,,5,\n";
 const QByteArray kHead = "time,name,address,type,index,value,unit,ms,error\n";
 
 Recording parsed(const QByteArray &rows)
@@ -45,6 +46,9 @@ private slots:
     void textsAndHexAreNoNumbers();
     void cellsBetweenQuotesMayHoldAnything();
     void aLastLineThatWasCutIsLeftOut();
+    void anErrorWhoseTextMayHaveGoneOnIsLeftOut();
+    void aTextThatWasCutBehindItsLineEndIsLeftOut();
+    void aLineThatIsTooLongIsRefused();
     void recordingsMayBeAppended_data();
     void recordingsMayBeAppended();
     void whatIsWrongIsToldByItsLine_data();
@@ -137,6 +141,32 @@ void TestRecording::aLastLineThatWasCutIsLeftOut()
     QCOMPARE(parsed(good + QByteArray(512, '\0')).leftOut, 1);
 }
 
+void TestRecording::anErrorWhoseTextMayHaveGoneOnIsLeftOut()
+{
+    const Recording recording = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
+                                       "2026-01-31T12:00:01.000Z,,VB0,u8,,,,,plc no resp");
+    QCOMPARE(recording.leftOut, 1);
+    QCOMPARE(recording.errorCount, 0);
+}
+
+void TestRecording::aTextThatWasCutBehindItsLineEndIsLeftOut()
+{
+    const QByteArray good = "2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n";
+    const Recording recording = parsed(good + "2026-01-31T12:00:01.000Z,\"a,b\",VB1,str,0,\"two\n");
+    QCOMPARE(recording.leftOut, 1);
+    QCOMPARE(int(recording.series.size()), 1);
+}
+
+void TestRecording::aLineThatIsTooLongIsRefused()
+{
+    QCOMPARE(failureOf([] { parsed(QByteArray(2 << 20, 'x') + '\n'); }).section(" / ", 0, 0),
+             QString("2: log.csv:2: the line has more than 1 MiB"));
+    const QByteArray lines = QByteArray("x\n").repeated(1 << 20);
+    QCOMPARE(
+        failureOf([&] { parsed("2026-01-31T12:00:00.000Z,,VB0,str,0,\"" + lines); }).section(" / ", 0, 0),
+        QString("2: log.csv:2: a quote is not closed"));
+}
+
 void TestRecording::recordingsMayBeAppended_data()
 {
     QTest::addColumn<QByteArray>("between");
@@ -177,6 +207,8 @@ void TestRecording::whatIsWrongIsToldByItsLine_data()
         "2: log.csv:4: \"one\" is no number");
     row("no answer time", good + "2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,-5,\n",
         "2: log.csv:4: \"-5\" is no answer time");
+    row("open quote in a value", good + "2026-01-31T12:00:00.000Z,,VB0,str,0,\"1,,5,\n" + kRecord,
+        "2: log.csv:4: a quote is not closed");
     row("open quote", good + "2026-01-31T12:00:00.000Z,,\"VB0,u8,0,1,,5,\nmore\n",
         "2: log.csv:4: a quote is not closed");
 }
