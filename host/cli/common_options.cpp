@@ -51,7 +51,7 @@ void addOutputOptions(CLI::App &app, Options &options)
               "text, json, ndjson, csv, tsv or raw: the bytes as they lie in the controller")
         ->group(group);
     addText(app, "-o,--output", options.output, "FILE",
-            "Write the data to a file, whole or not at all; - is stdout")
+            "Write the data to a file, whole or not at all, only watch line by line; - is stdout")
         ->group(group);
     addText(app, "--trace", options.trace, "FILE", "Write every frame to a file: time, direction, bytes")
         ->group(group);

@@ -39,6 +39,8 @@ struct WatchOptions
     bool plot = false;             // curves instead of the table
     std::optional<QString> select; // which of the items the curves show
     std::optional<int> span;       // minutes that they show
+    std::optional<QString> rotate; // when the file of -o moves out of the way
+    std::optional<int> keep;       // how many files that did so stay
 };
 
 const char kFooter[] = R"(
@@ -48,6 +50,11 @@ otherwise the time since then. Values in parentheses are old: the last poll fail
 Elsewhere, or with --verbose: lines TIME ADDRESS VALUES, for the first values, for every
 change and after errors; the errors on stderr. With -o FILE both: the table on the terminal,
 the data in the file, as its name ends: .csv .tsv .json .ndjson.
+
+The file has every record as soon as it is made, and goes on when it is there already; a file
+that is no such recording is refused. Only .json is one whole: it appears at the end, in the
+place of an earlier one. --rotate 10M or day moves FILE.csv to FILE.1.csv, the next time to
+FILE.2.csv; the greatest number is the newest. --keep N removes all but the newest N.
 
 With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
 
@@ -203,6 +210,16 @@ std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOpti
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
 }
 
+// Rotation makes no sense without a file; what then is wrong the recorder tells.
+Rotation rotationOf(const WatchOptions &own)
+{
+    if (!own.rotate)
+        return {};
+    Rotation rotation = parseRotation(*own.rotate);
+    rotation.keep = own.keep;
+    return rotation;
+}
+
 void pollUntilDone(WatchCommand &command, Watch &watch, const WatchOptions &options)
 {
     while (true) {
@@ -252,9 +269,10 @@ int watchAll(Options options, const WatchOptions &own)
         return outcome.exitCode();
 
     const std::vector<Tag> plotted = plottedTags(options, own, tags);
+    const Rotation rotation = rotationOf(own);
     std::optional<Recorder> record;
-    if (options.output || !showsTable(options))
-        record.emplace(options, own.all);
+    if (options.output || own.rotate || !showsTable(options))
+        record.emplace(options, own.all, rotation);
     Connection connection(options);
     Watch watch(tags);
     const End end = watchItems(connection, watch, terminalView(options, own, plotted, connection),
@@ -285,6 +303,11 @@ void declareWatch(CLI::App &app, CommandLine &line)
                                   "Draw these only: names or addresses, commas between");
     CLI::Option *span =
         addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5");
+    CLI::Option *rotate = addText(*watch, "--rotate", own->rotate, "SIZE|day",
+                                  "Begin a new file when this one is full: 10M, 500k, or day");
+    CLI::Option *keep =
+        addNumber(*watch, "--keep", own->keep, 1, 1000000, "How many full files stay; the oldest go");
+    tie(*keep, *rotate);
     tie(*select, *plot);
     tie(*span, *plot);
     setFooter(*watch, QString(kTypesFooter) + kFooter);

@@ -7,6 +7,7 @@
 #include "host/output/table.h"
 
 #include <QList>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <string>
@@ -156,10 +157,10 @@ public:
     }
 
     void write(const Json &record) override;
-    void finish() override { putHead(); }
+    void finish() override { putColumns(); }
 
 private:
-    void putHead();
+    void putColumns();
 
     QStringList columns;
     Line line;
@@ -168,15 +169,17 @@ private:
 
 void SeparatedForm::write(const Json &record)
 {
-    putHead();
+    putColumns();
+    QByteArray lines;
     for (const QStringList &cells : cellRows(record, columns))
-        put(line(cells));
+        lines += line(cells);
+    put(lines);
 }
 
-void SeparatedForm::putHead()
+void SeparatedForm::putColumns()
 {
     if (!std::exchange(hasHead, true))
-        put(line(columns));
+        putHead(line(columns));
 }
 
 // A document without a list of records, as a table of two columns, field and value.
@@ -208,7 +211,24 @@ std::unique_ptr<OutputForm> separatedForm(const Schema &schema, SeparatedForm::L
     return std::make_unique<SeparatedForm>(schema.columns, line, std::move(sink));
 }
 
+LineStyle separatedStyle(const QByteArray &head, bool hasQuotes)
+{
+    const QString names = QString::fromUtf8(head).trimmed();
+    return {head, QRegularExpression('^' + QRegularExpression::escape(names) + '$'), hasQuotes};
+}
+
 } // namespace
+
+LineStyle lineStyle(Format format, const Schema &schema, const QString &textBeginning)
+{
+    if (format == Format::Csv)
+        return separatedStyle(csvLine(schema.columns), true);
+    if (format == Format::Tsv)
+        return separatedStyle(tsvLine(schema.columns), false);
+    const QString object = QString("{\"format\":\"%1\",").arg(QString::fromStdString(formatName(schema)));
+    const QString pattern = format == Format::JsonLines ? QRegularExpression::escape(object) : textBeginning;
+    return {QByteArray(), QRegularExpression('^' + pattern), false};
+}
 
 std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink)
 {

@@ -6,6 +6,7 @@
 #ifndef HOST_OUTPUT_FORMS_H
 #define HOST_OUTPUT_FORMS_H
 
+#include "host/output/line_file.h"
 #include "host/output/schema.h"
 #include "host/output/sink.h"
 #include "host/text/json.h"
@@ -36,10 +37,15 @@ public:
 
 protected:
     void put(const QByteArray &bytes) { target->put(bytes); }
+    void putHead(const QByteArray &head) { target->putHead(head); }
 
 private:
     std::unique_ptr<OutputSink> target;
 };
+
+// What a file of a command's records looks like, in a form that has a line, or lines, for each. A line of
+// text begins as the pattern says.
+LineStyle lineStyle(Format format, const Schema &schema, const QString &textBeginning);
 
 std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink);
 

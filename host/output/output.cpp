@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <utility>
 
 namespace host {
 
@@ -62,8 +63,12 @@ void noteUnusedFormat(const OutputOptions &options, const QString &format)
             QString("the usual format %1 is left out: the data are %2").arg(*options.usualFormat, format));
 }
 
-Output::Output(const OutputOptions &options, const Schema &schema)
-    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, sinkFor(options)))
+Output::Output(const OutputOptions &options, const Schema &schema) : Output(options, schema, sinkFor(options))
+{
+}
+
+Output::Output(const OutputOptions &options, const Schema &schema, std::unique_ptr<OutputSink> sink)
+    : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, std::move(sink)))
 {
     noteUnusedFormat(options, kFormatNames.at(int(chosen)));
 }

@@ -15,7 +15,8 @@
 // takes text.
 //
 // Lines are out when a call returns, so that what was got is seen even if the program is stopped then. A file
-// appears when the command has come to its end, or to Ctrl-C, and never in part.
+// appears when the command has come to its end, or to Ctrl-C, and never in part, unless a command sends its
+// records to a file that grows.
 
 #ifndef HOST_OUTPUT_OUTPUT_H
 #define HOST_OUTPUT_OUTPUT_H
@@ -38,12 +39,16 @@ Format formatOf(const OutputOptions &options, const Schema &schema);
 void noteUnusedFormat(const OutputOptions &options, const QString &format);
 
 class OutputForm;
+class OutputSink;
 
 class Output
 {
 public:
     // Fails when the command has no such form, or the file cannot be written.
     Output(const OutputOptions &options, const Schema &schema);
+
+    // The same with the data going where they are sent.
+    Output(const OutputOptions &options, const Schema &schema, std::unique_ptr<OutputSink> sink);
 
     // After Ctrl-C finishes what was got; otherwise an output that was not finished leaves no file.
     ~Output();

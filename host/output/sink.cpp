@@ -9,7 +9,6 @@
 
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QString>
 
 namespace host {
 
@@ -36,17 +35,9 @@ private:
     QSaveFile file;
 };
 
-// A name that stands for something other than a file, a device say, is refused: a file would replace it.
-void checkName(const QString &name)
-{
-    const QFileInfo info(name);
-    if (info.exists() && !info.isFile())
-        throw Failure(ExitCode::Usage, name + " is no file", "name a file, or send stdout there with >");
-}
-
 FileSink::FileSink(const QString &name) : file(name)
 {
-    checkName(name);
+    checkOutputName(name);
     if (!file.open(QIODevice::WriteOnly))
         throw lost();
 }
@@ -71,6 +62,13 @@ Failure FileSink::lost() const
 }
 
 } // namespace
+
+void checkOutputName(const QString &name)
+{
+    const QFileInfo info(name);
+    if (info.exists() && !info.isFile())
+        throw Failure(ExitCode::Usage, name + " is no file", "name a file, or send stdout there with >");
+}
 
 std::unique_ptr<OutputSink> sinkFor(const OutputOptions &options)
 {

@@ -3,10 +3,13 @@
 
 #include "host/watch/recorder.h"
 
+#include "host/output/forms.h"
+
 #include <QDateTime>
 #include <QString>
 
 #include <chrono>
+#include <memory>
 #include <ratio>
 
 namespace host {
@@ -37,9 +40,30 @@ double milliseconds(WatchDuration time)
     return double(std::chrono::duration_cast<Tenths>(time).count()) / 10;
 }
 
+// Lines of text begin with the time.
+const char kTextBeginning[] = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}";
+
+std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Rotation &rotation)
+{
+    const Format format = formatOf(options, kSchema);
+    const bool isWhole = format == Format::JsonDocument;
+    if (options.output && !isWhole)
+        return std::make_unique<LineFile>(*options.output, lineStyle(format, kSchema, kTextBeginning),
+                                          rotation);
+    if (rotation.size || rotation.daily)
+        throw Failure(ExitCode::Usage,
+                      isWhole ? "a document of json is one whole, and does not rotate"
+                              : "--rotate needs a file",
+                      "name one with -o, as FILE.csv, FILE.tsv, FILE.ndjson or FILE.txt");
+    return sinkFor(options);
+}
+
 } // namespace
 
-Recorder::Recorder(const OutputOptions &options, bool all_) : output(options, kSchema), all(all_) {}
+Recorder::Recorder(const OutputOptions &options, bool all_, const Rotation &rotation)
+    : output(options, kSchema, recordSink(options, rotation)), all(all_)
+{
+}
 
 bool Recorder::isOnStdout(const OutputOptions &options)
 {

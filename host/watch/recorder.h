@@ -7,6 +7,7 @@
 #ifndef HOST_WATCH_RECORDER_H
 #define HOST_WATCH_RECORDER_H
 
+#include "host/output/line_file.h"
 #include "host/output/output.h"
 #include "host/watch/view.h"
 
@@ -15,8 +16,9 @@ namespace host {
 class Recorder : public View
 {
 public:
-    // all: every poll is recorded, not only changes.
-    Recorder(const OutputOptions &options, bool all);
+    // all: every poll is recorded, not only changes. A file grows by every record, but for a document of
+    // json, which is one whole; there is no rotation then.
+    Recorder(const OutputOptions &options, bool all, const Rotation &rotation);
 
     // Whether stdout is for programs, by the form that the data have there.
     static bool isOnStdout(const OutputOptions &options);

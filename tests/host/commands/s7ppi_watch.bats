@@ -282,3 +282,92 @@ shows() {
     run screen
     [[ "$output" == *" VB100 17"*" VB101 34"* ]]
 }
+
+# killed_watch FILE: a record of a few polls, ended by SIGKILL.
+killed_watch() {
+    s7ppi watch --port sim --all --interval 1 -o "$1" VB100 'VW100*2' 2>/dev/null 3>&- &
+    watcher=$!
+    background+=("$watcher")
+    eventually has_lines 4 "$1"
+    kill -KILL "$watcher"
+    wait "$watcher" || true
+}
+has_lines() {
+    [ -e "$2" ] && [ "$(wc -l <"$2")" -ge "$1" ]
+}
+
+@test "what was recorded stays when it is killed, and the recording goes on" {
+    cd "$BATS_TEST_TMPDIR"
+    local form before
+    for form in csv tsv ndjson txt; do
+        killed_watch "run.$form"
+        [ "$(tail -c 1 "run.$form" | wc -l)" -eq 1 ]
+        before=$(wc -l <"run.$form")
+        printf '2026-01' >>"run.$form"
+        run --separate-stderr s7ppi watch --port sim --count 1 -o "run.$form" VB100
+        [ "$status" -eq 0 ]
+        [ "${stderr_lines[0]}" = "s7ppi: run.$form goes on behind what is recorded there" ]
+        [ "${stderr_lines[1]}" = "s7ppi: run.$form: its last record was cut, and is taken out" ]
+        [ "$(wc -l <"run.$form")" -eq $((before + 1)) ]
+    done
+    run --separate-stderr s7ppi report run.csv -o page.html
+    [ "$status" -eq 0 ]
+    [ -z "$stderr" ]
+}
+
+@test "74: a full disk leaves what was recorded, in whole records" {
+    cd "$BATS_TEST_TMPDIR"
+    run --separate-stderr bash -c "trap '' XFSZ; ulimit -f 1; s7ppi watch --port sim --all --interval 1 -o run.csv VB100"
+    [ "$status" -eq 74 ]
+    [ "$(wc -c <run.csv)" -gt 900 ]
+    [ "$(tail -c 1 run.csv | wc -l)" -eq 1 ]
+    s7ppi report run.csv -o page.html
+}
+
+@test "2: a file that is no recording stays as it is" {
+    cd "$BATS_TEST_TMPDIR"
+    echo "Dear all," >run.csv
+    run --separate-stderr s7ppi watch --port sim --count 1 -o run.csv VB100
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: run.csv is there, and is no such recording in the same form" ]
+    [ "${stderr_lines[1]}" = "hint: name another file with -o, or move this one away" ]
+    [ "$(cat run.csv)" = "Dear all," ]
+}
+
+@test "--rotate begins new files, --keep removes the oldest, and report reads each" {
+    cd "$BATS_TEST_TMPDIR"
+    s7ppi watch -q --port sim --all --interval 1 --count 80 --rotate 1k --keep 2 -o run.csv VB100
+    [ "$(echo run*.csv)" = "run.2.csv run.3.csv run.csv" ]
+    local file
+    for file in run*.csv; do
+        [ "$(wc -c <"$file")" -le 1024 ]
+        s7ppi report "$file" -o page.html
+    done
+    cat run.2.csv run.3.csv run.csv | s7ppi report - -o page.html
+    s7ppi watch -q --port sim --count 1 --rotate day -o day.ndjson VB100
+    touch -d yesterday day.ndjson
+    s7ppi watch -q --port sim --count 1 --rotate day -o day.ndjson VB100
+    [ "$(wc -l <day.1.ndjson)$(wc -l <day.ndjson)" = 11 ]
+}
+
+@test "2: a rotation that makes no sense, and nothing is sent" {
+    start fake_controller hang-up
+    cd "$BATS_TEST_TMPDIR"
+    local arguments
+    while read -r arguments; do
+        # shellcheck disable=SC2086
+        run --separate-stderr s7ppi watch --port "$port" VB0 $arguments
+        [ "$status" -eq 2 ]
+        [[ "${stderr_lines[1]}" == "hint: "* ]]
+    done <<'ARGUMENTS'
+-o run.csv --rotate 10X
+-o run.csv --rotate 5
+-o run.csv --keep 3
+-o run.csv --rotate day --keep 0
+-o run.json --rotate day
+-o - --rotate day
+--rotate day
+ARGUMENTS
+    [ ! -e run.csv ]
+    kill -0 "${background[0]}"
+}
