@@ -44,8 +44,9 @@ const char kFooter[] = R"(
 FILE is what s7ppi dump makes, or with --format raw and --to plain bytes. It is checked as a
 whole before anything is sent.
 
-After Ctrl-C or an error FILE.loading tells how far it came, and the same command goes on
-from there: what is written is read back first, and from a difference on it is written anew.
+Until all is written FILE.loading tells how far it came. After Ctrl-C, an error or a kill the
+same command goes on from there: what is written is read back first, and from a difference on
+it is written anew.
 --verify compares everything when all is written.
 
 Options: s7ppi --help)";
@@ -219,6 +220,7 @@ void LoadCommand::writeRest(Progress &progress)
     for (const WriteRequest &request : planWrite(rest, load.data.mid(written))) {
         writeBlock(request, partOf(load.target, elementOf(written), request.command.count));
         written += int(request.data.size());
+        static_cast<void>(state.save(written)); // whether it could be kept is told when the load is stopped
         progress.advance(request.data.size());
     }
 }

@@ -359,6 +359,23 @@ VB106 00 00" ]
     [ ! -e press.dump.loading ]
 }
 
+@test "after a kill the same load goes on where it was" {
+    enter_directory
+    s7ppi dump -q --port sim VB0..VB999 -o press.dump
+    start s7ppi-sim --turnaround 50
+    signal=KILL stop_when grep -qs "write 212 bytes at V byte 424" errors -- load -v --port "$port" press.dump
+    [ "$status" -eq 137 ]
+    local written
+    written=$(sed -n 's/^written //p' press.dump.loading)
+    [ "$written" -ge 424 ]
+
+    sleep 0.2
+    put press.dump
+    [ "$status" -eq 0 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $written of 1000 bytes were written by an earlier run; --restart begins anew" ]
+    [ ! -e press.dump.loading ]
+}
+
 # loading FILE FIRST..LAST BYTES: what a load of the file to station 2 leaves that was stopped.
 loading() {
     local data
