@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iostream>
 #include <set>
 #include <stdexcept>
 
@@ -271,7 +272,12 @@ std::optional<Options> parseOptions(int argc, char *argv[], common::ExitCode &ex
         line.save = app.count("--save") > 0;
         line.options.stations = stationsOf(line);
     } catch (const CLI::ParseError &error) {
-        exitCode = app.exit(error) == 0 ? common::ExitCode::Success : common::ExitCode::Usage;
+        const bool isAnswer = app.exit(error) == 0; // to --help or --version
+        exitCode = isAnswer ? common::ExitCode::Success : common::ExitCode::Usage;
+        if (isAnswer && !std::cout.flush()) {
+            complain("stdout takes no more data", "make room, or send the output elsewhere");
+            exitCode = common::ExitCode::OutputLost;
+        }
         return std::nullopt;
     }
     return line.options;
