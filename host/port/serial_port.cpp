@@ -5,6 +5,7 @@
 
 #include "host/base/files_in_use.h"
 #include "host/base/interruption.h"
+#include "host/port/lock_file.h"
 #include "host/port/port_details.h"
 #include "host/port/port_holder.h"
 #include "host/port/tty_settings.h"
@@ -127,12 +128,22 @@ void SerialPort::open()
 {
     refuseSharing();
     configure();
-    if (!port.open(QIODevice::ReadWrite))
-        throw openFailure();
+    openLocked();
     dropBadParity(handle(), name);
     checkLine();
     if (direction == Direction::ByKernel)
         switchRs485(handle(), name);
+}
+
+void SerialPort::openLocked()
+{
+    const PortOpening opening(name);
+    if (!opening.removeLeftLock())
+        throw Failure(ExitCode::PortUnusable,
+                      name + " cannot be opened: the empty lock file " + lockFileOf(name) + " is in the way",
+                      "no program holds it, one that was killed has left it: remove it");
+    if (!port.open(QIODevice::ReadWrite))
+        throw openFailure();
 }
 
 void SerialPort::configure()

@@ -75,6 +75,7 @@ public:
 
 private:
     void open();
+    void openLocked();
     void configure();
     Failure openFailure() const;
     void refuseSharing() const;

@@ -1,0 +1,99 @@
+#!/usr/bin/env bats
+# Copyright (c) 2026 The s7ppi authors
+# SPDX-License-Identifier: MIT
+#
+# Lock files that a kill left behind.
+
+# bats runs every test in a shell of its own and sets the variables of run.
+# shellcheck disable=SC2030,SC2031,SC2154
+
+load common
+
+teardown() {
+    local process
+    for process in "${background[@]}"; do
+        kill "$process" 2>/dev/null || true
+    done
+    rm -f "$lock"
+}
+
+# Finds the lock file's name in $lock from a program that has the port of $port open, and kills that.
+find_lock() {
+    s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
+    local holder=$!
+    eventually lock_is_there
+    lock=$(echo /{var/lock,etc/locks,var/spool/locks,var/spool/uucp,tmp,var/tmp}/LCK.."$(tr / _ <<<"${port#/dev/}")")
+    lock=$(find $lock -prune 2>/dev/null | head -n 1)
+    kill -KILL "$holder"
+    wait "$holder" || true
+}
+lock_is_there() {
+    grep -q unanswered "$BATS_TEST_TMPDIR/output"
+}
+
+@test "an empty lock file that nobody holds is taken over at once, and told" {
+    start fake_controller
+    find_lock
+    start s7ppi-sim
+    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    : >"$lock"
+    run --separate-stderr s7ppi read --port "$port" VB100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17" ]
+    [ "$stderr" = "s7ppi: $lock was empty and held by nobody: a program that was killed left it, and it is removed" ]
+    [ ! -e "$lock" ]
+}
+
+@test "3: an empty lock file that a program holds is left alone" {
+    start fake_controller
+    find_lock
+    start s7ppi-sim
+    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    : >"$lock"
+    flock "$lock" sleep 600 3>&- &
+    background+=($!)
+    eventually is_held
+    run --separate-stderr s7ppi read --port "$port" VB100
+    [ "$status" -eq 3 ]
+    [ -e "$lock" ]
+    [[ "${stderr_lines[1]}" == "hint: "* ]]
+}
+is_held() {
+    ! flock -n "$lock" true
+}
+
+@test "of many that take it over at the same moment one wins" {
+    start fake_controller
+    find_lock
+    local round i running
+    for round in 1 2 3; do
+        start fake_controller
+        lock=${lock%pts_*}pts_${port#/dev/pts/}
+        : >"$lock"
+        local programs=()
+        for ((i = 0; i < 6; i++)); do
+            s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
+            programs+=($!)
+        done
+        background+=("${programs[@]}")
+        # The winner waits for an answer; all others end.
+        eventually only_one_left
+        eventually lock_is_there
+        only_one_left
+        running=$(jobs -r -p | grep -cxFf <(printf '%s\n' "${programs[@]}"))
+        [ "$running" -eq 1 ]
+        for i in "${programs[@]}"; do
+            kill -KILL "$i" 2>/dev/null || true
+            wait "$i" || true
+        done
+    done
+}
+only_one_left() {
+    local count=0 program
+    for program in "${programs[@]}"; do
+        if kill -0 "$program" 2>/dev/null; then
+            count=$((count + 1))
+        fi
+    done
+    [ "$count" -eq 1 ]
+}
