@@ -22,8 +22,12 @@ find_lock() {
     s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
     local holder=$!
     eventually lock_is_there
-    lock=$(echo /{var/lock,etc/locks,var/spool/locks,var/spool/uucp,tmp,var/tmp}/LCK.."$(tr / _ <<<"${port#/dev/}")")
-    lock=$(find $lock -prune 2>/dev/null | head -n 1)
+    local directory
+    for directory in /var/tmp /tmp /var/spool/uucp /var/spool/locks /etc/locks /var/lock; do
+        if [ -e "$directory/LCK..$(tr / _ <<<"${port#/dev/}")" ]; then
+            lock=$directory/LCK..$(tr / _ <<<"${port#/dev/}")
+        fi
+    done
     kill -KILL "$holder"
     wait "$holder" || true
 }
@@ -65,8 +69,8 @@ is_held() {
 @test "of many that take it over at the same moment one wins" {
     start fake_controller
     find_lock
-    local round i running
-    for round in 1 2 3; do
+    local i running
+    for _ in 1 2 3; do
         start fake_controller
         lock=${lock%pts_*}pts_${port#/dev/pts/}
         : >"$lock"
