@@ -14,7 +14,7 @@ load common
 
 prepare() {
     export -n S7PPI_KILLS S7PPI_SEED
-    kills=${S7PPI_KILLS:-12}
+    kills=${S7PPI_KILLS:-10}
     seed=${S7PPI_SEED:-$RANDOM}
     RANDOM=$seed
     mkdir "$BATS_TEST_TMPDIR/directory"
