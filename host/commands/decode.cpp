@@ -1,6 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/files.h"
@@ -109,8 +110,7 @@ void DecodeCommand::decode(const QByteArray &bytes, const QString &heading, cons
 void DecodeCommand::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
 {
     if (isFull())
-        throw Failure(ExitCode::Usage,
-                      QString("%1there are more than %2 frames").arg(source).arg(kMostFrames),
+        throw Failure(ExitCode::Usage, filled("%1there are more than %2 frames", source, kMostFrames),
                       "choose --format ndjson, csv or text, which take any number");
     const ExplainedFrame explained = explainer.explain(frame);
     if (count > 0)
@@ -165,8 +165,7 @@ void DecodeCommand::finish()
 Failure DecodeCommand::faultyFrames() const
 {
     const bool isText = output.format() == Format::Text;
-    return Failure(ExitCode::BrokenAnswer,
-                   QString("%1 of %2 frames are cut, damaged or none").arg(faulty).arg(count),
+    return Failure(ExitCode::BrokenAnswer, filled("%1 of %2 frames are cut, damaged or none", faulty, count),
                    isText ? "the lines with ! tell what is wrong with them"
                           : "the records whose fault is true tell what is wrong with them");
 }
@@ -189,7 +188,7 @@ void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outco
             if (command.isFull())
                 throw;
             if (failure.isFinal() || ++wrong <= kToldLines)
-                outcome.add(QString("%1:%2").arg(fileName).arg(lines.number()), failure);
+                outcome.add(filled("%1:%2", fileName, lines.number()), failure);
         }
     }
     if (wrong > kToldLines)

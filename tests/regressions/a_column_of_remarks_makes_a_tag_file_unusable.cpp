@@ -44,8 +44,8 @@ void AColumnOfRemarksMakesATagFileUnusable::otherColumnsAreLeftOut()
     QCOMPARE(tags[0].item.address.text(), QString("VW100"));
     QCOMPARE(typeName(tags[0].item.type), QString("i16"));
     QCOMPARE(tags[0].item.count, 1);
-    QCOMPARE(tags[0].scale, 1.0);
-    QCOMPARE(tags[0].offset, 0.0);
+    QCOMPARE(tags[0].scaling.scale, 1.0);
+    QCOMPARE(tags[0].scaling.offset, 0.0);
     QCOMPARE(tags[0].unit, QString());
 }
 
