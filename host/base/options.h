@@ -23,9 +23,13 @@ constexpr int kLastStation = 126;
 struct PortOptions
 {
     std::optional<QString> port; // a device, or kSimulatorPort
+    bool isUsualPort = false;    // of environment or file, so that the command line does not show it
     bool rs485 = false;          // the kernel's driver switches the transceiver
     bool echo = false;           // the adapter hears what it sends
     bool reconnect = false;      // wait for a lost port to come back
+
+    // Whether the controller is the simulated one. It never is unless it was named.
+    bool isSimulated() const { return port == QString(kSimulatorPort); }
 };
 
 struct LineOptions

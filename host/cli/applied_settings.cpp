@@ -81,6 +81,8 @@ bool Applier::isTaken(const Setting &setting)
     }
     if (setting.option == "format")
         options.usualFormat = std::exchange(options.format, std::nullopt);
+    if (setting.option == "port")
+        options.isUsualPort = true;
     return true;
 }
 

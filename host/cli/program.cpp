@@ -27,7 +27,7 @@ namespace {
 
 const char kFooter[] =
     R"(What is not given, the plug-in's defaults decide. Without --port the only USB serial adapter is
-used, or without any a simulated controller.
+used. --port sim is a simulated controller, which answers only when it is named.
 
 Every option of the port, the line and the output but -o can also be set in the environment, as in
 S7PPI_BAUD=19200, and in ~/.config/s7ppi/config or the file that --config or S7PPI_CONFIG names, as in

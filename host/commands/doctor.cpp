@@ -78,7 +78,7 @@ private:
 
 DoctorCommand::DoctorCommand(const Options &options_, int reads_)
     : options(options_), reads(reads_),
-      output(options_, {"doctor", 1, "checks", {"check", "verdict", "text", "advice"}})
+      output(options_, withSource({"doctor", 1, "checks", {"check", "verdict", "text", "advice"}}, options_))
 {
 }
 
@@ -139,18 +139,15 @@ bool DoctorCommand::examinePlugin()
 bool DoctorCommand::choosePort()
 {
     return passes("port", [this]() -> QString {
-        const bool isNamed = options.port.has_value();
         QString port = host::choosePort(options);
         options.port = port;
-        if (port == kSimulatorPort && !isNamed)
-            return "no USB serial adapter is there: a simulated controller";
-        return port;
+        return options.isSimulated() ? port + ", a simulated controller" : port;
     });
 }
 
 bool DoctorCommand::examinePort()
 {
-    if (*options.port == kSimulatorPort)
+    if (options.isSimulated())
         return true;
     PortDetails port;
     const bool exists = passes("adapter", [&] {

@@ -115,7 +115,8 @@ void readAll(Connection &connection, PartialDump &part, const OutputOptions &opt
     const qint64 before = dump.data.size();
     if (before > 0)
         tellEarlierPart(part);
-    Progress progress(options, {rangeText(dump.range), "bytes", dump.range.size(), before, before});
+    Progress progress(options,
+                      {connection.marked(rangeText(dump.range)), "bytes", dump.range.size(), before, before});
     const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         readRest(connection, part, progress);
@@ -139,8 +140,10 @@ int dumpRange(const Options &options, const DumpOptions &own)
     PartialDump part(partName(name), {range, connection.stationId(), connection.portLabel()}, own.restart);
     readAll(connection, part, options);
 
+    Dump dump = part.dump();
+    dump.isSimulated = connection.isSimulated();
     const std::unique_ptr<OutputSink> sink = sinkFor(options);
-    sink->put(raw ? part.dump().data : dumpText(part.dump()));
+    sink->put(raw ? dump.data : dumpText(dump));
     sink->commit();
     part.remove();
     return int(ExitCode::Success);

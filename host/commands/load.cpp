@@ -1,6 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/files.h"
@@ -57,6 +58,7 @@ struct Load
     Item target;
     QByteArray data;
     std::optional<int> station; // where they came from, if known
+    bool isSimulated = false;   // from the simulated controller
 };
 
 // Returns as many elements, from an address on, as the data fill.
@@ -93,7 +95,8 @@ Load loadOf(const OutputOptions &options, const LoadOptions &own)
     if (format != "text" && !own.dryRun) // then it is the form of the frames
         throw Failure(ExitCode::Usage, "load reads no " + format, "choose --format text or raw");
     const Dump dump = parseDump(readFile(own.file, kFileHint, kLargestDump), own.file);
-    return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station};
+    return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station,
+            dump.isSimulated};
 }
 
 // Elements that are not what was written, in all the blocks that were compared.
@@ -170,7 +173,8 @@ void LoadCommand::goOn()
 
 Differences LoadCommand::compareEarlier(const Item &earlier) const
 {
-    Progress progress(options, {rangeText(earlier) + " compared", "bytes", earlier.size(), 0, 0});
+    Progress progress(options,
+                      {connection.marked(rangeText(earlier)) + " compared", "bytes", earlier.size(), 0, 0});
     const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         return compare(earlier, progress, true);
@@ -186,7 +190,8 @@ void LoadCommand::write(bool restart)
         goOn();
     if (written == int(load.data.size()))
         return;
-    Progress progress(options, {rangeText(load.target), "bytes", load.data.size(), written, written});
+    Progress progress(
+        options, {connection.marked(rangeText(load.target)), "bytes", load.data.size(), written, written});
     const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
         writeRest(progress);
@@ -240,7 +245,8 @@ void LoadCommand::keepState()
 
 void LoadCommand::verify()
 {
-    Progress progress(options, {rangeText(load.target) + " read back", "bytes", load.data.size(), 0, 0});
+    Progress progress(
+        options, {connection.marked(rangeText(load.target)) + " read back", "bytes", load.data.size(), 0, 0});
     const Connection::MessageRedirect notes = notesAbove(progress, connection);
     Differences differences;
     try {
@@ -305,6 +311,8 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
     const int station = connection.stationId();
     if (load.station && *load.station != station)
         reportNote(filled("the dump is of station %1, it goes to station %2", *load.station, station));
+    if (load.isSimulated && !connection.isSimulated())
+        reportNote("the dump is of a simulated controller");
     const LoadState state(stateName, load.target, station, load.data);
     LoadCommand command(connection, load, state, options);
     command.write(own.restart);

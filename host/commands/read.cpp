@@ -36,7 +36,7 @@ class ReadCommand
 {
 public:
     ReadCommand(const Options &options, const std::vector<Tag> &tags_)
-        : tags(tags_), output(options, kSchema), lines(tags), connection(options)
+        : tags(tags_), output(options, withSource(kSchema, options)), lines(tags), connection(options)
     {
     }
 

@@ -1,6 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/filled.h"
@@ -137,7 +138,9 @@ private:
 ScanCommand::ScanCommand(const Options &options_, const ScanOptions &own)
     : options(options_), stations(parseNumbers(own.stations.value_or(kAllStations), kStation)),
       bauds(baudsOf(options_, own)),
-      output(options_, {"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}}),
+      output(options_,
+             withSource({"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}},
+                        options_)),
       progress(options_, {"scan", "stations", qint64(stations.size()) * bauds.size(), 0, 0})
 {
     if (options.trace && bauds.size() > 1)
@@ -238,7 +241,8 @@ void ScanCommand::tell(int baud, int station, const Answer &answer)
                   {"answer", jsonText(answer.kind)},
                   {"milliseconds", answer.milliseconds},
                   {"text", jsonText(answer.text)}},
-                 filled("station %1 at %2 baud: %3", station, baud, answer.text));
+                 filled("station %1 at %2 baud%3: ", station, baud, options.isSimulated() ? " (simulated)" : "") +
+                     answer.text);
 }
 
 int scan(const Options &options, const ScanOptions &own)

@@ -1,6 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
+#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/filled.h"
@@ -204,7 +205,7 @@ std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOpti
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
-    const QString title = filled("%1 every %2 ms, Ctrl-C ends", connection.portName(), intervalOf(own));
+    const QString title = filled("%1 every %2 ms, Ctrl-C ends", connection.marked(connection.portName()), intervalOf(own));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
@@ -275,6 +276,7 @@ int watchAll(Options options, const WatchOptions &own)
         record.emplace(options, own.all, rotation);
     Connection connection(options);
     Watch watch(tags);
+    watch.isSimulated = connection.isSimulated();
     const End end = watchItems(connection, watch, terminalView(options, own, plotted, connection),
                                record ? &*record : nullptr, own);
     watch.returns = connection.returnCount();

@@ -104,7 +104,7 @@ class WriteCommand
 public:
     WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_, bool verify_)
         : options(options_), assignments(assignments_), tags(tagsOf(assignments)), verify(verify_),
-          output(options, kSchema), lines(tags), connection(options)
+          output(options, withSource(kSchema, options)), lines(tags), connection(options)
     {
     }
 

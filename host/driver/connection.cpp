@@ -60,17 +60,16 @@ Connection::Connection(const Options &options, FrameListener *watcher_)
 // Starts the embedded simulator if that is chosen, and returns the name of the device to open.
 QString Connection::startPort(const PortOptions &options)
 {
+    if (options.isSimulated()) {
+        if (options.isUsualPort)
+            reportNote("the controller is a simulated one, as environment or configuration file say");
+        return startSimulator();
+    }
     const bool isNamed = options.port.has_value();
     QString chosen = choosePort(options);
-    if (chosen != kSimulatorPort) {
-        if (!isNamed)
-            reportNote("using the USB serial adapter " + chosen);
-        return chosen;
-    }
-    QString simulated = startSimulator();
     if (!isNamed)
-        reportNote("no USB serial adapter found: using a simulated controller on " + simulated);
-    return simulated;
+        reportNote("using the USB serial adapter " + chosen);
+    return chosen;
 }
 
 QString Connection::startSimulator()
@@ -83,6 +82,11 @@ QString Connection::startSimulator()
 QString Connection::portLabel() const
 {
     return simulator ? QString(kSimulatorPort) : portName();
+}
+
+QString Connection::marked(const QString &text) const
+{
+    return simulator ? text + " (simulated)" : text;
 }
 
 void Connection::openPort(const QString &name, const Options &options)
@@ -109,7 +113,8 @@ std::vector<FrameListener *> Connection::listeners(const LineSettings &line, con
         listeners.push_back(lines.get());
     }
     if (options.trace) {
-        traceFile = std::make_unique<TraceFile>(*options.trace, port->portName() + ", " + lineText(line));
+        traceFile =
+            std::make_unique<TraceFile>(*options.trace, marked(port->portName()) + ", " + lineText(line));
         listeners.push_back(traceFile.get());
     }
     if (watcher)

@@ -54,6 +54,12 @@ public:
     QString portLabel() const;
 
     // The kernel's descriptor of the open port.
+    // Whether the controller is the simulated one, which whatever is made of its values has to say.
+    bool isSimulated() const { return bool(simulator); }
+
+    // The text, marked when the controller is the simulated one.
+    QString marked(const QString &text) const;
+
     int portHandle() const { return port->handle(); }
 
     int stationId() const { return timing.station; }

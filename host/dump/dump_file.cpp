@@ -21,6 +21,7 @@ namespace {
 
 const QByteArray kMagic = "s7ppi-dump";
 const QByteArray kVersion = "1";
+const QByteArray kSimulatedMark = "# simulated";
 const char kLineHint[] = "a line is an address and its elements in hexadecimal digits, as VB0 00 1f";
 
 bool isHex(const QByteArray &digits)
@@ -62,6 +63,7 @@ private:
     QString name;
     int lineNumber = 0;
     bool hasMagic = false;
+    bool isSimulated = false;
     std::optional<Item> range;
     std::optional<int> station;
     QByteArray data;
@@ -84,6 +86,7 @@ void DumpParser::takeAll(const QByteArray &text)
 void DumpParser::take(const QByteArray &line)
 {
     ++lineNumber;
+    isSimulated = isSimulated || line.trimmed() == kSimulatedMark;
     const QList<QByteArray> words = wordsOf(lineNumber == 1 ? withoutByteOrderMark(line) : line);
     if (words.isEmpty())
         return;
@@ -173,7 +176,7 @@ Dump DumpParser::dump() const
     if (!station)
         throw wrong("the file ends before its first line of data",
                     "a dump begins with its version, \"area FIRST..LAST\" and \"station NUMBER\"");
-    return {*range, *station, data};
+    return {*range, *station, data, isSimulated};
 }
 
 } // namespace
@@ -200,7 +203,8 @@ QByteArray dumpLines(const Item &range, int offset, const QByteArray &data)
 
 QByteArray dumpText(const Dump &dump)
 {
-    return dumpHead(dump.range, dump.station) + dumpLines(dump.range, 0, dump.data);
+    const QByteArray mark = dump.isSimulated ? kSimulatedMark + '\n' : QByteArray();
+    return dumpHead(dump.range, dump.station) + mark + dumpLines(dump.range, 0, dump.data);
 }
 
 Dump parseDump(const QByteArray &text, const QString &name)

@@ -9,7 +9,8 @@
 //   line    := ADDRESS { " " ELEMENT } NL      an element has two hexadecimal digits per byte
 //
 // Lines continue each other without a gap; those that are written hold 16 bytes. Empty lines, and lines that
-// begin with #, mean nothing. A file whose lines end before LAST is a part of a dump.
+// begin with #, mean nothing but for "# simulated", the mark of a simulated controller's memory. A file whose
+// lines end before LAST is a part of a dump.
 
 #ifndef HOST_DUMP_DUMP_FILE_H
 #define HOST_DUMP_DUMP_FILE_H
@@ -28,7 +29,8 @@ struct Dump
 {
     Item range;
     int station;
-    QByteArray data; // from the range's first byte on, as in the controller
+    QByteArray data;          // from the range's first byte on, as in the controller
+    bool isSimulated = false; // it was the simulated controller's memory
 };
 
 // The beginning of a dump, which stands before the lines of data.

@@ -17,6 +17,8 @@ namespace host {
 
 namespace {
 
+constexpr char kSimulated[] = "simulated";
+
 std::string formatName(const Schema &schema)
 {
     return filled("s7ppi.%1/%2", schema.command, schema.version).toStdString();
@@ -28,9 +30,18 @@ QByteArray dumped(const Json &value, int indent = -1)
     return QByteArray::fromStdString(value.dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
+// What stands before everything else of a document.
+Json headFields(const Schema &schema)
+{
+    Json head = {{"format", formatName(schema)}};
+    if (schema.isSimulated)
+        head[kSimulated] = true;
+    return head;
+}
+
 Json withFormat(const Schema &schema, const Json &members)
 {
-    Json whole = {{"format", formatName(schema)}};
+    Json whole = headFields(schema);
     whole.update(members);
     return whole;
 }
@@ -46,6 +57,7 @@ public:
     void write(const Json &record) override { rows += cellRows(record, columns); }
     void writeLine(const Json & /*record*/, const QString &text) override { writeText(text); }
     void writeText(const QString &text) override { put(text.toUtf8() + '\n'); }
+    void writeHead(const QString &text) override { putHead(text.toUtf8() + '\n'); }
     void finish() override;
 
 private:
@@ -71,7 +83,7 @@ class JsonForm : public OutputForm
 {
 public:
     JsonForm(const Schema &schema_, std::unique_ptr<OutputSink> sink)
-        : OutputForm(std::move(sink)), schema(schema_), fields({{"format", formatName(schema_)}})
+        : OutputForm(std::move(sink)), schema(schema_), fields(headFields(schema_))
     {
     }
 
@@ -156,6 +168,9 @@ public:
     {
     }
 
+    // Adds a column that has the same cell in every line.
+    void setColumn(const QString &name, const Json &value);
+
     void write(const Json &record) override;
     void finish() override { putColumns(); }
 
@@ -163,15 +178,24 @@ private:
     void putColumns();
 
     QStringList columns;
+    Json common = Json::object(); // what every record has besides its own
     Line line;
     bool hasHead = false;
 };
 
+void SeparatedForm::setColumn(const QString &name, const Json &value)
+{
+    columns << name;
+    common[name.toStdString()] = value;
+}
+
 void SeparatedForm::write(const Json &record)
 {
     putColumns();
+    Json whole = record;
+    whole.update(common);
     QByteArray lines;
-    for (const QStringList &cells : cellRows(record, columns))
+    for (const QStringList &cells : cellRows(whole, columns))
         lines += line(cells);
     put(lines);
 }
@@ -208,7 +232,15 @@ std::unique_ptr<OutputForm> separatedForm(const Schema &schema, SeparatedForm::L
 {
     if (schema.list.isEmpty())
         return std::make_unique<SeparatedFieldsForm>(QStringList{"field", "value"}, line, std::move(sink));
-    return std::make_unique<SeparatedForm>(schema.columns, line, std::move(sink));
+    auto form = std::make_unique<SeparatedForm>(schema.columns, line, std::move(sink));
+    if (schema.isSimulated)
+        form->setColumn(kSimulated, true);
+    return form;
+}
+
+QStringList columnsOf(const Schema &schema)
+{
+    return schema.isSimulated ? schema.columns + QStringList(kSimulated) : schema.columns;
 }
 
 LineStyle separatedStyle(const QByteArray &head, bool hasQuotes)
@@ -217,17 +249,28 @@ LineStyle separatedStyle(const QByteArray &head, bool hasQuotes)
     return {head, QRegularExpression('^' + QRegularExpression::escape(names) + '$'), hasQuotes};
 }
 
+LineStyle textStyle(const Schema &schema, const QString &beginning)
+{
+    if (!schema.isSimulated)
+        return {QByteArray(), QRegularExpression('^' + beginning), false};
+    return {QByteArray(kSimulatedLine) + '\n',
+            QRegularExpression('^' + QRegularExpression::escape(kSimulatedLine) + '$'), false};
+}
+
 } // namespace
+
+const char kSimulatedLine[] = "# simulated: no machine had these values";
 
 LineStyle lineStyle(Format format, const Schema &schema, const QString &textBeginning)
 {
     if (format == Format::Csv)
-        return separatedStyle(csvLine(schema.columns), true);
+        return separatedStyle(csvLine(columnsOf(schema)), true);
     if (format == Format::Tsv)
-        return separatedStyle(tsvLine(schema.columns), false);
+        return separatedStyle(tsvLine(columnsOf(schema)), false);
+    if (format == Format::Text)
+        return textStyle(schema, textBeginning);
     const QString object = QString("{\"format\":\"%1\",").arg(QString::fromStdString(formatName(schema)));
-    const QString pattern = format == Format::JsonLines ? QRegularExpression::escape(object) : textBeginning;
-    return {QByteArray(), QRegularExpression('^' + pattern), false};
+    return {QByteArray(), QRegularExpression('^' + QRegularExpression::escape(object)), false};
 }
 
 std::unique_ptr<OutputForm> outputForm(Format format, const Schema &schema, std::unique_ptr<OutputSink> sink)

@@ -30,6 +30,7 @@ public:
     virtual void write(const Json & /*record*/) {}
     virtual void writeLine(const Json &record, const QString & /*text*/) { write(record); }
     virtual void writeText(const QString & /*text*/) {}
+    virtual void writeHead(const QString & /*text*/) {} // a line in front of all others
     virtual void writeRaw(const QByteArray & /*bytes*/) {}
     virtual void finish() {}
 
@@ -42,6 +43,9 @@ protected:
 private:
     std::unique_ptr<OutputSink> target;
 };
+
+// The first line of texts in a file whose values are those of the simulated controller.
+extern const char kSimulatedLine[];
 
 // What a file of a command's records looks like, in a form that has a line, or lines, for each. A line of
 // text begins as the pattern says.

@@ -18,6 +18,8 @@ namespace host {
 
 namespace {
 
+// A file of text is looked at long after it was written; who reads stdout has just named the port.
+
 const QStringList kFormatNames = {"text", "json", "ndjson", "csv", "tsv", "raw"};
 
 Format formatNamed(const QString &name)
@@ -45,6 +47,12 @@ Format unaskedFormat(const OutputOptions &options, const Schema &schema)
 
 } // namespace
 
+Schema withSource(Schema schema, const PortOptions &options)
+{
+    schema.isSimulated = options.isSimulated();
+    return schema;
+}
+
 Format formatOf(const OutputOptions &options, const Schema &schema)
 {
     if (!options.format)
@@ -71,6 +79,8 @@ Output::Output(const OutputOptions &options, const Schema &schema, std::unique_p
     : chosen(formatOf(options, schema)), form(outputForm(chosen, schema, std::move(sink)))
 {
     noteUnusedFormat(options, kFormatNames.at(int(chosen)));
+    if (schema.isSimulated && options.output.value_or("-") != "-")
+        form->writeHead(kSimulatedLine);
 }
 
 Output::~Output()

@@ -6,6 +6,8 @@
 #ifndef HOST_OUTPUT_SCHEMA_H
 #define HOST_OUTPUT_SCHEMA_H
 
+#include "host/base/options.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -21,7 +23,11 @@ struct Schema
     QString list;        // what the records are called together; empty when there is one, the document itself
     QStringList columns; // of tables; the members of records that they show
     bool hasRaw = false; // whether there are bytes to give with --format raw
+    bool isSimulated = false; // the data are those of a simulated controller: every form but raw says so
 };
+
+// The form of data that come from the controller behind a port.
+Schema withSource(Schema schema, const PortOptions &options);
 
 } // namespace host
 

@@ -44,8 +44,13 @@ QString onlyAdapter(const QList<UsbAdapter> &adapters)
 
 QString usualPort(const QList<UsbAdapter> &adapters)
 {
-    const QString adapter = onlyAdapter(adapters);
-    return adapter.isEmpty() ? QString(kSimulatorPort) : adapter;
+    QString adapter = onlyAdapter(adapters);
+    if (adapter.isEmpty())
+        throw Failure(ExitCode::PortUnusable, "no port is named, and there is no USB serial adapter",
+                      QString("plug the adapter in, or name a port with --port; --port %1 (or S7PPI_PORT=%1) "
+                              "is a simulated controller")
+                          .arg(kSimulatorPort));
+    return adapter;
 }
 
 QString choosePort(const PortOptions &options)

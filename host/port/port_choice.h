@@ -25,8 +25,8 @@ QList<UsbAdapter> usbAdapters();
 // are several.
 QString onlyAdapter(const QList<UsbAdapter> &adapters);
 
-// Returns the port that is used when the user names none: the only adapter, or the embedded simulator when
-// there is no adapter. Fails when there are several.
+// Returns the port that is used when the user names none: the only adapter. Fails when there is none, or when
+// there are several. The embedded simulator is never taken unasked: its values would look like a machine's.
 QString usualPort(const QList<UsbAdapter> &adapters);
 
 // Returns the port that the options name, or else the usual one of this machine.

@@ -219,6 +219,7 @@ void RecordingParser::takeRow(const QString &text)
     if (cells.size() != columns.size())
         throw wrong(filled("%1 cells instead of %2", cells.size(), columns.size()));
     const qint64 time = timeCell();
+    recording.isSimulated = recording.isSimulated || cell("simulated") == "1";
     if (!cell("error").isEmpty()) {
         takeError(time);
         return;

@@ -49,7 +49,8 @@ struct Recording
     std::vector<double> answerTimes; // milliseconds
     QList<RecordedError> errors;
     int errorCount = 0;
-    int leftOut = 0; // lines of the file: headings again, and ends of recordings that were cut
+    bool isSimulated = false; // some of it was read from the simulated controller
+    int leftOut = 0;          // lines of the file: headings again, and ends of recordings that were cut
 };
 
 // Reads one recording, or several behind each other, from a file or for "-" from stdin. Fails with the place,

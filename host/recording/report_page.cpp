@@ -264,6 +264,8 @@ QByteArray reportPage(const Recording &recording, const QString &source)
                          timeText(recording, recording.end, "yyyy-MM-dd HH:mm:ss t");
     QString page = QString(kHead).replace("%1", heading.toHtmlEscaped());
     page += "<h1>" + heading.toHtmlEscaped() + "</h1>\n<p class=\"quiet\">" + span.toHtmlEscaped() + "</p>\n";
+    if (recording.isSimulated)
+        page += "<p class=\"bad\">Values of a simulated controller.</p>\n";
     page += summary(recording, times) + trends(recording) + answerTimes(times) + errors(recording);
     page +=
         "<footer>Made by s7ppi " S7PPI_VERSION ". A value holds until the next one in the file; means are "

@@ -43,12 +43,13 @@ double milliseconds(WatchDuration time)
 // Lines of text begin with the time.
 const char kTextBeginning[] = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}";
 
-std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Rotation &rotation)
+std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Schema &schema,
+                                       const Rotation &rotation)
 {
-    const Format format = formatOf(options, kSchema);
+    const Format format = formatOf(options, schema);
     const bool isWhole = format == Format::JsonDocument;
     if (options.output && !isWhole)
-        return std::make_unique<LineFile>(*options.output, lineStyle(format, kSchema, kTextBeginning),
+        return std::make_unique<LineFile>(*options.output, lineStyle(format, schema, kTextBeginning),
                                           rotation);
     if (rotation.size || rotation.daily)
         throw Failure(ExitCode::Usage,
@@ -60,8 +61,13 @@ std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Rotat
 
 } // namespace
 
-Recorder::Recorder(const OutputOptions &options, bool all_, const Rotation &rotation)
-    : output(options, kSchema, recordSink(options, rotation)), all(all_)
+Recorder::Recorder(const Options &options, bool all_, const Rotation &rotation)
+    : Recorder(options, withSource(kSchema, options), all_, rotation)
+{
+}
+
+Recorder::Recorder(const Options &options, const Schema &schema, bool all_, const Rotation &rotation)
+    : output(options, schema, recordSink(options, schema, rotation)), all(all_)
 {
 }
 

@@ -18,7 +18,7 @@ class Recorder : public View
 public:
     // all: every poll is recorded, not only changes. A file grows by every record, but for a document of
     // json, which is one whole; there is no rotation then.
-    Recorder(const OutputOptions &options, bool all, const Rotation &rotation);
+    Recorder(const Options &options, bool all, const Rotation &rotation);
 
     // Whether stdout is for programs, by the form that the data have there.
     static bool isOnStdout(const OutputOptions &options);
@@ -31,6 +31,8 @@ public:
     void finish() { output.finish(); }
 
 private:
+    Recorder(const Options &options, const Schema &schema, bool all, const Rotation &rotation);
+
     Output output;
     bool all;
 };

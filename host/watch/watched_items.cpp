@@ -21,7 +21,9 @@ QString milliseconds(WatchDuration time)
 
 QString firstLine(const Watch &watch)
 {
-    const QString polls = counted(watch.polls, "poll");
+    QString polls = counted(watch.polls, "poll");
+    if (watch.isSimulated)
+        polls += " of a simulated controller";
     if (watch.answerTimes.count() == 0)
         return polls + ", no answers";
     return QString("%1, %2: %3 on average, %4 at most")

@@ -72,6 +72,7 @@ struct Watch
     QMap<QString, int> errors; // failed polls of an item by their cause
     int latePolls = 0;         // took longer than the interval
     int returns = 0;           // how often the port was lost and came back
+    bool isSimulated = false;  // the controller is the simulated one
 };
 
 // The values that a poll of an item brought.

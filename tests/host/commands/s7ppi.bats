@@ -114,12 +114,48 @@ refuse_adapters() {
     fi
 }
 
-@test "without a port a simulated controller is used, and said so on stderr alone" {
+@test "3: without a port and an adapter no command finds a controller, and none makes one up" {
     refuse_adapters
-    run --separate-stderr s7ppi read VB100
-    [ "$status" -eq 0 ]
-    [ "$output" = "VB100 17" ]
-    [[ "$stderr" =~ ^"s7ppi: no USB serial adapter found: using a simulated controller on /dev/pts/"[0-9]+$ ]]
+    cd "$BATS_TEST_TMPDIR"
+    printf 's7ppi-dump 1\narea VB0..VB1\nstation 2\nVB0 01 02\n' >press.dump
+    local arguments
+    for arguments in "-q read VB100" "--reconnect read VB100" "read --format json VB100" "write VB100=1" \
+        "write --verify VB100=1" "watch --count 1 VB100" "watch --count 1 VB100 -o log.csv" \
+        "dump VB0..VB9 -o new.dump" "load --verify press.dump" "scan --stations 2" "doctor"; do
+        # shellcheck disable=SC2086
+        run -3 --separate-stderr s7ppi $arguments
+        [[ "$output$stderr" == *"no port is named, and there is no USB serial adapter"* ]]
+        [[ "$output$stderr" == *"--port sim (or S7PPI_PORT=sim) is a simulated controller"* ]]
+        [[ "$output" != *17* ]]
+    done
+    run ! compgen -G "new.dump*"
+}
+
+@test "what comes of a simulated controller says so, and what comes of another does not" {
+    cd "$BATS_TEST_TMPDIR"
+    start s7ppi-sim
+    local command
+    for command in "read VB100" "write VB0=1" "watch --count 1 VB100" "scan --stations 2" "doctor"; do
+        # shellcheck disable=SC2086
+        [ "$(s7ppi $command --port sim --timeout 5000 --format json 2>/dev/null | jq .simulated)" = true ]
+        # shellcheck disable=SC2086
+        [ "$(s7ppi $command --port "$port" --timeout 5000 --format json 2>/dev/null | jq .simulated)" = null ]
+    done
+    run --separate-stderr s7ppi watch --port sim --count 1 VB100
+    [[ "${stderr_lines[0]}" == "s7ppi: 1 poll of a simulated controller, 1 answer: "* ]]
+    run --separate-stderr s7ppi scan --port sim --stations 2 --timeout 5000
+    [[ "$output" == "station 2 at 9600 baud (simulated): answers within "* ]]
+    run --separate-stderr s7ppi dump --port sim VB100..VB101 -o sim.dump
+    [[ "$stderr" == "s7ppi: VB100..VB101 (simulated): 2 bytes in "* ]]
+    [ "$(cat sim.dump)" = $'s7ppi-dump 1\narea VB100..VB101\nstation 2\n# simulated\nVB100 11 22' ]
+    run --separate-stderr s7ppi load --port sim sim.dump
+    [[ "$stderr" == "s7ppi: VB100..VB101 (simulated): 2 bytes in "* ]]
+    run --separate-stderr s7ppi load --port "$port" sim.dump
+    [ "${stderr_lines[0]}" = "s7ppi: the dump is of a simulated controller" ]
+    s7ppi dump -q --port "$port" VB100..VB101 -o other.dump
+    run ! grep simulated other.dump
+    s7ppi read -q --port sim --trace sim.trace VB100
+    [[ "$(head -n 1 sim.trace)" == *" (simulated), 9600 baud"* ]]
 }
 
 @test "a simulator started by hand is read through its port, at the station named" {
@@ -387,7 +423,7 @@ on_full_stdout() {
 @test "74: a watch whose stdout is full still sums up" {
     run --separate-stderr on_full_stdout s7ppi watch --port sim VB100
     [ "$status" -eq 74 ]
-    [[ "${stderr_lines[0]}" == "s7ppi: 0 polls, 1 answer: "* ]]
+    [[ "${stderr_lines[0]}" == "s7ppi: 0 polls of a simulated controller, 1 answer: "* ]]
     [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
     [ "${stderr_lines[2]}" = "s7ppi: stdout takes no more data: No space left on device" ]
 }

@@ -26,6 +26,7 @@ checks() {
     [ -z "$stderr" ]
     [ "$(checks)" = "plug-in:ok port:ok line:ok echo:ok line errors:ok answers:ok retries:ok time-out:ok " ]
     [[ "${lines[0]}" == "ok      plug-in       Simatic S7-200 PPI 1.0.0, "*"libs7_200_ppi.so" ]]
+    [ "${lines[1]}" = "ok      port          sim, a simulated controller" ]
     [[ "$output" =~ "20 of 20 reads: "[0-9]+" ms at least, "[0-9]+" ms median, "[0-9]+" ms at most" ]]
 }
 

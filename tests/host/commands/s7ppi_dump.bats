@@ -354,7 +354,8 @@ VB106 00 00" ]
     sleep 0.2
     put --trace load.trace press.dump
     [ "$status" -eq 0 ]
-    [ "${stderr_lines[0]}" = "s7ppi: $written of 1000 bytes were written by an earlier run; --restart begins anew" ]
+    [ "${stderr_lines[0]}" = "s7ppi: the dump is of a simulated controller" ]
+    [ "${stderr_lines[1]}" = "s7ppi: $written of 1000 bytes were written by an earlier run; --restart begins anew" ]
     [ "$(requests_of load.trace)" -eq $(((written + 221) / 222 + (1000 - written + 211) / 212)) ]
     [ ! -e press.dump.loading ]
 }
@@ -445,7 +446,8 @@ loading() {
     put --restart --trace load.trace press.dump
     [ "$status" -eq 0 ]
     [ "$(requests_of load.trace)" -eq 5 ]
-    [ "${#stderr_lines[@]}" -eq 1 ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: the dump is of a simulated controller" ]
 
     printf 's7ppi-load 1\nwritten 4\n' >twenty.dump.loading
     put twenty.dump

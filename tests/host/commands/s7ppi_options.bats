@@ -18,15 +18,16 @@ settings() {
 @test "options come from the command line, then the environment, then the file" {
     settings "# what this place always uses" "" "port = sim" "format = csv" "; another comment"
     run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "$output" = $'name,address,type,index,value,unit,error\n,VB100,u8,0,17,,' ]
+    [ "$output" = $'name,address,type,index,value,unit,error,simulated\n,VB100,u8,0,17,,,1' ]
+    [ "$stderr" = "s7ppi: the controller is a simulated one, as environment or configuration file say" ]
     S7PPI_FORMAT=ndjson run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "$output" = '{"format":"s7ppi.read/1","address":"VB100","type":"u8","values":[17]}' ]
+    [ "$output" = '{"format":"s7ppi.read/1","simulated":true,"address":"VB100","type":"u8","values":[17]}' ]
     S7PPI_FORMAT=ndjson run --separate-stderr s7ppi read --config "$settings" --format text VB100
     [ "$output" = "VB100 17" ]
     S7PPI_CONFIG=$settings run --separate-stderr s7ppi read VB100
-    [ "${lines[1]}" = ",VB100,u8,0,17,," ]
+    [ "${lines[1]}" = ",VB100,u8,0,17,,,1" ]
     S7PPI_FORMAT='' run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "${lines[1]}" = ",VB100,u8,0,17,," ]
+    [ "${lines[1]}" = ",VB100,u8,0,17,,,1" ]
 }
 
 @test "quiet and verbose: what is said first is heard, too" {
@@ -92,13 +93,13 @@ settings() {
 @test "the ending of a file's name wins over the usual format" {
     cd "$BATS_TEST_TMPDIR"
     S7PPI_FORMAT=json run --separate-stderr s7ppi read --port sim VB100 -o e.csv
-    [ "$(tail -n 1 e.csv)" = ",VB100,u8,0,17,," ]
+    [ "$(tail -n 1 e.csv)" = ",VB100,u8,0,17,,,1" ]
     S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e.txt
-    [ "$(cat e.txt)" = "VB100 17" ]
+    [ "$(cat e.txt)" = $'# simulated: no machine had these values\nVB100 17' ]
     S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e
     [ "$(jq -c '.items[0].values' e)" = "[17]" ]
     S7PPI_FORMAT=json s7ppi read --port sim VB100 -o e.csv --format text
-    [ "$(cat e.csv)" = "VB100 17" ]
+    [ "$(tail -n 1 e.csv)" = "VB100 17" ]
 }
 
 @test "the user's own file is read unless another is named" {
@@ -108,6 +109,8 @@ settings() {
     HOME=$BATS_TEST_TMPDIR/home run --separate-stderr s7ppi read VB100
     [ "$status" -eq 0 ]
     [ "$output" = "VB100 17" ]
+    [ "$stderr" = "s7ppi: the controller is a simulated one, as environment or configuration file say" ]
+    S7PPI_QUIET=1 HOME=$BATS_TEST_TMPDIR/home run --separate-stderr s7ppi read VB100
     [ -z "$stderr" ]
     settings "port = /dev/no-such-port"
     HOME=$BATS_TEST_TMPDIR/home run --separate-stderr s7ppi read --config "$settings" VB100
@@ -158,7 +161,7 @@ LINES
 @test "a file may begin with a byte order mark" {
     settings $'\xef\xbb\xbfport = sim' "format = csv"
     run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "${lines[1]}" = ",VB100,u8,0,17,," ]
+    [ "${lines[1]}" = ",VB100,u8,0,17,,,1" ]
 }
 
 @test "2: a comment behind a setting is told as one" {

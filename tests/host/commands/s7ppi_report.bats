@@ -16,6 +16,7 @@ load common
     [ "$status" -eq 0 ]
     [ "$output$stderr" = "" ]
     grep -q '<title>Watched: log.csv</title>' page.html
+    grep -q '>Values of a simulated controller.<' page.html
     grep -q '>VW100 ' page.html
     grep -q '>VB0\[1\] ' page.html
     [ "$(grep -c '<path d="M' page.html)" -eq 4 ]
@@ -38,6 +39,7 @@ load common
     [ "$status" -eq 0 ]
     [ "$stderr" = "s7ppi: log.csv: 2 lines left out, headings that come again or lines that were cut" ]
     grep -q '>VB0 ' page.html
+    run ! grep -q simulated page.html
 }
 
 @test "2: what is no record is told by its line, and leaves the page of before as it was" {

@@ -76,7 +76,7 @@ VB102 \"3D\"" ]
     [ "$(values)" = "VB100 17" ]
     [ "${stderr_lines[0]}" = "s7ppi: VB20000: Invalid address (incorrect variable address)" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
-    [[ "${stderr_lines[2]}" == "s7ppi: 3 polls, 3 answers: "* ]]
+    [[ "${stderr_lines[2]}" == "s7ppi: 3 polls of a simulated controller, 3 answers: "* ]]
     [ "${stderr_lines[3]}" = "s7ppi: VB20000: 12 attempts, 3 errors" ]
     [ "${stderr_lines[4]}" = "s7ppi: VB100: 3 attempts, 0 errors" ]
     [ "${stderr_lines[5]}" = "s7ppi: 3 times: Invalid address (incorrect variable address)" ]
@@ -156,7 +156,7 @@ await_watcher() {
         code=$((128 + $(kill -l "$signal")))
         [ "$status" -eq "$code" ]
         [ "$(values)" = "VB100 17" ]
-        [[ "${stderr_lines[0]}" == "s7ppi: 1 poll, 1 answer: "* ]]
+        [[ "${stderr_lines[0]}" == "s7ppi: 1 poll of a simulated controller, 1 answer: "* ]]
         [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
         [ "${#stderr_lines[@]}" -eq 2 ]
     done
@@ -216,7 +216,7 @@ shows() {
     on_terminal 'echo before; s7ppi watch --port sim --interval 20 VB100*4 VB20000; echo code $?'
     eventually shows 'poll 3'
     run screen
-    [[ "${lines[0]}" =~ ^"/dev/pts/"[0-9]+" every 20 ms, Ctrl-C ends, poll "[0-9]+$ ]]
+    [[ "${lines[0]}" =~ ^"/dev/pts/"[0-9]+" (simulated) every 20 ms, Ctrl-C ends, poll "[0-9]+$ ]]
     [[ "$output" != *before* ]]
     [ "${lines[1]}" = "ADDRESS  VALUE        CHANGED  ATTEMPTS  ERRORS  LAST ERROR" ]
     [[ "${lines[2]}" =~ ^"VB100    17 34 51 68  -         "\ +[0-9]+\ +0$ ]]
@@ -227,7 +227,7 @@ shows() {
     eventually shows '^echoes'
     run screen
     [ "${lines[0]}" = "before" ]
-    [[ "${lines[1]}" =~ ^"s7ppi: "[0-9]+" polls, "[0-9]+" answers: " ]]
+    [[ "${lines[1]}" =~ ^"s7ppi: "[0-9]+" polls of a simulated controller, "[0-9]+" answers: " ]]
     [[ "$output" != *ADDRESS* ]]
 }
 

@@ -20,7 +20,7 @@ private slots:
     void noAdapterGivesNoDevice();
     void theOnlyAdapterIsTaken();
     void severalAdaptersAreListed();
-    void withoutAdapterTheUsualPortIsTheSimulator();
+    void withoutAdapterThereIsNoUsualPort();
     void theNamedPortIsTaken();
 };
 
@@ -43,9 +43,12 @@ void TestPortChoice::severalAdaptersAreListed()
                      "choose one with --port, as --port /dev/ttyUSB0"));
 }
 
-void TestPortChoice::withoutAdapterTheUsualPortIsTheSimulator()
+void TestPortChoice::withoutAdapterThereIsNoUsualPort()
 {
-    QCOMPARE(usualPort({}), QString("sim"));
+    QCOMPARE(
+        failureOf([] { usualPort({}); }),
+        QString("3: no port is named, and there is no USB serial adapter / plug the adapter in, or name a "
+                "port with --port; --port sim (or S7PPI_PORT=sim) is a simulated controller"));
     QCOMPARE(usualPort({{"/dev/ttyUSB3", "PPI cable"}}), QString("/dev/ttyUSB3"));
     QVERIFY(failureOf([] { usualPort({{"/dev/ttyUSB0", ""}, {"/dev/ttyACM0", ""}}); }).startsWith("2: "));
 }
