@@ -106,7 +106,7 @@ void Connection::openPort(const QString &name, const Options &options)
 
 std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const OutputOptions &options)
 {
-    std::vector<FrameListener *> listeners = {&exchange, &session};
+    std::vector<FrameListener *> listeners = {&exchange, &session, &answerCheck};
     if (options.verbose) {
         showLine(line);
         lines = std::make_unique<TracePrinter>(reportTrace);
@@ -137,6 +137,7 @@ QByteArray Connection::read(const CommunicatorCommand &command)
         if (isAlive()) {
             nextPause = 0;
             checkOutcome();
+            checkAnswer();
             return data;
         }
         awaitPort();
@@ -193,6 +194,17 @@ void Connection::checkOutcome()
         return;
     const Failure failure = driverFailure(plugin.driver().getLastError());
     throw failure.code() == ExitCode::BrokenAnswer && exchange.hasEcho() ? echoFailure() : failure;
+}
+
+// The driver fits what came to what was asked for. What it had to fill up is no value of the controller's.
+void Connection::checkAnswer() const
+{
+    if (const std::optional<Shortage> &shortage = answerCheck.shortage())
+        throw Failure(
+            ExitCode::BrokenAnswer,
+            QString("the answer holds %1 of %2 bytes").arg(shortage->came).arg(shortage->asked),
+            "the controller sent less than it was asked for, and nothing of it counts: try a smaller count; "
+            "-v shows the bytes");
 }
 
 void Connection::awaitPort()

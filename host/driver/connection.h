@@ -9,6 +9,7 @@
 #include "host/base/options.h"
 #include "host/driver/plugin.h"
 #include "host/driver/simulator_process.h"
+#include "host/frames/answer_check.h"
 #include "host/frames/trace_file.h"
 #include "host/frames/trace_printer.h"
 #include "host/port/adapter_probe.h"
@@ -35,8 +36,8 @@ public:
     explicit Connection(const Options &options, FrameListener *watcher = nullptr);
 
     // Lets the driver read once, repetitions included, and returns its data. Fails with the meaning of the
-    // driver's error. With --reconnect a lost port is waited for and the read begun again; the embedded
-    // simulator's port never comes back.
+    // driver's error, and when the answer holds less than was asked for. With --reconnect a lost port is
+    // waited for and the read begun again; the embedded simulator's port never comes back.
     QByteArray read(const CommunicatorCommand &command);
 
     // Lets the driver write once. It fails like read(), but always when the port is lost: nobody knows then
@@ -102,6 +103,7 @@ private:
     void checkPort() const;
     void checkTrace() const;
     void checkOutcome();
+    void checkAnswer() const;
     void awaitArrival(const QString &name);
     void awaitPort();
     bool comesBack();
@@ -122,6 +124,7 @@ private:
     std::unique_ptr<TraceFile> traceFile;
     AdapterProbe exchange;                 // sees the read or write under way
     AdapterProbe session;                  // sees all of them
+    AnswerCheck answerCheck;
     std::unique_ptr<TracingPort> listened; // what the driver gets
 };
 

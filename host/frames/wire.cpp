@@ -52,6 +52,11 @@ int dataSize(uchar kind, int length)
     return dataKind(kind).unit == LengthUnit::Bits ? (length + 7) / 8 : length;
 }
 
+int wholeBytes(uchar kind, int length)
+{
+    return dataKind(kind).unit == LengthUnit::Bits ? length / 8 : length;
+}
+
 QString requestFunctionName(int nibble)
 {
     static const QHash<int, QString> names = {

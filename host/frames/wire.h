@@ -90,6 +90,9 @@ QString hexByte(uchar byte);
 // of which the last byte need not be full; all other kinds, as the objects' 09, in bytes.
 int dataSize(uchar kind, int length);
 
+// The same without a last byte that is not full.
+int wholeBytes(uchar kind, int length);
+
 // Names for people; empty for a code that means nothing.
 QString requestFunctionName(int nibble); // of the low four bits of a function code
 QString answerFunctionName(int nibble);

@@ -4,6 +4,7 @@
 #include "host/frames/words.h"
 
 #include "host/base/filled.h"
+#include "host/frames/field_reader.h"
 #include "host/frames/layout.h"
 #include "host/text/number_text.h"
 
@@ -12,61 +13,6 @@ namespace host {
 namespace {
 
 const char kDamaged[] = "damaged frame";
-
-// Goes along a frame, field by field, and keeps what the fields say.
-class FieldReader
-{
-public:
-    FieldReader(const QByteArray &frame, int checkedFrom)
-        : facts{frame, checkedFrom}, end(int(frame.size()) - kTailSize)
-    {
-    }
-
-    FrameFacts facts;
-
-    // Bytes before the tail that no field has read yet.
-    int left() const { return end - facts.offset; }
-
-    // False when the fields need more bytes than are left; those that find theirs have been read then.
-    bool read(const FrameFields &fields);
-
-    // Whether the frame ends with the right check sum and the byte that ends frames.
-    bool hasSoundTail() const;
-
-private:
-    int end; // nothing is read from here on
-};
-
-bool FieldReader::read(const FrameFields &fields)
-{
-    for (const FrameField &field : fields) {
-        if (left() < field.size)
-            return false;
-        readField(field, facts);
-        facts.offset += field.size;
-    }
-    return true;
-}
-
-bool FieldReader::hasSoundTail() const
-{
-    FieldReader tail = *this;
-    tail.facts.offset = end;
-    tail.end = end + kTailSize;
-    tail.read(frameTail());
-    return tail.facts.checkSum == checkByte(facts.frame, facts.checkedFrom, end) &&
-           tail.facts.end == kEndOfFrame;
-}
-
-// Reads a long frame up to its parameters. False when the head's lengths and starts are not the same, or the
-// header is cut.
-bool readHeader(FieldReader &reader)
-{
-    const FrameFacts &facts = reader.facts;
-    return reader.read(longFrameHead()) && reader.read(headerFields()) &&
-           (facts.messageType == kJob || reader.read(errorFields())) && facts.lengthAgain == facts.length &&
-           facts.startAgain == kLongFrame;
-}
 
 QString shortFrameWords(const FrameFacts &facts)
 {
@@ -209,6 +155,16 @@ QString frameWords(const QByteArray &frame)
 QString frameLine(const QByteArray &frame)
 {
     return frameWords(frame) + ": " + QString::fromLatin1(frame.toHex(' '));
+}
+
+bool isSoundTelegram(const QByteArray &frame)
+{
+    if (frame.isEmpty() || frame.size() != frameSize(frame))
+        return false;
+    if (uchar(frame.at(0)) == kShortFrame)
+        return FieldReader(frame, kShortFrameCounted).hasSoundTail();
+    FieldReader reader(frame, kLongFrameCounted);
+    return isLongFrame(frame) && reader.read(longFrameHead()) && reader.hasSoundTail();
 }
 
 bool isLongFrame(const QByteArray &frame)

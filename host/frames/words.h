@@ -28,6 +28,9 @@ QString frameWords(const QByteArray &frame);
 // The words of a frame with its bytes: "poll of station 2: 10 02 00 5c 5e 16".
 QString frameLine(const QByteArray &frame);
 
+// Whether the frame is a short or a long one, whole, and has the right check sum.
+bool isSoundTelegram(const QByteArray &frame);
+
 // Whether the frame is a long one, which carries requests and answers.
 bool isLongFrame(const QByteArray &frame);
 
