@@ -190,7 +190,7 @@ void DoctorCommand::examineReads()
 {
     std::optional<LineErrors> before = lineErrors(connection->portHandle());
     ReadTrial trial = tryReads();
-    tell(judgeEcho(probe.hasHeard(), probe.hasEcho(), options.echo));
+    tell(judgeEcho(probe.hasHeard(), connection->hearsItself(), options.echo));
     if (tryEcho(trial)) {
         before = lineErrors(connection->portHandle());
         trial = tryReads();
@@ -206,7 +206,7 @@ void DoctorCommand::examineReads()
 // Takes the echo out if there is one: nothing else could be told behind an adapter that hears itself.
 bool DoctorCommand::tryEcho(const ReadTrial &trial)
 {
-    if (!probe.hasEcho() || !trial.answerTimes.isEmpty())
+    if (!connection->hearsItself() || !trial.answerTimes.isEmpty())
         return false;
     options.echo = true;
     connection.reset();

@@ -227,7 +227,7 @@ std::optional<Answer> ScanCommand::askStation(Connection &connection, int statio
     std::optional<Answer> answer = ask(connection);
     if (answer && answer->isBroken())
         answer = ask(connection);
-    if (answer && answer->isBroken() && probe.hasEcho())
+    if (answer && answer->isBroken() && connection.hearsItself())
         throw echoFailure();
     return answer;
 }

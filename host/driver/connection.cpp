@@ -106,7 +106,7 @@ void Connection::openPort(const QString &name, const Options &options)
 
 std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const OutputOptions &options)
 {
-    std::vector<FrameListener *> listeners = {&exchange, &session, &answerCheck};
+    std::vector<FrameListener *> listeners = {&session, &answerCheck};
     if (options.verbose) {
         showLine(line);
         lines = std::make_unique<TracePrinter>(reportTrace);
@@ -132,7 +132,6 @@ void Connection::showLine(const LineSettings &line) const
 QByteArray Connection::read(const CommunicatorCommand &command)
 {
     while (true) {
-        exchange = AdapterProbe();
         QByteArray data = plugin.driver().read(listened.get(), command);
         if (isAlive()) {
             nextPause = 0;
@@ -146,7 +145,6 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
-    exchange = AdapterProbe();
     if (plugin.driver().write(listened.get(), command, data) != 0) {
         checkTrace();
         return;
@@ -192,8 +190,15 @@ void Connection::checkOutcome()
         throw Failure(*failure);
     if (!plugin.driver().hasError())
         return;
+    if (port->noise())
+        throw noiseFailure(*port->noise());
     const Failure failure = driverFailure(plugin.driver().getLastError());
-    throw failure.code() == ExitCode::BrokenAnswer && exchange.hasEcho() ? echoFailure() : failure;
+    throw failure.code() == ExitCode::BrokenAnswer && hearsItself() ? echoFailure() : failure;
+}
+
+bool Connection::hearsItself()
+{
+    return !echo && port->hearsItself();
 }
 
 // The driver fits what came to what was asked for. What it had to fill up is no value of the controller's.

@@ -54,19 +54,22 @@ public:
     // simulator is "sim", though it has another port each time.
     QString portLabel() const;
 
-    // The kernel's descriptor of the open port.
     // Whether the controller is the simulated one, which whatever is made of its values has to say.
     bool isSimulated() const { return bool(simulator); }
 
     // The text, marked when the controller is the simulated one.
     QString marked(const QString &text) const;
 
+    // The kernel's descriptor of the open port.
     int portHandle() const { return port->handle(); }
 
     int stationId() const { return timing.station; }
 
     // Sends what follows to another controller on the same line.
     void setStation(int station) { port->setStation(timing.station = station); }
+
+    // Whether the adapter hears what it sends and nobody takes that out, as the last frame tells.
+    bool hearsItself();
 
     // How many requests were sent so far: one per attempt at a read or write.
     int requestCount() const { return session.requestCount(); }
@@ -122,8 +125,7 @@ private:
     std::unique_ptr<EchoPort> echo; // null unless the adapter echoes
     std::unique_ptr<TracePrinter> lines;
     std::unique_ptr<TraceFile> traceFile;
-    AdapterProbe exchange;                 // sees the read or write under way
-    AdapterProbe session;                  // sees all of them
+    AdapterProbe session; // sees all reads and writes
     AnswerCheck answerCheck;
     std::unique_ptr<TracingPort> listened; // what the driver gets
 };

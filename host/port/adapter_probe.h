@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// What the frames that pass tell of the adapter and its line: whether it hears itself, how long answers let
+// What the frames that pass tell of the adapter and its line: whether anything is heard, how long answers let
 // it wait, how many requests were sent.
 
 #ifndef HOST_PORT_ADAPTER_PROBE_H
@@ -24,11 +24,6 @@ public:
     // Whether anything came at all.
     bool hasHeard() const { return heard; }
 
-    // Whether every request so far came back as its own answer; that of the last one may not be told yet. The
-    // driver takes one byte of it and gives up. No controller begins its answer to a request with that byte,
-    // and noise does so only now and then.
-    bool hasEcho() const { return echoes > 0 && echoes >= requests - 1; }
-
     // How many requests were sent: every attempt at a read or write sends one. Polls, which belong to the
     // request before them, do not count.
     int requestCount() const { return requests; }
@@ -37,12 +32,10 @@ public:
     qint64 longestWait() const { return longest; }
 
 private:
-    QByteArray lastSent;
     QElapsedTimer sinceSent;
     bool isFirst = false; // the next frame received is the first one after what was sent
     bool heard = false;
     int requests = 0;
-    int echoes = 0;
     qint64 longest = 0;
 };
 

@@ -10,7 +10,9 @@
 #include "host/port/port_holder.h"
 #include "host/port/tty_settings.h"
 
+#include <QByteArray>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QVariant>
 
@@ -31,7 +33,14 @@ constexpr int kSlice = 50;
 
 // What ends a stretch of bytes that nobody asked for: adapters hand over what they received up to 16 ms late.
 constexpr int kSilence = 20;
-constexpr int kLongestClearing = 1000;
+
+// What an answer may be late beyond the time that its bytes take on the line, behind a failed attempt.
+constexpr int kDelay = 50;
+
+constexpr int kBitsPerByte = 11; // on the line: start, data, parity and stop
+
+// How much is kept of what a line that is never silent brings.
+constexpr int kKeptNoise = 300;
 
 // Whether the file is a terminal at all. It is opened for a moment, without waiting for a carrier.
 bool isTerminal(const QString &name)
@@ -121,7 +130,9 @@ void SerialPort::reopen()
     port.close();
     open();
     lost = false;
-    isSettled = false;
+    isUnknown = true;
+    isRecovering = false;
+    pending = PendingAnswer();
 }
 
 void SerialPort::open()
@@ -188,20 +199,35 @@ void SerialPort::checkLine()
     note = lineDifference(line, achieved);
 }
 
+// When the time is up there is a last look: a busy machine may wake this program long after the bytes came.
 int SerialPort::receive(unsigned char *buffer, int maxLength)
 {
-    const QDeadlineTimer deadline(timing.timeout);
+    const QDeadlineTimer deadline(receiveTime());
     while (goesOn() && port.bytesAvailable() < maxLength && !deadline.hasExpired()) {
         if (!port.waitForReadyRead(slice(deadline)))
             noteError();
     }
-    return goesOn() ? int(port.read(reinterpret_cast<char *>(buffer), maxLength)) : -1;
+    if (goesOn() && port.bytesAvailable() < maxLength && !port.waitForReadyRead(0))
+        noteError();
+    if (!goesOn())
+        return -1;
+    if (babble)
+        return 0;
+    const int length = int(port.read(reinterpret_cast<char *>(buffer), maxLength));
+    pending.received(QByteArray(reinterpret_cast<const char *>(buffer), std::max(0, length)));
+    return length;
+}
+
+int SerialPort::receiveTime() const
+{
+    return babble ? 0 : std::max(timing.timeout - int(clearingTime), timing.timeout / 2);
 }
 
 int SerialPort::send(const unsigned char *data, int length)
 {
-    if (!goesOn() || port.write(reinterpret_cast<const char *>(data), length) != length)
+    if (!goesOn() || babble || port.write(reinterpret_cast<const char *>(data), length) != length)
         return -1;
+    pending.sent(QByteArray(reinterpret_cast<const char *>(data), length));
     const QDeadlineTimer deadline(timing.timeout);
     while (goesOn() && port.bytesToWrite() > 0 && !deadline.hasExpired()) {
         if (!port.waitForBytesWritten(slice(deadline)))
@@ -217,14 +243,15 @@ bool SerialPort::setOption(int key, const QVariant & /*value*/)
 {
     if (key != kClearInput || !goesOn())
         return false;
-    isSettled = isSettled && !hasReceived();
-    if (!port.clear(QSerialPort::Input)) {
-        noteError();
-        return false;
-    }
-    if (!isSettled)
+    babble.reset();
+    clearingTime = 0;
+    const bool isClean = !mayBeUnderWay();
+    isRecovering = isRecovering ? !pending.isAnswered() : pending.hasFailed();
+    if (!isClean)
         clearUntilSilent();
-    isSettled = true;
+    else if (!port.clear(QSerialPort::Input))
+        noteError();
+    isUnknown = babble.has_value();
     return goesOn();
 }
 
@@ -235,13 +262,61 @@ bool SerialPort::hasReceived() const
 }
 
 // The answer to what an earlier program, or an attempt that was given up, asked for may still be under way.
-// In front of the next answer it would be taken for that, and so would every answer after it.
+// In front of the next answer it would be taken for that, and so would every answer after it. A controller
+// that was late acknowledges twice, the earlier request and this one.
+bool SerialPort::mayBeUnderWay() const
+{
+    return isUnknown || hasReceived() || pending.missing() > 0 || (isRecovering && pending.isAcknowledged());
+}
+
 void SerialPort::clearUntilSilent()
 {
-    const QDeadlineTimer deadline(kLongestClearing);
-    while (goesOn() && !deadline.hasExpired() && port.waitForReadyRead(kSilence))
-        port.clear(QSerialPort::Input);
-    noteError();
+    const int limit = std::max(timing.timeout, 2 * kSilence);
+    QElapsedTimer time;
+    QElapsedTimer silence;
+    LineNoise noise;
+    time.start();
+    silence.start();
+    while (goesOn() && silence.elapsed() < neededSilence() && time.elapsed() < limit) {
+        const QByteArray bytes = takeReceived(std::min(kSlice, neededSilence() - int(silence.elapsed())));
+        if (bytes.isEmpty())
+            continue;
+        pending.received(bytes);
+        noise.count += bytes.size();
+        noise.beginning += bytes.left(kKeptNoise - int(noise.beginning.size()));
+        noise.milliseconds = time.elapsed();
+        silence.restart();
+    }
+    clearingTime = noise.milliseconds;
+    if (noise.count > 0 && silence.elapsed() < neededSilence())
+        babble = noise;
+}
+
+// Returns what is there, or comes within the time.
+QByteArray SerialPort::takeReceived(int milliseconds)
+{
+    if (port.bytesAvailable() == 0 && !port.waitForReadyRead(std::max(0, milliseconds)))
+        noteError();
+    return port.readAll();
+}
+
+int SerialPort::neededSilence() const
+{
+    const int bytes = pending.missing();
+    return bytes > 0 ? lineTime(bytes) + kDelay : kSilence;
+}
+
+int SerialPort::lineTime(int bytes) const
+{
+    return bytes * kBitsPerByte * 1000 / line.baud;
+}
+
+bool SerialPort::hearsItself()
+{
+    const QDeadlineTimer deadline(std::max(timing.timeout, 2 * kSilence));
+    while (goesOn() && pending.isEchoBegun() && !deadline.hasExpired())
+        pending.received(takeReceived(slice(deadline)));
+    return pending.isEcho();
 }
 
 int SerialPort::retry()

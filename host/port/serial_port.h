@@ -8,11 +8,16 @@
 
 #include "abstract_device_interface.h"
 #include "host/base/failure.h"
+#include "host/port/line_noise.h"
 #include "host/port/line_settings.h"
+#include "host/port/pending_answer.h"
 
+#include <QByteArray>
 #include <QSerialPort>
 #include <QString>
 #include <QVariant>
+
+#include <optional>
 
 namespace host {
 
@@ -48,8 +53,11 @@ public:
     int send(const unsigned char *data, int length) override;
 
     // kClearInput throws away everything that was received and not read; the port has no other option. When
-    // there was something, and at the first time after the port was opened, what is still coming is thrown
-    // away too, until the line has been silent for 20 ms, or for a second.
+    // there was something, when the frame before did not get its whole answer, and at the first time after
+    // the port was opened, what is still coming is thrown away too, until the line is silent: for 20 ms, and
+    // where an answer may be under way for as long as that takes on the line. This counts against the
+    // time-out of what is received next, of which half is left in any case. On a line that is not silent
+    // within the time-out nothing is sent and nothing received until the next call.
     bool setOption(int key, const QVariant &value) override;
 
     // No repetitions on a port that is lost, or once the program is interrupted.
@@ -70,6 +78,13 @@ public:
     // Whether the port went away since it was opened.
     bool isLost() const { return lost; }
 
+    // What was on the line when it was to be cleared the last time and could not be; nothing when it could.
+    const std::optional<LineNoise> &noise() const { return babble; }
+
+    // Whether the port hears what it sends: all of the last frame has come back, or comes within the time-out
+    // as it began. A first byte alone tells nothing: noise and frames of others begin like requests.
+    bool hearsItself();
+
     // What the port does differently from what was asked; empty when nothing.
     QString lineNote() const { return note; }
 
@@ -81,7 +96,12 @@ private:
     void refuseSharing() const;
     void checkLine();
     bool hasReceived() const;
+    bool mayBeUnderWay() const;
     void clearUntilSilent();
+    int neededSilence() const;
+    int lineTime(int bytes) const;
+    int receiveTime() const;
+    QByteArray takeReceived(int milliseconds);
     bool goesOn() const;
     void noteError();
 
@@ -92,7 +112,11 @@ private:
     Direction direction;
     QString note;
     bool lost = false;
-    bool isSettled = false; // whether nothing of an earlier exchange can be under way
+    PendingAnswer pending;
+    bool isUnknown = true;     // the line was not found silent since the port was opened, or the last time
+    bool isRecovering = false; // since an attempt failed no answer was whole
+    qint64 clearingTime = 0;   // what the last clearing took of the time-out; milliseconds
+    std::optional<LineNoise> babble;
 };
 
 } // namespace host

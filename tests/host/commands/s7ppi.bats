@@ -303,6 +303,32 @@ LINES
     [ "${stderr_lines[1]}" = "hint: another program has the port open: end it, or use another port" ]
 }
 
+@test "5: a line that is never silent is told as such, with what babbles, and is no echo" {
+    local byte
+    for byte in 68 55 e5; do
+        start fake_controller "babble:$byte"
+        run -5 --separate-stderr s7ppi read --port "$port" --retries 1 --timeout 300 VB0
+        [ -z "$output" ]
+        [[ "${stderr_lines[0]}" =~ ^"s7ppi: VB0: the line is never silent: "[0-9]+" bytes in "[0-9]+" ms, such as $byte" ]]
+        [[ "${stderr_lines[1]}" == "hint: something keeps sending"* ]]
+        [ "${#stderr_lines[@]}" -eq 2 ]
+    done
+    start fake_controller babble:1005007c8116
+    impatient VB0
+    [ "$status" -eq 5 ]
+    [[ "${stderr_lines[0]}" == *" bytes in "*" ms, frames such as: poll of station 5: 10 05 00 7c 81 16" ]]
+}
+
+@test "5: a node that babbles behind a request is no echo, either" {
+    start fake_controller 68686868 68686868 68686868
+    impatient VB0
+    [ "$status" -eq 5 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: invalid response" ]
+    start fake_controller 68
+    impatient VB0
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: invalid response" ]
+}
+
 @test "3: there is no simulator to start" {
     mkdir "$BATS_TEST_TMPDIR/bin"
     cp "$S7PPI_BIN_DIR/s7ppi" "$BATS_TEST_TMPDIR/bin"

@@ -141,6 +141,7 @@ private slots:
     void aPurgeWaitsForTheEndOfWhatIsUnderWay();
     void theFirstPurgeWaitsForWhatIsUnderWay();
     void aPurgeDoesNotWaitForeverForALineToFallSilent();
+    void aLineThatIsNeverSilentCostsOneTimeoutAndNoMore();
     void aPurgeOfACleanLineLeavesWhatComesThen();
     void otherOptionsAreRefused();
     void tellsRetriesStationAndDelay();
@@ -285,6 +286,35 @@ void TestSerialPort::aPurgeDoesNotWaitForeverForALineToFallSilent()
     timer.start();
     QVERIFY(port.setOption(kClearInput, 0));
     QVERIFY(timer.elapsed() < 10000);
+}
+
+// Nothing goes out between other bytes, and nothing that comes then is taken for an answer.
+void TestSerialPort::aLineThatIsNeverSilentCostsOneTimeoutAndNoMore()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, kImpatient);
+    const QDeadlineTimer patience(kPatience);
+    {
+        const Dribble dribble(line, 2);
+        QElapsedTimer timer;
+        do {
+            QVERIFY(!patience.hasExpired());
+            timer.start();
+            QVERIFY(port.setOption(kClearInput, 0));
+            if (port.noise()) {
+                QCOMPARE(send(port, "10 02 00 5c 5e 16"), -1);
+                QCOMPARE(receive(port, 1), QString());
+            }
+        } while (!port.noise() || timer.elapsed() > 4 * kImpatient.timeout);
+        QVERIFY(port.noise()->count > 1);
+        QVERIFY(port.noise()->beginning.startsWith("xx"));
+    }
+    while (port.noise()) {
+        QVERIFY(!patience.hasExpired());
+        QVERIFY(port.setOption(kClearInput, 0));
+    }
+    QCOMPARE(send(port, "e5"), 1);
+    QCOMPARE(hex(line.read(1)), QString("e5"));
 }
 
 void TestSerialPort::aPurgeOfACleanLineLeavesWhatComesThen()
