@@ -28,6 +28,9 @@ namespace {
 constexpr int kFirstPause = 500;
 constexpr int kLongestPause = 10000;
 
+// How often the first answer is asked for anew when it may be that to an earlier program.
+constexpr int kMostDoubts = 2;
+
 // Pauses are cut into slices so that a signal is seen soon; milliseconds.
 constexpr int kSlice = 50;
 
@@ -50,7 +53,7 @@ Timing timingWith(const DriverSetting &defaults, const DriverOptions &options)
 
 Connection::Connection(const Options &options, FrameListener *watcher_)
     : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)), watcher(watcher_),
-      reconnects(options.reconnect), tell(reportNote)
+      reconnects(options.reconnect), doubts(kMostDoubts), tell(reportNote)
 {
     openPort(startPort(options), options);
     plugin.driver().setDebugMode(options.verbose);
@@ -137,7 +140,9 @@ QByteArray Connection::read(const CommunicatorCommand &command)
             nextPause = 0;
             checkOutcome();
             checkAnswer();
-            return data;
+            if (isOwnAnswer())
+                return data;
+            continue;
         }
         awaitPort();
     }
@@ -145,9 +150,10 @@ QByteArray Connection::read(const CommunicatorCommand &command)
 
 void Connection::write(const CommunicatorCommand &command, const QByteArray &data)
 {
-    if (plugin.driver().write(listened.get(), command, data) != 0) {
+    while (plugin.driver().write(listened.get(), command, data) != 0) {
         checkTrace();
-        return;
+        if (isOwnAnswer())
+            return;
     }
     checkPort();
     checkOutcome();
@@ -199,6 +205,17 @@ void Connection::checkOutcome()
 bool Connection::hearsItself()
 {
     return !echo && port->hearsItself();
+}
+
+// Drivers number the requests of every program from 1 on. When a controller was late for an earlier program,
+// its answer may meet the first request of this one, with the right number; what answers this request then
+// comes behind it. The next request has another number. On a line with several masters something always
+// comes, so that this is not asked for ever.
+bool Connection::isOwnAnswer()
+{
+    const bool isOwn = doubts == 0 || port->staysSilent();
+    doubts = isOwn ? 0 : doubts - 1;
+    return isOwn;
 }
 
 // The driver fits what came to what was asked for. What it had to fill up is no value of the controller's.

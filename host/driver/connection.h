@@ -107,6 +107,7 @@ private:
     void checkTrace() const;
     void checkOutcome();
     void checkAnswer() const;
+    bool isOwnAnswer();
     void awaitArrival(const QString &name);
     void awaitPort();
     bool comesBack();
@@ -116,6 +117,7 @@ private:
     Timing timing;
     FrameListener *watcher;
     bool reconnects;
+    int doubts;        // how often an answer may still be taken for one to an earlier program
     int nextPause = 0; // milliseconds before the next try to open a lost port
     QString openError; // why the lost port could not be opened, as last told
     int returns = 0;

@@ -269,6 +269,7 @@ bool SerialPort::mayBeUnderWay() const
     return isUnknown || hasReceived() || pending.missing() > 0 || (isRecovering && pending.isAcknowledged());
 }
 
+// It is not silent as long as bytes wait in the kernel: a busy machine may have kept this program from them.
 void SerialPort::clearUntilSilent()
 {
     const int limit = std::max(timing.timeout, 2 * kSilence);
@@ -277,7 +278,8 @@ void SerialPort::clearUntilSilent()
     LineNoise noise;
     time.start();
     silence.start();
-    while (goesOn() && silence.elapsed() < neededSilence() && time.elapsed() < limit) {
+    const auto isSilent = [&] { return silence.elapsed() >= neededSilence() && !hasReceived(); };
+    while (goesOn() && time.elapsed() < limit && !isSilent()) {
         const QByteArray bytes = takeReceived(std::min(kSlice, neededSilence() - int(silence.elapsed())));
         if (bytes.isEmpty())
             continue;
@@ -288,7 +290,7 @@ void SerialPort::clearUntilSilent()
         silence.restart();
     }
     clearingTime = noise.milliseconds;
-    if (noise.count > 0 && silence.elapsed() < neededSilence())
+    if (noise.count > 0 && !isSilent())
         babble = noise;
 }
 
@@ -308,7 +310,15 @@ int SerialPort::neededSilence() const
 
 int SerialPort::lineTime(int bytes) const
 {
-    return bytes * kBitsPerByte * 1000 / line.baud;
+    return bytes * kBitsPerByte * 1000 / std::max(line.baud, 1);
+}
+
+bool SerialPort::staysSilent()
+{
+    const QByteArray bytes = takeReceived(kSilence);
+    pending.received(bytes);
+    isUnknown = isUnknown || !bytes.isEmpty();
+    return bytes.isEmpty();
 }
 
 bool SerialPort::hearsItself()

@@ -81,6 +81,9 @@ public:
     // What was on the line when it was to be cleared the last time and could not be; nothing when it could.
     const std::optional<LineNoise> &noise() const { return babble; }
 
+    // Waits for 20 ms, and tells whether nothing came.
+    bool staysSilent();
+
     // Whether the port hears what it sends: all of the last frame has come back, or comes within the time-out
     // as it began. A first byte alone tells nothing: noise and frames of others begin like requests.
     bool hearsItself();
