@@ -15,26 +15,31 @@ namespace {
 
 constexpr int kShownBytes = 8;
 
-// Frames tell whose they are; of anything else the bytes may tell somebody something.
-QString appearance(const QByteArray &bytes)
+// Frames tell whose they are: the first sound one of those that stand in the bytes, or nothing.
+QByteArray soundFrame(const QByteArray &bytes)
 {
     for (const QByteArray &frame : splitFrames(bytes))
         if (isSoundTelegram(frame))
-            return "frames such as: " + frameLine(frame);
-    return "such as " + QString::fromLatin1(bytes.left(kShownBytes).toHex(' '));
+            return frame;
+    return QByteArray();
 }
 
 } // namespace
 
+// What is different each time stands in the hint, so that a watch can count the error.
 Failure noiseFailure(const LineNoise &noise)
 {
-    return Failure(ExitCode::BrokenAnswer,
-                   QString("the line is never silent: %1 in %2 ms, ")
-                           .arg(counted(noise.count, "byte"))
-                           .arg(noise.milliseconds) +
-                       appearance(noise.beginning),
-                   "something keeps sending and leaves no room for a request: take stations off the line one "
-                   "by one, and check baud rate, parity, termination and biasing");
+    const QByteArray frame = soundFrame(noise.beginning);
+    const QByteArray shown = frame.isEmpty() ? noise.beginning.left(kShownBytes) : frame;
+    return Failure(
+        ExitCode::BrokenAnswer,
+        "the line is never silent" + (frame.isEmpty() ? QString() : "; on it is a " + frameWords(frame)),
+        QString("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
+                "stations off the line one by one, and check baud rate, parity, termination and "
+                "biasing")
+            .arg(counted(noise.count, "byte"))
+            .arg(noise.milliseconds)
+            .arg(QString::fromLatin1(shown.toHex(' '))));
 }
 
 } // namespace host

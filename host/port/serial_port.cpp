@@ -270,6 +270,7 @@ bool SerialPort::mayBeUnderWay() const
 }
 
 // It is not silent as long as bytes wait in the kernel: a busy machine may have kept this program from them.
+// In the last quarter any gap will do: where other masters speak there may never be a longer one.
 void SerialPort::clearUntilSilent()
 {
     const int limit = std::max(timing.timeout, 2 * kSilence);
@@ -278,9 +279,10 @@ void SerialPort::clearUntilSilent()
     LineNoise noise;
     time.start();
     silence.start();
-    const auto isSilent = [&] { return silence.elapsed() >= neededSilence() && !hasReceived(); };
+    const auto needed = [&] { return time.elapsed() < limit * 3 / 4 ? neededSilence() : kSilence; };
+    const auto isSilent = [&] { return silence.elapsed() >= needed() && !hasReceived(); };
     while (goesOn() && time.elapsed() < limit && !isSilent()) {
-        const QByteArray bytes = takeReceived(std::min(kSlice, neededSilence() - int(silence.elapsed())));
+        const QByteArray bytes = takeReceived(std::min(kSlice, needed() - int(silence.elapsed())));
         if (bytes.isEmpty())
             continue;
         pending.received(bytes);

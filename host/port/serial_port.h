@@ -55,7 +55,8 @@ public:
     // kClearInput throws away everything that was received and not read; the port has no other option. When
     // there was something, when the frame before did not get its whole answer, and at the first time after
     // the port was opened, what is still coming is thrown away too, until the line is silent: for 20 ms, and
-    // where an answer may be under way for as long as that takes on the line. This counts against the
+    // where an answer may be under way for as long as that takes on the line, or for three quarters of the
+    // time-out. This counts against the
     // time-out of what is received next, of which half is left in any case. On a line that is not silent
     // within the time-out nothing is sent and nothing received until the next call.
     bool setOption(int key, const QVariant &value) override;

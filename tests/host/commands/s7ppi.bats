@@ -309,14 +309,18 @@ LINES
         start fake_controller "babble:$byte"
         run -5 --separate-stderr s7ppi read --port "$port" --retries 1 --timeout 300 VB0
         [ -z "$output" ]
-        [[ "${stderr_lines[0]}" =~ ^"s7ppi: VB0: the line is never silent: "[0-9]+" bytes in "[0-9]+" ms, such as $byte" ]]
-        [[ "${stderr_lines[1]}" == "hint: something keeps sending"* ]]
+        [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent" ]
+        [[ "${stderr_lines[1]}" =~ ^"hint: "[0-9]+" bytes in "[0-9]+" ms, as $byte".*": something keeps sending" ]]
         [ "${#stderr_lines[@]}" -eq 2 ]
     done
     start fake_controller babble:1005007c8116
     impatient VB0
     [ "$status" -eq 5 ]
-    [[ "${stderr_lines[0]}" == *" bytes in "*" ms, frames such as: poll of station 5: 10 05 00 7c 81 16" ]]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent; on it is a poll of station 5" ]
+    [[ "${stderr_lines[1]}" == "hint: "*" bytes in "*" ms, as 10 05 00 7c 81 16: something keeps sending"* ]]
+    run -5 --separate-stderr s7ppi watch --port "$port" --timeout 100 --retries 0 --interval 1 --count 3 VB0
+    [ "$(grep -c '^hint' <<<"$stderr")" -eq 1 ]
+    [[ "$stderr" == *"s7ppi: 3 times: the line is never silent; on it is a poll of station 5"* ]]
 }
 
 @test "5: a node that babbles behind a request is no echo, either" {

@@ -25,17 +25,16 @@ void TestLineNoise::itsBytesAreShown()
 {
     const Failure failure = noiseFailure({bytes("686868686868686868686868"), 512, 500});
     QCOMPARE(int(failure.code()), 5);
-    QCOMPARE(failure.text(),
-             QString("the line is never silent: 512 bytes in 500 ms, such as 68 68 68 68 68 68 68 68"));
-    QVERIFY(failure.hint().startsWith("something keeps sending"));
-    QVERIFY(noiseFailure({bytes("55"), 1, 40}).text().endsWith(": 1 byte in 40 ms, such as 55"));
+    QCOMPARE(failure.text(), QString("the line is never silent"));
+    QVERIFY(failure.hint().startsWith("512 bytes in 500 ms, as 68 68 68 68 68 68 68 68: something keeps"));
+    QVERIFY(noiseFailure({bytes("55"), 1, 40}).hint().startsWith("1 byte in 40 ms, as 55: "));
 }
 
 void TestLineNoise::aFrameInItTellsWhoSends()
 {
-    QCOMPARE(noiseFailure({bytes("5e16e51005007c8116e510"), 60, 100}).text(),
-             QString("the line is never silent: 60 bytes in 100 ms, frames such as: poll of station 5: "
-                     "10 05 00 7c 81 16"));
+    const Failure failure = noiseFailure({bytes("5e16e51005007c8116e510"), 60, 100});
+    QCOMPARE(failure.text(), QString("the line is never silent; on it is a poll of station 5"));
+    QVERIFY(failure.hint().startsWith("60 bytes in 100 ms, as 10 05 00 7c 81 16: something keeps sending"));
 }
 
 TEST_CLASS(TestLineNoise)

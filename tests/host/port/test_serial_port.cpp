@@ -142,6 +142,7 @@ private slots:
     void theFirstPurgeWaitsForWhatIsUnderWay();
     void aPurgeDoesNotWaitForeverForALineToFallSilent();
     void aLineThatIsNeverSilentCostsOneTimeoutAndNoMore();
+    void aLineWithGapsIsUsedAlsoBehindAnAnswerThatDidNotCome();
     void aPurgeOfACleanLineLeavesWhatComesThen();
     void otherOptionsAreRefused();
     void tellsRetriesStationAndDelay();
@@ -315,6 +316,22 @@ void TestSerialPort::aLineThatIsNeverSilentCostsOneTimeoutAndNoMore()
     }
     QCOMPARE(send(port, "e5"), 1);
     QCOMPARE(hex(line.read(1)), QString("e5"));
+}
+
+// Other masters speak, and at 300 baud the answer to the poll that is missing could take seconds.
+void TestSerialPort::aLineWithGapsIsUsedAlsoBehindAnAnswerThatDidNotCome()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), {300, kEvenParity, 8, 1}, {1000, 3, 2, 7});
+    QVERIFY(port.setOption(kClearInput, 0));
+    QCOMPARE(send(port, "10 02 00 5c 5e 16"), 6);
+    const Dribble dribble(line, 60);
+    const QDeadlineTimer patience(kPatience);
+    do {
+        QVERIFY(!patience.hasExpired());
+        QVERIFY(port.setOption(kClearInput, 0));
+    } while (port.noise());
+    QCOMPARE(send(port, "e5"), 1);
 }
 
 void TestSerialPort::aPurgeOfACleanLineLeavesWhatComesThen()
