@@ -3,6 +3,7 @@
 
 #include "host/driver/connection.h"
 
+#include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/driver/driver_fault.h"
@@ -224,7 +225,7 @@ void Connection::checkAnswer() const
     if (const std::optional<Shortage> &shortage = answerCheck.shortage())
         throw Failure(
             ExitCode::BrokenAnswer,
-            QString("the answer holds %1 of %2 bytes").arg(shortage->came).arg(shortage->asked),
+            filled("the answer holds %1 of %2 bytes", shortage->came, shortage->asked),
             "the controller sent less than it was asked for, and nothing of it counts: try a smaller count; "
             "-v shows the bytes");
 }

@@ -3,6 +3,7 @@
 
 #include "host/port/line_noise.h"
 
+#include "host/base/filled.h"
 #include "host/frames/explanation.h"
 #include "host/frames/words.h"
 #include "host/text/number_text.h"
@@ -34,12 +35,9 @@ Failure noiseFailure(const LineNoise &noise)
     return Failure(
         ExitCode::BrokenAnswer,
         "the line is never silent" + (frame.isEmpty() ? QString() : "; on it is a " + frameWords(frame)),
-        QString("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
+        filled("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
                 "stations off the line one by one, and check baud rate, parity, termination and "
-                "biasing")
-            .arg(counted(noise.count, "byte"))
-            .arg(noise.milliseconds)
-            .arg(QString::fromLatin1(shown.toHex(' '))));
+                "biasing", counted(noise.count, "byte"), noise.milliseconds, QString::fromLatin1(shown.toHex(' '))));
 }
 
 } // namespace host

@@ -373,7 +373,8 @@ VB106 00 00" ]
     sleep 0.2
     put press.dump
     [ "$status" -eq 0 ]
-    [ "${stderr_lines[0]}" = "s7ppi: $written of 1000 bytes were written by an earlier run; --restart begins anew" ]
+    [ "${stderr_lines[0]}" = "s7ppi: the dump is of a simulated controller" ]
+    [ "${stderr_lines[1]}" = "s7ppi: $written of 1000 bytes were written by an earlier run; --restart begins anew" ]
     [ ! -e press.dump.loading ]
 }
 

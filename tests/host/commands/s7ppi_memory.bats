@@ -34,11 +34,11 @@ ends_in_order() {
 
 # without_memory CHECK COMMAND...: at drawn moments. CHECK is run after each.
 without_memory() {
-    local check=$1 count seed=${S7PPI_SEED:-$RANDOM} moment i
+    local check=$1 count seed=${S7PPI_SEED:-$RANDOM} moment tried
     shift
     count=$(($(allocations "$@") * 9 / 10)) # it takes a few more or fewer each time
     RANDOM=$seed
-    for ((i = 0; i < moments; i++)); do
+    for ((tried = 0; tried < moments; tried++)); do
         moment=$(((RANDOM << 15 | RANDOM) % count + 1))
         run --separate-stderr limited "FAIL_AT=$moment" "$@"
         if ! ends_in_order "$status" "$stderr" || ! "$check"; then

@@ -337,13 +337,15 @@ has_lines() {
 @test "--rotate begins new files, --keep removes the oldest, and report reads each" {
     cd "$BATS_TEST_TMPDIR"
     s7ppi watch -q --port sim --all --interval 1 --count 80 --rotate 1k --keep 2 -o run.csv VB100
-    [ "$(echo run*.csv)" = "run.2.csv run.3.csv run.csv" ]
-    local file
-    for file in run*.csv; do
+    local -a files=(run*.csv)
+    local file last=${files[1]//[!0-9]/}
+    [ "$last" -ge 3 ]
+    [ "${files[*]}" = "run.$((last - 1)).csv run.$last.csv run.csv" ]
+    for file in "${files[@]}"; do
         [ "$(wc -c <"$file")" -le 1024 ]
         s7ppi report "$file" -o page.html
     done
-    cat run.2.csv run.3.csv run.csv | s7ppi report - -o page.html
+    cat "${files[@]}" | s7ppi report - -o page.html
     s7ppi watch -q --port sim --count 1 --rotate day -o day.ndjson VB100
     touch -d yesterday day.ndjson
     s7ppi watch -q --port sim --count 1 --rotate day -o day.ndjson VB100
