@@ -7,21 +7,22 @@
 #include "host/frames/words.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace host {
 
 namespace {
 
-QList<WireItem> itemsOfRead(const QByteArray &frame)
+std::vector<WireItem> itemsOfRead(const QByteArray &frame)
 {
-    QList<WireItem> items;
+    std::vector<WireItem> items;
     FieldReader reader(frame, kLongFrameCounted);
     const FrameFacts &facts = reader.facts;
     if (!readHeader(reader) || facts.messageType != kJob || !reader.read(parameterFields()) ||
         facts.function != kReadVariable)
         return items;
-    while (items.size() < facts.itemCount && reader.read(requestItemFields()))
-        items << facts.item;
+    while (int(items.size()) < facts.itemCount && reader.read(requestItemFields()))
+        items.push_back(facts.item);
     return items;
 }
 

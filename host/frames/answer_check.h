@@ -11,9 +11,9 @@
 #include "host/frames/wire.h"
 
 #include <QByteArray>
-#include <QList>
 
 #include <optional>
+#include <vector>
 
 namespace host {
 
@@ -36,7 +36,7 @@ public:
     const std::optional<Shortage> &shortage() const { return lack; }
 
 private:
-    QList<WireItem> asked;
+    std::vector<WireItem> asked;
     std::optional<Shortage> lack;
 };
 
