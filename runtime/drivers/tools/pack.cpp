@@ -317,10 +317,10 @@ int unpackBuffer(const unsigned char *buffer, const char *format, Arguments &arg
 
 int DataPack(unsigned char *buffer, const char *format, ...)
 {
-    Arguments arguments;
-    va_start(arguments.list, format);
-    const int written = packInBuffer(buffer, format, arguments);
-    va_end(arguments.list);
+    va_list values;
+    va_start(values, format);
+    const int written = VDataPack(buffer, format, values);
+    va_end(values);
     return written;
 }
 
@@ -335,10 +335,10 @@ int VDataPack(unsigned char *buffer, const char *format, va_list values)
 
 QByteArray ByteArrayPack(const char *format, ...)
 {
-    Arguments arguments;
-    va_start(arguments.list, format);
-    QByteArray packed = packInArray(format, arguments);
-    va_end(arguments.list);
+    va_list values;
+    va_start(values, format);
+    QByteArray packed = VByteArrayPack(format, values);
+    va_end(values);
     return packed;
 }
 
@@ -353,10 +353,10 @@ QByteArray VByteArrayPack(const char *format, va_list values)
 
 int DataUnpack(const unsigned char *buffer, const char *format, ...)
 {
-    Arguments arguments;
-    va_start(arguments.list, format);
-    const int consumed = unpackBuffer(buffer, format, arguments);
-    va_end(arguments.list);
+    va_list destinations;
+    va_start(destinations, format);
+    const int consumed = VDataUnpack(buffer, format, destinations);
+    va_end(destinations);
     return consumed;
 }
 

@@ -174,7 +174,7 @@ void TestSimulatorRefusals::jobIsRefused_data()
     row("one item of two", "32 01 0000 1234 000e 0000 04 02" + item, inconsistent);
     row("two items of one", "32 01 0000 1234 001a 0000 04 01" + item + item, inconsistent);
     row("255 items", "32 01 0000 1234 000e 0000 04 ff" + item, inconsistent);
-    row("specification", "32 01 0000 1234 000e 0000 04 01 13 0a 10 02 0001 0001 84 000320", inconsistent);
+    row("item specifier", "32 01 0000 1234 000e 0000 04 01 13 0a 10 02 0001 0001 84 000320", inconsistent);
     row("address length", "32 01 0000 1234 000e 0000 04 01 12 0b 10 02 0001 0001 84 000320", inconsistent);
     row("syntax", "32 01 0000 1234 000e 0000 04 01 12 0a 11 02 0001 0001 84 000320", inconsistent);
     row("read with data", "32 01 0000 1234 000e 0005 04 01" + item + "00 04 0008 01", inconsistent);
