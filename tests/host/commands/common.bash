@@ -63,3 +63,9 @@ byte_answer() {
 write_answer() {
     frame "$(printf '00020832030000%04x0002000100000501ff' "$1")"
 }
+
+# settings LINE...: a configuration file of these lines, in $settings.
+settings() {
+    settings=$BATS_TEST_TMPDIR/settings
+    printf '%s\n' "$@" >"$settings"
+}

@@ -513,32 +513,6 @@ interrupt() {
     wait "$reader" || status=$?
 }
 
-# interrupt_while_answered: a dump from $port that is stopped while an answer is under way.
-interrupt_while_answered() {
-    local trace=$BATS_TEST_TMPDIR/interrupted.trace
-    rm -f "$trace"
-    s7ppi dump --port "$port" -q --trace "$trace" -o "$BATS_TEST_TMPDIR/dump" VB0..VB999 3>&- &
-    local dump=$!
-    background+=("$dump")
-    eventually grep -qs " > 10 02 " "$trace"
-    kill -INT "$dump"
-    status=0
-    wait "$dump" || status=$?
-    [ "$status" -eq 130 ]
-}
-
-@test "the answer to a program that was interrupted is not taken for the next one's" {
-    start s7ppi-sim --pace 9600
-    interrupt_while_answered
-    run --separate-stderr s7ppi dump --port "$port" -q --retries 0 -o "$BATS_TEST_TMPDIR/dump" VB0..VB299 --restart
-    [ "$status" -eq 0 ]
-    interrupt_while_answered
-    run --separate-stderr s7ppi watch --port "$port" -q --interval 1 --count 3 --retries 0 VB100
-    [ "$status" -eq 0 ]
-    [[ "$output" == *" VB100 17" ]]
-    [ -z "$stderr" ]
-}
-
 @test "a signal ends a read that waits; what was read is printed" {
     interrupt TERM
     [ "$status" -eq 143 ]

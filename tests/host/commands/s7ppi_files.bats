@@ -15,19 +15,6 @@ enter_directory() {
     cd "$BATS_TEST_TMPDIR/directory" || return 1
 }
 
-@test "nothing but frames goes to the line when stdin, stdout and stderr are closed" {
-    enter_directory
-    start s7ppi-sim --trace sim.trace
-    run -1 bash -c "s7ppi --port '$port' read VB20000 VB100 <&- 2>&-"
-    [ "$output" = "VB100   17" ]
-    run -74 bash -c "s7ppi --port '$port' read VB100 VB20000 <&- >&- 2>&-"
-    run -74 --separate-stderr bash -c "s7ppi --port '$port' read VB100 <&- >&-"
-    [ "${stderr_lines[0]}" = "s7ppi: VB100: stdout takes no more data: Bad file descriptor" ]
-    run -2 --separate-stderr bash -c 's7ppi decode - <&-'
-    [ "${stderr_lines[0]}" = "s7ppi: stdin cannot be read: Bad file descriptor" ]
-    run ! grep -vE '^#| < | > (68 1b 1b 68 02 00 6c 32 01|10 02 00 5c 5e 16)' sim.trace
-}
-
 # refused MESSAGE S7PPI_ARGUMENT...: exit code 2 with this message, and no file is changed.
 refused() {
     local message=$1 before
@@ -138,26 +125,6 @@ without_room() {
     [ "${stderr_lines[0]}" = "s7ppi: @: no name is given" ]
     run -2 --separate-stderr s7ppi report ''
     [ "${stderr_lines[0]}" = "s7ppi: no name is given" ]
-}
-
-@test "a percent sign in a file's name is told as it is" {
-    local name=$BATS_TEST_TMPDIR/50%1%2%3.csv
-    printf 'name,address\nBoiler,VX1\n' >"$name"
-    run --separate-stderr s7ppi read --port sim "@$name"
-    [ "$status" -eq 2 ]
-    [[ "$stderr" == *"$name:2: "* ]]
-    run --separate-stderr s7ppi report "$name"
-    [ "$status" -eq 2 ]
-    [[ "$stderr" == *"$name:1: "* ]]
-    run --separate-stderr s7ppi decode --trace "$name"
-    [ "$status" -eq 2 ]
-    [[ "$stderr" == *"$name:1: "* ]]
-    run --separate-stderr s7ppi load --port sim "$name"
-    [ "$status" -eq 2 ]
-    [[ "$stderr" == *"$name:1: "* ]]
-    S7PPI_CONFIG=$name run --separate-stderr s7ppi read --port sim VB0
-    [ "$status" -eq 2 ]
-    [[ "$stderr" == *"$name:1: "* ]]
 }
 
 # gives_way SIGNAL CODE S7PPI_ARGUMENT...: a wait for a pipe through which nothing comes ends with one signal.

@@ -9,12 +9,6 @@
 
 load common
 
-# settings LINE...: a configuration file of these lines, in $settings.
-settings() {
-    settings=$BATS_TEST_TMPDIR/settings
-    printf '%s\n' "$@" >"$settings"
-}
-
 @test "options come from the command line, then the environment, then the file" {
     settings "# what this place always uses" "" "port = sim" "format = csv" "; another comment"
     run --separate-stderr s7ppi read --config "$settings" VB100
@@ -60,34 +54,6 @@ settings() {
     [[ "${stderr_lines[0]}" == "s7ppi: S7PPI_"*" excludes "* ]]
     S7PPI_QUIET=1 S7PPI_VERBOSE=1 run --separate-stderr s7ppi read -q --port sim VB100
     [ "$status" -eq 0 ]
-}
-
-@test "a usual format that a command does not have is left out, and told with -v" {
-    cd "$BATS_TEST_TMPDIR"
-    S7PPI_FORMAT=json run --separate-stderr s7ppi dump -v --port sim VB100..VB101 -o e.dump
-    [ "$status" -eq 0 ]
-    grep -qx "VB100 11 22" e.dump
-    [[ "$stderr" == *"s7ppi: the usual format json is left out: the data are text"* ]]
-    S7PPI_FORMAT=raw run --separate-stderr s7ppi load --port sim e.dump
-    [ "$status" -eq 0 ]
-    S7PPI_FORMAT=json run --separate-stderr s7ppi load --port sim e.dump
-    [ "$status" -eq 0 ]
-    S7PPI_FORMAT=json run --separate-stderr s7ppi load --dry-run e.dump
-    [ "$(jq -r .format <<<"$output")" = s7ppi.frames/1 ]
-    settings "format = raw"
-    run --separate-stderr s7ppi check -v --config "$settings" VB0
-    [ "$status" -eq 0 ]
-    [ "${lines[0]}" = "VB0" ]
-    [[ "$stderr" == *"s7ppi: the usual format raw is left out: the data are text"* ]]
-    S7PPI_FORMAT=raw run --separate-stderr s7ppi scan --port sim --stations 2 --timeout 5000
-    [[ "$output" == "station 2 at "* ]]
-    [ "$(S7PPI_FORMAT=raw s7ppi read --port sim 'VB100:u16' | od -An -tx1)" = " 11 22" ]
-    S7PPI_FORMAT=raw run --separate-stderr s7ppi read --port sim --format text VB100
-    [ "$output" = "VB100 17" ]
-    S7PPI_FORMAT=json run --separate-stderr s7ppi dump --port sim --format json VB0..VB9 -o f.dump
-    [ "$status" -eq 2 ]
-    S7PPI_FORMAT=xml run --separate-stderr s7ppi dump --port sim VB0..VB9 -o f.dump
-    [ "$status" -eq 2 ]
 }
 
 @test "the ending of a file's name wins over the usual format" {
@@ -156,12 +122,6 @@ LINES
     run --separate-stderr s7ppi read --config /no/such/file VB100
     [ "$status" -eq 2 ]
     [[ "${stderr_lines[0]}" == "s7ppi: /no/such/file cannot be read: "* ]]
-}
-
-@test "a file may begin with a byte order mark" {
-    settings $'\xef\xbb\xbfport = sim' "format = csv"
-    run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "${lines[1]}" = ",VB100,u8,0,17,,,1" ]
 }
 
 @test "2: a comment behind a setting is told as one" {

@@ -30,18 +30,6 @@ load common
     s7ppi report - <"$BATS_TEST_TMPDIR/log.csv" | sed 's/Watched: -/Watched: log.csv/' | cmp - "$BATS_TEST_TMPDIR/page"
 }
 
-@test "a record that was appended to another and cut at its end is taken with a warning" {
-    cd "$BATS_TEST_TMPDIR"
-    local head=time,name,address,type,index,value,unit,ms,error
-    printf '%s\n2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n' $head $head >log.csv
-    printf '2026-01-31T12:00:0' >>log.csv
-    run --separate-stderr s7ppi report log.csv -o page.html
-    [ "$status" -eq 0 ]
-    [ "$stderr" = "s7ppi: log.csv: 2 lines left out, headings that come again or lines that were cut" ]
-    grep -q '>VB0 ' page.html
-    run ! grep -q simulated page.html
-}
-
 @test "2: what is no record is told by its line, and leaves the page of before as it was" {
     cd "$BATS_TEST_TMPDIR"
     printf 'time,name,address,type,index,value,unit,ms,error\nyesterday,,VB0,u8,0,1,,5,\n' >log.csv
