@@ -34,6 +34,7 @@ QStringList optionNames(const CompletedCommand &command)
     return names;
 }
 
+// Words of a list that a shell splits at blanks. An option of two commands stands in it once.
 QString joinedOnce(QStringList names)
 {
     names.removeDuplicates();
@@ -77,6 +78,8 @@ _s7ppi() {
 complete -F _s7ppi s7ppi
 )";
 
+// What bash runs to complete the value of an option. ":" does nothing: a number or an address cannot be
+// guessed, and files must not be offered for it.
 QString bashValue(const CompletedOption &option)
 {
     switch (option.value) {
@@ -93,7 +96,8 @@ QString bashValue(const CompletedOption &option)
     return ":";
 }
 
-// The values of options; command is a pattern.
+// The branches of a case over "COMMAND OPTION", one for each option that takes a value. The pattern stands
+// for the command: its name in quotes, or * for options that every command has.
 QString bashValues(const CompletedCommand &command, const QString &pattern)
 {
     QString cases;
@@ -107,6 +111,7 @@ QString bashValues(const CompletedCommand &command, const QString &pattern)
     return cases;
 }
 
+// The branch for what is no option. Addresses are left to the user.
 QString bashArgument(const CompletedCommand &command)
 {
     QString line;
@@ -116,6 +121,7 @@ QString bashArgument(const CompletedCommand &command)
     return line;
 }
 
+// bash has to step over their values to find the command among the words.
 QStringList optionsWithValue(const Completion &completion)
 {
     QStringList names;
@@ -144,6 +150,7 @@ QString zshOption(const CompletedOption &option)
     return quoted('(' + option.names.join(' ') + ')') + '{' + option.names.join(',') + '}' + rest;
 }
 
+// "*:" lets the argument come as often as the user likes.
 QString zshArgument(const CompletedOption &argument)
 {
     if (argument.value == CompletedValue::Choice)
@@ -151,6 +158,7 @@ QString zshArgument(const CompletedOption &argument)
     return quoted(argument.value == CompletedValue::File ? "*:file:_files" : "*:value: ");
 }
 
+// The branch of a command. --help is among the common ones, and zsh refuses an option that comes twice.
 QString zshCommand(const CompletedCommand &command)
 {
     QStringList parts = {"_arguments $common"};
@@ -190,6 +198,7 @@ else
 fi
 )";
 
+// -r: a value has to follow; -x: and it is no file; -F: files are offered although the option says -r.
 QString fishValue(const CompletedOption &option)
 {
     switch (option.value) {
@@ -207,6 +216,7 @@ QString fishValue(const CompletedOption &option)
     return QString();
 }
 
+// fish wants the names without their hyphens, -l for long ones and -s for letters.
 QString fishNames(const QStringList &names)
 {
     QString text;
