@@ -236,13 +236,14 @@ void ScanCommand::tell(int baud, int station, const Answer &answer)
 {
     hasFound = hasFound || !answer.isBroken();
     progress.clear();
-    output.write({{"baud", baud},
-                  {"station", station},
-                  {"answer", jsonText(answer.kind)},
-                  {"milliseconds", answer.milliseconds},
-                  {"text", jsonText(answer.text)}},
-                 filled("station %1 at %2 baud%3: ", station, baud, options.isSimulated() ? " (simulated)" : "") +
-                     answer.text);
+    output.write(
+        {{"baud", baud},
+         {"station", station},
+         {"answer", jsonText(answer.kind)},
+         {"milliseconds", answer.milliseconds},
+         {"text", jsonText(answer.text)}},
+        filled("station %1 at %2 baud%3: ", station, baud, options.isSimulated() ? " (simulated)" : "") +
+            answer.text);
 }
 
 int scan(const Options &options, const ScanOptions &own)

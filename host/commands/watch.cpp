@@ -205,7 +205,8 @@ std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOpti
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
-    const QString title = filled("%1 every %2 ms, Ctrl-C ends", connection.marked(connection.portName()), intervalOf(own));
+    const QString title =
+        filled("%1 every %2 ms, Ctrl-C ends", connection.marked(connection.portName()), intervalOf(own));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));

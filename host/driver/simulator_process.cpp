@@ -60,8 +60,7 @@ std::vector<std::string> encoded(const QString &program, const QStringList &argu
 }
 
 // A system call, made again when a signal cuts it short.
-template <typename Call>
-auto repeated(const Call &call)
+template <typename Call> auto repeated(const Call &call)
 {
     auto result = call();
     while (result < 0 && errno == EINTR)

@@ -36,8 +36,9 @@ Failure noiseFailure(const LineNoise &noise)
         ExitCode::BrokenAnswer,
         "the line is never silent" + (frame.isEmpty() ? QString() : "; on it is a " + frameWords(frame)),
         filled("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
-                "stations off the line one by one, and check baud rate, parity, termination and "
-                "biasing", counted(noise.count, "byte"), noise.milliseconds, QString::fromLatin1(shown.toHex(' '))));
+               "stations off the line one by one, and check baud rate, parity, termination and "
+               "biasing",
+               counted(noise.count, "byte"), noise.milliseconds, QString::fromLatin1(shown.toHex(' '))));
 }
 
 } // namespace host
