@@ -15,12 +15,13 @@ if(NOT S7PPI_CCACHE)
   return()
 endif()
 
-# The language of messages does not count: packages are built in another one. A precompiled header is as new as
-# the build: what counts is its contents, which ccache remembers by inode, because they are large. Depend mode
-# takes the headers of a file from the compiler's own list, which ninja needs anyway, and not from one more run
-# of the preprocessor.
+# The language of messages does not count: packages are built in another one. Contents of headers are remembered by
+# inode, because precompiled ones are large. Depend mode takes the headers of a file from the compiler's own list,
+# which ninja needs anyway, and not from one more run of the preprocessor. It looks at them when the file is
+# compiled; so the times of headers must count (no include_file_mtime, no include_file_ctime): a header that was
+# edited meanwhile would stand for the one that was compiled, and the wrong object would be found for it ever after.
 set(CMAKE_CXX_COMPILER_LAUNCHER
   env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_DEPEND=1 CCACHE_INODECACHE=1
-  CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime,locale
+  CCACHE_SLOPPINESS=pch_defines,time_macros,locale
   ${PROJECT_SOURCE_DIR}/cmake/compile-cached ${S7PPI_CCACHE}
 )
