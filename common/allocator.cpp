@@ -12,9 +12,11 @@
 
 extern "C" {
 // The C library's own, under the names that nobody replaces.
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier,bugprone-reserved-identifier,cert-dcl*)
 void *__libc_malloc(size_t size);
 void *__libc_calloc(size_t count, size_t size);
 void *__libc_realloc(void *memory, size_t size);
+// NOLINTEND(clang-diagnostic-reserved-identifier,bugprone-reserved-identifier,cert-dcl*)
 }
 
 namespace common {

@@ -40,7 +40,7 @@ QByteArray readFile(const QString &name, const QString &hint, qint64 largest)
 
 QByteArray readTextFile(const QString &name, const QString &hint, qint64 largest)
 {
-    const QByteArray text = readFile(name, hint, largest);
+    QByteArray text = readFile(name, hint, largest);
     checkLines(name, text);
     return text;
 }

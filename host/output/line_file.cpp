@@ -242,7 +242,7 @@ void LineFile::append(const QByteArray &text)
     if (file.write(text) != text.size()) {
         const Failure failure = lost();
         static_cast<void>(file.resize(size));
-        throw failure;
+        throw Failure(failure);
     }
     size += text.size();
     lastDay = QDate::currentDate();

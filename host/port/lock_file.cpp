@@ -75,7 +75,7 @@ QString lockFileOf(const QString &device)
 {
     const QString name = device.startsWith("/dev/") ? device.mid(5) : device;
     for (const char *const directory : kDirectories) {
-        const QString lockFile = QString(directory) + "/LCK.." + QString(name).replace('/', '_');
+        QString lockFile = QString(directory) + "/LCK.." + QString(name).replace('/', '_');
         const QFileInfo place(directory);
         if (place.isReadable() && (QFile::exists(lockFile) || place.isWritable()))
             return lockFile;

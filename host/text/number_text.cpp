@@ -26,7 +26,7 @@ template <typename Number> int placesOf(Number number)
     const size_t e = text.find('e');
     const size_t point = text.find('.');
     const int behindPoint = point == std::string_view::npos ? 0 : int(e - point - 1);
-    const int exponent = std::atoi(std::string(text.substr(e + 1)).c_str());
+    const int exponent = int(std::strtol(std::string(text.substr(e + 1)).c_str(), nullptr, 10));
     return std::max(behindPoint - exponent, 0);
 }
 
