@@ -11,12 +11,10 @@
 #include <dlfcn.h>
 
 extern "C" {
-// The C library's own, under the names that nobody replaces.
-// NOLINTBEGIN(clang-diagnostic-reserved-identifier,bugprone-reserved-identifier,cert-dcl*)
-void *__libc_malloc(size_t size);
-void *__libc_calloc(size_t count, size_t size);
-void *__libc_realloc(void *memory, size_t size);
-// NOLINTEND(clang-diagnostic-reserved-identifier,bugprone-reserved-identifier,cert-dcl*)
+// The C library's own, by the names that nobody replaces.
+void *libraryMalloc(size_t size) __asm__("__libc_malloc");
+void *libraryCalloc(size_t count, size_t size) __asm__("__libc_calloc");
+void *libraryRealloc(void *memory, size_t size) __asm__("__libc_realloc");
 }
 
 namespace common {
@@ -51,19 +49,19 @@ extern "C" {
 
 __attribute__((visibility("default"))) void *malloc(size_t size)
 {
-    void *const memory = common::nextAllocator("malloc", __libc_malloc)(size);
+    void *const memory = common::nextAllocator("malloc", libraryMalloc)(size);
     return common::memoryOrEnd(memory, size);
 }
 
 __attribute__((visibility("default"))) void *calloc(size_t count, size_t size)
 {
-    void *const memory = common::nextAllocator("calloc", __libc_calloc)(count, size);
+    void *const memory = common::nextAllocator("calloc", libraryCalloc)(count, size);
     return common::memoryOrEnd(memory, count && size);
 }
 
 __attribute__((visibility("default"))) void *realloc(void *before, size_t size)
 {
-    void *const memory = common::nextAllocator("realloc", __libc_realloc)(before, size);
+    void *const memory = common::nextAllocator("realloc", libraryRealloc)(before, size);
     return common::memoryOrEnd(memory, size);
 }
 }

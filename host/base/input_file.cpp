@@ -119,7 +119,7 @@ std::unique_ptr<InputFile> inputNamed(const QString &fileName, qint64 largest)
 QString limitText(qint64 bytes)
 {
     constexpr qint64 kMebi = 1 << 20;
-    return bytes % kMebi ? QString("%1 KiB").arg(bytes / 1024) : QString("%1 MiB").arg(bytes / kMebi);
+    return bytes % kMebi != 0 ? QString("%1 KiB").arg(bytes / 1024) : QString("%1 MiB").arg(bytes / kMebi);
 }
 
 } // namespace host

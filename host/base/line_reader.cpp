@@ -49,8 +49,8 @@ bool LineReader::fill()
 void checkLines(const QString &name, const QByteArray &text)
 {
     LineReader lines(name, text);
-    while (lines.next())
-        continue;
+    while (lines.next()) {
+    }
 }
 
 } // namespace host
