@@ -86,8 +86,9 @@ state_is_true() {
     s7ppi dump -q VB0..VB999 -o press.dump
     sed -i '/^VB/s/ [0-9a-f][0-9a-f]/ 5a/g' press.dump
     killed state_is_true load press.dump
-    for ((i = 0; i < 20 && went_on == 0; i++)); do
-        killed_at 0.1 load press.dump
+    for ((i = 0; i < 40 && went_on == 0; i++)); do
+        # Every other time later than the last: in an emulator it takes long to begin.
+        killed_at "$(printf '%d.%d' $((i % 2 * i / 10)) $((i % 2 ? i % 10 : 1)))" load press.dump
         state_is_true
         [ ! -e press.dump.loading ] || went_on=1
     done
