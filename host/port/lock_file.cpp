@@ -94,16 +94,22 @@ PortOpening::~PortOpening()
         close(directory);
 }
 
+// Qt removes a lock file that nobody holds under a lock of its own, which a kill may leave, too.
 bool PortOpening::removeLeftLock() const
 {
+    return removeLeft(lockFile + ".rmlock") && removeLeft(lockFile);
+}
+
+bool PortOpening::removeLeft(const QString &file) const
+{
     // Without the directory's lock the file may be another s7ppi's, which has just made it.
-    const int descriptor = directory >= 0 ? heldLeftLock(lockFile) : -1;
+    const int descriptor = directory >= 0 ? heldLeftLock(file) : -1;
     if (descriptor < 0)
         return true;
-    const bool isRemoved = unlink(QFile::encodeName(lockFile).constData()) == 0;
+    const bool isRemoved = unlink(QFile::encodeName(file).constData()) == 0;
     close(descriptor);
     if (isRemoved)
-        reportNote(lockFile +
+        reportNote(file +
                    " was empty and held by nobody: a program that was killed left it, and it is removed");
     return isRemoved;
 }

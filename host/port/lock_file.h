@@ -30,6 +30,8 @@ public:
     bool removeLeftLock() const;
 
 private:
+    bool removeLeft(const QString &file) const;
+
     QString lockFile;
     int directory; // open and locked; -1 when that does not work
 };

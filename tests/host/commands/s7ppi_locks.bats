@@ -101,3 +101,15 @@ only_one_left() {
     done
     [ "$count" -eq 1 ]
 }
+
+@test "a lock that a kill left while the lock file was removed is removed, too" {
+    start s7ppi-sim
+    local name=${port#/dev/}
+    local left=/var/lock/LCK..${name//\//_}.rmlock
+    : >"$left"
+    run --separate-stderr s7ppi read --port "$port" VB100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17" ]
+    [[ "$stderr" == *"$left was empty and held by nobody"* ]]
+    [ ! -e "$left" ]
+}
