@@ -350,8 +350,6 @@ load common
     [ ! -L plc ]
 }
 
-
-
 @test "74: help and version that cannot be told" {
     local option
     for option in --help --version; do
@@ -360,21 +358,6 @@ load common
         [[ ${stderr_lines[1]} == 'hint: '* ]]
         run -74 --separate-stderr bash -c "s7ppi-sim $option >&-"
     done
-}
-
-@test "the line never takes the place of a closed stdin, stdout or stderr" {
-    run -74 bash -c 'exec timeout 10 s7ppi-sim --link plc <&- >&- 2>&-'
-    [ ! -L plc ]
-    s7ppi-sim --link plc -v <&- >/dev/null 2>&- 3>&- &
-    simulator=$!
-    local i
-    for ((i = 0; i < 600; i++)); do
-        [ -L plc ] && break
-        sleep 0.05
-    done
-    [ "$(readlink "/proc/$simulator/fd/0" "/proc/$simulator/fd/2" | uniq)" = /dev/null ]
-    exec {line}<>plc
-    [ "$(exchange)" = e5$answer ]
 }
 
 @test "a memory file without end is not read to the end" {
