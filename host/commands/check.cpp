@@ -21,6 +21,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace host {
 
@@ -70,8 +71,8 @@ std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
 
 ItemCheck checkOf(const Item &item, const DryRun &frames)
 {
-    const QList<ReadRequest> requests = planRead(item).requests;
-    return {int(requests.size()), frames.ofRead(requests.first().command).first(),
+    const std::vector<PlannedRequest> requests = planRead(item).requests;
+    return {int(requests.size()), frames.ofRead(requests.front().command).first(),
             writeRefusal(item, frames)};
 }
 

@@ -12,16 +12,14 @@ namespace host {
 
 const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};
 
-DryRunOutput::DryRunOutput(const DriverOptions &options, Output &output_) : output(output_), requests(options)
-{
-}
+DryRunOutput::DryRunOutput(const Options &options, Output &output_) : output(output_), requests(options) {}
 
 void DryRunOutput::write(const WriteRequest &request) const
 {
     print(requests.ofWrite(request));
 }
 
-void DryRunOutput::read(const ReadRequest &request) const
+void DryRunOutput::read(const PlannedRequest &request) const
 {
     print(requests.ofRead(request.command));
 }

@@ -22,11 +22,14 @@ class DryRunOutput
 {
 public:
     // The output must outlive it.
-    DryRunOutput(const DriverOptions &options, Output &output);
+    DryRunOutput(const Options &options, Output &output);
 
     // These print the frames of a request. Both fail when the driver refuses the request and sends nothing.
     void write(const WriteRequest &request) const;
-    void read(const ReadRequest &request) const;
+    void read(const PlannedRequest &request) const;
+
+    // The line that the requests would be sent on.
+    LineSettings line() const { return requests.line(); }
 
 private:
     void print(const QList<QByteArray> &frames) const;

@@ -8,9 +8,10 @@
 #include "host/base/interruption.h"
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
+#include "host/commands/plan_options.h"
 #include "host/commands/progress_notes.h"
 #include "host/driver/connection.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "host/dump/partial_dump.h"
 #include "host/items/memory_range.h"
 #include "host/output/output.h"
@@ -29,6 +30,7 @@ struct DumpOptions
 {
     QString range;
     bool restart = false; // forget what an earlier run has read
+    PlanOptions plan;
 };
 
 const char kFooter[] = R"(
@@ -93,15 +95,15 @@ void leave(PartialDump &part, Progress &progress, const QString &what)
 }
 
 // Reads the rest of the range. A failure names the block that was being read.
-void readRest(Connection &connection, PartialDump &part, Progress &progress)
+void readRest(Connection &connection, PartialDump &part, Progress &progress, const PlanLimits &limits)
 {
     const Item &range = part.dump().range;
     const int index = int(part.dump().data.size()) / range.valueSize();
     if (index == range.count)
         return;
-    for (const Item &block : readBlocks(partOf(range, index, range.count - index))) {
+    for (const Item &block : readBlocks(partOf(range, index, range.count - index), limits)) {
         try {
-            part.append(readItem(connection, block));
+            part.append(readItem(connection, block, limits));
         } catch (const Failure &failure) {
             throw failure.about(rangeText(block));
         }
@@ -109,7 +111,8 @@ void readRest(Connection &connection, PartialDump &part, Progress &progress)
     }
 }
 
-void readAll(Connection &connection, PartialDump &part, const OutputOptions &options)
+void readAll(Connection &connection, PartialDump &part, const OutputOptions &options,
+             const PlanLimits &limits)
 {
     const Dump &dump = part.dump();
     const qint64 before = dump.data.size();
@@ -119,7 +122,7 @@ void readAll(Connection &connection, PartialDump &part, const OutputOptions &opt
                       {connection.marked(rangeText(dump.range)), "bytes", dump.range.size(), before, before});
     const Connection::MessageRedirect notes = notesAbove(progress, connection);
     try {
-        readRest(connection, part, progress);
+        readRest(connection, part, progress, limits);
     } catch (const Failure &failure) {
         const bool isRefused = failure.code() == ExitCode::Refused;
         leave(part, progress, isRefused ? "a range that ends earlier" : "the same command");
@@ -138,7 +141,7 @@ int dumpRange(const Options &options, const DumpOptions &own)
     const QString name = checkedFile(options, range);
     Connection connection(options);
     PartialDump part(partName(name), {range, connection.stationId(), connection.portLabel()}, own.restart);
-    readAll(connection, part, options);
+    readAll(connection, part, options, own.plan.limits());
 
     Dump dump = part.dump();
     dump.isSimulated = connection.isSimulated();
@@ -158,6 +161,7 @@ void declareDump(CLI::App &app, CommandLine &line)
                                 [own](const Options &options) { return dumpRange(options, *own); });
     addText(*dump, "range", own->range, "RANGE", "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file");
     addFlag(*dump, "--restart", own->restart, "Begin anew, whatever an earlier run has read");
+    addBlockOption(*dump, own->plan);
     setFooter(*dump, kFooter);
 }
 

@@ -10,9 +10,10 @@
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
+#include "host/commands/plan_options.h"
 #include "host/commands/progress_notes.h"
 #include "host/driver/connection.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "host/driver/write_plan.h"
 #include "host/dump/dump_file.h"
 #include "host/dump/load_state.h"
@@ -39,6 +40,7 @@ struct LoadOptions
     bool verify = false;           // read everything back and compare it
     bool dryRun = false;           // print the frames on stdout and send nothing
     bool restart = false;          // forget how far an earlier run came
+    PlanOptions plan;              // of what is read back
 };
 
 const char kFooter[] = R"(
@@ -129,8 +131,8 @@ class LoadCommand
 {
 public:
     LoadCommand(Connection &connection_, const Load &load_, const LoadState &state_,
-                const OutputOptions &options_)
-        : connection(connection_), load(load_), state(state_), options(options_)
+                const OutputOptions &options_, const PlanLimits &limits_)
+        : connection(connection_), load(load_), state(state_), options(options_), limits(limits_)
     {
     }
 
@@ -151,6 +153,7 @@ private:
     const Load &load;
     const LoadState &state;
     const OutputOptions &options;
+    PlanLimits limits;
     int written = 0;
     std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
 };
@@ -267,7 +270,7 @@ Differences LoadCommand::compare(const Item &range, Progress &progress, bool onl
 {
     Differences differences;
     int offset = 0;
-    for (const Item &block : readBlocks(range)) {
+    for (const Item &block : readBlocks(range, limits)) {
         const QByteArray wanted = load.data.mid(offset, block.size());
         addDifferences(differences, block, offset, compareValues(block, wanted, readBlock(block)));
         if (onlyFirst && differences.count > 0)
@@ -281,13 +284,13 @@ Differences LoadCommand::compare(const Item &range, Progress &progress, bool onl
 QByteArray LoadCommand::readBlock(const Item &block) const
 {
     try {
-        return readItem(connection, block);
+        return readItem(connection, block, limits);
     } catch (const Failure &failure) {
         throw failure.about(rangeText(block));
     }
 }
 
-int dryRunLoad(Options options, const Load &load, bool verify)
+int dryRunLoad(Options options, const LoadOptions &own, const Load &load)
 {
     if (options.format == "raw") // says what the file is
         options.format.reset();
@@ -295,8 +298,8 @@ int dryRunLoad(Options options, const Load &load, bool verify)
     const DryRunOutput dryRun(options, output);
     for (const WriteRequest &request : planWrite(load.target, load.data))
         dryRun.write(request);
-    if (verify)
-        for (const ReadRequest &request : planRead(load.target).requests)
+    if (own.verify)
+        for (const PlannedRequest &request : planRead(load.target, own.plan.limits()).requests)
             dryRun.read(request);
     output.finish();
     return int(ExitCode::Success);
@@ -314,7 +317,7 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
     if (load.isSimulated && !connection.isSimulated())
         reportNote("the dump is of a simulated controller");
     const LoadState state(stateName, load.target, station, load.data);
-    LoadCommand command(connection, load, state, options);
+    LoadCommand command(connection, load, state, options, own.plan.limits());
     command.write(own.restart);
     if (own.verify)
         command.verify();
@@ -325,7 +328,7 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
 int loadFile(const Options &options, const LoadOptions &own)
 {
     const Load load = loadOf(options, own);
-    return own.dryRun ? dryRunLoad(options, load, own.verify) : writeLoad(options, own, load);
+    return own.dryRun ? dryRunLoad(options, own, load) : writeLoad(options, own, load);
 }
 
 } // namespace
@@ -340,6 +343,7 @@ void declareLoad(CLI::App &app, CommandLine &line)
     addFlag(*load, "--verify", own->verify, "Read everything back; exit with 8 when it is different");
     addFlag(*load, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
     addFlag(*load, "--restart", own->restart, "Begin anew, however far an earlier run came");
+    addBlockOption(*load, own->plan);
     setFooter(*load, kFooter);
 }
 

@@ -6,8 +6,9 @@
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/commands/item_run.h"
+#include "host/commands/plan_options.h"
 #include "host/driver/connection.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "host/items/tag.h"
 #include "host/items/tag_file.h"
 #include "host/output/output.h"
@@ -30,35 +31,48 @@ const char kFooter[] = R"(
 
 @FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
 the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
-@FILE:NAME is one of them.)";
+@FILE:NAME is one of them.
+
+Neighbours are read together, with the gap between them, where that is quicker than asking
+twice; s7ppi check shows the requests. A request that the controller refuses is taken apart
+into its items.)";
+
+struct ReadOptions
+{
+    QStringList items;
+    PlanOptions plan;
+};
 
 class ReadCommand
 {
 public:
-    ReadCommand(const Options &options, const std::vector<Tag> &tags_)
-        : tags(tags_), output(options, withSource(kSchema, options)), lines(tags), connection(options)
+    ReadCommand(const Options &options, const std::vector<Tag> &tags_, const PlanLimits &limits)
+        : tags(tags_), output(options, withSource(kSchema, options)), lines(tags), connection(options),
+          reader(connection, itemsOf(tags), limits)
     {
     }
 
     int run();
 
 private:
-    void read(const Tag &tag);
+    void read(int index);
 
     const std::vector<Tag> &tags;
     Output output;
     TextLines lines;
     Connection connection;
+    PlanReader reader;
 };
 
 int ReadCommand::run()
 {
-    return runItems(tags, output, [this](int index) { read(tags[size_t(index)]); });
+    return runItems(tags, output, [this](int index) { read(index); });
 }
 
-void ReadCommand::read(const Tag &tag)
+void ReadCommand::read(int index)
 {
-    const QByteArray data = readItem(connection, tag.item);
+    const Tag &tag = tags[size_t(index)];
+    const QByteArray data = reader.read(index);
     if (output.format() == Format::Raw) {
         output.writeRaw(data);
         return;
@@ -68,24 +82,25 @@ void ReadCommand::read(const Tag &tag)
 }
 
 // All texts must be right before the first item is read.
-int readItems(const Options &options, const QStringList &texts)
+int readItems(const Options &options, const ReadOptions &own)
 {
     Outcome outcome;
-    const std::vector<Tag> tags = parseTags(texts, outcome);
+    const std::vector<Tag> tags = parseTags(own.items, outcome);
     if (!outcome.isSuccess())
         return outcome.exitCode();
-    return ReadCommand(options, tags).run();
+    return ReadCommand(options, tags, own.plan.limits()).run();
 }
 
 } // namespace
 
 void declareRead(CLI::App &app, CommandLine &line)
 {
-    const auto items = std::make_shared<QStringList>();
+    const auto own = std::make_shared<ReadOptions>();
     CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
-                                [items](const Options &options) { return readItems(options, *items); });
-    addItems(*read, *items,
+                                [own](const Options &options) { return readItems(options, *own); });
+    addItems(*read, own->items,
              "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
+    addPlanOptions(*read, own->plan);
     setFooter(*read, QString(kTypesFooter) + kFooter);
 }
 

@@ -1,15 +1,15 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
-#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
+#include "host/commands/plan_options.h"
 #include "host/driver/connection.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "host/items/tag_file.h"
 #include "host/watch/notes_view.h"
 #include "host/watch/plot_view.h"
@@ -42,6 +42,7 @@ struct WatchOptions
     std::optional<int> span;       // minutes that they show
     std::optional<QString> rotate; // when the file of -o moves out of the way
     std::optional<int> keep;       // how many files that did so stay
+    PlanOptions plan;
 };
 
 const char kFooter[] = R"(
@@ -75,7 +76,7 @@ using Views = std::vector<View *>;
 class WatchCommand
 {
 public:
-    WatchCommand(Connection &connection, Watch &watch, const Views &views);
+    WatchCommand(Connection &connection, Watch &watch, const Views &views, const PlanLimits &limits);
 
     void poll();
     void pauseUntil(const QDeadlineTimer &due);
@@ -83,9 +84,8 @@ public:
     ExitCode firstFailure() const { return outcome.code(); }
 
 private:
-    void poll(WatchedItem &item);
-    Reading readingOf(WatchedItem &item);
-    QByteArray read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest);
+    void run(int request);
+    void take(int index);
     void noteFailure(WatchedItem &item, const Failure &failure);
 
     Connection &connection;
@@ -93,65 +93,73 @@ private:
     const Views &views;
     Outcome outcome;
     const Connection::MessageRedirect redirect;
+    PlanReader reader;
 };
 
-WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const Views &views_)
-    : connection(connection_), watch(watch_), views(views_),
-      redirect(connection, [this](const QString &text) {
-          for (View *view : views)
-              view->tell(watch, text);
-      })
+std::vector<Item> itemsOf(const Watch &watch)
 {
+    std::vector<Item> items;
+    for (const WatchedItem &item : watch.items)
+        items.push_back(item.tag.item);
+    return items;
 }
 
+WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const Views &views_,
+                           const PlanLimits &limits)
+    : connection(connection_), watch(watch_), views(views_), redirect(connection,
+                                                                      [this](const QString &text) {
+                                                                          for (View *view : views)
+                                                                              view->tell(watch, text);
+                                                                      }),
+      reader(connection, itemsOf(watch), limits)
+{
+    reader.setAnswerNote(
+        [this](WatchDuration time, std::chrono::nanoseconds /*expected*/) { watch.answerTimes.add(time); });
+}
+
+// The items are told in their order, each as soon as it and all before it are there.
 void WatchCommand::poll()
 {
-    for (WatchedItem &item : watch.items)
-        poll(item);
+    reader.begin();
+    int told = 0;
+    for (int request = 0; request < int(reader.plan().requests.size()); ++request) {
+        run(request);
+        while (told < int(watch.items.size()) && reader.isDone(told))
+            take(told++);
+    }
     ++watch.polls;
 }
 
-void WatchCommand::poll(WatchedItem &item)
+void WatchCommand::run(int request)
 {
-    Reading reading = {};
+    const int before = connection.requestCount();
     try {
-        reading = readingOf(item);
+        reader.run(request);
+    } catch (const Failure &failure) {
+        const int index = reader.plan().requests[size_t(request)].parts.front().item;
+        WatchedItem &item = watch.items[size_t(index)];
+        item.attempts += connection.requestCount() - before;
+        noteFailure(item, failure);
+    }
+}
+
+void WatchCommand::take(int index)
+{
+    WatchedItem &item = watch.items[size_t(index)];
+    const ItemReading &reading = reader.reading(index);
+    item.attempts += reading.attempts;
+    Reading values = {{}, reading.answerTime, reading.time};
+    try {
+        if (reading.failure)
+            throw Failure(*reading.failure);
+        values.values = decodeValues(item.tag.item, reading.data);
     } catch (const Failure &failure) {
         noteFailure(item, failure);
         return;
     }
-    const WatchNews news = item.answered(shownText(item.tag, reading.values), Clock::now());
+    const WatchNews news = item.answered(shownText(item.tag, values.values), Clock::now());
     for (View *view : views)
-        view->answered(watch, item, reading, news);
-}
-
-Reading WatchCommand::readingOf(WatchedItem &item)
-{
-    Reading reading = {};
-    const ReadFunction function = [&](const CommunicatorCommand &command) {
-        return read(command, item, reading.answerTime);
-    };
-    reading.values = decodeValues(item.tag.item, readItem(item.tag.item, function));
-    return reading;
-}
-
-QByteArray WatchCommand::read(const CommunicatorCommand &command, WatchedItem &item, WatchDuration &slowest)
-{
-    struct AttemptCount
-    {
-        ~AttemptCount() { item.attempts += connection.requestCount() - before; }
-
-        const Connection &connection;
-        WatchedItem &item;
-        int before;
-    };
-    const AttemptCount count = {connection, item, connection.requestCount()};
-    const Clock::time_point start = Clock::now();
-    QByteArray data = connection.read(command);
-    const WatchDuration time = Clock::now() - start;
-    slowest = std::max(slowest, time);
-    watch.answerTimes.add(time);
-    return data;
+        view->answered(watch, item, values, news);
 }
 
 void WatchCommand::noteFailure(WatchedItem &item, const Failure &failure)
@@ -249,7 +257,7 @@ End watchItems(Connection &connection, Watch &watch, std::unique_ptr<View> peopl
     Views views = {people.get()};
     if (record)
         views.push_back(record);
-    WatchCommand command(connection, watch, views);
+    WatchCommand command(connection, watch, views, own.plan.limits());
     try {
         pollUntilDone(command, watch, own);
     } catch (const Interrupted &) { // the usual end
@@ -313,6 +321,7 @@ void declareWatch(CLI::App &app, CommandLine &line)
     tie(*keep, *rotate);
     tie(*select, *plot);
     tie(*span, *plot);
+    addPlanOptions(*watch, own->plan);
     setFooter(*watch, QString(kTypesFooter) + kFooter);
 }
 

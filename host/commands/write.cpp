@@ -9,9 +9,10 @@
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
 #include "host/commands/item_run.h"
+#include "host/commands/plan_options.h"
 #include "host/driver/connection.h"
 #include "host/driver/dry_run.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "host/driver/write_plan.h"
 #include "host/items/assignment.h"
 #include "host/items/read_back.h"
@@ -23,7 +24,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace host {
@@ -35,6 +38,7 @@ struct WriteOptions
     QStringList items;
     bool verify = false; // read back what was written, print it, and fail when it is something else
     bool dryRun = false; // print the frames on stdout and send nothing
+    PlanOptions plan;    // of what is read back
 };
 
 // The form of the data: what was written, or with --verify what was read back.
@@ -54,7 +58,8 @@ Values
 All items are checked before anything is sent, and when the driver refuses one nothing is.
 Nothing is printed unless --verify or --dry-run is given. Long items go in several requests:
 one that fails tells how much had been written. Values that do not fill whole elements of the
-address, as VW10:u8=1, are written as bytes: no byte changes that was not named.)";
+address, as VW10:u8=1, are written as bytes: no byte changes that was not named. --verify
+reads back when all items are written, or before one is written again.)";
 
 QString progress(const Item &item, int written)
 {
@@ -99,51 +104,113 @@ std::vector<Tag> tagsOf(const std::vector<Assignment> &assignments)
     return tags;
 }
 
+// Items are read back when as many are written as do not touch each other: what is written twice is read back
+// in between. Returns the index behind the last of those that begin with the first.
+size_t batchEnd(const std::vector<Item> &items, size_t first)
+{
+    size_t end = first + 1;
+    const auto touches = [&](const Item &item) { return shareAPlace(item, items[end]); };
+    while (end < items.size() &&
+           std::none_of(items.cbegin() + ptrdiff_t(first), items.cbegin() + ptrdiff_t(end), touches))
+        ++end;
+    return end;
+}
+
+// Writes items, and reads them back when that is wanted.
 class WriteCommand
 {
 public:
-    WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_, bool verify_)
-        : options(options_), assignments(assignments_), tags(tagsOf(assignments)), verify(verify_),
-          output(options, withSource(kSchema, options)), lines(tags), connection(options)
+    WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_,
+                 const WriteOptions &own_)
+        : options(options_), own(own_), assignments(assignments_), tags(tagsOf(assignments)),
+          items(itemsOf(tags)), output(options, withSource(kSchema, options)), lines(tags),
+          connection(options)
     {
     }
 
     int run();
 
 private:
-    void write(const Assignment &assignment);
-    void readBack(const Assignment &assignment);
+    // Items that are read back together, and why some of them could not be written.
+    struct Batch
+    {
+        int first = 0;
+        int end = 0;
+        std::vector<std::optional<Failure>> failures;
+        std::unique_ptr<PlanReader> reader;
+    };
+
+    void write(int index);
+    void writeBatch(int first);
+    void writeAndNote(const Assignment &assignment);
+    void readBack(int index);
 
     const Options &options;
+    const WriteOptions &own;
     const std::vector<Assignment> &assignments;
     std::vector<Tag> tags;
-    bool verify;
+    std::vector<Item> items;
     Output output;
     TextLines lines;
     Connection connection;
+    Batch batch;
 };
 
 int WriteCommand::run()
 {
-    return runItems(tags, output, [this](int index) { write(assignments[size_t(index)]); });
+    return runItems(tags, output, [this](int index) { write(index); });
 }
 
-void WriteCommand::write(const Assignment &assignment)
+void WriteCommand::write(int index)
 {
-    const Tag &tag = assignment.tag;
+    const Assignment &assignment = assignments[size_t(index)];
+    if (!own.verify) {
+        writeAndNote(assignment);
+        output.writeUnlessText(tagRecord(assignment.tag, decodeValues(assignment.tag.item, assignment.data)));
+        return;
+    }
+    if (index == batch.end)
+        writeBatch(index);
+    readBack(index);
+}
+
+void WriteCommand::writeAndNote(const Assignment &assignment)
+{
     writeItem(assignment, connection);
+    const Item &item = assignment.tag.item;
     if (options.verbose)
-        reportNote(tag.label() + ": " + progress(tag.item, tag.item.count));
-    if (verify)
-        readBack(assignment);
-    else
-        output.writeUnlessText(tagRecord(tag, decodeValues(tag.item, assignment.data)));
+        reportNote(assignment.tag.label() + ": " + progress(item, item.count));
 }
 
-void WriteCommand::readBack(const Assignment &assignment)
+// When the port is lost nothing more is written; each item of the batch is told then.
+void WriteCommand::writeBatch(int first)
 {
+    const int end = int(batchEnd(items, size_t(first)));
+    batch = {first, first, {}, nullptr};
+    bool isOver = false;
+    while (batch.end < end && !isOver) {
+        std::optional<Failure> failure;
+        try {
+            writeAndNote(assignments[size_t(batch.end)]);
+        } catch (const Failure &reason) {
+            failure = reason;
+            isOver = reason.isFinal();
+        }
+        batch.failures.push_back(failure);
+        ++batch.end;
+    }
+    const std::vector<Item> written(items.cbegin() + first, items.cbegin() + batch.end);
+    batch.reader = std::make_unique<PlanReader>(connection, written, own.plan.limits());
+}
+
+void WriteCommand::readBack(int index)
+{
+    const int place = index - batch.first;
+    if (const std::optional<Failure> &failure = batch.failures[size_t(place)])
+        throw Failure(*failure);
+    const Assignment &assignment = assignments[size_t(index)];
     const Tag &tag = assignment.tag;
-    const QByteArray data = readItem(connection, tag.item);
+    const QByteArray data = batch.reader->read(place);
     checkReadBack(assignment, data);
     const std::vector<Value> values = decodeValues(tag.item, data);
     output.write(tagRecord(tag, values), lines.line(tag, values));
@@ -151,7 +218,7 @@ void WriteCommand::readBack(const Assignment &assignment)
 
 // Reports the items that the driver refuses without sending anything. The first request of a long item is
 // enough: the others differ in number and count.
-void checkWritable(const std::vector<Assignment> &assignments, const DriverOptions &options, Outcome &outcome)
+void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
 {
     const DryRun frames(options);
     for (const Assignment &assignment : assignments)
@@ -159,22 +226,34 @@ void checkWritable(const std::vector<Assignment> &assignments, const DriverOptio
                         [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
 }
 
-int dryRunAll(const std::vector<Assignment> &assignments, const Options &options, bool verify)
+// Prints what would be sent to read back the items from the first to the one before the end.
+void dryRunReadBack(const std::vector<Item> &items, size_t first, size_t end, const DryRunOutput &dryRun,
+                    const PlanLimits &limits)
+{
+    const std::vector<Item> batch(items.cbegin() + ptrdiff_t(first), items.cbegin() + ptrdiff_t(end));
+    for (const PlannedRequest &request : planReads(batch, requestCost(dryRun.line()), limits).requests)
+        dryRun.read(request);
+}
+
+int dryRunAll(const std::vector<Assignment> &assignments, const Options &options, const WriteOptions &own)
 {
     Output output(options, kFramesSchema);
     const DryRunOutput dryRun(options, output);
+    const std::vector<Item> items = itemsOf(tagsOf(assignments));
     Outcome outcome;
-    for (const Assignment &assignment : assignments) {
-        const auto failure = outcome.attempt(assignment.tag.label(), [&] {
-            for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
-                dryRun.write(request);
-            if (!verify)
-                return;
-            for (const ReadRequest &request : planRead(assignment.tag.item).requests)
-                dryRun.read(request);
-        });
-        if (failure && failure->isFinal())
-            return outcome.exitCode();
+    for (size_t first = 0, end = 0; first < items.size(); first = end) {
+        end = own.verify ? batchEnd(items, first) : first + 1;
+        for (size_t i = first; i < end; ++i) {
+            const Assignment &assignment = assignments[i];
+            const auto failure = outcome.attempt(assignment.tag.label(), [&] {
+                for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
+                    dryRun.write(request);
+            });
+            if (failure && failure->isFinal())
+                return outcome.exitCode();
+        }
+        if (own.verify)
+            dryRunReadBack(items, first, end, dryRun, own.plan.limits());
     }
     output.finish();
     return outcome.exitCode();
@@ -188,9 +267,9 @@ int writeItems(const Options &options, const WriteOptions &own)
     if (!outcome.isSuccess())
         return outcome.exitCode();
     if (own.dryRun)
-        return dryRunAll(assignments, options, own.verify);
+        return dryRunAll(assignments, options, own);
     checkWritable(assignments, options, outcome);
-    return outcome.isSuccess() ? WriteCommand(options, assignments, own.verify).run() : outcome.exitCode();
+    return outcome.isSuccess() ? WriteCommand(options, assignments, own).run() : outcome.exitCode();
 }
 
 } // namespace
@@ -204,6 +283,7 @@ void declareWrite(CLI::App &app, CommandLine &line)
              "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
     addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
     addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    addPlanOptions(*write, own->plan);
     setFooter(*write, QString(kTypesFooter) + kFooter);
 }
 

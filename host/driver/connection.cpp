@@ -53,7 +53,8 @@ Timing timingWith(const DriverSetting &defaults, const DriverOptions &options)
 } // namespace
 
 Connection::Connection(const Options &options, FrameListener *watcher_)
-    : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)), watcher(watcher_),
+    : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)),
+      lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options)), watcher(watcher_),
       reconnects(options.reconnect), doubts(kMostDoubts), tell(reportNote)
 {
     openPort(startPort(options), options);
@@ -97,28 +98,27 @@ void Connection::openPort(const QString &name, const Options &options)
 {
     if (reconnects)
         awaitArrival(name);
-    const LineSettings line = withOptions(lineSettings(*plugin.serialDefaults()), options);
-    port = std::make_unique<SerialPort>(name, line, timing,
+    port = std::make_unique<SerialPort>(name, lineInUse, timing,
                                         options.rs485 ? Direction::ByKernel : Direction::ByAdapter);
     AbstractDeviceInterface *device = port.get();
     if (options.echo) {
         echo = std::make_unique<EchoPort>(*device);
         device = echo.get();
     }
-    listened = std::make_unique<TracingPort>(*device, listeners(line, options));
+    listened = std::make_unique<TracingPort>(*device, listeners(options));
 }
 
-std::vector<FrameListener *> Connection::listeners(const LineSettings &line, const OutputOptions &options)
+std::vector<FrameListener *> Connection::listeners(const OutputOptions &options)
 {
     std::vector<FrameListener *> listeners = {&session, &answerCheck};
     if (options.verbose) {
-        showLine(line);
+        showLine();
         lines = std::make_unique<TracePrinter>(reportTrace);
         listeners.push_back(lines.get());
     }
     if (options.trace) {
-        traceFile =
-            std::make_unique<TraceFile>(*options.trace, marked(port->portName()) + ", " + lineText(line));
+        traceFile = std::make_unique<TraceFile>(*options.trace,
+                                                marked(port->portName()) + ", " + lineText(lineInUse));
         listeners.push_back(traceFile.get());
     }
     if (watcher)
@@ -126,9 +126,9 @@ std::vector<FrameListener *> Connection::listeners(const LineSettings &line, con
     return listeners;
 }
 
-void Connection::showLine(const LineSettings &line) const
+void Connection::showLine() const
 {
-    reportNote(port->portName() + ": " + lineText(line));
+    reportNote(port->portName() + ": " + lineText(lineInUse));
     if (!port->lineNote().isEmpty())
         reportNote(port->portName() + " is a pseudo-terminal: " + port->lineNote());
 }

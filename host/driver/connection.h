@@ -63,6 +63,8 @@ public:
     // The kernel's descriptor of the open port.
     int portHandle() const { return port->handle(); }
 
+    const LineSettings &line() const { return lineInUse; }
+
     int stationId() const { return timing.station; }
 
     // Sends what follows to another controller on the same line.
@@ -100,8 +102,8 @@ private:
     QString startPort(const PortOptions &options);
     QString startSimulator();
     void openPort(const QString &name, const Options &options);
-    std::vector<FrameListener *> listeners(const LineSettings &line, const OutputOptions &options);
-    void showLine(const LineSettings &line) const;
+    std::vector<FrameListener *> listeners(const OutputOptions &options);
+    void showLine() const;
     bool isAlive() const;
     void checkPort() const;
     void checkTrace() const;
@@ -115,6 +117,7 @@ private:
 
     Plugin plugin;
     Timing timing;
+    LineSettings lineInUse;
     FrameListener *watcher;
     bool reconnects;
     int doubts;        // how often an answer may still be taken for one to an earlier program

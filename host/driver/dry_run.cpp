@@ -8,8 +8,9 @@
 
 namespace host {
 
-DryRun::DryRun(const DriverOptions &options)
-    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid))
+DryRun::DryRun(const Options &options)
+    : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid)),
+      lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options))
 {
 }
 

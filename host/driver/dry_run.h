@@ -10,6 +10,7 @@
 #include "host/driver/plugin.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
+#include "host/port/line_settings.h"
 
 #include <QByteArray>
 #include <QList>
@@ -23,18 +24,22 @@ class DryRunPort;
 class DryRun
 {
 public:
-    explicit DryRun(const DriverOptions &options);
+    explicit DryRun(const Options &options);
 
     // These return the frames of one request: the request itself and the poll behind it. They fail when the
     // driver refuses the request and sends nothing.
     QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
     QList<QByteArray> ofWrite(const WriteRequest &request) const;
 
+    // The line that the frames would be sent on.
+    const LineSettings &line() const { return lineInUse; }
+
 private:
     QList<QByteArray> framesOf(const std::function<void(DryRunPort *)> &request) const;
 
     Plugin plugin;
     int station;
+    LineSettings lineInUse;
     DriverLogPause noLog; // the driver's messages would say only that nobody answers
 };
 

@@ -11,18 +11,9 @@ namespace host {
 
 namespace {
 
-// Bytes of one object on the line: a status byte and the value.
-constexpr int kLongRecord = 5;
-constexpr int kShortRecord = 3;
-
 DataType dataTypeOf(int valueSize)
 {
     return valueSize == 4 ? kDoubleWords : valueSize == 2 ? kWords : kBytes;
-}
-
-int recordSize(const Address &address)
-{
-    return address.kind == AddressKind::Counter ? kShortRecord : kLongRecord;
 }
 
 RequestForm objectForm(const Item &item, int frameData)
@@ -48,6 +39,14 @@ RequestForm memoryForm(const Item &item, int frameData)
 }
 
 } // namespace
+
+// Objects bring a status byte and their value with them, in a short record or a long one.
+int recordSize(const Address &address)
+{
+    if (!address.isObject())
+        return 1;
+    return address.kind == AddressKind::Counter ? 3 : 5;
+}
 
 RequestForm requestForm(const Item &item, int frameData)
 {

@@ -31,6 +31,9 @@ struct RequestForm
     int reversedWidth; // data lie reversed in groups of this many bytes; 1: as in the controller
 };
 
+// Bytes on the line for one byte of memory or one object at the address.
+int recordSize(const Address &address);
+
 // Returns the form for an item that is no memory bit, for frames that have room for so many bytes of data.
 RequestForm requestForm(const Item &item, int frameData);
 

@@ -19,6 +19,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace host {
 
 enum class ValueType { Bool, U8, I8, U16, I16, U32, I32, F32, Hex, Bcd, Str };
@@ -28,6 +30,7 @@ struct Item
     Address address;
     ValueType type;
     int count;
+    std::optional<int> station = std::nullopt; // none: that of --station
 
     // Bytes of one value in the controller; for bits 1, the byte that carries one to the host.
     int valueSize() const;

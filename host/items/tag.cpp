@@ -64,6 +64,15 @@ Json jsonValue(const Tag &tag, const Value &value)
 
 } // namespace
 
+std::vector<Item> itemsOf(const std::vector<Tag> &tags)
+{
+    std::vector<Item> items;
+    items.reserve(tags.size());
+    for (const Tag &tag : tags)
+        items.push_back(tag.item);
+    return items;
+}
+
 QString unscaledText(const Tag &tag, const QString &values)
 {
     QStringList numbers;

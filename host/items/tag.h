@@ -31,6 +31,8 @@ struct Tag
     QString unit;
 };
 
+std::vector<Item> itemsOf(const std::vector<Tag> &tags);
+
 // The values as people see them, blanks between, with the unit behind them.
 QString shownText(const Tag &tag, const std::vector<Value> &values);
 

@@ -20,10 +20,11 @@ const Schema kSchema = {
     "watch", 1, "samples", {"time", "name", "address", "type", "index", "value", "unit", "ms", "error"}};
 
 // Local time with its distance from UTC: 2026-11-21T10:07:50.123+01:00
-QString timeText()
+QString timeText(std::chrono::system_clock::time_point time)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODateWithMs);
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
+    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
 }
 
 Json withTime(const QString &time, const Json &fields)
@@ -81,7 +82,7 @@ void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const 
 {
     if (!all && news == WatchNews::None)
         return;
-    const QString time = timeText();
+    const QString time = timeText(reading.time);
     Json record = withTime(time, tagRecord(item.tag, reading.values));
     record["ms"] = milliseconds(reading.answerTime);
     output.write(record, time + ' ' + item.tag.label() + ' ' + item.values);
@@ -90,7 +91,7 @@ void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const 
 void Recorder::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)
 {
     if (all || isNews)
-        output.writeUnlessText(withTime(timeText(), tagErrorRecord(item.tag, failure.text())));
+        output.writeUnlessText(withTime(timeText(std::chrono::system_clock::now()), tagErrorRecord(item.tag, failure.text())));
 }
 
 } // namespace host

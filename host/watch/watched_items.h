@@ -79,7 +79,8 @@ struct Watch
 struct Reading
 {
     std::vector<Value> values;
-    WatchDuration answerTime; // of its slowest request
+    WatchDuration answerTime;                   // of its slowest request
+    std::chrono::system_clock::time_point time; // when the last of its bytes came
 };
 
 // The lines of the summary: polls, answer times, attempts and errors per item, errors per cause.

@@ -204,13 +204,13 @@ VB101   34" ]
 
 @test "the first of several failures gives the exit code" {
     start fake_controller 100002020416 silence
-    impatient VB0 VB1
+    impatient VB0 VB1000
     [ "$status" -eq 1 ]
-    [ "${stderr_lines[2]}" = "s7ppi: VB1: plc no response" ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1000: plc no response" ]
     start fake_controller silence 100002020416
-    impatient VB0 VB1
+    impatient VB0 VB1000
     [ "$status" -eq 4 ]
-    [ "${stderr_lines[2]}" = "s7ppi: VB1: no resource" ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1000: no resource" ]
 }
 
 @test "1: the controller does not take the request" {
@@ -503,7 +503,7 @@ on_full_stdout() {
 # interrupt SIGNAL: a read whose second item waits forever; its exit code is then in $status.
 interrupt() {
     start fake_controller e5 681919680002083203000000010002000800000401ff040020112233441c16
-    s7ppi read --port "$port" --timeout 60000 VB100*4 VB104 \
+    s7ppi read --port "$port" --timeout 60000 VB100*4 VB900 \
         >"$BATS_TEST_TMPDIR/values" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
     local reader=$!
     background+=("$reader")

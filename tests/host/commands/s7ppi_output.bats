@@ -102,7 +102,7 @@ FORMS
 # interrupted FILE: a read whose second item waits forever, ended by SIGTERM.
 interrupted() {
     start fake_controller e5 "$(byte_answer 1 17)"
-    s7ppi read --port "$port" --timeout 60000 -o "$1" VB0 VB1 3>&- &
+    s7ppi read --port "$port" --timeout 60000 -o "$1" VB0 VB1000 3>&- &
     local reader=$!
     background+=("$reader")
     eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"

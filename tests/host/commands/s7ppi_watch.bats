@@ -174,11 +174,11 @@ await_watcher() {
 
 @test "6: a port that goes away while it waits for an answer ends it" {
     start fake_controller e5 "$(byte_answer 1 7)" hang-up
-    run --separate-stderr s7ppi watch --port "$port" --interval 1 --timeout 60000 VB0 VB1
+    run --separate-stderr s7ppi watch --port "$port" --interval 1 --timeout 60000 VB0 VB1000
     [ "$status" -eq 6 ]
     [ "$(values)" = "VB0 7" ]
     [[ "${stderr_lines[0]}" == "s7ppi: 0 polls, 1 answer: "* ]]
-    [ "${stderr_lines[2]}" = "s7ppi: VB1: 1 attempt, 1 error" ]
+    [ "${stderr_lines[2]}" = "s7ppi: VB1000: 1 attempt, 1 error" ]
     [ "${stderr_lines[3]}" = "s7ppi: 1 time: the port is gone" ]
     [ "${stderr_lines[4]}" = "s7ppi: the port is gone" ]
     [[ "${stderr_lines[5]}" == "hint: "* ]]

@@ -6,7 +6,7 @@
 #include "host/driver/connection.h"
 
 #include "hex.h"
-#include "host/driver/read_plan.h"
+#include "host/driver/plan_reader.h"
 #include "tests/host/support/failure_of.h"
 
 #include <QtTest>

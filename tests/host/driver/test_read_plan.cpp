@@ -20,7 +20,7 @@ namespace {
 QString planText(const QString &itemText)
 {
     QStringList texts;
-    for (const ReadRequest &request : planRead(parseItem(itemText)).requests)
+    for (const PlannedRequest &request : planRead(parseItem(itemText)).requests)
         texts << commandText(request.command);
     return texts.join(", ");
 }
@@ -28,8 +28,11 @@ QString planText(const QString &itemText)
 // The item's bytes when the driver hands back these, one array per request.
 QString resultOf(const QString &itemText, QList<QByteArray> driverResults)
 {
-    return hex(readItem(parseItem(itemText),
-                        [&](const CommunicatorCommand &) { return driverResults.takeFirst(); }));
+    const Item item = parseItem(itemText);
+    QByteArray places;
+    for (const PlannedRequest &request : planRead(item).requests)
+        places += placeBytes(request, driverResults.takeFirst());
+    return hex(valueBytes(item, places));
 }
 
 } // namespace
@@ -73,7 +76,7 @@ void TestReadPlan::itemsBecomeRequests_data()
     row("VB0*223", "bytes VB0*222, bytes VB222*1");
     row("VW0*112", "words VW0*111, words VW222*1");
     row("VD0*111", "dwords VD0*55, dwords VD220*55, dwords VD440*1");
-    row("VD0:u8*224", "bytes VD0*220, bytes VD220*4");
+    row("VD0:u8*224", "bytes VB0*222, bytes VB222*2");
     row("VB10:u32*56", "dwords VB10*55, dwords VB230*1");
 
     // Records of 5, 3 and 5 bytes.

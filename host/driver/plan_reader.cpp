@@ -1,0 +1,222 @@
+// Copyright (c) 2026 The s7ppi authors
+// SPDX-License-Identifier: MIT
+
+#include "host/driver/plan_reader.h"
+
+#include "host/base/filled.h"
+#include "host/base/messages.h"
+#include "host/driver/connection.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace host {
+
+namespace {
+
+// A new answer time counts so much against all those before it.
+constexpr int kAnswerWeight = 8;
+
+// A plan is made anew when its requests cost another fifth.
+constexpr int kNoticeable = 5;
+
+qint64 nanoseconds(std::chrono::steady_clock::duration time)
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
+}
+
+// The places of a request that no item needs, from the first to behind the last of each gap.
+std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std::vector<Item> &items)
+{
+    std::vector<std::pair<int, int>> covered;
+    for (const PlanPart &part : request.parts) {
+        const int begin = items[size_t(part.item)].address.number + part.first;
+        covered.emplace_back(begin, begin + part.count);
+    }
+    std::sort(covered.begin(), covered.end());
+    std::vector<std::pair<int, int>> gaps;
+    int end = request.first;
+    for (const auto &[begin, behind] : covered) {
+        if (begin > end)
+            gaps.emplace_back(end, begin);
+        end = std::max(end, behind);
+    }
+    return gaps;
+}
+
+} // namespace
+
+PlanReader::PlanReader(Connection &connection_, const std::vector<Item> &items_, const PlanLimits &limits_)
+    : connection(connection_), usualStation(connection.stationId()), items(items_), limits(limits_)
+{
+    begin();
+}
+
+RequestCost PlanReader::cost() const
+{
+    return requestCost(connection.line(), answerTime.value_or(kUsualAnswerTime));
+}
+
+void PlanReader::begin()
+{
+    const qint64 change = std::llabs(cost().request - plannedCost.request);
+    if (hasLearned || change > plannedCost.request / kNoticeable)
+        makePlan();
+    made.assign(made.size(), false);
+    for (size_t i = 0; i < items.size(); ++i) {
+        states[i] = State();
+        states[i].missing = placeCount(items[i]);
+        states[i].places.resize(states[i].missing * placeSize(items[i]));
+    }
+}
+
+void PlanReader::makePlan()
+{
+    plannedCost = cost();
+    current = planReads(items, plannedCost, limits, hints);
+    hasLearned = false;
+    made.assign(current.requests.size(), false);
+    states.resize(items.size());
+    requestsOfItems.assign(items.size(), {});
+    for (size_t i = 0; i < current.requests.size(); ++i)
+        for (const PlanPart &part : current.requests[i].parts) {
+            std::vector<int> &requests = requestsOfItems[size_t(part.item)];
+            if (requests.empty() || requests.back() != int(i))
+                requests.push_back(int(i));
+        }
+}
+
+bool PlanReader::run(int request)
+{
+    made[size_t(request)] = true;
+    const PlannedRequest &planned = current.requests[size_t(request)];
+    const Answer answer = ask(planned);
+    if (planned.isMerged() && answer.failure && answer.failure->code() == ExitCode::Refused)
+        takeApart(planned, answer);
+    else
+        deliver(planned, answer);
+    return !answer.failure || answer.failure->code() != ExitCode::NoAnswer;
+}
+
+void PlanReader::skip(int request)
+{
+    made[size_t(request)] = true;
+    for (const PlanPart &part : current.requests[size_t(request)].parts) {
+        State &state = states[size_t(part.item)];
+        state.missing -= part.count;
+        state.isSkipped = true;
+    }
+}
+
+QByteArray PlanReader::read(int item)
+{
+    for (const int request : requestsOfItems[size_t(item)])
+        if (!made[size_t(request)])
+            run(request);
+    const ItemReading &result = reading(item);
+    if (result.failure)
+        throw Failure(*result.failure);
+    return result.data;
+}
+
+PlanReader::Answer PlanReader::ask(const PlannedRequest &request)
+{
+    using Clock = std::chrono::steady_clock;
+    Answer answer = {};
+    const int attempts = connection.requestCount();
+    connection.setStation(request.pool.station < 0 ? usualStation : request.pool.station);
+    const Clock::time_point start = Clock::now();
+    try {
+        answer.places = placeBytes(request, connection.read(request.command));
+    } catch (const Failure &failure) {
+        if (failure.isFinal())
+            throw;
+        answer.failure = failure;
+    }
+    answer.duration = Clock::now() - start;
+    answer.time = std::chrono::system_clock::now();
+    answer.attempts = connection.requestCount() - attempts;
+    if (!answer.failure && noteAnswer)
+        noteAnswer(answer.duration, std::chrono::nanoseconds(cost().of(request.lineSize)));
+    noteAnswerTime(request, answer);
+    return answer;
+}
+
+// What is left of the time behind the characters and the driver's pauses is the controller's.
+void PlanReader::noteAnswerTime(const PlannedRequest &request, const Answer &answer)
+{
+    if (answer.failure || answer.attempts != 1)
+        return;
+    const qint64 line = requestCost(connection.line(), 0).of(request.lineSize);
+    const qint64 time = std::max<qint64>(0, nanoseconds(answer.duration) - line);
+    answerTime = answerTime ? *answerTime + (time - *answerTime) / kAnswerWeight : time;
+}
+
+void PlanReader::deliver(const PlannedRequest &request, const Answer &answer)
+{
+    for (const PlanPart &part : request.parts)
+        settle(part, request, answer);
+}
+
+// Takes note of what became of a part of an item.
+void PlanReader::settle(const PlanPart &part, const PlannedRequest &request, const Answer &answer)
+{
+    const Item &item = items[size_t(part.item)];
+    State &state = states[size_t(part.item)];
+    ItemReading &reading = state.reading;
+    reading.attempts += answer.attempts;
+    reading.answerTime = std::max(reading.answerTime, answer.duration);
+    reading.time = answer.time;
+    if (answer.failure && !reading.failure)
+        reading.failure = answer.failure;
+    if (!answer.failure) {
+        const int size = placeSize(item);
+        const int from = (item.address.number + part.first - request.first) * size;
+        state.places.replace(part.first * size, part.count * size,
+                             answer.places.mid(from, part.count * size));
+    }
+    state.missing -= part.count;
+    if (state.missing == 0 && !reading.failure)
+        reading.data = valueBytes(item, state.places);
+}
+
+void PlanReader::takeApart(const PlannedRequest &request, const Answer &refusal)
+{
+    reportDetail(filled("%1 is refused (%2): its %3 items are read one by one", request.text(),
+                        refusal.failure->text(), request.parts.size()));
+    std::vector<PlanPart> refused;
+    for (const PlanPart &part : request.parts) {
+        const PlannedRequest alone = requestForPart(items, request, part);
+        const Answer answer = ask(alone);
+        settle(part, alone, answer);
+        if (answer.failure && answer.failure->code() == ExitCode::Refused)
+            refused.push_back(part);
+    }
+    learn(request, refused);
+}
+
+// An item that is refused is asked for alone from now on, and nothing reaches over its place. When none is, a
+// gap was the reason, or else the length.
+void PlanReader::learn(const PlannedRequest &request, const std::vector<PlanPart> &refused)
+{
+    hasLearned = true;
+    auto &closed = hints.closedPlaces[request.pool];
+    for (const PlanPart &part : refused) {
+        const int begin = items[size_t(part.item)].address.number + part.first;
+        hints.separateItems.insert(part.item);
+        closed.emplace(begin, begin + part.count);
+    }
+    if (!refused.empty())
+        return;
+    const std::vector<std::pair<int, int>> gaps = gapsOf(request, items);
+    closed.insert(gaps.begin(), gaps.end());
+    if (gaps.empty())
+        hints.longestRequests[request.pool] = std::max(1, request.count / 2);
+}
+
+QByteArray readItem(Connection &connection, const Item &item, const PlanLimits &limits)
+{
+    return PlanReader(connection, {item}, limits).read(0);
+}
+
+} // namespace host
