@@ -5,6 +5,7 @@
 
 #include "host/driver/driver_fault.h"
 #include "host/driver/dry_run_port.h"
+#include "host/driver/pause_skip.h"
 
 namespace host {
 
@@ -28,6 +29,7 @@ QList<QByteArray> DryRun::framesOf(const std::function<void(DryRunPort *)> &requ
 {
     QList<QByteArray> frames;
     DryRunPort port(station, [&frames](const QByteArray &frame) { frames += frame; });
+    const PauseSkip noPauses;
     request(&port);
     return port.hasSent() ? frames : throw driverFailure(plugin.driver().getLastError());
 }
