@@ -35,7 +35,8 @@ struct WatchOptions
 {
     QStringList items;
     std::optional<int> interval;   // milliseconds from the start of one poll to that of the next
-    std::optional<int> polls;      // without a number until interrupted
+    std::optional<int> polls;      // how many; without polls and seconds until interrupted
+    std::optional<int> seconds;    // that the watching lasts
     bool all = false;              // plain lines for every poll, not only for changes
     bool plot = false;             // curves instead of the table
     std::optional<QString> select; // which of the items the curves show
@@ -62,7 +63,8 @@ With --plot: the values of the last minutes as curves. Numbers and bits can be d
 
 Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
 repetitions included), attempts, errors, and polls that took longer than the interval. The
-exit code after --count polls is that of the first error.)";
+exit code after --count polls or --for seconds, whichever comes first, is that of the first
+error. A poll that is under way when the time is over goes on to its end.)";
 
 using Clock = std::chrono::steady_clock;
 
@@ -230,8 +232,18 @@ Rotation rotationOf(const WatchOptions &own)
     return rotation;
 }
 
+// When --for ends the watching, from now on.
+QDeadlineTimer endOf(const WatchOptions &options)
+{
+    if (!options.seconds)
+        return QDeadlineTimer(QDeadlineTimer::Forever);
+    return QDeadlineTimer(std::chrono::seconds(*options.seconds));
+}
+
+// A poll that is under way when the time is over is not cut.
 void pollUntilDone(WatchCommand &command, Watch &watch, const WatchOptions &options)
 {
+    const QDeadlineTimer end = endOf(options);
     while (true) {
         const QDeadlineTimer due(intervalOf(options));
         command.poll();
@@ -239,7 +251,9 @@ void pollUntilDone(WatchCommand &command, Watch &watch, const WatchOptions &opti
             ++watch.latePolls;
         if (options.polls && watch.polls >= *options.polls)
             return;
-        command.pauseUntil(due);
+        command.pauseUntil(std::min(due, end));
+        if (end.hasExpired())
+            return;
     }
 }
 
@@ -308,6 +322,7 @@ void declareWatch(CLI::App &app, CommandLine &line)
     addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
     addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
     addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
+    addNumber(*watch, "--for", own->seconds, 1, 31536000, "End after so many seconds");
     addFlag(*watch, "--all", own->all, "A line for every poll, not only for changes");
     CLI::Option *plot = addFlag(*watch, "--plot", own->plot, "Curves of the last minutes, on a terminal");
     CLI::Option *select = addText(*watch, "--select", own->select, "ITEMS",

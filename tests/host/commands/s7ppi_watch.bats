@@ -58,6 +58,22 @@ VB0 1
 VB0 2" ]
 }
 
+@test "--for ends it by time, also while it waits for the next poll" {
+    run --separate-stderr s7ppi watch --port sim --interval 3600000 --for 1 VB100 VB20000
+    [ "$status" -eq 1 ]
+    [ "$(values)" = "VB100 17" ]
+    [[ "$stderr" == *$'\ns7ppi: 1 poll of a simulated controller, 1 answer: '* ]]
+    run --separate-stderr s7ppi watch --port sim --interval 1 --count 1000000000 --for 1 VB100
+    [ "$status" -eq 0 ]
+    [ "$(values)" = "VB100 17" ]
+}
+
+@test "with --for and --count whichever comes first ends it" {
+    run --separate-stderr s7ppi watch --port sim --interval 1 --count 2 --for 31536000 VB100
+    [ "$status" -eq 0 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: 2 polls of a simulated controller, 2 answers: "* ]]
+}
+
 @test "all kinds of items are watched side by side" {
     run --separate-stderr s7ppi watch --port sim --count 1 'VB100:hex*4' V100.4*8 T37 HC0 VB102:str*2 'VB0*300'
     [ "$status" -eq 0 ]
@@ -114,7 +130,8 @@ VB0 7" ]
     [ "${stderr_lines[1]}" = "hint: write VB1 instead of vb1" ]
     kill -0 "${background[0]}"
     local arguments
-    for arguments in "" "VB0 --interval 0" "VB0 --interval x" "VB0 --count 0" "VB0 --verify"; do
+    for arguments in "" "VB0 --interval 0" "VB0 --interval x" "VB0 --count 0" "VB0 --for 0" \
+        "VB0 --for 31536001" "VB0 --for 1.5" "VB0 --verify"; do
         # shellcheck disable=SC2086
         run --separate-stderr s7ppi watch $arguments
         [ "$status" -eq 2 ]
@@ -122,7 +139,7 @@ VB0 7" ]
     done
     run --separate-stderr s7ppi watch --help
     [ "$status" -eq 0 ]
-    [[ "$output" == *"--interval"*"--count"*"--all"* ]]
+    [[ "$output" == *"--interval"*"--count"*"--for"*"--all"* ]]
 }
 
 @test "3: the port cannot be opened" {
