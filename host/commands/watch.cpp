@@ -61,9 +61,9 @@ FILE.2.csv; the greatest number is the newest. --keep N removes all but the newe
 
 With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
 
-Ctrl-C ends it with a summary on stderr: polls, answer times (from the request to its data,
-repetitions included), attempts, errors, and polls that took longer than the interval. The
-exit code after --count polls or --for seconds, whichever comes first, is that of the first
+Ctrl-C ends it with a summary on stderr: polls, requests and values per second, answer times
+(from the request to its data, repetitions included: p90 is the time within which 90 % were
+there), attempts, errors, and polls that took longer than the interval. The exit code after --count polls or --for seconds, whichever comes first, is that of the first
 error. A poll that is under way when the time is over goes on to its end.)";
 
 using Clock = std::chrono::steady_clock;
@@ -159,6 +159,7 @@ void WatchCommand::take(int index)
         noteFailure(item, failure);
         return;
     }
+    watch.values += qint64(values.values.size());
     const WatchNews news = item.answered(shownText(item.tag, values.values), Clock::now());
     for (View *view : views)
         view->answered(watch, item, values, news);
@@ -300,8 +301,11 @@ int watchAll(Options options, const WatchOptions &own)
     Connection connection(options);
     Watch watch(tags);
     watch.isSimulated = connection.isSimulated();
+    const Clock::time_point start = Clock::now();
     const End end = watchItems(connection, watch, terminalView(options, own, plotted, connection),
                                record ? &*record : nullptr, own);
+    watch.time = Clock::now() - start;
+    watch.requests = connection.requestCount();
     watch.returns = connection.returnCount();
     for (const QString &line : watchSummary(watch))
         reportNote(line);

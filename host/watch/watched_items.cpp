@@ -3,20 +3,34 @@
 
 #include "host/watch/watched_items.h"
 
+#include "host/base/filled.h"
 #include "host/text/number_text.h"
 
 #include <QString>
 
-#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <utility>
 
 namespace host {
 
 namespace {
 
-QString milliseconds(WatchDuration time)
+double millisecondsOf(WatchDuration time)
 {
-    return QString("%1 ms").arg(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+    return std::chrono::duration<double, std::milli>(time).count();
+}
+
+QString wholeMilliseconds(WatchDuration time)
+{
+    return filled("%1 ms", std::llround(millisecondsOf(time)));
+}
+
+// With tenths as long as they say more than the times are worth.
+QString shortMilliseconds(WatchDuration time)
+{
+    const double milliseconds = millisecondsOf(time);
+    return QString::number(milliseconds, 'f', milliseconds < 9.95 ? 1 : 0);
 }
 
 QString firstLine(const Watch &watch)
@@ -27,8 +41,29 @@ QString firstLine(const Watch &watch)
     if (watch.answerTimes.count() == 0)
         return polls + ", no answers";
     return QString("%1, %2: %3 on average, %4 at most")
-        .arg(polls, counted(watch.answerTimes.count(), "answer"), milliseconds(watch.answerTimes.mean()),
-             milliseconds(watch.answerTimes.longest()));
+        .arg(polls, counted(watch.answerTimes.count(), "answer"), wholeMilliseconds(watch.answerTimes.mean()),
+             wholeMilliseconds(watch.answerTimes.longest()));
+}
+
+// Three digits, and all of those before the point.
+QString rateText(qint64 count, WatchDuration time)
+{
+    const double rate = double(count) / std::chrono::duration<double>(time).count();
+    return rate < 100 ? QString::number(rate, 'g', 3) : QString::number(rate, 'f', 0);
+}
+
+QString rateLine(const Watch &watch)
+{
+    return QString("%1, %2; %3 requests and %4 values per second")
+        .arg(counted(watch.requests, "request"), counted(watch.values, "value"),
+             rateText(watch.requests, watch.time), rateText(watch.values, watch.time));
+}
+
+QString percentileLine(const AnswerTimes &times)
+{
+    return QString("answer time: p50 %1, p90 %2, p99 %3, longest %4 ms")
+        .arg(shortMilliseconds(times.percentile(50)), shortMilliseconds(times.percentile(90)),
+             shortMilliseconds(times.percentile(99)), shortMilliseconds(times.longest()));
 }
 
 } // namespace
@@ -57,18 +92,6 @@ bool WatchedItem::failed(const QString &error)
     return isNews;
 }
 
-void AnswerTimes::add(WatchDuration time)
-{
-    ++answers;
-    total += time;
-    maximum = std::max(maximum, time);
-}
-
-WatchDuration AnswerTimes::mean() const
-{
-    return answers ? total / answers : WatchDuration();
-}
-
 Watch::Watch(const std::vector<Tag> &watched)
 {
     for (const Tag &tag : watched)
@@ -78,6 +101,10 @@ Watch::Watch(const std::vector<Tag> &watched)
 QStringList watchSummary(const Watch &watch)
 {
     QStringList lines = {firstLine(watch)};
+    if (watch.requests > 0 && watch.time > WatchDuration())
+        lines << rateLine(watch);
+    if (watch.answerTimes.count() > 0)
+        lines << percentileLine(watch.answerTimes);
     for (const WatchedItem &item : watch.items)
         lines << item.tag.label() + ": " + counted(item.attempts, "attempt") + ", " +
                      counted(item.errors, "error");

@@ -7,6 +7,7 @@
 #define HOST_WATCH_WATCHED_ITEMS_H
 
 #include "host/items/tag.h"
+#include "host/watch/answer_times.h"
 
 #include <QMap>
 #include <QString>
@@ -19,7 +20,6 @@
 namespace host {
 
 using WatchTime = std::chrono::steady_clock::time_point;
-using WatchDuration = std::chrono::steady_clock::duration;
 
 // What a poll of an item brought, compared with the poll before.
 enum class WatchNews { None, Changed, Recovered };
@@ -46,29 +46,16 @@ public:
     int errors = 0;                     // polls that failed in spite of them
 };
 
-// The times that answers took, for the summary.
-class AnswerTimes
-{
-public:
-    void add(WatchDuration time);
-
-    int count() const { return answers; }
-    WatchDuration mean() const;
-    WatchDuration longest() const { return maximum; }
-
-private:
-    int answers = 0;
-    WatchDuration total{};
-    WatchDuration maximum{};
-};
-
 struct Watch
 {
     explicit Watch(const std::vector<Tag> &watched);
 
     std::vector<WatchedItem> items;
     int polls = 0;
-    AnswerTimes answerTimes; // of one request, from the call of the driver to its data, repetitions included
+    WatchDuration time{};      // since the first poll began
+    int requests = 0;          // sent, repetitions included
+    qint64 values = 0;         // that answers brought
+    AnswerTimes answerTimes;   // repetitions included
     QMap<QString, int> errors; // failed polls of an item by their cause
     int latePolls = 0;         // took longer than the interval
     int returns = 0;           // how often the port was lost and came back
@@ -83,7 +70,8 @@ struct Reading
     std::chrono::system_clock::time_point time; // when the last of its bytes came
 };
 
-// The lines of the summary: polls, answer times, attempts and errors per item, errors per cause.
+// The lines of the summary: polls, requests, values, answer times, attempts and errors per item, errors per
+// cause.
 QStringList watchSummary(const Watch &watch);
 
 } // namespace host

@@ -454,8 +454,8 @@ on_full_stdout() {
     run --separate-stderr on_full_stdout s7ppi watch --port sim VB100
     [ "$status" -eq 74 ]
     [[ "${stderr_lines[0]}" == "s7ppi: 0 polls of a simulated controller, 1 answer: "* ]]
-    [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
-    [ "${stderr_lines[2]}" = "s7ppi: stdout takes no more data: No space left on device" ]
+    [ "${stderr_lines[3]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
+    [ "${stderr_lines[4]}" = "s7ppi: stdout takes no more data: No space left on device" ]
 }
 
 @test "70: what nobody expected is told, and the embedded simulator ends" {

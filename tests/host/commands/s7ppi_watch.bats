@@ -44,9 +44,12 @@ start_counting() {
 VB0 2
 VB0 1" ]
     [[ "${stderr_lines[0]}" =~ ^"s7ppi: 6 polls, 6 answers: "[0-9]+" ms on average, "[0-9]+" ms at most"$ ]]
-    [ "${stderr_lines[1]}" = "s7ppi: VB0: 6 attempts, 0 errors" ]
-    [ "${stderr_lines[2]}" = "s7ppi: 6 polls took longer than the interval" ]
-    [ "${#stderr_lines[@]}" -eq 3 ]
+    [[ "${stderr_lines[1]}" =~ ^"s7ppi: 6 requests, 6 values; "[0-9.]+" requests and "[0-9.]+" values per second"$ ]]
+    local time='[0-9]+(\.[0-9])?'
+    [[ "${stderr_lines[2]}" =~ ^s7ppi:\ answer\ time:\ p50\ $time,\ p90\ $time,\ p99\ $time,\ longest\ $time\ ms$ ]]
+    [ "${stderr_lines[3]}" = "s7ppi: VB0: 6 attempts, 0 errors" ]
+    [ "${stderr_lines[4]}" = "s7ppi: 6 polls took longer than the interval" ]
+    [ "${#stderr_lines[@]}" -eq 5 ]
 }
 
 @test "with --all every poll is a line" {
@@ -93,11 +96,12 @@ VB102 \"3D\"" ]
     [ "${stderr_lines[0]}" = "s7ppi: VB20000: Invalid address (incorrect variable address)" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
     [[ "${stderr_lines[2]}" == "s7ppi: 3 polls of a simulated controller, 3 answers: "* ]]
-    [ "${stderr_lines[3]}" = "s7ppi: VB20000: 12 attempts, 3 errors" ]
-    [ "${stderr_lines[4]}" = "s7ppi: VB100: 3 attempts, 0 errors" ]
-    [ "${stderr_lines[5]}" = "s7ppi: 3 times: Invalid address (incorrect variable address)" ]
-    [ "${stderr_lines[6]}" = "s7ppi: 3 polls took longer than the interval" ]
-    [ "${#stderr_lines[@]}" -eq 7 ]
+    [[ "${stderr_lines[3]}" == "s7ppi: 15 requests, 3 values; "* ]]
+    [ "${stderr_lines[5]}" = "s7ppi: VB20000: 12 attempts, 3 errors" ]
+    [ "${stderr_lines[6]}" = "s7ppi: VB100: 3 attempts, 0 errors" ]
+    [ "${stderr_lines[7]}" = "s7ppi: 3 times: Invalid address (incorrect variable address)" ]
+    [ "${stderr_lines[8]}" = "s7ppi: 3 polls took longer than the interval" ]
+    [ "${#stderr_lines[@]}" -eq 9 ]
     run --separate-stderr s7ppi watch --port sim --interval 1 --count 3 --all VB20000
     [ "$(grep -c '^s7ppi: VB20000: Invalid address' <<<"$stderr")" -eq 3 ]
 }
@@ -111,9 +115,9 @@ VB0 7" ]
     [ "${stderr_lines[0]}" = "s7ppi: VB0: plc no response" ]
     [ "${stderr_lines[2]}" = "s7ppi: VB0: no resource" ]
     [ "${stderr_lines[4]}" = "s7ppi: VB0: answers again" ]
-    [ "${stderr_lines[6]}" = "s7ppi: VB0: 4 attempts, 2 errors" ]
-    [ "${stderr_lines[7]}" = "s7ppi: 1 time: no resource" ]
-    [ "${stderr_lines[8]}" = "s7ppi: 1 time: plc no response" ]
+    [ "${stderr_lines[8]}" = "s7ppi: VB0: 4 attempts, 2 errors" ]
+    [ "${stderr_lines[9]}" = "s7ppi: 1 time: no resource" ]
+    [ "${stderr_lines[10]}" = "s7ppi: 1 time: plc no response" ]
 }
 
 @test "5: a broken answer gives its exit code" {
@@ -121,6 +125,8 @@ VB0 7" ]
     run --separate-stderr s7ppi watch --port "$port" --timeout 200 --retries 0 --count 1 VB0
     [ "$status" -eq 5 ]
     [ "${stderr_lines[2]}" = "s7ppi: 1 poll, no answers" ]
+    [[ "${stderr_lines[3]}" == "s7ppi: 1 request, 0 values; "* ]]
+    [ "${stderr_lines[4]}" = "s7ppi: VB0: 1 attempt, 1 error" ]
 }
 
 @test "2: wrong items and command lines" {
@@ -174,8 +180,8 @@ await_watcher() {
         [ "$status" -eq "$code" ]
         [ "$(values)" = "VB100 17" ]
         [[ "${stderr_lines[0]}" == "s7ppi: 1 poll of a simulated controller, 1 answer: "* ]]
-        [ "${stderr_lines[1]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
-        [ "${#stderr_lines[@]}" -eq 2 ]
+        [ "${stderr_lines[3]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
+        [ "${#stderr_lines[@]}" -eq 4 ]
     done
 }
 
@@ -186,7 +192,7 @@ await_watcher() {
     await_watcher
     [ "$status" -eq 130 ]
     [[ "${stderr_lines[0]}" == "s7ppi: 1 poll, 1 answer: "* ]]
-    [[ "${stderr_lines[1]}" == "s7ppi: VB0: "[12]" attempt"*", 0 errors" ]]
+    [[ "${stderr_lines[3]}" == "s7ppi: VB0: "[12]" attempt"*", 0 errors" ]]
 }
 
 @test "6: a port that goes away while it waits for an answer ends it" {
@@ -195,11 +201,11 @@ await_watcher() {
     [ "$status" -eq 6 ]
     [ "$(values)" = "VB0 7" ]
     [[ "${stderr_lines[0]}" == "s7ppi: 0 polls, 1 answer: "* ]]
-    [ "${stderr_lines[2]}" = "s7ppi: VB1000: 1 attempt, 1 error" ]
-    [ "${stderr_lines[3]}" = "s7ppi: 1 time: the port is gone" ]
-    [ "${stderr_lines[4]}" = "s7ppi: the port is gone" ]
-    [[ "${stderr_lines[5]}" == "hint: "* ]]
-    [ "${#stderr_lines[@]}" -eq 6 ]
+    [ "${stderr_lines[4]}" = "s7ppi: VB1000: 1 attempt, 1 error" ]
+    [ "${stderr_lines[5]}" = "s7ppi: 1 time: the port is gone" ]
+    [ "${stderr_lines[6]}" = "s7ppi: the port is gone" ]
+    [[ "${stderr_lines[7]}" == "hint: "* ]]
+    [ "${#stderr_lines[@]}" -eq 8 ]
 }
 
 @test "6: a port that goes away between two polls ends it" {
@@ -208,8 +214,8 @@ await_watcher() {
     kill "${background[0]}"
     await_watcher
     [ "$status" -eq 6 ]
-    [ "${stderr_lines[1]}" = "s7ppi: VB0: 1 attempt, 0 errors" ]
-    [ "${stderr_lines[2]}" = "s7ppi: the port is gone" ]
+    [ "${stderr_lines[3]}" = "s7ppi: VB0: 1 attempt, 0 errors" ]
+    [ "${stderr_lines[4]}" = "s7ppi: the port is gone" ]
 }
 
 # terminal TMUX_COMMAND...: to the newest terminal.
@@ -293,8 +299,8 @@ shows() {
     run screen
     [[ "$output" == *"<- acknowledgement: e5"* ]]
     [[ "$output" == *" VB100 17"* ]]
-    on_terminal 'TERM=dumb s7ppi watch --port sim --count 1 VB100;
-        TERM=unheard-of s7ppi watch --port sim --count 1 VB101; echo code $?'
+    on_terminal 'TERM=dumb s7ppi watch -q --port sim --count 1 VB100;
+        TERM=unheard-of s7ppi watch -q --port sim --count 1 VB101; echo code $?'
     eventually shows '^code 0'
     run screen
     [[ "$output" == *" VB100 17"*" VB101 34"* ]]
