@@ -62,7 +62,7 @@ struct ItemCheck
 std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
 {
     try {
-        frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first());
+        frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first(), item.station);
         return std::nullopt;
     } catch (const Failure &failure) {
         return failure;
@@ -72,7 +72,7 @@ std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
 ItemCheck checkOf(const Item &item, const DryRun &frames)
 {
     const std::vector<PlannedRequest> requests = planRead(item).requests;
-    return {int(requests.size()), frames.ofRead(requests.front().command).first(),
+    return {int(requests.size()), frames.ofRead(requests.front().command, item.station).first(),
             writeRefusal(item, frames)};
 }
 
@@ -106,7 +106,7 @@ QString validText(const QString &text, const Item &item, const ItemCheck &found)
     const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
     const QString frame = QString::fromLatin1(found.frame.toHex(' '));
     const bool isLong = found.requests > 1;
-    const QString head = isTagReference(text) ? text + ' ' + address.text() : text;
+    const QString head = isTagReference(text) ? text + ' ' + item.place() : text;
     return QStringList({head, labelled("valid", values),
                         labelled("area", areaOf(address.prefix).name + ", " + elementName(address)),
                         labelled("limits", limits + ", less in most models"),
@@ -121,7 +121,7 @@ Json invalidRecord(const QString &text, const Failure &failure)
 {
     Json record = {{"text", jsonText(text)}, {"valid", false}, {"error", jsonText(failure.text())}};
     record["nearest"] = Json::array();
-    for (const QString &address : nearestAddresses(text.section(':', 0, 0).section('*', 0, 0)))
+    for (const QString &address : nearestAddresses(addressIn(text)))
         if (address != text)
             record["nearest"].push_back(jsonText(address));
     return record;
@@ -224,7 +224,7 @@ void declareCheck(CLI::App &app, CommandLine &line)
     CLI::App *check =
         addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
                    [items](const Options &options) { return checkAll(options, *items); });
-    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
+    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
     setFooter(*check, QString(kTypesFooter) + '\n' + kFooter);
 }
 

@@ -14,14 +14,14 @@ const Schema kFramesSchema = {"frames", 1, "frames", {"meaning", "bytes"}};
 
 DryRunOutput::DryRunOutput(const Options &options, Output &output_) : output(output_), requests(options) {}
 
-void DryRunOutput::write(const WriteRequest &request) const
+void DryRunOutput::write(const WriteRequest &request, std::optional<int> otherStation) const
 {
-    print(requests.ofWrite(request));
+    print(requests.ofWrite(request, otherStation));
 }
 
 void DryRunOutput::read(const PlannedRequest &request) const
 {
-    print(requests.ofRead(request.command));
+    print(requests.ofRead(request.command, request.pool.station));
 }
 
 void DryRunOutput::print(const QList<QByteArray> &frames) const

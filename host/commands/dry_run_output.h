@@ -13,6 +13,8 @@
 #include <QByteArray>
 #include <QList>
 
+#include <optional>
+
 namespace host {
 
 // The form of the data.
@@ -24,8 +26,9 @@ public:
     // The output must outlive it.
     DryRunOutput(const Options &options, Output &output);
 
-    // These print the frames of a request. Both fail when the driver refuses the request and sends nothing.
-    void write(const WriteRequest &request) const;
+    // These print the frames of a request, a write's to the options' station unless another is named. Both
+    // fail when the driver refuses the request and sends nothing.
+    void write(const WriteRequest &request, std::optional<int> otherStation = std::nullopt) const;
     void read(const PlannedRequest &request) const;
 
     // The line that the requests would be sent on.

@@ -29,6 +29,8 @@ const Schema kSchema = {
 
 const char kFooter[] = R"(
 
+@STATION asks another station than --station does: VB100@3 VW10:i16*4@3.
+
 @FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
 the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
 @FILE:NAME is one of them.
@@ -47,8 +49,8 @@ class ReadCommand
 {
 public:
     ReadCommand(const Options &options, const std::vector<Tag> &tags_, const PlanLimits &limits)
-        : tags(tags_), output(options, withSource(kSchema, options)), lines(tags), connection(options),
-          reader(connection, itemsOf(tags), limits)
+        : tags(tags_), output(options, withSource(withStation(kSchema, hasStations(tags)), options)),
+          lines(tags), connection(options), reader(connection, itemsOf(tags), limits)
     {
     }
 
@@ -99,7 +101,7 @@ void declareRead(CLI::App &app, CommandLine &line)
     CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
                                 [own](const Options &options) { return readItems(options, *own); });
     addItems(*read, own->items,
-             "ADDRESS[:TYPE][*COUNT], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
+             "ADDRESS[:TYPE][*COUNT][@STATION], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
     addPlanOptions(*read, own->plan);
     setFooter(*read, QString(kTypesFooter) + kFooter);
 }

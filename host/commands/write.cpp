@@ -53,6 +53,8 @@ Values
   hex              digits: the bytes as they lie in the controller
   str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
 
+VB100@3=17 writes to station 3, not to that of --station.
+
 @FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
 
 All items are checked before anything is sent, and when the driver refuses one nothing is.
@@ -123,8 +125,8 @@ public:
     WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_,
                  const WriteOptions &own_)
         : options(options_), own(own_), assignments(assignments_), tags(tagsOf(assignments)),
-          items(itemsOf(tags)), output(options, withSource(kSchema, options)), lines(tags),
-          connection(options)
+          items(itemsOf(tags)), output(options, withSource(withStation(kSchema, hasStations(tags)), options)),
+          lines(tags), connection(options)
     {
     }
 
@@ -176,6 +178,7 @@ void WriteCommand::write(int index)
 
 void WriteCommand::writeAndNote(const Assignment &assignment)
 {
+    connection.setStation(assignment.tag.item.station);
     writeItem(assignment, connection);
     const Item &item = assignment.tag.item;
     if (options.verbose)
@@ -221,9 +224,11 @@ void WriteCommand::readBack(int index)
 void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
 {
     const DryRun frames(options);
-    for (const Assignment &assignment : assignments)
+    for (const Assignment &assignment : assignments) {
+        const Item &item = assignment.tag.item;
         outcome.attempt(assignment.tag.label(),
-                        [&] { frames.ofWrite(planWrite(assignment.tag.item, assignment.data).first()); });
+                        [&] { frames.ofWrite(planWrite(item, assignment.data).first(), item.station); });
+    }
 }
 
 // Prints what would be sent to read back the items from the first to the one before the end.
@@ -247,7 +252,7 @@ int dryRunAll(const std::vector<Assignment> &assignments, const Options &options
             const Assignment &assignment = assignments[i];
             const auto failure = outcome.attempt(assignment.tag.label(), [&] {
                 for (const WriteRequest &request : planWrite(assignment.tag.item, assignment.data))
-                    dryRun.write(request);
+                    dryRun.write(request, assignment.tag.item.station);
             });
             if (failure && failure->isFinal())
                 return outcome.exitCode();
@@ -280,7 +285,8 @@ void declareWrite(CLI::App &app, CommandLine &line)
     CLI::App *write = addCommand(app, line, "write", "Write values to items",
                                  [own](const Options &options) { return writeItems(options, *own); });
     addItems(*write, own->items,
-             "ADDRESS[:TYPE]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or @FILE:NAME=VALUE");
+             "ADDRESS[:TYPE][@STATION]=VALUE[,VALUE...], as VB100=17 VW10:i16=-1,0x7f V10.3=on, or "
+             "@FILE:NAME=VALUE");
     addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
     addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
     addPlanOptions(*write, own->plan);

@@ -54,8 +54,8 @@ Timing timingWith(const DriverSetting &defaults, const DriverOptions &options)
 
 Connection::Connection(const Options &options, FrameListener *watcher_)
     : plugin(findPlugin(options)), timing(timingWith(*plugin.driverDefaults(), options)),
-      lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options)), watcher(watcher_),
-      reconnects(options.reconnect), doubts(kMostDoubts), tell(reportNote)
+      usualStation(timing.station), lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options)),
+      watcher(watcher_), reconnects(options.reconnect), doubts(kMostDoubts), tell(reportNote)
 {
     openPort(startPort(options), options);
     plugin.driver().setDebugMode(options.verbose);

@@ -22,6 +22,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -67,8 +68,11 @@ public:
 
     int stationId() const { return timing.station; }
 
-    // Sends what follows to another controller on the same line.
-    void setStation(int station) { port->setStation(timing.station = station); }
+    // Sends what follows to another controller on the same line, or without a station to that of the options.
+    void setStation(std::optional<int> station)
+    {
+        port->setStation(timing.station = station.value_or(usualStation));
+    }
 
     // Whether the adapter hears what it sends and nobody takes that out, as the last frame tells.
     bool hearsItself();
@@ -117,6 +121,7 @@ private:
 
     Plugin plugin;
     Timing timing;
+    int usualStation;
     LineSettings lineInUse;
     FrameListener *watcher;
     bool reconnects;

@@ -15,20 +15,22 @@ DryRun::DryRun(const Options &options)
 {
 }
 
-QList<QByteArray> DryRun::ofRead(const CommunicatorCommand &command) const
+QList<QByteArray> DryRun::ofRead(const CommunicatorCommand &command, std::optional<int> otherStation) const
 {
-    return framesOf([&](DryRunPort *port) { plugin.driver().read(port, command); });
+    return framesOf([&](DryRunPort *port) { plugin.driver().read(port, command); }, otherStation);
 }
 
-QList<QByteArray> DryRun::ofWrite(const WriteRequest &request) const
+QList<QByteArray> DryRun::ofWrite(const WriteRequest &request, std::optional<int> otherStation) const
 {
-    return framesOf([&](DryRunPort *port) { plugin.driver().write(port, request.command, request.data); });
+    return framesOf([&](DryRunPort *port) { plugin.driver().write(port, request.command, request.data); },
+                    otherStation);
 }
 
-QList<QByteArray> DryRun::framesOf(const std::function<void(DryRunPort *)> &request) const
+QList<QByteArray> DryRun::framesOf(const std::function<void(DryRunPort *)> &request,
+                                   std::optional<int> otherStation) const
 {
     QList<QByteArray> frames;
-    DryRunPort port(station, [&frames](const QByteArray &frame) { frames += frame; });
+    DryRunPort port(otherStation.value_or(station), [&frames](const QByteArray &frame) { frames += frame; });
     const PauseSkip noPauses;
     request(&port);
     return port.hasSent() ? frames : throw driverFailure(plugin.driver().getLastError());

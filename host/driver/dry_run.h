@@ -16,6 +16,7 @@
 #include <QList>
 
 #include <functional>
+#include <optional>
 
 namespace host {
 
@@ -26,16 +27,20 @@ class DryRun
 public:
     explicit DryRun(const Options &options);
 
-    // These return the frames of one request: the request itself and the poll behind it. They fail when the
-    // driver refuses the request and sends nothing.
-    QList<QByteArray> ofRead(const CommunicatorCommand &command) const;
-    QList<QByteArray> ofWrite(const WriteRequest &request) const;
+    // These return the frames of one request: the request itself and the poll behind it. They go to the
+    // options' station unless another is named, and fail when the driver refuses the request and sends
+    // nothing.
+    QList<QByteArray> ofRead(const CommunicatorCommand &command,
+                             std::optional<int> otherStation = std::nullopt) const;
+    QList<QByteArray> ofWrite(const WriteRequest &request,
+                              std::optional<int> otherStation = std::nullopt) const;
 
     // The line that the frames would be sent on.
     const LineSettings &line() const { return lineInUse; }
 
 private:
-    QList<QByteArray> framesOf(const std::function<void(DryRunPort *)> &request) const;
+    QList<QByteArray> framesOf(const std::function<void(DryRunPort *)> &request,
+                               std::optional<int> otherStation) const;
 
     Plugin plugin;
     int station;

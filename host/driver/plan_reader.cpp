@@ -47,7 +47,7 @@ std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std
 } // namespace
 
 PlanReader::PlanReader(Connection &connection_, const std::vector<Item> &items_, const PlanLimits &limits_)
-    : connection(connection_), usualStation(connection.stationId()), items(items_), limits(limits_)
+    : connection(connection_), items(items_), limits(limits_)
 {
     begin();
 }
@@ -124,7 +124,7 @@ PlanReader::Answer PlanReader::ask(const PlannedRequest &request)
     using Clock = std::chrono::steady_clock;
     Answer answer = {};
     const int attempts = connection.requestCount();
-    connection.setStation(request.pool.station < 0 ? usualStation : request.pool.station);
+    connection.setStation(request.pool.station);
     const Clock::time_point start = Clock::now();
     try {
         answer.places = placeBytes(request, connection.read(request.command));

@@ -95,7 +95,6 @@ private:
     void learn(const PlannedRequest &request, const std::vector<PlanPart> &refused);
 
     Connection &connection;
-    const int usualStation;
     std::vector<Item> items;
     PlanLimits limits;
     PlanHints hints;

@@ -57,7 +57,7 @@ struct Key
 PlanPool poolOf(const Item &item)
 {
     const bool isStatus = item.address.isObject() && item.type == ValueType::Bool;
-    return {item.station.value_or(-1), areaOf(item.address.prefix).letters, isStatus};
+    return {item.station, areaOf(item.address.prefix).letters, isStatus};
 }
 
 int longestRequest(const Item &item, const PlanLimits &limits)
@@ -301,7 +301,8 @@ QString PlannedRequest::text() const
     const Area &area = areaOf(pool.letters);
     const QString text = (area.hasBits() ? area.byteLetters() : area.letters) + QString::number(first);
     const int elements = count / (area.kind == AddressKind::Analog ? area.elementWidth : 1);
-    return elements == 1 ? text : filled("%1*%2", text, elements);
+    const QString counted = elements == 1 ? text : filled("%1*%2", text, elements);
+    return pool.station ? filled("%1@%2", counted, *pool.station) : counted;
 }
 
 qint64 ReadPlan::time(const RequestCost &cost) const
@@ -369,12 +370,10 @@ int placeSize(const Item &item)
 
 bool shareAPlace(const Item &one, const Item &other)
 {
-    const PlanPool pool = poolOf(one);
-    const PlanPool otherPool = poolOf(other);
     const int begin = one.address.number;
     const int otherBegin = other.address.number;
-    return pool.station == otherPool.station && pool.letters == otherPool.letters &&
-           begin < otherBegin + placeCount(other) && otherBegin < begin + placeCount(one);
+    return poolOf(one).letters == poolOf(other).letters && begin < otherBegin + placeCount(other) &&
+           otherBegin < begin + placeCount(one);
 }
 
 QByteArray placeBytes(const PlannedRequest &request, const QByteArray &data)

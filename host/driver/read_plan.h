@@ -59,7 +59,7 @@ struct PlanLimits
 // another one than their values.
 struct PlanPool
 {
-    int station; // -1: the usual one
+    std::optional<int> station; // none: the usual one
     QString letters;
     bool isStatus;
 
@@ -102,7 +102,7 @@ struct PlannedRequest
 
     bool isMerged() const { return parts.size() > 1; }
 
-    // "VB100*60"
+    // "VB100*60", "T37@3"
     QString text() const;
 };
 
@@ -129,7 +129,7 @@ PlannedRequest requestForPart(const std::vector<Item> &items, const PlannedReque
 int placeCount(const Item &item);
 int placeSize(const Item &item);
 
-// Whether two items have a byte or an object in common.
+// Whether two items have a byte or an object in common. Controllers are taken for the same one.
 bool shareAPlace(const Item &one, const Item &other);
 
 // Returns what the driver handed back for a request as the bytes of its places, as they lie in the

@@ -108,6 +108,8 @@ QString Address::text() const
 
 Address parseAddress(const QString &text)
 {
+    if (text.contains('@'))
+        throw Failure(ExitCode::Usage, "no station can stand here", "name it with --station");
     const QString complaint = "not an address of the controller";
     Parts parts;
     if (!split(text, parts))

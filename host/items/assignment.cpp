@@ -27,9 +27,16 @@ void checkComma(const QString &target, const QString &values)
                           .arg(target, match.captured(1), match.captured(2)));
 }
 
+// The target of an assignment is an item whose values are counted, so that it names no count.
+QString withoutCount(QString target)
+{
+    static const QRegularExpression count("\\*[^@]*");
+    return target.remove(count);
+}
+
 QString countHint(const QString &item)
 {
-    if (item.endsWith(":str"))
+    if (item.contains(":str"))
         return "write " + item + "=TEXT, a text as long as you mean";
     return "write " + item + "=VALUE,VALUE with as many values as you mean";
 }
@@ -37,7 +44,7 @@ QString countHint(const QString &item)
 Assignment assignToItem(const QString &target, const QString &values)
 {
     if (target.contains('*'))
-        throw Failure(ExitCode::Usage, "a count is not needed here", countHint(target.section('*', 0, 0)));
+        throw Failure(ExitCode::Usage, "a count is not needed here", countHint(withoutCount(target)));
     Item item = parseItem(target);
     if (item.type == ValueType::F32)
         checkComma(target, values);
@@ -89,7 +96,7 @@ Assignment parseAssignment(const QString &text)
     const QString target = text.section('=', 0, 0);
     const QString values = text.section('=', 1);
     if (!text.contains('='))
-        throw withoutValue(text.section('*', 0, 0) + "=VALUE");
+        throw withoutValue(withoutCount(text) + "=VALUE");
     return isTagReference(target) ? assign(findTag(target), values) : assignToItem(target, values);
 }
 
@@ -101,7 +108,7 @@ std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outc
         const QString next = texts.value(i + 1);
         const bool isTorn = isTornApart(text, next);
         outcome.attempt(text, [&] {
-            assignments.push_back(isTorn ? throw withoutValue(text.section('*', 0, 0) + '=' + next)
+            assignments.push_back(isTorn ? throw withoutValue(withoutCount(text) + '=' + next)
                                          : parseAssignment(text));
         });
         if (isTorn)

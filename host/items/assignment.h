@@ -3,11 +3,12 @@
 //
 // One item of the command line to write, with its values.
 //
-//   assignment := ADDRESS [ ":" TYPE ] "=" VALUE [ "," VALUE ]...     VB100=17  VW10:i16=-1,0x7f  V10.3=1,0
-//              |  "@" FILE ":" NAME "=" VALUE [ "," VALUE ]...        @tags.csv:Boiler=21.5
+//   assignment := ADDRESS [ ":" TYPE ] [ "@" STATION ] "=" VALUES     VB100=17  VW10:i16@3=-1,0x7f  V10.3=1,0
+//              |  "@" FILE ":" NAME "=" VALUES                        @tags.csv:Boiler=21.5
+//   VALUES     := VALUE [ "," VALUE ]...
 //
-// Addresses and types are those of an item to read; there are as many values as are named. The values
-// stand in value_parser.h; those of a scaled tag are numbers as people see them.
+// Addresses, types and stations are those of an item to read; there are as many values as are named. The
+// values stand in value_parser.h; those of a scaled tag are numbers as people see them.
 
 #ifndef HOST_ITEMS_ASSIGNMENT_H
 #define HOST_ITEMS_ASSIGNMENT_H

@@ -4,9 +4,12 @@
 #include "host/items/item.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
+#include "host/base/options.h"
 
 #include <QHash>
 #include <QList>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -122,6 +125,23 @@ int parseCount(const QString &text)
                   "a count is a whole number from 1 on, as VB100*4");
 }
 
+// Takes the station out of an item's text, if there is one.
+std::optional<int> takeStation(QString &text)
+{
+    if (!text.contains('@'))
+        return std::nullopt;
+    static const QRegularExpression form("^([^@]*)@([^@:*]*)([^@]*)$");
+    const QRegularExpressionMatch match = form.match(text);
+    const QString before = match.captured(1);
+    const QString behind = match.captured(3);
+    const bool isInside = !behind.isEmpty() && (before.contains(':') || before.contains('*'));
+    if (!match.hasMatch() || isInside)
+        throw Failure(ExitCode::Usage, "the station is not in its place",
+                      "name one station at the end, as VW10:i16*4@3, or right behind the address");
+    text = before + behind;
+    return parseStation(match.captured(2));
+}
+
 // How many values fit between the first one and the end of what an address can name.
 int largestCount(const Item &item)
 {
@@ -156,19 +176,42 @@ int Item::valueSize() const
     return address.elementWidth;
 }
 
-Item parseItem(const QString &text)
+QString Item::place() const
+{
+    return station ? filled("%1@%2", address.text(), *station) : address.text();
+}
+
+Item parseItem(QString text)
 {
     if (text.contains(".."))
         throw Failure(ExitCode::Usage, "a range, which only dump takes", "write a count, as VB100*4");
+    const std::optional<int> station = takeStation(text);
     const QString beforeCount = text.section('*', 0, 0);
     const QString type = beforeCount.section(':', 1);
-    Item item = {parseAddress(beforeCount.section(':', 0, 0)), ValueType::Bool, 1};
+    Item item = {parseAddress(addressIn(text)), ValueType::Bool, 1, station};
     item.type = beforeCount.contains(':') ? parseType(type) : defaultType(item.address);
     checkType(item.address, item.type);
     if (text.contains('*'))
         item.count = parseCount(text.section('*', 1));
     checkCount(item);
     return item;
+}
+
+QString addressIn(const QString &itemText)
+{
+    static const QRegularExpression ends("[:*@]");
+    return itemText.section(ends, 0, 0);
+}
+
+// The option's rule: 0 is the master's own station.
+int parseStation(const QString &text)
+{
+    bool isNumber = false;
+    const int station = text.toInt(&isNumber);
+    if (isNumber && station > kFirstStation && station <= kLastStation)
+        return station;
+    throw Failure(ExitCode::Usage, '"' + text + "\" is not a station",
+                  filled("controllers have stations from %1 to %2", kFirstStation + 1, kLastStation));
 }
 
 bool canBeTakenAs(const Address &address, ValueType type)

@@ -73,6 +73,11 @@ std::vector<Item> itemsOf(const std::vector<Tag> &tags)
     return items;
 }
 
+bool hasStations(const std::vector<Tag> &tags)
+{
+    return std::any_of(tags.begin(), tags.end(), [](const Tag &tag) { return tag.item.station.has_value(); });
+}
+
 QString unscaledText(const Tag &tag, const QString &values)
 {
     QStringList numbers;
@@ -113,6 +118,8 @@ Json tagFields(const Tag &tag)
         fields["name"] = jsonText(tag.name);
     fields["address"] = jsonText(tag.item.address.text());
     fields["type"] = jsonText(typeName(tag.item.type));
+    if (tag.item.station)
+        fields["station"] = *tag.item.station;
     if (!tag.unit.isEmpty())
         fields["unit"] = jsonText(tag.unit);
     return fields;

@@ -22,8 +22,8 @@ struct Tag
     // An item that nobody named is a tag without a name and a scale.
     Tag(const Item &item_) : item(item_) {} // NOLINT(google-explicit-constructor): every item is a tag
 
-    // What the tag is called on the screen: its name, or else its address.
-    QString label() const { return name.isEmpty() ? item.address.text() : name; }
+    // What the tag is called on the screen: its name, or else its address with the station that it names.
+    QString label() const { return name.isEmpty() ? item.place() : name; }
 
     Item item;
     QString name;
@@ -32,6 +32,9 @@ struct Tag
 };
 
 std::vector<Item> itemsOf(const std::vector<Tag> &tags);
+
+// Whether any of them names a station of its own.
+bool hasStations(const std::vector<Tag> &tags);
 
 // The values as people see them, blanks between, with the unit behind them.
 QString shownText(const Tag &tag, const std::vector<Value> &values);
@@ -44,7 +47,8 @@ std::optional<double> shownNumber(const Tag &tag, const Value &value);
 // unless they are floats. Fails on a text that is no number.
 QString unscaledText(const Tag &tag, const QString &values);
 
-// A record of what a tag is: {"name", "address", "type", "unit"}, name and unit only when there are any.
+// A record of what a tag is: {"name", "address", "type", "station", "unit"}. Name, station and unit are there
+// only when the tag has one.
 Json tagFields(const Tag &tag);
 
 // The fields of the tag and "values": numbers, true or false; a text has one character for each of its bytes,

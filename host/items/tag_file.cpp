@@ -70,7 +70,7 @@ Item itemOf(QString address, const QString &type)
     try {
         return parseItem(address);
     } catch (const Failure &failure) {
-        const QString place = address.section('*', 0, 0).section(':', 0, 0);
+        const QString place = addressIn(address);
         const bool isAddress = nearestAddresses(place) == QStringList(place);
         throw isAddress ? failure : wrong('"' + place + "\" is " + failure.text(), failure.hint());
     }

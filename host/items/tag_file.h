@@ -9,8 +9,8 @@
 //   Pump,Q0.3                             cells at the end may be missing
 //   # a comment
 //
-// The address is that of an item, with its type and count if need be, VW10:i16*4; the type is the column's
-// when the address has none.
+// The address is that of an item, with its type, count and station if need be, VW10:i16*4@3; the type is the
+// column's when the address has none.
 
 #ifndef HOST_ITEMS_TAG_FILE_H
 #define HOST_ITEMS_TAG_FILE_H

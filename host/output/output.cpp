@@ -53,6 +53,13 @@ Schema withSource(Schema schema, const PortOptions &options)
     return schema;
 }
 
+Schema withStation(Schema schema, bool hasStations)
+{
+    if (hasStations)
+        schema.columns.insert(schema.columns.indexOf("type") + 1, "station");
+    return schema;
+}
+
 Format formatOf(const OutputOptions &options, const Schema &schema)
 {
     if (!options.format)

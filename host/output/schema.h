@@ -29,6 +29,9 @@ struct Schema
 // The form of data that come from the controller behind a port.
 Schema withSource(Schema schema, const PortOptions &options);
 
+// The form of data about items, some of which name a station of their own, or none of them does.
+Schema withStation(Schema schema, bool hasStations);
+
 } // namespace host
 
 #endif

@@ -253,7 +253,7 @@ hint: write VB7=VALUE" ]
     done
     run --separate-stderr s7ppi write --help
     [ "$status" -eq 0 ]
-    [[ "$output" == *"ADDRESS[:TYPE]=VALUE"*"--verify"*"--dry-run"* ]]
+    [[ "$output" == *"ADDRESS[:TYPE][@STATION]=VALUE"*"--verify"*"--dry-run"* ]]
 }
 
 @test "3: the port cannot be opened" {

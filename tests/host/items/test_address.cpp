@@ -21,6 +21,7 @@ private slots:
     void everyAreaHasItsForms();
     void invalidTextsGetTheNearestValidOne_data();
     void invalidTextsGetTheNearestValidOne();
+    void aStationBelongsToItemsOnly();
     void textsWithoutAnythingNearGetTheListOfAreas_data();
     void textsWithoutAnythingNearGetTheListOfAreas();
 };
@@ -104,6 +105,12 @@ void TestAddress::invalidTextsGetTheNearestValidOne_data()
 void TestAddress::invalidTextsGetTheNearestValidOne()
 {
     compareRefusal([](const QString &text) { parseAddress(text); });
+}
+
+void TestAddress::aStationBelongsToItemsOnly()
+{
+    QCOMPARE(failureOf([] { parseAddress("VB0@3"); }),
+             QString("2: no station can stand here / name it with --station"));
 }
 
 void TestAddress::textsWithoutAnythingNearGetTheListOfAreas_data()

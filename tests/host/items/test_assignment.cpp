@@ -11,6 +11,8 @@
 
 #include <QtTest>
 
+#include <optional>
+
 using namespace host;
 
 class TestAssignment : public QObject
@@ -20,6 +22,7 @@ class TestAssignment : public QObject
 private slots:
     void thereAreAsManyValuesAsAreNamed_data();
     void thereAreAsManyValuesAsAreNamed();
+    void aStationIsKept();
     void wrongAssignmentsSayWhatCouldBeMeant_data();
     void wrongAssignmentsSayWhatCouldBeMeant();
 };
@@ -54,6 +57,14 @@ void TestAssignment::thereAreAsManyValuesAsAreNamed()
     QTEST(hex(assignment.data), "data");
 }
 
+void TestAssignment::aStationIsKept()
+{
+    QCOMPARE(parseAssignment("VB100@3=17,18").tag.label(), QString("VB100@3"));
+    QCOMPARE(parseAssignment("VW10:i16@3=-1").tag.label(), QString("VW10@3"));
+    QCOMPARE(parseAssignment("VB20@3:str=a@4").tag.item.station, std::optional<int>(3));
+    QCOMPARE(parseAssignment("VB20:str=a@4").tag.item.station, std::optional<int>());
+}
+
 void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
 {
     addRefusedTexts();
@@ -61,6 +72,14 @@ void TestAssignment::wrongAssignmentsSayWhatCouldBeMeant_data()
     refused("VB100*4", "no value is given", "write VB100=VALUE");
     refused("VB100*4=1", "a count is not needed here",
             "write VB100=VALUE,VALUE with as many values as you mean");
+    refused("VB100*4@3", "no value is given", "write VB100@3=VALUE");
+    refused("VB100*4@3=1", "a count is not needed here",
+            "write VB100@3=VALUE,VALUE with as many values as you mean");
+    refused("VB20:str*4@3=abcd", "a count is not needed here",
+            "write VB20:str@3=TEXT, a text as long as you mean");
+    refused("VB100@127=1", "\"127\" is not a station", "controllers have stations from 1 to 126");
+    refused("VD0:f32@3=1,5", "\"1,5\" may be one number or two",
+            "write VD0:f32@3=1.5 for one number, VD0:f32@3=1.0,5.0 for two");
     refused("vb10=1", "not an address of the controller", "write VB10 instead of vb10");
     refused("V10.9=1", "not an address of the controller", "write V10.7 instead of V10.9");
     refused("VB10 =1", "not an address of the controller", "write VB10 instead of VB10 ");

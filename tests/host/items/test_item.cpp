@@ -21,6 +21,8 @@ private slots:
     void theAddressGivesTheTypeThatIsLeftOut();
     void typeAndCountAreTaken_data();
     void typeAndCountAreTaken();
+    void aStationStandsAtTheEndOrBehindTheAddress_data();
+    void aStationStandsAtTheEndOrBehindTheAddress();
     void wrongItemsSayWhatCouldBeMeant_data();
     void wrongItemsSayWhatCouldBeMeant();
 };
@@ -90,6 +92,37 @@ void TestItem::typeAndCountAreTaken()
     QTEST(item.valueSize(), "valueSize");
 }
 
+void TestItem::aStationStandsAtTheEndOrBehindTheAddress_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<int>("station"); // -1: none
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<int>("count");
+    const auto row = [](const char *text, const char *place, int station, const char *type, int count) {
+        QTest::newRow(text) << text << place << station << type << count;
+    };
+    row("VB100", "VB100", -1, "u8", 1);
+    row("VB100@3", "VB100@3", 3, "u8", 1);
+    row("V10.3@126", "V10.3@126", 126, "bool", 1);
+    row("T37@1", "T37@1", 1, "u16", 1);
+    row("VW10:i16*4@3", "VW10@3", 3, "i16", 4);
+    row("VW10:i16@3", "VW10@3", 3, "i16", 1);
+    row("VB100*2@30", "VB100@30", 30, "u8", 2);
+    row("VB100@3:u16*2", "VB100@3", 3, "u16", 2);
+    row("VB100@3*2", "VB100@3", 3, "u8", 2);
+}
+
+void TestItem::aStationStandsAtTheEndOrBehindTheAddress()
+{
+    QFETCH(QString, text);
+    const Item item = parseItem(text);
+    QTEST(item.place(), "place");
+    QTEST(item.station.value_or(-1), "station");
+    QTEST(typeName(item.type), "type");
+    QTEST(item.count, "count");
+}
+
 void TestItem::wrongItemsSayWhatCouldBeMeant_data()
 {
     addRefusedTexts();
@@ -125,6 +158,16 @@ void TestItem::wrongItemsSayWhatCouldBeMeant_data()
     refused("VD2097144*3", "VD2097144 is not followed by that many values", "the largest count here is 2");
     refused("V2097151.1*8", "V2097151.1 is not followed by that many values", "the largest count here is 7");
     refused("T0*65537", "T0 is not followed by that many values", "the largest count here is 65536");
+    const char stationHint[] = "controllers have stations from 1 to 126";
+    for (const char *station : {"", "0", "127", "-1", "x", "2.5", "3,4", "99999999999"})
+        refused(QString("VB1@%1").arg(station), QString("\"%1\" is not a station").arg(station), stationHint);
+    refused("VB1@127:u8", "\"127\" is not a station", stationHint);
+    refused("vb1@3", "not an address of the controller", "write VB1 instead of vb1");
+    refused("VB1@3*0", "\"0\" is not a count", countHint);
+    refused("VB1:bool@3", "VB1 cannot be taken as bool", memoryHint);
+    const char placeHint[] = "name one station at the end, as VW10:i16*4@3, or right behind the address";
+    for (const char *text : {"VB1@3@4", "VB1@3@3", "VB1@3:u16@3", "VB1:u16@3*2", "VB1*2@3:u16"})
+        refused(text, "the station is not in its place", placeHint);
 }
 
 void TestItem::wrongItemsSayWhatCouldBeMeant()

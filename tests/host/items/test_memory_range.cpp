@@ -62,6 +62,9 @@ void TestMemoryRange::whatIsNoRangeGetsTheNearestOne_data()
     refused("VB0..VW8", "VB0 and VW8 are not in the same area", "write VB0..VB8");
     refused("VB9..VB0", "VB0 lies before VB9", "write VB0..VB9");
     refused("VW0..VW9", "VW9 begins inside another element counted from VW0", "write VW0..VW8");
+    refused("VB0..VB99@3", "VB99@3: no station can stand here", "name it with --station");
+    refused("VB0..99@3", "99@3: no station can stand here", "name it with --station");
+    refused("VB0@3..VB99", "VB0@3: no station can stand here", "name it with --station");
     refused("VD2..VD9", "VD9 begins inside another element counted from VD2", "write VD2..VD6");
 }
 

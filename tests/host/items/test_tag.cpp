@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The number that a tag shows.
+// What a tag is called, and the number that it shows.
 
 #include "host/items/tag.h"
 
@@ -19,6 +19,9 @@ class TestTag : public QObject
     Q_OBJECT
 
 private slots:
+    void anItemIsCalledByItsAddressAndItsOwnStation();
+    void aTagIsCalledByItsName();
+    void theFieldsHaveTheStationThatATagNames();
     void aNumberIsShownAsItIsDrawn_data();
     void aNumberIsShownAsItIsDrawn();
     void otherValuesHaveNoNumber_data();
@@ -37,6 +40,33 @@ std::optional<double> numberOf(const QString &item, const QString &data, double 
 }
 
 } // namespace
+
+void TestTag::anItemIsCalledByItsAddressAndItsOwnStation()
+{
+    QCOMPARE(Tag(parseItem("VW10:i16*2")).label(), QString("VW10"));
+    QCOMPARE(Tag(parseItem("VW10:i16*2@3")).label(), QString("VW10@3"));
+    const TextLines lines({parseItem("VB1"), parseItem("VB1@12")});
+    QCOMPARE(lines.line(parseItem("VB1"), {qint64(5)}), QString("VB1    5"));
+    QCOMPARE(lines.line(parseItem("VB1@12"), {qint64(6)}), QString("VB1@12 6"));
+}
+
+void TestTag::aTagIsCalledByItsName()
+{
+    Tag tag = parseItem("VW10@3");
+    tag.name = "Boiler";
+    QCOMPARE(tag.label(), QString("Boiler"));
+}
+
+void TestTag::theFieldsHaveTheStationThatATagNames()
+{
+    const auto fieldsOf = [](const Tag &tag) { return QString::fromStdString(tagFields(tag).dump()); };
+    QCOMPARE(fieldsOf(parseItem("VB1")), QString(R"({"address":"VB1","type":"u8"})"));
+    Tag tag = parseItem("VB1@3");
+    tag.unit = "mm";
+    QCOMPARE(fieldsOf(tag), QString(R"({"address":"VB1","type":"u8","station":3,"unit":"mm"})"));
+    QVERIFY(hasStations({parseItem("VB1"), tag}));
+    QVERIFY(!hasStations({parseItem("VB1")}));
+}
 
 void TestTag::aNumberIsShownAsItIsDrawn_data()
 {
