@@ -32,8 +32,8 @@ const char kFooter[] = R"(
 @STATION asks another station than --station does: VB100@3 VW10:i16*4@3.
 
 @FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
-the columns: name,address,type,scale,offset,unit. What is shown is value * scale + offset.
-@FILE:NAME is one of them.
+the columns: name,address,type,scale,offset,unit,station,interval. What is shown is value *
+scale + offset; the interval is for watch. @FILE:NAME is one of them.
 
 Neighbours are read together, with the gap between them, where that is quicker than asking
 twice; s7ppi check shows the requests. A request that the controller refuses is taken apart

@@ -29,6 +29,7 @@ struct Tag
     QString name;
     Scaling scaling;
     QString unit;
+    std::optional<int> interval; // from poll to poll, in milliseconds; none: that of --interval
 };
 
 std::vector<Item> itemsOf(const std::vector<Tag> &tags);

@@ -19,10 +19,14 @@ namespace host {
 
 namespace {
 
-const QStringList kColumns = {"name", "address", "type", "scale", "offset", "unit"};
+const QStringList kColumns = {"name", "address", "type", "scale", "offset", "unit", "station", "interval"};
 const QStringList kNeededColumns = {"name", "address"};
 const char kHeadHint[] =
-    "the first line names the columns: name,address and, if need be, type,scale,offset,unit";
+    "the first line names the columns: name,address and, if need be, type,scale,offset,unit,station,interval";
+
+// From poll to poll, in milliseconds, as for --interval.
+constexpr int kLeastInterval = 1;
+constexpr int kLargestInterval = 3600000;
 
 Failure wrong(const QString &text, const QString &hint)
 {
@@ -76,6 +80,31 @@ Item itemOf(QString address, const QString &type)
     }
 }
 
+// The station of a column of its own, unless that is empty; the address may name the same.
+std::optional<int> stationOf(const QString &cell, const Item &item)
+{
+    if (cell.isEmpty())
+        return item.station;
+    const int station = parseStation(cell);
+    if (item.station.value_or(station) != station)
+        throw wrong(filled("the address names station %1, its column %2", *item.station, station),
+                    "leave one of them out");
+    return station;
+}
+
+std::optional<int> intervalOf(const QString &cell)
+{
+    if (cell.isEmpty())
+        return std::nullopt;
+    bool isNumber = false;
+    const int interval = cell.toInt(&isNumber);
+    if (isNumber && interval >= kLeastInterval && interval <= kLargestInterval)
+        return interval;
+    throw wrong('"' + cell + "\" is not an interval",
+                filled("intervals are whole numbers of milliseconds, from %1 to %2", kLeastInterval,
+                       kLargestInterval));
+}
+
 double numberOf(const QString &text, double otherwise)
 {
     bool isNumber = false;
@@ -121,6 +150,8 @@ Tag tagOf(const Row &row)
     tag.scaling.scale = numberOf(row.cell("scale"), 1);
     tag.scaling.offset = numberOf(row.cell("offset"), 0);
     tag.unit = row.cell("unit");
+    tag.item.station = stationOf(row.cell("station"), tag.item);
+    tag.interval = intervalOf(row.cell("interval"));
     if (tag.name.isEmpty())
         throw wrong("the tag has no name", "every tag needs one; a plain item can be named beside the file");
     checkScale(tag);

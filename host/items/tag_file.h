@@ -3,14 +3,15 @@
 //
 // Tag files, which give items names, scales and units.
 //
-//   name,address,type,scale,offset,unit   the columns, in any order; only name and address must be there,
-//                                         others are left out
-//   Boiler,VW100,i16,0.1,-40,°C           separated by commas, semicolons or tabulators
-//   Pump,Q0.3                             cells at the end may be missing
+//   name,address,type,scale,offset,unit,station,interval   the columns, in any order; only name and address
+//                                                          must be there, others are left out
+//   Boiler,VW100,i16,0.1,-40,°C,3,1000                     separated by commas, semicolons or tabulators
+//   Pump,Q0.3                                              cells at the end may be missing
 //   # a comment
 //
-// The address is that of an item, with its type, count and station if need be, VW10:i16*4@3; the type is the
-// column's when the address has none.
+// The address is that of an item, with its type, count and station if need be, VW10:i16*4@3. The type is the
+// column's when the address has none; a station that both name must be the same. The interval is that from
+// poll to poll, in whole milliseconds.
 
 #ifndef HOST_ITEMS_TAG_FILE_H
 #define HOST_ITEMS_TAG_FILE_H

@@ -121,7 +121,7 @@ VB249@3 249 1 2 3" ]
 
 @test "a tag is read and written at the station that its file names" {
     start_three
-    tags "name,address,type,scale" "Boiler,VW10@3,i16,0.1" "Press,VB100@5" "Here,VB100"
+    tags "name,address,type,scale,station,interval" "Boiler,VW10,i16,0.1,3,500" "Press,VB100@5" "Here,VB100"
     put --verify "@$tags:Boiler=21.5" VW10=7
     [ "$status" -eq 0 ]
     [ "$output" = "Boiler 21.5
@@ -139,7 +139,7 @@ Boiler,VW10,i16,3,0,21.5,," ]
 }
 
 @test "--dry-run shows the frames for the item's station, and those behind for that of --station" {
-    tags "name,address" "Boiler,VB10@4"
+    tags "name,address,station" "Boiler,VB10,4"
     run --separate-stderr s7ppi write --dry-run --verify VB0@3=1 "@$tags:Boiler=2" VB0=1
     [ "$status" -eq 0 ]
     [ "$(sed -E 's/:.*//' <<<"$output")" = "$(printf '%s\n' \
@@ -163,7 +163,7 @@ Boiler,VW10,i16,3,0,21.5,," ]
     [ "${lines[0]}" = "VB0@5" ]
     [[ "${lines[5]}" == "               68 1b 1b 68 05 00 6c "* ]]
     [[ "${lines[12]}" == "               68 1b 1b 68 07 00 6c "* ]]
-    tags "name,address" "Boiler,VW100@3"
+    tags "name,address,station" "Boiler,VW100,3"
     run --separate-stderr s7ppi check "@$tags"
     [ "${lines[0]}" = "@$tags:Boiler VW100@3" ]
     [[ "${lines[5]}" == "               68 1b 1b 68 03 00 6c "* ]]
@@ -199,6 +199,24 @@ hint: controllers have stations from 1 to 126" ]
     [ "$stderr" = "s7ppi: VB0@3@4: the station is not in its place
 hint: name one station at the end, as VW10:i16*4@3, or right behind the address" ]
     kill -0 "${background[0]}"
+}
+
+@test "2: wrong stations and intervals of a tag file are told by their line" {
+    tags "name,address,station,interval" "A,VB0,127," "B,VB0@3,4," "C,VB0,,0" "D,VB0,,1.5" "E,VB0@x" "F,VB0,press"
+    run --separate-stderr s7ppi read --port sim "@$tags"
+    [ "$status" -eq 2 ]
+    [ "$stderr" = "s7ppi: $tags:2: \"127\" is not a station
+hint: controllers have stations from 1 to 126
+s7ppi: $tags:3: the address names station 3, its column 4
+hint: leave one of them out
+s7ppi: $tags:4: \"0\" is not an interval
+hint: intervals are whole numbers of milliseconds, from 1 to 3600000
+s7ppi: $tags:5: \"1.5\" is not an interval
+hint: intervals are whole numbers of milliseconds, from 1 to 3600000
+s7ppi: $tags:6: \"x\" is not a station
+hint: controllers have stations from 1 to 126
+s7ppi: $tags:7: \"press\" is not a station
+hint: controllers have stations from 1 to 126" ]
 }
 
 @test "2: ranges and the place of a dump have the station of --station" {

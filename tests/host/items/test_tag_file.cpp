@@ -14,6 +14,7 @@
 #include <QtTest>
 
 #include <string>
+#include <vector>
 
 using namespace host;
 
@@ -58,6 +59,9 @@ private slots:
     void everyColumnHasItsMeaning();
     void filesOfSpreadsheetsAreRead_data();
     void filesOfSpreadsheetsAreRead();
+    void aTagHasTheStationOfItsAddressOrOfItsColumn_data();
+    void aTagHasTheStationOfItsAddressOrOfItsColumn();
+    void aTagHasTheIntervalOfItsColumn();
     void whatIsWrongInAFileIsAUsageError_data();
     void whatIsWrongInAFileIsAUsageError();
     void oneTagOfAFileIsFound();
@@ -111,6 +115,48 @@ void TestTagFile::filesOfSpreadsheetsAreRead()
     QCOMPARE(textsOf(file), QStringList({"Boiler VW100:i16*1 * 1 + 0"}));
 }
 
+void TestTagFile::aTagHasTheStationOfItsAddressOrOfItsColumn_data()
+{
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<int>("count");
+    const auto row = [](const char *line, const char *place, const char *type, int count) {
+        QTest::newRow(line) << place << type << count;
+    };
+    row("Boiler,VW100,,", "VW100", "u16", 1);
+    row("Boiler,VW100,,3", "VW100@3", "u16", 1);
+    row("Boiler,VW100@3,,", "VW100@3", "u16", 1);
+    row("Boiler,VW100@3,,3", "VW100@3", "u16", 1);
+    row("Boiler,VW100@3,i16,", "VW100@3", "i16", 1);
+    row("Boiler,VW100*4@3,i16,", "VW100@3", "i16", 4);
+    row("Boiler,VW100@3*4,i16,3", "VW100@3", "i16", 4);
+    row("Boiler,VW100*4,i16,126", "VW100@126", "i16", 4);
+    row("Boiler,VW100:hex*4@3,i16,", "VW100@3", "hex", 4);
+}
+
+void TestTagFile::aTagHasTheStationOfItsAddressOrOfItsColumn()
+{
+    Outcome outcome;
+    const QByteArray file = QByteArray("name,address,type,station\n") + QTest::currentDataTag();
+    const std::vector<Tag> tags = parseTagFile("tags.csv", file, outcome);
+    QCOMPARE(tags.size(), size_t(1));
+    const Item &item = tags.front().item;
+    QTEST(item.place(), "place");
+    QTEST(typeName(item.type), "type");
+    QTEST(item.count, "count");
+}
+
+void TestTagFile::aTagHasTheIntervalOfItsColumn()
+{
+    Outcome outcome;
+    const char file[] = "name,address,interval\nFast,VW0,1\nSlow,VW2,3600000\nUsual,VW4,\nShort,VW6\n";
+    QList<int> intervals;
+    for (const Tag &tag : parseTagFile("tags.csv", file, outcome))
+        intervals << tag.interval.value_or(-1);
+    QVERIFY(outcome.isSuccess());
+    QCOMPARE(intervals, QList<int>({1, 3600000, -1, -1}));
+}
+
 void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
 {
     QTest::addColumn<QByteArray>("file");
@@ -128,6 +174,13 @@ void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
     QTest::newRow("a scale of nothing") << QByteArray("name,address,scale\nBoiler,VW100,0\n");
     QTest::newRow("an endless scale") << QByteArray("name,address,scale\nBoiler,VW100,inf\n");
     QTest::newRow("a scaled bit") << QByteArray("name,address,scale\nPump,Q0.3,2\n");
+    for (const char *station : {"0", "127", "-1", "2.5", "press"})
+        QTest::addRow("the station %s", station) << QByteArray("name,address,station\nPump,Q0.3,") + station;
+    QTest::newRow("two stations") << QByteArray("name,address,station\nPump,Q0.3@3,4\n");
+    QTest::newRow("a wrong station with the address") << QByteArray("name,address\nPump,Q0.3@127\n");
+    for (const char *interval : {"0", "-1", "3600001", "1.5", "1 s", "fast"})
+        QTest::addRow("the interval %s", interval)
+            << QByteArray("name,address,interval\nPump,Q0.3,") + interval;
     QTest::newRow("too many cells") << QByteArray("name,address\nBoiler,VW100,i16\n");
     QTest::newRow("an open quote") << QByteArray("name,address\n\"Boiler,VW100\n");
 }
