@@ -9,8 +9,8 @@
 #include "host/cli/command_line.h"
 #include "host/commands/plan_options.h"
 #include "host/driver/connection.h"
-#include "host/driver/plan_reader.h"
 #include "host/items/tag_file.h"
+#include "host/polling/poller.h"
 #include "host/watch/notes_view.h"
 #include "host/watch/plot_view.h"
 #include "host/watch/recorder.h"
@@ -75,28 +75,10 @@ constexpr int kDefaultSpan = 5; // minutes
 
 using Views = std::vector<View *>;
 
-class WatchCommand
+int intervalOf(const WatchOptions &options)
 {
-public:
-    WatchCommand(Connection &connection, Watch &watch, const Views &views, const PlanLimits &limits);
-
-    void poll();
-    void pauseUntil(const QDeadlineTimer &due);
-
-    ExitCode firstFailure() const { return outcome.code(); }
-
-private:
-    void run(int request);
-    void take(int index);
-    void noteFailure(WatchedItem &item, const Failure &failure);
-
-    Connection &connection;
-    Watch &watch;
-    const Views &views;
-    Outcome outcome;
-    const Connection::MessageRedirect redirect;
-    PlanReader reader;
-};
+    return options.interval.value_or(kDefaultInterval);
+}
 
 std::vector<Item> itemsOf(const Watch &watch)
 {
@@ -106,49 +88,68 @@ std::vector<Item> itemsOf(const Watch &watch)
     return items;
 }
 
+std::vector<std::chrono::milliseconds> intervalsOf(const Watch &watch, const WatchOptions &options)
+{
+    std::vector<std::chrono::milliseconds> intervals;
+    for (const WatchedItem &item : watch.items)
+        intervals.emplace_back(item.tag.interval.value_or(intervalOf(options)));
+    return intervals;
+}
+
+class WatchCommand
+{
+public:
+    WatchCommand(Connection &connection, Watch &watch, const Views &views, const WatchOptions &options);
+
+    // Polls as often and as long as the options say.
+    void run();
+
+    ExitCode firstFailure() const { return outcome.code(); }
+
+private:
+    PollEvents events();
+    void take(int index, const ItemReading &reading);
+    void noteFailure(WatchedItem &item, const Failure &failure);
+    void tell(const QString &text);
+    void takeFigures();
+    void pauseUntil(const QDeadlineTimer &end);
+
+    Connection &connection;
+    Watch &watch;
+    const Views &views;
+    const WatchOptions &options;
+    Outcome outcome;
+    const Connection::MessageRedirect redirect;
+    Poller poller;
+};
+
 WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const Views &views_,
-                           const PlanLimits &limits)
-    : connection(connection_), watch(watch_), views(views_), redirect(connection,
-                                                                      [this](const QString &text) {
-                                                                          for (View *view : views)
-                                                                              view->tell(watch, text);
-                                                                      }),
-      reader(connection, itemsOf(watch), limits)
+                           const WatchOptions &options_)
+    : connection(connection_), watch(watch_), views(views_), options(options_),
+      redirect(connection, [this](const QString &text) { tell(text); }),
+      poller(connection, itemsOf(watch), intervalsOf(watch, options), options.plan.limits(), events())
 {
-    reader.setAnswerNote(
-        [this](WatchDuration time, std::chrono::nanoseconds /*expected*/) { watch.answerTimes.add(time); });
 }
 
-// The items are told in their order, each as soon as it and all before it are there.
-void WatchCommand::poll()
+PollEvents WatchCommand::events()
 {
-    reader.begin();
-    int told = 0;
-    for (int request = 0; request < int(reader.plan().requests.size()); ++request) {
-        run(request);
-        while (told < int(watch.items.size()) && reader.isDone(told))
-            take(told++);
-    }
-    ++watch.polls;
+    return {[this](int item, const ItemReading &reading) { take(item, reading); },
+            [this](WatchDuration time, std::chrono::nanoseconds expected) {
+                watch.answerTimes.add(time);
+                watch.expectedTime += expected;
+            },
+            [this](const QString &text) { tell(text); }};
 }
 
-void WatchCommand::run(int request)
+void WatchCommand::tell(const QString &text)
 {
-    const int before = connection.requestCount();
-    try {
-        reader.run(request);
-    } catch (const Failure &failure) {
-        const int index = reader.plan().requests[size_t(request)].parts.front().item;
-        WatchedItem &item = watch.items[size_t(index)];
-        item.attempts += connection.requestCount() - before;
-        noteFailure(item, failure);
-    }
+    for (View *view : views)
+        view->tell(watch, text);
 }
 
-void WatchCommand::take(int index)
+void WatchCommand::take(int index, const ItemReading &reading)
 {
     WatchedItem &item = watch.items[size_t(index)];
-    const ItemReading &reading = reader.reading(index);
     item.attempts += reading.attempts;
     Reading values = {{}, reading.answerTime, reading.time};
     try {
@@ -176,18 +177,20 @@ void WatchCommand::noteFailure(WatchedItem &item, const Failure &failure)
         view->failed(watch, item, failure, isNews);
 }
 
-void WatchCommand::pauseUntil(const QDeadlineTimer &due)
+void WatchCommand::takeFigures()
 {
-    while (!due.hasExpired()) {
-        connection.idle(int(std::min(due.remainingTime(), kSlice)));
+    watch.groups.clear();
+    for (const PollFigures &group : poller.figures())
+        watch.groups.push_back({group.interval, group.polls, group.latePolls, group.longestLateness});
+}
+
+void WatchCommand::pauseUntil(const QDeadlineTimer &end)
+{
+    while (!end.hasExpired()) {
+        connection.idle(int(std::min(end.remainingTime(), kSlice)));
         for (View *view : views)
             view->idle(watch);
     }
-}
-
-int intervalOf(const WatchOptions &options)
-{
-    return options.interval.value_or(kDefaultInterval);
 }
 
 // Whether the items are shown in place on the terminal, which is so unless the data or the frames go there.
@@ -241,20 +244,20 @@ QDeadlineTimer endOf(const WatchOptions &options)
     return QDeadlineTimer(std::chrono::seconds(*options.seconds));
 }
 
-// A poll that is under way when the time is over is not cut.
-void pollUntilDone(WatchCommand &command, Watch &watch, const WatchOptions &options)
+// A request that is under way when the time is over is not cut.
+void WatchCommand::run()
 {
     const QDeadlineTimer end = endOf(options);
-    while (true) {
-        const QDeadlineTimer due(intervalOf(options));
-        command.poll();
-        if (due.hasExpired())
-            ++watch.latePolls;
-        if (options.polls && watch.polls >= *options.polls)
+    while (!end.hasExpired()) {
+        QDeadlineTimer next;
+        const PollTime due = poller.step();
+        takeFigures();
+        if (options.polls && poller.rounds() >= *options.polls)
             return;
-        command.pauseUntil(std::min(due, end));
-        if (end.hasExpired())
-            return;
+        const std::chrono::nanoseconds wait = due - Clock::now();
+        if (wait > std::chrono::nanoseconds::zero())
+            next.setPreciseRemainingTime(0, wait.count(), Qt::PreciseTimer);
+        pauseUntil(std::min(next, end));
     }
 }
 
@@ -272,9 +275,9 @@ End watchItems(Connection &connection, Watch &watch, std::unique_ptr<View> peopl
     Views views = {people.get()};
     if (record)
         views.push_back(record);
-    WatchCommand command(connection, watch, views, own.plan.limits());
+    WatchCommand command(connection, watch, views, own);
     try {
-        pollUntilDone(command, watch, own);
+        command.run();
     } catch (const Interrupted &) { // the usual end
     } catch (const Failure &failure) {
         return {failure.code(), failure};
@@ -297,7 +300,7 @@ int watchAll(Options options, const WatchOptions &own)
     const Rotation rotation = rotationOf(own);
     std::optional<Recorder> record;
     if (options.output || own.rotate || !showsTable(options))
-        record.emplace(options, own.all, rotation);
+        record.emplace(options, tags, own.all, rotation);
     Connection connection(options);
     Watch watch(tags);
     watch.isSimulated = connection.isSimulated();
@@ -323,7 +326,7 @@ void declareWatch(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<WatchOptions>();
     CLI::App *watch = addCommand(app, line, "watch", "Read items again and again",
                                  [own](const Options &options) { return watchAll(options, *own); });
-    addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT] or @FILE[:NAME], as for read");
+    addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
     addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
     addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
     addNumber(*watch, "--for", own->seconds, 1, 31536000, "End after so many seconds");

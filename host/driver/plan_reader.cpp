@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace host {
 
@@ -57,10 +58,11 @@ RequestCost PlanReader::cost() const
     return requestCost(connection.line(), answerTime.value_or(kUsualAnswerTime));
 }
 
-void PlanReader::begin()
+bool PlanReader::begin()
 {
     const qint64 change = std::llabs(cost().request - plannedCost.request);
-    if (hasLearned || change > plannedCost.request / kNoticeable)
+    const bool isNew = hasLearned || change > plannedCost.request / kNoticeable;
+    if (isNew)
         makePlan();
     made.assign(made.size(), false);
     for (size_t i = 0; i < items.size(); ++i) {
@@ -68,6 +70,7 @@ void PlanReader::begin()
         states[i].missing = placeCount(items[i]);
         states[i].places.resize(states[i].missing * placeSize(items[i]));
     }
+    return isNew;
 }
 
 void PlanReader::makePlan()
@@ -96,16 +99,6 @@ bool PlanReader::run(int request)
     else
         deliver(planned, answer);
     return !answer.failure || answer.failure->code() != ExitCode::NoAnswer;
-}
-
-void PlanReader::skip(int request)
-{
-    made[size_t(request)] = true;
-    for (const PlanPart &part : current.requests[size_t(request)].parts) {
-        State &state = states[size_t(part.item)];
-        state.missing -= part.count;
-        state.isSkipped = true;
-    }
 }
 
 QByteArray PlanReader::read(int item)
@@ -137,7 +130,7 @@ PlanReader::Answer PlanReader::ask(const PlannedRequest &request)
     answer.time = std::chrono::system_clock::now();
     answer.attempts = connection.requestCount() - attempts;
     if (!answer.failure && noteAnswer)
-        noteAnswer(answer.duration, std::chrono::nanoseconds(cost().of(request.lineSize)));
+        noteAnswer(answer.duration, std::chrono::nanoseconds(plannedCost.of(request.lineSize)));
     noteAnswerTime(request, answer);
     return answer;
 }

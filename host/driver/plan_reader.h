@@ -41,8 +41,9 @@ public:
 
     const ReadPlan &plan() const { return current; }
 
-    // Begins another reading of all items. The plan is another one if something was learned.
-    void begin();
+    // Begins another reading of all items. Returns whether the plan is another one now, because something was
+    // learned.
+    bool begin();
 
     // Called with the time that an answer took, repetitions included, and how long the plan expects it to
     // take.
@@ -53,14 +54,10 @@ public:
     // more can be read: the port is lost.
     bool run(int request);
 
-    // Leaves out a request, and with it the items that need it.
-    void skip(int request);
-
-    // Whether all requests for an item were made, or any was left out.
+    // Whether all requests for an item were made.
     bool isDone(int item) const { return states[size_t(item)].missing == 0; }
-    bool isSkipped(int item) const { return states[size_t(item)].isSkipped; }
 
-    // What is known of an item that is done, and was not left out.
+    // What is known of an item that is done.
     const ItemReading &reading(int item) const { return states[size_t(item)].reading; }
 
     // Makes the requests that an item still needs. Returns its bytes, or throws its failure.
@@ -75,7 +72,6 @@ private:
         ItemReading reading;
         QByteArray places;
         int missing = 0; // places that no request has brought
-        bool isSkipped = false;
     };
     struct Answer
     {
@@ -103,7 +99,7 @@ private:
     RequestCost plannedCost = {};
     ReadPlan current;
     std::vector<std::vector<int>> requestsOfItems;
-    std::vector<bool> made; // the requests that were made or left out
+    std::vector<bool> made; // which requests were
     std::vector<State> states;
     Note noteAnswer;
 };

@@ -73,7 +73,12 @@ private:
     void numberElements();
 
     QString cell(const char *column) const { return cells.value(columns.value(column, -1)); }
-    QString label() const { return cell("name").isEmpty() ? cell("address") : cell("name"); }
+    QString place() const
+    {
+        const QString station = cell("station");
+        return station.isEmpty() ? cell("address") : cell("address") + '@' + station;
+    }
+    QString label() const { return cell("name").isEmpty() ? place() : cell("name"); }
 
     QString fileName;
     int line = 1;

@@ -37,7 +37,7 @@ bool hasName(const Tag &tag, const QString &name)
 
 QString keyOf(const Tag &tag)
 {
-    return tag.label() + '\n' + tag.item.address.text() + '\n' + typeName(tag.item.type);
+    return tag.label() + '\n' + tag.item.place() + '\n' + typeName(tag.item.type);
 }
 
 QStringList labelsOf(const std::vector<Tag> &tags)

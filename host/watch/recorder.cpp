@@ -62,8 +62,8 @@ std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Schem
 
 } // namespace
 
-Recorder::Recorder(const Options &options, bool all_, const Rotation &rotation)
-    : Recorder(options, withSource(kSchema, options), all_, rotation)
+Recorder::Recorder(const Options &options, const std::vector<Tag> &tags, bool all_, const Rotation &rotation)
+    : Recorder(options, withSource(withStation(kSchema, hasStations(tags)), options), all_, rotation)
 {
 }
 
@@ -91,7 +91,8 @@ void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const 
 void Recorder::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)
 {
     if (all || isNews)
-        output.writeUnlessText(withTime(timeText(std::chrono::system_clock::now()), tagErrorRecord(item.tag, failure.text())));
+        output.writeUnlessText(
+            withTime(timeText(std::chrono::system_clock::now()), tagErrorRecord(item.tag, failure.text())));
 }
 
 } // namespace host

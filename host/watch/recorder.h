@@ -11,6 +11,8 @@
 #include "host/output/output.h"
 #include "host/watch/view.h"
 
+#include <vector>
+
 namespace host {
 
 class Recorder : public View
@@ -18,7 +20,7 @@ class Recorder : public View
 public:
     // all: every poll is recorded, not only changes. A file grows by every record, but for a document of
     // json, which is one whole; there is no rotation then.
-    Recorder(const Options &options, bool all, const Rotation &rotation);
+    Recorder(const Options &options, const std::vector<Tag> &tags, bool all, const Rotation &rotation);
 
     // Whether stdout is for programs, by the form that the data have there.
     static bool isOnStdout(const OutputOptions &options);

@@ -145,7 +145,7 @@ void TableView::tell(const Watch &watch, const QString &text)
 void TableView::draw(const Watch &watch)
 {
     screen.takeResize();
-    const QString polls = filled("%1, poll %2", title, watch.polls + 1);
+    const QString polls = filled("%1, poll %2", title, watch.polls() + 1);
     QStringList lines = {cut(polls, screen.columns()), cut(lastMessage, screen.columns())};
     lines << watchTable(watch, std::chrono::steady_clock::now(), screen.columns(),
                         screen.rows() - kTitleRows);

@@ -35,7 +35,7 @@ QString shortMilliseconds(WatchDuration time)
 
 QString firstLine(const Watch &watch)
 {
-    QString polls = counted(watch.polls, "poll");
+    QString polls = counted(watch.polls(), "poll");
     if (watch.isSimulated)
         polls += " of a simulated controller";
     if (watch.answerTimes.count() == 0)
@@ -59,11 +59,30 @@ QString rateLine(const Watch &watch)
              rateText(watch.requests, watch.time), rateText(watch.values, watch.time));
 }
 
-QString percentileLine(const AnswerTimes &times)
+QString percentileLine(const Watch &watch)
 {
-    return QString("answer time: p50 %1, p90 %2, p99 %3, longest %4 ms")
+    const AnswerTimes &times = watch.answerTimes;
+    return QString("answer time: p50 %1, p90 %2, p99 %3, longest %4 ms; the plan expected %5 ms")
         .arg(shortMilliseconds(times.percentile(50)), shortMilliseconds(times.percentile(90)),
-             shortMilliseconds(times.percentile(99)), shortMilliseconds(times.longest()));
+             shortMilliseconds(times.percentile(99)), shortMilliseconds(times.longest()),
+             shortMilliseconds(watch.expectedTime / times.count()));
+}
+
+// Says of one group only what is unusual.
+QStringList latenessLines(const Watch &watch)
+{
+    QStringList lines;
+    const bool isOnlyGroup = watch.groups.size() == 1;
+    for (const WatchGroup &group : watch.groups) {
+        const QString late = filled("by %1 at most", wholeMilliseconds(group.longestLateness));
+        if (isOnlyGroup && group.latePolls > 0)
+            lines << counted(group.latePolls, "poll") + " took longer than the interval, " + late;
+        if (!isOnlyGroup)
+            lines << filled("every %1 ms: %2, %3", group.interval.count(), counted(group.polls, "poll"),
+                            group.latePolls == 0 ? QString("none late")
+                                                 : filled("%1 late, %2", group.latePolls, late));
+    }
+    return lines;
 }
 
 } // namespace
@@ -92,6 +111,14 @@ bool WatchedItem::failed(const QString &error)
     return isNews;
 }
 
+int Watch::polls() const
+{
+    int all = 0;
+    for (const WatchGroup &group : groups)
+        all += group.polls;
+    return all;
+}
+
 Watch::Watch(const std::vector<Tag> &watched)
 {
     for (const Tag &tag : watched)
@@ -104,14 +131,13 @@ QStringList watchSummary(const Watch &watch)
     if (watch.requests > 0 && watch.time > WatchDuration())
         lines << rateLine(watch);
     if (watch.answerTimes.count() > 0)
-        lines << percentileLine(watch.answerTimes);
+        lines << percentileLine(watch);
     for (const WatchedItem &item : watch.items)
         lines << item.tag.label() + ": " + counted(item.attempts, "attempt") + ", " +
                      counted(item.errors, "error");
     for (auto cause = watch.errors.begin(); cause != watch.errors.end(); ++cause)
         lines << counted(cause.value(), "time") + ": " + cause.key();
-    if (watch.latePolls)
-        lines << counted(watch.latePolls, "poll") + " took longer than the interval";
+    lines << latenessLines(watch);
     if (watch.returns)
         lines << "the port was lost and came back " + counted(watch.returns, "time");
     return lines;

@@ -46,20 +46,32 @@ public:
     int errors = 0;                     // polls that failed in spite of them
 };
 
+// Items that are polled together.
+struct WatchGroup
+{
+    std::chrono::milliseconds interval;
+    int polls;
+    int latePolls; // ended after the next one should have begun
+    WatchDuration longestLateness;
+};
+
 struct Watch
 {
     explicit Watch(const std::vector<Tag> &watched);
 
+    // Of all groups.
+    int polls() const;
+
     std::vector<WatchedItem> items;
-    int polls = 0;
-    WatchDuration time{};      // since the first poll began
-    int requests = 0;          // sent, repetitions included
-    qint64 values = 0;         // that answers brought
-    AnswerTimes answerTimes;   // repetitions included
-    QMap<QString, int> errors; // failed polls of an item by their cause
-    int latePolls = 0;         // took longer than the interval
-    int returns = 0;           // how often the port was lost and came back
-    bool isSimulated = false;  // the controller is the simulated one
+    std::vector<WatchGroup> groups;          // by their interval
+    WatchDuration time{};                    // since the first poll began
+    int requests = 0;                        // sent, repetitions included
+    qint64 values = 0;                       // that answers brought
+    std::chrono::nanoseconds expectedTime{}; // of all answers, as the plan has it
+    AnswerTimes answerTimes;                 // repetitions included
+    QMap<QString, int> errors;               // failed polls of an item by their cause
+    int returns = 0;                         // how often the port was lost and came back
+    bool isSimulated = false;                // the controller is the simulated one
 };
 
 // The values that a poll of an item brought.

@@ -143,8 +143,8 @@ Boiler,VW10,i16,3,0,21.5,," ]
     run --separate-stderr s7ppi write --dry-run --verify VB0@3=1 "@$tags:Boiler=2" VB0=1
     [ "$status" -eq 0 ]
     [ "$(sed -E 's/:.*//' <<<"$output")" = "$(printf '%s\n' \
-        "request 1 to station 3" "poll of station 3" "request 2 to station 3" "poll of station 3" \
-        "request 3 to station 4" "poll of station 4" "request 4 to station 4" "poll of station 4" \
+        "request 1 to station 3" "poll of station 3" "request 2 to station 4" "poll of station 4" \
+        "request 3 to station 3" "poll of station 3" "request 4 to station 4" "poll of station 4" \
         "request 5 to station 2" "poll of station 2" "request 6 to station 2" "poll of station 2")" ]
 }
 

@@ -41,9 +41,9 @@ extern "C" int clock_nanosleep(clockid_t clock, int flags, const timespec *reque
 
 namespace {
 
-DriverOptions options()
+Options options()
 {
-    DriverOptions options;
+    Options options;
     options.plugin = PLUGIN_FILE;
     options.station = 2;
     return options;

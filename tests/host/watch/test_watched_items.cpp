@@ -103,29 +103,30 @@ void TestWatchedItems::theLastErrorStays()
 void TestWatchedItems::theSummaryCountsPollsAnswersAndErrors()
 {
     Watch watch({parseItem("VB100"), parseItem("T37")});
-    watch.polls = 2;
+    watch.groups = {{std::chrono::milliseconds(500), 2, 1, milliseconds(45)}};
     watch.time = milliseconds(2500);
     watch.requests = 10;
     watch.values = 300;
     watch.answerTimes.add(milliseconds(20));
     watch.answerTimes.add(milliseconds(25));
+    watch.expectedTime = milliseconds(42);
     watch.items[0].attempts = 2;
     watch.items[1].attempts = 8;
     watch.items[1].errors = 1;
     watch.errors = {{"plc no response", 1}, {"packet loss", 2}};
-    watch.latePolls = 1;
     watch.returns = 2;
-    QCOMPARE(watchSummary(watch), QStringList({
-                                      "2 polls, 2 answers: 23 ms on average, 25 ms at most",
-                                      "10 requests, 300 values; 4 requests and 120 values per second",
-                                      "answer time: p50 20, p90 25, p99 25, longest 25 ms",
-                                      "VB100: 2 attempts, 0 errors",
-                                      "T37: 8 attempts, 1 error",
-                                      "2 times: packet loss",
-                                      "1 time: plc no response",
-                                      "1 poll took longer than the interval",
-                                      "the port was lost and came back 2 times",
-                                  }));
+    QCOMPARE(watchSummary(watch),
+             QStringList({
+                 "2 polls, 2 answers: 23 ms on average, 25 ms at most",
+                 "10 requests, 300 values; 4 requests and 120 values per second",
+                 "answer time: p50 20, p90 25, p99 25, longest 25 ms; the plan expected 21 ms",
+                 "VB100: 2 attempts, 0 errors",
+                 "T37: 8 attempts, 1 error",
+                 "2 times: packet loss",
+                 "1 time: plc no response",
+                 "1 poll took longer than the interval, by 45 ms at most",
+                 "the port was lost and came back 2 times",
+             }));
 }
 
 void TestWatchedItems::shortAnswerTimesHaveTenths()
@@ -133,7 +134,7 @@ void TestWatchedItems::shortAnswerTimesHaveTenths()
     const auto longest = [](microseconds time) {
         Watch watch({parseItem("T37")});
         watch.answerTimes.add(time);
-        return watchSummary(watch)[1].section(", ", -1);
+        return watchSummary(watch)[1].section("; ", 0, 0).section(", ", -1);
     };
     QCOMPARE(longest(microseconds(940)), QString("longest 0.9 ms"));
     QCOMPARE(longest(microseconds(9940)), QString("longest 9.9 ms"));
