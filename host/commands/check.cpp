@@ -6,6 +6,7 @@
 #include "host/base/filled.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
+#include "host/commands/plan_options.h"
 #include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
 #include "host/driver/write_plan.h"
@@ -13,6 +14,7 @@
 #include "host/items/item.h"
 #include "host/items/tag_file.h"
 #include "host/output/output.h"
+#include "host/polling/poll_plan.h"
 
 #include <QByteArray>
 #include <QList>
@@ -29,6 +31,12 @@ namespace {
 
 constexpr int kLabelWidth = 12;
 
+struct CheckOptions
+{
+    QStringList items;
+    PlanOptions plan;
+};
+
 const Schema kSchema = {"check",
                         1,
                         "items",
@@ -38,6 +46,10 @@ const Schema kSchema = {"check",
 const char kFooter[] = R"(
 Nothing is sent and no port is opened: the plug-in shows what it would send. How much memory there is
 depends on the controller's model, which answers to an address beyond it with a refusal.
+
+At the end stand the requests that read or watch would make for all items together, with the
+time that a poll of them takes, the controller's answer taken for 10 ms. When a tag file names
+intervals, then also which of them can be kept at which rate.
 
 The exit code is 0 when all of them are valid.)";
 
@@ -136,7 +148,10 @@ QString invalidText(const QString &text, const Failure &failure)
 class CheckCommand
 {
 public:
-    explicit CheckCommand(const Options &options) : frames(options), output(options, kSchema) {}
+    CheckCommand(const Options &options, const PlanLimits &limits_)
+        : frames(options), limits(limits_), output(options, kSchema)
+    {
+    }
 
     // Checks an item, or all tags of a tag file.
     void check(const QString &text);
@@ -146,12 +161,14 @@ public:
 
 private:
     template <typename Check> void attempt(const QString &text, const Check &check);
-    void checkItem(const QString &text, const Item &item);
+    void checkTag(const QString &text, const Tag &tag);
+    void showPlan();
     void checkFile(const QString &reference);
 
     DryRun frames;
+    PlanLimits limits;
     Output output;
-    int right = 0;
+    std::vector<Tag> right;
     int wrong = 0;
     Outcome outcome;
 };
@@ -169,11 +186,23 @@ template <typename Check> void CheckCommand::attempt(const QString &text, const 
     }
 }
 
-void CheckCommand::checkItem(const QString &text, const Item &item)
+void CheckCommand::checkTag(const QString &text, const Tag &tag)
 {
-    const ItemCheck found = checkOf(item, frames);
-    output.write(validRecord(text, item, found), validText(text, item, found));
-    ++right;
+    const ItemCheck found = checkOf(tag.item, frames);
+    output.write(validRecord(text, tag.item, found), validText(text, tag.item, found));
+    right.push_back(tag);
+}
+
+// Tells how all items that are right would be read together.
+void CheckCommand::showPlan()
+{
+    if (right.empty())
+        return;
+    const PollPlan plan(right, frames.line(), limits);
+    output.setField("plan", plan.json());
+    output.writeText("all together");
+    for (const auto &[label, text] : plan.lines())
+        output.writeText(labelled(label, text));
 }
 
 void CheckCommand::checkFile(const QString &reference)
@@ -181,7 +210,7 @@ void CheckCommand::checkFile(const QString &reference)
     Outcome lines; // of the file
     for (const Tag &tag : parseTags({reference}, lines)) {
         const QString text = reference + ':' + tag.name;
-        attempt(text, [&] { checkItem(text, tag.item); });
+        attempt(text, [&] { checkTag(text, tag); });
     }
     if (!lines.isSuccess())
         throw brokenTagFile();
@@ -191,9 +220,9 @@ void CheckCommand::check(const QString &text)
 {
     attempt(text, [&] {
         if (!isTagReference(text))
-            checkItem(text, parseItem(text));
+            checkTag(text, parseItem(text));
         else if (text.contains(':'))
-            checkItem(text, findTag(text).item);
+            checkTag(text, findTag(text));
         else
             checkFile(text);
     });
@@ -201,16 +230,17 @@ void CheckCommand::check(const QString &text)
 
 void CheckCommand::finish()
 {
+    showPlan();
     output.finish();
     if (wrong > 0)
-        throw Failure(outcome.code(), filled("%1 of %2 not valid", wrong, right + wrong),
+        throw Failure(outcome.code(), filled("%1 of %2 not valid", wrong, int(right.size()) + wrong),
                       "the data tell what could be meant instead");
 }
 
-int checkAll(const Options &options, const QStringList &texts)
+int checkAll(const Options &options, const CheckOptions &own)
 {
-    CheckCommand command(options);
-    for (const QString &text : texts)
+    CheckCommand command(options, own.plan.limits());
+    for (const QString &text : own.items)
         command.check(text);
     command.finish();
     return int(ExitCode::Success);
@@ -220,11 +250,12 @@ int checkAll(const Options &options, const QStringList &texts)
 
 void declareCheck(CLI::App &app, CommandLine &line)
 {
-    const auto items = std::make_shared<QStringList>();
+    const auto own = std::make_shared<CheckOptions>();
     CLI::App *check =
         addCommand(app, line, "check", "Tell whether addresses are right, and the bytes for them",
-                   [items](const Options &options) { return checkAll(options, *items); });
-    addItems(*check, *items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
+                   [own](const Options &options) { return checkAll(options, *own); });
+    addItems(*check, own->items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
+    addPlanOptions(*check, own->plan);
     setFooter(*check, QString(kTypesFooter) + '\n' + kFooter);
 }
 

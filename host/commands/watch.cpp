@@ -10,6 +10,7 @@
 #include "host/commands/plan_options.h"
 #include "host/driver/connection.h"
 #include "host/items/tag_file.h"
+#include "host/polling/poll_plan.h"
 #include "host/polling/poller.h"
 #include "host/watch/notes_view.h"
 #include "host/watch/plot_view.h"
@@ -70,14 +71,13 @@ using Clock = std::chrono::steady_clock;
 
 // Milliseconds; pauses are cut into slices so that signals and new terminal sizes are seen soon.
 constexpr qint64 kSlice = 50;
-constexpr int kDefaultInterval = 500;
 constexpr int kDefaultSpan = 5; // minutes
 
 using Views = std::vector<View *>;
 
 int intervalOf(const WatchOptions &options)
 {
-    return options.interval.value_or(kDefaultInterval);
+    return options.interval.value_or(kUsualInterval);
 }
 
 std::vector<Item> itemsOf(const Watch &watch)

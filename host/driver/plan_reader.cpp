@@ -26,25 +26,6 @@ qint64 nanoseconds(std::chrono::steady_clock::duration time)
     return std::chrono::duration_cast<std::chrono::nanoseconds>(time).count();
 }
 
-// The places of a request that no item needs, from the first to behind the last of each gap.
-std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std::vector<Item> &items)
-{
-    std::vector<std::pair<int, int>> covered;
-    for (const PlanPart &part : request.parts) {
-        const int begin = items[size_t(part.item)].address.number + part.first;
-        covered.emplace_back(begin, begin + part.count);
-    }
-    std::sort(covered.begin(), covered.end());
-    std::vector<std::pair<int, int>> gaps;
-    int end = request.first;
-    for (const auto &[begin, behind] : covered) {
-        if (begin > end)
-            gaps.emplace_back(end, begin);
-        end = std::max(end, behind);
-    }
-    return gaps;
-}
-
 } // namespace
 
 PlanReader::PlanReader(Connection &connection_, const std::vector<Item> &items_, const PlanLimits &limits_)

@@ -368,6 +368,24 @@ int placeSize(const Item &item)
     return item.address.isObject() ? item.valueSize() : 1;
 }
 
+std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std::vector<Item> &items)
+{
+    std::vector<std::pair<int, int>> covered;
+    for (const PlanPart &part : request.parts) {
+        const int begin = items[size_t(part.item)].address.number + part.first;
+        covered.emplace_back(begin, begin + part.count);
+    }
+    std::sort(covered.begin(), covered.end());
+    std::vector<std::pair<int, int>> gaps;
+    int end = request.first;
+    for (const auto &[begin, behind] : covered) {
+        if (begin > end)
+            gaps.emplace_back(end, begin);
+        end = std::max(end, behind);
+    }
+    return gaps;
+}
+
 bool shareAPlace(const Item &one, const Item &other)
 {
     const int begin = one.address.number;

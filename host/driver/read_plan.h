@@ -129,6 +129,9 @@ PlannedRequest requestForPart(const std::vector<Item> &items, const PlannedReque
 int placeCount(const Item &item);
 int placeSize(const Item &item);
 
+// The places of a request that no item needs, from the first to behind the last of each gap.
+std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std::vector<Item> &items);
+
 // Whether two items have a byte or an object in common. Controllers are taken for the same one.
 bool shareAPlace(const Item &one, const Item &other);
 

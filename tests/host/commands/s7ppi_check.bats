@@ -19,7 +19,50 @@ load common
   limits       VW0 to VW2097150, less in most models
   read         one request:
                68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00 04 01 12 0a 10 04 00 02 00 01 84 00 03 20 8f 16
-  write        possible" ]
+  write        possible
+all together
+  requests     1, 115 ms a poll at 9600 baud: 17 values per second
+  VB100*4      VW100, 71 characters, 115 ms" ]
+}
+
+@test "it ends with the requests for all items, whose times follow the line" {
+    run -0 --separate-stderr s7ppi check 'VW100*2' VB110 T37 VB400*300 VB100 AIW0@3
+    [ "$(sed -n '/^all together/,$p' <<<"$output")" = "all together
+  requests     5, 918 ms a poll at 9600 baud: 333 values per second
+  VB100*11     VW100 VB110 VB100, a gap of 6, 78 characters, 123 ms
+  T37          T37, 72 characters, 117 ms
+  VB400*222    VB400, 289 characters, 365 ms
+  VB622*78     VB400, 145 characters, 200 ms
+  AIW0@3       AIW0@3, 69 characters, 113 ms" ]
+    # 8N1 has 10 bits a character: 67 + 4 characters and 34 ms of pauses and answer.
+    run -0 --separate-stderr s7ppi check --baud 19200 --parity none 'VW100*2'
+    [ "${lines[-1]}" = "  VB100*4      VW100, 71 characters, 71 ms" ]
+}
+
+@test "the plan keeps to what the user allows" {
+    run -0 --separate-stderr s7ppi check --no-merge VB0 VB1
+    [ "${lines[-2]}" = "  VB0          VB0, 68 characters, 112 ms" ]
+    [ "${lines[-1]}" = "  VB1          VB1, 68 characters, 112 ms" ]
+    run -0 --separate-stderr s7ppi check --block 32 'VB0*40'
+    [ "${lines[-2]}" = "  VB0*32       VB0, 99 characters, 147 ms" ]
+    [ "${lines[-1]}" = "  VB32*8       VB0, 75 characters, 120 ms" ]
+}
+
+@test "with the intervals of a tag file it tells which can be kept at which rate" {
+    cd "$BATS_TEST_TMPDIR"
+    printf '%s\n' "name,address,interval" "Fast,VB100,100" "Slow,VB400*200,1000" >t.csv
+    run -0 --separate-stderr s7ppi check @t.csv
+    [ "$(sed -n '/^all together/,$p' <<<"$output")" = "all together
+  requests     2, 452 ms a poll at 9600 baud: 445 values per second
+  every 100 ms 112 ms at 9600 baud, 73 ms at 19200 baud, 38 ms at 187500 baud
+  VB100        Fast, 68 characters, 112 ms
+  every 1000 ms 340 ms at 9600 baud, 187 ms at 19200 baud, 50 ms at 187500 baud
+  VB400*200    Slow, 267 characters, 340 ms
+  9600 baud    not all intervals can be kept: the line is busy 146 % of the time
+  19200 baud   all intervals are kept: the line is busy 92 % of the time
+  187500 baud  all intervals are kept: the line is busy 43 % of the time" ]
+    run -0 --separate-stderr s7ppi check --format json @t.csv
+    [ "$(jq -c '.plan.groups[0]' <<<"$output")" = '{"ms":111.9,"requests":[{"request":"VB100","items":["Fast"],"gap":0,"characters":68,"ms":111.9}],"rates":[{"baud":9600,"ms":111.9,"kept":false},{"baud":19200,"ms":73,"kept":true},{"baud":187500,"ms":38,"kept":true}],"interval":100}' ]
 }
 
 @test "the bytes are those for the station that is named" {
