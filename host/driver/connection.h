@@ -74,6 +74,9 @@ public:
         port->setStation(timing.station = station.value_or(usualStation));
     }
 
+    // Whether what is not answered is asked again, as often as the options say; so it is at first.
+    void setRepeating(bool isRepeating) { port->setRetries(isRepeating ? timing.retries : 0); }
+
     // Whether the adapter hears what it sends and nobody takes that out, as the last frame tells.
     bool hearsItself();
 

@@ -84,6 +84,7 @@ void Poller::run(const PollRequest &request)
     Group &group = groups[size_t(request.group)];
     const int attempts = connection.requestCount();
     bool hasAnswered = false;
+    connection.setRepeating(!request.isTry);
     try {
         hasAnswered = group.reader->run(request.index);
     } catch (const Failure &loss) {

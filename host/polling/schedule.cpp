@@ -54,7 +54,9 @@ NextPoll Schedule::next(PollTime now)
         skipDeadStations(*group);
         if (!group->isThrough()) {
             const size_t index = group->position++;
-            return {PollRequest{int(group - groups.data()), int(index), group->stations[index]}, now};
+            const int station = group->stations[index];
+            return {PollRequest{int(group - groups.data()), int(index), station, stations[station].isDead},
+                    now};
         }
         group->endPoll(now);
     }

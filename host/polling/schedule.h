@@ -33,6 +33,7 @@ struct PollRequest
     int group;
     int index; // among the group's requests
     int station;
+    bool isTry = false; // whether a station that did not answer does so again: one attempt is enough
 };
 
 // What to do next: run a request, or wait until a poll is released. Without groups that have requests the

@@ -75,6 +75,7 @@ public:
     int handle() const { return int(port.handle()); }
 
     void setStation(int station) { timing.station = station; }
+    void setRetries(int retries) { timing.retries = retries; }
 
     // Whether the port went away since it was opened.
     bool isLost() const { return lost; }

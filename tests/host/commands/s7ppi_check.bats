@@ -30,7 +30,7 @@ all together
     [ "$(sed -n '/^all together/,$p' <<<"$output")" = "all together
   requests     5, 918 ms a poll at 9600 baud: 333 values per second
   VB100*11     VW100 VB110 VB100, a gap of 6, 78 characters, 123 ms
-  T37          T37, 72 characters, 117 ms
+  T37          T37, 72 characters, 116 ms
   VB400*222    VB400, 289 characters, 365 ms
   VB622*78     VB400, 145 characters, 200 ms
   AIW0@3       AIW0@3, 69 characters, 113 ms" ]
