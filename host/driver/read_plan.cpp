@@ -16,8 +16,8 @@ namespace host {
 
 namespace {
 
-// The driver pauses before the request and before the poll; nanoseconds.
-constexpr qint64 kDriverPauses = 2 * 12 * 1000 * 1000;
+// The driver pauses 12 ms before the request and before the poll; nanoseconds.
+constexpr qint64 kDriverPauses = 24'000'000;
 
 int bytesFor(int bits)
 {
@@ -118,11 +118,10 @@ void findRiders(std::vector<Atom> &atoms)
 }
 
 // Tells how far a request may reach that begins at a place.
-class Limits
+class ClosedPlaces
 {
 public:
-    explicit Limits(const std::set<std::pair<int, int>> &closedPlaces)
-        : places(closedPlaces.begin(), closedPlaces.end())
+    explicit ClosedPlaces(const std::set<std::pair<int, int>> &closed) : places(closed.begin(), closed.end())
     {
         for (size_t i = places.size(); i-- > 1;)
             places[i - 1].second = std::min(places[i - 1].second, places[i].second);
@@ -143,7 +142,7 @@ private:
 // last one on, the best way for each tail is that of a shorter tail behind one request. Of equal ways it
 // takes the one whose first requests are longest. Returns the index behind the last atom of each request.
 std::vector<int> cheapestEnds(const std::vector<Atom> &atoms, const Candidates &candidates,
-                              const RequestCost &cost, const Limits &closed)
+                              const RequestCost &cost, const ClosedPlaces &closed)
 {
     const int count = int(atoms.size());
     std::vector<qint64> costs(atoms.size() + 1);
@@ -234,7 +233,7 @@ void addPart(PlannedRequest &request, const Atom &atom, const Item &item, std::v
 
 // Adds the requests for the atoms of one pool.
 void addRequests(std::vector<PlannedRequest> &requests, const PlanPool &pool, Candidates &candidates,
-                 const std::vector<Item> &items, const RequestCost &cost, const Limits &closed)
+                 const std::vector<Item> &items, const RequestCost &cost, const ClosedPlaces &closed)
 {
     findRiders(candidates.atoms);
     std::vector<Atom> leaders;
@@ -292,7 +291,7 @@ QByteArray pickedBits(const QByteArray &bytes, int firstBit, int count)
 RequestCost requestCost(const LineSettings &line, qint64 answerTime)
 {
     const int bits = 1 + line.dataBits + (line.parity == kNoParity ? 0 : 1) + line.stopBits;
-    const qint64 character = qint64(bits) * 1000 * 1000 * 1000 / line.baud;
+    const qint64 character = qint64(bits) * 1'000'000'000 / line.baud;
     return {character, kRequestCharacters * character + kDriverPauses + answerTime};
 }
 
@@ -319,8 +318,8 @@ ReadPlan planReads(const std::vector<Item> &items, const RequestCost &cost, cons
     ReadPlan plan;
     for (auto &[key, candidates] : candidatesOf(items, limits, hints)) {
         const auto places = hints.closedPlaces.find(key.pool);
-        const Limits closed(places == hints.closedPlaces.end() ? std::set<std::pair<int, int>>()
-                                                               : places->second);
+        const ClosedPlaces closed(places == hints.closedPlaces.end() ? std::set<std::pair<int, int>>()
+                                                                     : places->second);
         addRequests(plan.requests, key.pool, candidates, items, cost, closed);
     }
     std::stable_sort(plan.requests.begin(), plan.requests.end(),

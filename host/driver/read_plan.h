@@ -44,7 +44,7 @@ struct RequestCost
 };
 
 // How long a controller is taken to need for an answer as long as nothing is known of it, in nanoseconds.
-constexpr qint64 kUsualAnswerTime = 10 * 1000 * 1000;
+constexpr qint64 kUsualAnswerTime = 10'000'000;
 
 RequestCost requestCost(const LineSettings &line, qint64 answerTime = kUsualAnswerTime);
 

@@ -152,6 +152,7 @@ int Poller::rounds() const
 std::vector<PollFigures> Poller::figures() const
 {
     std::vector<PollFigures> all;
+    all.reserve(groups.size());
     for (int i = 0; i < schedule.groupCount(); ++i)
         all.push_back(schedule.figures(i));
     return all;

@@ -131,7 +131,7 @@ without_room() {
 gives_way() {
     local signal=$1 code=$2 reader
     shift 2
-    s7ppi "$@" <&0 2>errors 3>&- &
+    s7ppi "$@" <&0 2>errors 3>&- 4>&- &
     reader=$!
     background+=("$reader")
     eventually awaits "$reader"
@@ -142,7 +142,7 @@ gives_way() {
     [ ! -s errors ]
 }
 
-# awaits PROCESS: whether s7ppi runs in it, has the pipe open, be it as stdin, and catches SIGINT. Before it does, that
+# awaits PROCESS: whether s7ppi runs in it, has opened the pipe, be it as stdin, and catches SIGINT. Before it does, that
 # signal is lost, since a shell starts what it does not wait for with SIGINT ignored.
 awaits() {
     local caught
