@@ -93,12 +93,12 @@ std::map<Key, Candidates> candidatesOf(const std::vector<Item> &items, const Pla
         const bool isSeparate = !limits.merges || hints.separateItems.count(i) > 0;
         const Key key = {poolOf(item), isSeparate ? i : -1};
         Candidates &candidates = all[key];
+        candidates.charactersOfPlace = recordSize(item.address);
         candidates.longest = longestRequest(item, limits);
+        addAtoms(candidates, item, i);
         const auto longest = hints.longestRequests.find(key.pool);
         if (!isSeparate && longest != hints.longestRequests.end())
             candidates.longest = std::min(candidates.longest, longest->second);
-        candidates.charactersOfPlace = recordSize(item.address);
-        addAtoms(candidates, item, i);
     }
     return all;
 }

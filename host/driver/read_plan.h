@@ -75,7 +75,7 @@ struct PlanHints
     std::set<int> separateItems; // refused, and asked for alone
     std::map<PlanPool, std::set<std::pair<int, int>>>
         closedPlaces;                        // no request reaches over all of such a place
-    std::map<PlanPool, int> longestRequests; // for pools where longer ones are refused
+    std::map<PlanPool, int> longestRequests; // for pools where longer ones are refused; not for an item alone
 };
 
 // Some of the bytes or objects of an item, counted from its first.

@@ -13,9 +13,36 @@
 
 #include <QtTest>
 
+#include <vector>
+
 using namespace host;
 
 namespace {
+
+RequestCost costAt(int baud, qint64 answerTime = kUsualAnswerTime)
+{
+    return requestCost({baud, kEvenParity, 8, 1}, answerTime);
+}
+
+std::vector<Item> itemsOf(const QString &texts)
+{
+    std::vector<Item> items;
+    for (const QString &text : texts.split(' '))
+        items.push_back(parseItem(text));
+    return items;
+}
+
+// The requests for items at 9600 baud.
+QString requestsFor(const QString &texts, const PlanLimits &limits = {}, const PlanHints &hints = {})
+{
+    QStringList requests;
+    for (const PlannedRequest &request : planReads(itemsOf(texts), costAt(9600), limits, hints).requests)
+        requests << request.text();
+    return requests.join(", ");
+}
+
+// The pool of the bytes of the variable memory.
+const PlanPool kVariables = {std::nullopt, "V", false};
 
 QString planText(const QString &itemText)
 {
@@ -50,6 +77,23 @@ private slots:
     void aResultOfAnotherLengthIsABrokenAnswer();
     void aBlockIsWhatOneAnswerCarries_data();
     void aBlockIsWhatOneAnswerCarries();
+    void aRequestCostsItsCharactersThePausesAndTheAnswer_data();
+    void aRequestCostsItsCharactersThePausesAndTheAnswer();
+    void neighboursComeTogether_data();
+    void neighboursComeTogether();
+    void itemsThatComeTogetherAreReadInBytes_data();
+    void itemsThatComeTogetherAreReadInBytes();
+    void aGapIsReadAsLongAsThatIsQuicker_data();
+    void aGapIsReadAsLongAsThatIsQuicker();
+    void aPlanTakesTheTimeOfItsRequests();
+    void withoutMergingEveryItemIsARequest();
+    void aBlockBoundsTheBytesOfARequest_data();
+    void aBlockBoundsTheBytesOfARequest();
+    void anItemThatWasRefusedComesAlone();
+    void aClosedPlaceIsNotReachedOver();
+    void aPoolOfShortRequestsTakesNoItemApart();
+    void itemsThatShareAPlace_data();
+    void itemsThatShareAPlace();
 };
 
 void TestReadPlan::itemsBecomeRequests_data()
@@ -171,6 +215,235 @@ void TestReadPlan::aBlockIsWhatOneAnswerCarries()
     for (const Item &block : readBlocks(parseRange(text)))
         blocks << rangeText(block);
     QTEST(blocks.join(' '), "blocks");
+}
+
+void TestReadPlan::aRequestCostsItsCharactersThePausesAndTheAnswer_data()
+{
+    QTest::addColumn<int>("baud");
+    QTest::addColumn<int>("parity");
+    QTest::addColumn<int>("stopBits");
+    QTest::addColumn<qint64>("character");
+    QTest::addColumn<qint64>("request");
+    const auto row = [](const char *name, int baud, int parity, int stopBits, qint64 character,
+                        qint64 request) {
+        QTest::newRow(name) << baud << parity << stopBits << character << request;
+    };
+    row("11 bits at 9600 baud", 9600, kEvenParity, 1, 1145833, 110770811);
+    row("11 bits at 19200 baud", 19200, kEvenParity, 1, 572916, 72385372);
+    row("11 bits at 187500 baud", 187500, kEvenParity, 1, 58666, 37930622);
+    row("10 bits without parity", 9600, kNoParity, 1, 1041666, 103791622);
+    row("12 bits with two stop bits", 9600, kOddParity, 2, 1250000, 117750000);
+}
+
+void TestReadPlan::aRequestCostsItsCharactersThePausesAndTheAnswer()
+{
+    QFETCH(int, baud);
+    QFETCH(int, parity);
+    QFETCH(int, stopBits);
+    const RequestCost cost = requestCost({baud, ParityCode(parity), 8, stopBits}, 10'000'000);
+    QTEST(cost.character, "character");
+    QTEST(cost.request, "request");
+    QCOMPARE(cost.of(3), cost.request + 3 * cost.character);
+}
+
+void TestReadPlan::neighboursComeTogether_data()
+{
+    QTest::addColumn<QString>("items");
+    QTest::addColumn<QString>("requests");
+    const auto row = [](const char *items, const char *requests) {
+        QTest::newRow(items) << QString(items) << QString(requests);
+    };
+    QStringList words;
+    for (int i = 0; i < 50; ++i)
+        words << "VW" + QString::number(2 * i);
+    QTest::newRow("50 words") << words.join(' ') << QString("VB0*100");
+
+    row("VB0", "VB0");
+    row("V10.3", "VB10");
+    row("V10.3*5 V11.0", "VB10*2");
+    row("VB0 VW2 VD8", "VB0*12");
+    row("VB0*4 VW2 VD1", "VB0*5");
+    row("VB7 VB7 VB7", "VB7");
+    row("VB0*20 VW3 V9.1", "VB0*20");
+    row("T37 T39 T37:bool T36:bool", "T37*3, T36*2");
+    row("C5 C7", "C5*3");
+    row("HC2 HC0", "HC0*3");
+    row("AIW4 AIW0", "AIW0*3");
+    row("AQW0 AIW0", "AQW0, AIW0");
+    row("VB0 MB1 IB0 QB1 SMB0 SB1", "VB0, MB1, IB0, QB1, SMB0, SB1");
+    row("VB0@3 VB1 VB1@3 VB2 T37*2@3", "VB0*2@3, VB1*2, T37*2@3");
+    row("VB1000 VB0 VB1001 VB1", "VB1000*2, VB0*2");
+
+    // What one frame carries.
+    row("VB0*111 VB111*111", "VB0*222");
+    row("VB0*111 VB111*112", "VB0*111, VB111*112");
+    row("T0*22 T22*22", "T0*44");
+    row("T0*22 T22*23", "T0*22, T22*23");
+    row("C0*37 C37*37", "C0*74");
+    row("C0*37 C37*38", "C0*37, C37*38");
+    row("AIW0*56 AIW112*55", "AIW0*111");
+    row("AIW0*56 AIW112*56", "AIW0*56, AIW112*56");
+
+    // Of two ways that take the same time the one with the longer first request is taken.
+    row("VB0*74 VB74*74 VB148*74 VB222*74", "VB0*222, VB222*74");
+    // The rest of a long item takes its neighbours along.
+    row("VB0*300 VW300", "VB0*222, VB222*80");
+}
+
+void TestReadPlan::neighboursComeTogether()
+{
+    QFETCH(QString, items);
+    QTEST(requestsFor(items), "requests");
+}
+
+void TestReadPlan::itemsThatComeTogetherAreReadInBytes_data()
+{
+    QTest::addColumn<QString>("items");
+    QTest::addColumn<QString>("command");
+    const auto row = [](const char *items, const char *command) {
+        QTest::newRow(items) << QString(items) << QString(command);
+    };
+    row("VW0 VW2", "bytes VB0*4");
+    row("VD0 V4.1", "bytes VB0*5");
+    row("V0.0 V0.1", "bytes VB0*1");
+    row("T37 T38:hex", "words T37*2");
+    row("T37:bool T39:bool", "bits T37*3");
+    row("C5 C6", "words C5*2");
+    row("HC0 HC1", "dwords HC0*2");
+    row("AIW0 AIW2:u16", "words AIW0*2");
+}
+
+void TestReadPlan::itemsThatComeTogetherAreReadInBytes()
+{
+    QFETCH(QString, items);
+    const ReadPlan plan = planReads(itemsOf(items), costAt(9600));
+    QCOMPARE(int(plan.requests.size()), 1);
+    QTEST(commandText(plan.requests.front().command), "command");
+}
+
+void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker_data()
+{
+    QTest::addColumn<int>("baud");
+    QTest::addColumn<int>("answerTime"); // milliseconds
+    QTest::addColumn<QString>("near");
+    QTest::addColumn<QString>("far");
+    const auto row = [](const char *name, int baud, int answerTime, const char *near, const char *far) {
+        QTest::newRow(name) << baud << answerTime << QString(near) << QString(far);
+    };
+    // A request more costs 67 characters, 24 ms and the answer time.
+    row("96 characters at 9600 baud", 9600, 10, "VB0 VB97", "VB0 VB98");
+    row("87 when the answer is there at once", 9600, 0, "VB0 VB88", "VB0 VB89");
+    row("126 at 19200 baud", 19200, 10, "VB0 VB127", "VB0 VB128");
+    row("whole frames at 187500 baud", 187500, 10, "VB0 VB221", "VB0 VB222");
+    row("19 timers of 5 characters", 9600, 10, "T0 T20", "T0 T21");
+    row("32 counters of 3 characters", 9600, 10, "C0 C33", "C0 C34");
+    row("48 analogue words", 9600, 10, "AIW0 AIW98", "AIW0 AIW100");
+}
+
+void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker()
+{
+    QFETCH(int, baud);
+    QFETCH(int, answerTime);
+    QFETCH(QString, near);
+    QFETCH(QString, far);
+    const RequestCost cost = costAt(baud, qint64(answerTime) * 1'000'000);
+    QCOMPARE(int(planReads(itemsOf(near), cost).requests.size()), 1);
+    QCOMPARE(int(planReads(itemsOf(far), cost).requests.size()), 2);
+}
+
+void TestReadPlan::aPlanTakesTheTimeOfItsRequests()
+{
+    const RequestCost cost = costAt(9600);
+    QCOMPARE(planReads(itemsOf("VB0*60 VB60*40"), cost).time(cost), qint64(225354111));
+    QCOMPARE(planReads(itemsOf("VB0 T0*2"), cost).time(cost), qint64(2 * 110770811 + 11 * 1145833));
+    QCOMPARE(planReads({}, cost).time(cost), qint64(0));
+}
+
+void TestReadPlan::withoutMergingEveryItemIsARequest()
+{
+    QCOMPARE(requestsFor("VB0 VB1 VB0 VB0*223", {false, kFrameData}),
+             QString("VB0, VB1, VB0, VB0*222, VB222"));
+}
+
+void TestReadPlan::aBlockBoundsTheBytesOfARequest_data()
+{
+    QTest::addColumn<int>("block");
+    QTest::addColumn<QString>("items");
+    QTest::addColumn<QString>("requests");
+    const auto row = [](int block, const char *items, const char *requests) {
+        QTest::newRow(qPrintable(QString("%1: %2").arg(block).arg(items)))
+            << block << QString(items) << QString(requests);
+    };
+    row(32, "VB0*40", "VB0*32, VB32*8");
+    row(32, "VW0*8 VW16*8 VW32", "VB0*32, VB32*2");
+    row(33, "VW0*17", "VB0*32, VB32*2");
+    row(32, "T0*16 T16", "T0*16, T16");
+    row(32, "T0:bool*30 T30:bool*3", "T0*30, T30*3");
+    row(1, "VD0 VB4", "VB0*4, VB4");
+    row(1, "HC0*2", "HC0, HC1");
+}
+
+void TestReadPlan::aBlockBoundsTheBytesOfARequest()
+{
+    QFETCH(int, block);
+    QFETCH(QString, items);
+    QTEST(requestsFor(items, {true, block}), "requests");
+}
+
+void TestReadPlan::anItemThatWasRefusedComesAlone()
+{
+    PlanHints hints;
+    hints.separateItems = {1};
+    QCOMPARE(requestsFor("VB0 VB1 VB2", {}, hints), QString("VB0*3, VB1"));
+}
+
+void TestReadPlan::aClosedPlaceIsNotReachedOver()
+{
+    PlanHints hints;
+    hints.closedPlaces[kVariables] = {{2, 4}};
+    QCOMPARE(requestsFor("VB0*2 VB4 VB5", {}, hints), QString("VB0*2, VB4*2"));
+    QCOMPARE(requestsFor("VB0*3 VB3", {}, hints), QString("VB0*3, VB3"));
+    QCOMPARE(requestsFor("VB0 VB1 VB2 VB5 VB3", {}, hints), QString("VB0*3, VB3*3"));
+    QCOMPARE(requestsFor("VB0*6 VB1", {}, hints), QString("VB0*6"));
+    QCOMPARE(requestsFor("VB0*2@3 VB4@3 MB0 MB4", {}, hints), QString("VB0*5@3, MB0*5"));
+}
+
+void TestReadPlan::aPoolOfShortRequestsTakesNoItemApart()
+{
+    PlanHints hints;
+    hints.longestRequests[kVariables] = 4;
+    QCOMPARE(requestsFor("VB0*6 VB6*2 VB8*2 VB10 MB0*3 MB3*3", {}, hints),
+             QString("VB0*6, VB6*4, VB10, MB0*6"));
+}
+
+void TestReadPlan::itemsThatShareAPlace_data()
+{
+    QTest::addColumn<QString>("one");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<bool>("isShared");
+    const auto row = [](const char *one, const char *other, bool isShared) {
+        QTest::newRow(qPrintable(QString("%1 and %2").arg(one, other)))
+            << QString(one) << QString(other) << isShared;
+    };
+    row("VB0", "VB0", true);
+    row("VB0*2", "VW1", true);
+    row("VB0*2", "VW2", false);
+    row("V1.7*2", "VB2", true);
+    row("V1.0*8", "VB2", false);
+    row("VB0", "MB0", false);
+    row("T1", "T1:bool", true);
+    row("T1*2", "T3", false);
+    row("T1", "C1", false);
+    row("VB0@3", "VB0", true);
+}
+
+void TestReadPlan::itemsThatShareAPlace()
+{
+    QFETCH(QString, one);
+    QFETCH(QString, other);
+    QFETCH(bool, isShared);
+    QCOMPARE(shareAPlace(parseItem(one), parseItem(other)), isShared);
+    QCOMPARE(shareAPlace(parseItem(other), parseItem(one)), isShared);
 }
 
 TEST_CLASS(TestReadPlan)
