@@ -3,8 +3,6 @@
 
 #include "simulator/line/server.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -15,9 +13,7 @@ Server::Server(Line &line_, Simulator &simulator_)
     : line(line_), simulator(simulator_), startTime(simulator.now())
 {
     sinceStart.start();
-    timer.setSingleShot(true);
-    timer.setTimerType(Qt::PreciseTimer);
-    connect(&timer, &QTimer::timeout, this, &Server::keepTime);
+    connect(&timer, &PreciseTimer::timeout, this, &Server::keepTime);
     connect(&line, &Line::received, this, &Server::take);
 }
 
@@ -43,12 +39,10 @@ void Server::send(const Bytes &bytes)
 
 void Server::setTimer()
 {
-    const std::optional<Time> due = simulator.nextDue();
-    if (!due)
-        return timer.stop();
-    // Rounded down, the timer would fire before the time has come, and again and again until it has.
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - simulator.now());
-    timer.start(std::max(wait, std::chrono::milliseconds(0)));
+    if (const std::optional<Time> due = simulator.nextDue())
+        timer.start(*due - simulator.now());
+    else
+        timer.stop();
 }
 
 } // namespace sim

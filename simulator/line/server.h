@@ -8,13 +8,14 @@
 #define SIMULATOR_LINE_SERVER_H
 
 #include "simulator/line/line.h"
+#include "simulator/line/precise_timer.h"
 #include "simulator/line/simulator.h"
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
-#include <QTimer>
+#include <QObject>
 
 namespace sim {
 
@@ -36,7 +37,7 @@ private:
     Simulator &simulator;
     const Time startTime;
     QElapsedTimer sinceStart;
-    QTimer timer;
+    PreciseTimer timer;
 };
 
 } // namespace sim
