@@ -13,6 +13,8 @@
 
 #include <QtTest>
 
+#include <optional>
+
 #include <vector>
 
 using namespace host;
