@@ -11,6 +11,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
+#include <set>
+#include <utility>
 
 namespace host {
 
@@ -216,18 +219,18 @@ void chooseCommand(PlannedRequest &request, const std::vector<Item> &items)
 }
 
 // Atoms of one item that follow each other are one part.
-void addPart(PlannedRequest &request, const Atom &atom, const Item &item, std::vector<size_t> &lastParts)
+void addPart(PlannedRequest &request, const Atom &atom, const Item &item, std::map<int, size_t> &lastParts)
 {
     const PlanPart part = {atom.item, atom.begin - item.address.number, atom.end - atom.begin};
-    size_t &last = lastParts[size_t(atom.item)];
-    if (last < request.parts.size()) {
-        PlanPart &before = request.parts[last];
-        if (before.item == part.item && before.first + before.count == part.first) {
+    const auto [last, isFirst] = lastParts.try_emplace(atom.item, request.parts.size());
+    if (!isFirst) {
+        PlanPart &before = request.parts[last->second];
+        if (before.first + before.count == part.first) {
             before.count += part.count;
             return;
         }
+        last->second = request.parts.size();
     }
-    last = request.parts.size();
     request.parts.push_back(part);
 }
 
@@ -240,13 +243,13 @@ void addRequests(std::vector<PlannedRequest> &requests, const PlanPool &pool, Ca
     for (const Atom &atom : candidates.atoms)
         if (!atom.isRider)
             leaders.push_back(atom);
-    std::vector<size_t> lastParts(items.size());
     auto atom = candidates.atoms.begin();
     int first = 0;
     for (const int end : cheapestEnds(leaders, candidates, cost, closed)) {
         const int begin = leaders[size_t(first)].begin;
         const int count = leaders[size_t(end - 1)].end - begin;
         PlannedRequest request = {pool, {}, 0, 1, -1, begin, count, count * candidates.charactersOfPlace, {}};
+        std::map<int, size_t> lastParts; // of the items
         for (int led = first; atom != candidates.atoms.end(); ++atom) {
             if (!atom->isRider && led++ == end)
                 break;
@@ -316,11 +319,14 @@ ReadPlan planReads(const std::vector<Item> &items, const RequestCost &cost, cons
                    const PlanHints &hints)
 {
     ReadPlan plan;
+    const ClosedPlaces none({});
+    std::map<PlanPool, ClosedPlaces> closedPlaces;
+    for (const auto &[pool, places] : hints.closedPlaces)
+        closedPlaces.emplace(pool, places);
     for (auto &[key, candidates] : candidatesOf(items, limits, hints)) {
-        const auto places = hints.closedPlaces.find(key.pool);
-        const ClosedPlaces closed(places == hints.closedPlaces.end() ? std::set<std::pair<int, int>>()
-                                                                     : places->second);
-        addRequests(plan.requests, key.pool, candidates, items, cost, closed);
+        const auto closed = closedPlaces.find(key.pool);
+        addRequests(plan.requests, key.pool, candidates, items, cost,
+                    closed == closedPlaces.end() ? none : closed->second);
     }
     std::stable_sort(plan.requests.begin(), plan.requests.end(),
                      [](const PlannedRequest &one, const PlannedRequest &other) {

@@ -14,7 +14,6 @@
 #include <QtTest>
 
 #include <optional>
-
 #include <vector>
 
 using namespace host;
