@@ -214,13 +214,21 @@ std::vector<Tag> plottedTags(const OutputOptions &options, const WatchOptions &o
     return drawableTags(tags, names.split(',', Qt::SkipEmptyParts));
 }
 
-std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOptions &own,
+// "every 500 ms", "every 100 to 1000 ms"
+QString rhythmText(const std::vector<std::chrono::milliseconds> &intervals)
+{
+    const auto [least, most] = std::minmax_element(intervals.begin(), intervals.end());
+    return *least == *most ? filled("every %1 ms", least->count())
+                           : filled("every %1 to %2 ms", least->count(), most->count());
+}
+
+std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOptions &own, const Watch &watch,
                                    const std::vector<Tag> &plotted, const Connection &connection)
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
-    const QString title =
-        filled("%1 every %2 ms, Ctrl-C ends", connection.marked(connection.portName()), intervalOf(own));
+    const QString title = filled("%1 %2, Ctrl-C ends", connection.marked(connection.portName()),
+                                 rhythmText(intervalsOf(watch, own)));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
@@ -305,7 +313,7 @@ int watchAll(Options options, const WatchOptions &own)
     Watch watch(tags);
     watch.isSimulated = connection.isSimulated();
     const Clock::time_point start = Clock::now();
-    const End end = watchItems(connection, watch, terminalView(options, own, plotted, connection),
+    const End end = watchItems(connection, watch, terminalView(options, own, watch, plotted, connection),
                                record ? &*record : nullptr, own);
     watch.time = Clock::now() - start;
     watch.requests = connection.requestCount();
