@@ -5,9 +5,9 @@
 
 #include "host/base/input_file.h"
 #include "host/base/line_reader.h"
+#include "host/base/system_reason.h"
 
 #include <cerrno>
-#include <system_error>
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -72,7 +72,7 @@ QString writeReason(const QFileDevice &file)
     const bool isKnown = file.error() != QFileDevice::WriteError && file.error() != QFileDevice::NoError;
     if (isKnown || reason == 0)
         return file.errorString();
-    return QString::fromStdString(std::generic_category().message(reason));
+    return systemReason(reason);
 }
 
 } // namespace host

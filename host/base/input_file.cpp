@@ -5,11 +5,11 @@
 
 #include "host/base/files_in_use.h"
 #include "host/base/interruption.h"
+#include "host/base/system_reason.h"
 
 #include <QFile>
 
 #include <cerrno>
-#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -27,11 +27,6 @@ const char kTooLargeHint[] = "check the name: it may be another file, or a devic
 // Waits are cut into slices so that a signal is seen soon even if it arrives just before one; milliseconds.
 constexpr int kSlice = 50;
 
-QString systemReason()
-{
-    return QString::fromStdString(std::generic_category().message(errno));
-}
-
 // Without O_NONBLOCK a pipe that nobody writes to would be waited for here, where no signal ends it for good.
 int openForReading(const QString &name)
 {
@@ -48,7 +43,7 @@ InputFile::InputFile(const QString &name_, const QString &hint_, qint64 largest_
     claimFile(name, FileRole::Input);
     descriptor = openForReading(name);
     if (descriptor < 0)
-        throw unreadable(systemReason());
+        throw unreadable(systemReason(errno));
     try {
         checkKind();
     } catch (...) {
@@ -78,7 +73,7 @@ QByteArray InputFile::readSome()
         if (count < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
         if (count < 0)
-            throw unreadable(systemReason());
+            throw unreadable(systemReason(errno));
         total += count;
         if (total > largest)
             throw Failure(ExitCode::Usage, name + " is too large: it has more than " + limitText(largest),

@@ -7,11 +7,11 @@
 #include "host/base/colour.h"
 #include "host/base/failure.h"
 #include "host/base/interruption.h"
+#include "host/base/system_reason.h"
 
 #include <cerrno>
 #include <iostream>
 #include <string>
-#include <system_error>
 
 #include <unistd.h>
 
@@ -107,8 +107,7 @@ void printBytes(const QByteArray &data)
     const int reason = errno;
     if (interruptingSignal() != 0)
         throw Interrupted();
-    const std::string cause = std::generic_category().message(reason);
-    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + QString::fromStdString(cause),
+    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + systemReason(reason),
                   "the rest was not printed: make room, or send the output elsewhere");
 }
 

@@ -4,6 +4,7 @@
 #include "host/diagnosis/isolation.h"
 
 #include "host/base/interruption.h"
+#include "host/base/system_reason.h"
 
 #include <QDeadlineTimer>
 #include <QString>
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -27,7 +27,7 @@ constexpr int kFailed = 70;
 
 Failure noProcess()
 {
-    return Failure(ExitCode::Internal, QString("no process can be started: ") + std::strerror(errno),
+    return Failure(ExitCode::Internal, "no process can be started: " + systemReason(errno),
                    "wait for memory or processes to become free");
 }
 

@@ -4,6 +4,7 @@
 #include "host/port/tty_settings.h"
 
 #include "host/base/failure.h"
+#include "host/base/system_reason.h"
 
 // The kernel's own header and not <termios.h>: only termios2 tells a speed that is none of the classic
 // ones, such as 187500. The two headers exclude each other.
@@ -14,7 +15,6 @@
 #include <sys/ioctl.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace host {
 
@@ -43,7 +43,7 @@ int dataBitsOf(tcflag_t flags)
     }
 }
 
-Failure notSwitched(const QString &port, const char *reason)
+Failure notSwitched(const QString &port, const QString &reason)
 {
     return Failure(ExitCode::PortUnusable, QString("%1 cannot be switched to RS-485: %2").arg(port, reason),
                    "its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
@@ -78,7 +78,7 @@ void switchRs485(int descriptor, const QString &port)
     mode.flags = SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND;
     serial_rs485 achieved = {};
     if (ioctl(descriptor, TIOCSRS485, &mode) != 0 || ioctl(descriptor, TIOCGRS485, &achieved) != 0)
-        throw notSwitched(port, std::strerror(errno));
+        throw notSwitched(port, systemReason(errno));
     if (!(achieved.flags & SER_RS485_ENABLED))
         throw notSwitched(port, "the driver leaves it switched off");
 }
