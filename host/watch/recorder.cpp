@@ -82,10 +82,20 @@ void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const 
 {
     if (!all && news == WatchNews::None)
         return;
-    const QString time = timeText(reading.time);
+    const QString time = timeTextOf(reading.time);
     Json record = withTime(time, tagRecord(item.tag, reading.values));
     record["ms"] = milliseconds(reading.answerTime);
     output.write(record, time + ' ' + item.tag.label() + ' ' + item.values);
+}
+
+// What came with one request has one time. Qt looks at the file of the time zone for each text.
+const QString &Recorder::timeTextOf(std::chrono::system_clock::time_point time)
+{
+    if (lastTimeText.isEmpty() || time != lastTime) {
+        lastTime = time;
+        lastTimeText = timeText(time);
+    }
+    return lastTimeText;
 }
 
 void Recorder::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)

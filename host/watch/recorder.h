@@ -11,6 +11,9 @@
 #include "host/output/output.h"
 #include "host/watch/view.h"
 
+#include <QString>
+
+#include <chrono>
 #include <vector>
 
 namespace host {
@@ -35,8 +38,12 @@ public:
 private:
     Recorder(const Options &options, const Schema &schema, bool all, const Rotation &rotation);
 
+    const QString &timeTextOf(std::chrono::system_clock::time_point time);
+
     Output output;
     bool all;
+    std::chrono::system_clock::time_point lastTime;
+    QString lastTimeText; // empty before the first
 };
 
 } // namespace host
