@@ -81,13 +81,17 @@ std::optional<StationChange> Schedule::done(const PollRequest &request, PollOutc
     return change;
 }
 
-// The group of the released poll that is due first; null while none is released.
+// The group of the released poll that is due first; null while none is released. One that was late does not
+// begin another poll while there are groups that were never polled.
 Schedule::Group *Schedule::mostUrgent(PollTime now)
 {
+    const bool hasNew = std::any_of(groups.begin(), groups.end(), [now](const Group &group) {
+        return group.isReleased(now) && group.figures.polls == 0;
+    });
     Group *first = nullptr;
     for (Group &group : groups) {
-        const bool isReleased = !group.stations.empty() && group.release <= now;
-        if (isReleased && (!first || group.due() < first->due()))
+        const bool mustWait = hasNew && group.wasLate && group.position == 0;
+        if (group.isReleased(now) && !mustWait && (!first || group.due() < first->due()))
             first = &group;
     }
     return first;
@@ -124,6 +128,7 @@ void Schedule::Group::endPoll(PollTime now)
         ++figures.latePolls;
         figures.longestLateness = std::max(figures.longestLateness, lateness);
     }
+    wasLate = isLate;
     release = isLate ? now : due();
     position = 0;
     tries.clear();

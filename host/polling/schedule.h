@@ -7,7 +7,8 @@
 // A poll of a group runs each of its requests once, in their order. It is released every interval, and due
 // one interval after its release. Of the released polls the one that is due first has its next request run; a
 // request is never cut short for another. A poll that ends after it was due is late: the next one is released
-// at once, and those that were missed meanwhile are not made up for.
+// at once, and those that were missed meanwhile are not made up for. Such a group waits until every other one
+// was polled once, which it would keep from the line for up to their whole interval otherwise.
 //
 // A station that does not answer costs a time-out for every request. Where several stations are asked, one
 // that was silent three times in a row is left out, but for one request in every tenth poll that would ask
@@ -94,12 +95,14 @@ private:
     struct Group
     {
         PollTime due() const { return release + figures.interval; }
+        bool isReleased(PollTime now) const { return !stations.empty() && release <= now; }
         bool isThrough() const { return position == stations.size(); }
         void endPoll(PollTime now);
 
         std::vector<int> stations; // of its requests
         PollTime release;          // of the poll that is under way or comes next
         size_t position = 0;       // behind the requests that were handed out or skipped
+        bool wasLate = false;      // the last poll
         std::map<int, bool> tries; // by dead stations that the poll came to: whether one is asked
         PollFigures figures;
     };

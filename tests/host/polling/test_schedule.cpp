@@ -109,6 +109,7 @@ private slots:
     void aPollOfLongRequestsIsInterruptedBetweenThem();
     void aLatePollIsCountedAndTheNextBeginsAtOnce();
     void aPollThatEndsWhenItIsDueIsNotLate();
+    void aGroupThatIsAlwaysLateKeepsNoOtherFromItsFirstPoll();
     void withoutRequestsNothingIsEverDue();
 
     void aDeadStationIsAskedInEveryTenthPoll();
@@ -188,6 +189,15 @@ void TestSchedule::aPollThatEndsWhenItIsDueIsNotLate()
     line.addGroup(10, {2});
     QCOMPARE(line.until(30), QString("0 a0, 10 a0, 20 a0"));
     QCOMPARE(line.schedule.figures(0).latePolls, 0);
+}
+
+void TestSchedule::aGroupThatIsAlwaysLateKeepsNoOtherFromItsFirstPoll()
+{
+    Line line;
+    line.addGroup(3600000, {2, 2});
+    line.addGroup(5, {2});
+    line.addGroup(1000, {2});
+    QCOMPARE(line.until(70), QString("0 b0, 10 c0, 20 a0, 30 a1, 40 b0, 50 b0, 60 b0"));
 }
 
 void TestSchedule::withoutRequestsNothingIsEverDue()
