@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 namespace host {
@@ -154,8 +155,24 @@ void PlanReader::settle(const PlanPart &part, const PlannedRequest &request, con
                              answer.places.mid(from, part.count * size));
     }
     state.missing -= part.count;
-    if (state.missing == 0 && !reading.failure)
+    if (state.missing == 0 && !reading.failure) {
         reading.data = valueBytes(item, state.places);
+        forgetRefusal(part.item, request.pool);
+    }
+}
+
+// What was refused for a while, as in a controller whose program was just being replaced, comes with the
+// others again as soon as it was read whole.
+void PlanReader::forgetRefusal(int item, const PlanPool &pool)
+{
+    if (hints.separateItems.erase(item) == 0)
+        return;
+    hasLearned = true;
+    const int begin = items[size_t(item)].address.number;
+    const int end = begin + placeCount(items[size_t(item)]);
+    auto &closed = hints.closedPlaces[pool];
+    for (auto place = closed.lower_bound({begin, 0}); place != closed.end() && place->first < end;)
+        place = place->second <= end ? closed.erase(place) : std::next(place);
 }
 
 void PlanReader::takeApart(const PlannedRequest &request, const Answer &refusal)
@@ -173,8 +190,8 @@ void PlanReader::takeApart(const PlannedRequest &request, const Answer &refusal)
     learn(request, refused);
 }
 
-// An item that is refused is asked for alone from now on, and nothing reaches over its place. When none is, a
-// gap was the reason, or else the length.
+// An item that is refused is asked for alone until it is answered, and nothing reaches over its place. When
+// none is, a gap was the reason, or else the length.
 void PlanReader::learn(const PlannedRequest &request, const std::vector<PlanPart> &refused)
 {
     hasLearned = true;

@@ -4,7 +4,8 @@
 // Reads items by the requests of a plan, once or again and again.
 //
 // A request for several items that the controller refuses is taken apart: each item is asked for by itself,
-// and its own answer counts. What was the reason is remembered, so that it happens once.
+// and its own answer counts. What was the reason is remembered, so that it happens once: a gap and a length
+// for good, an item until it is answered.
 
 #ifndef HOST_DRIVER_PLAN_READER_H
 #define HOST_DRIVER_PLAN_READER_H
@@ -89,6 +90,7 @@ private:
     void settle(const PlanPart &part, const PlannedRequest &request, const Answer &answer);
     void takeApart(const PlannedRequest &request, const Answer &refusal);
     void learn(const PlannedRequest &request, const std::vector<PlanPart> &refused);
+    void forgetRefusal(int item, const PlanPool &pool);
 
     Connection &connection;
     std::vector<Item> items;

@@ -185,6 +185,23 @@ V100.4 1 0 0 0" ]
     [ "$(grep -c "^s7ppi: VB10240: Invalid address" <<<"$stderr")" -eq 1 ]
 }
 
+@test "1: an item that is answered again comes with the others again" {
+    refusals item-refused 1 3
+    start s7ppi-sim "${refusals[@]}"
+    follow --count 3 VB100 VB101 VB102
+    [ "$status" -eq 1 ]
+    [ "$(requests)" = "V100*3 V100*1 V101*1 V102*1 V100*1 V101*1 V102*1 V100*3" ]
+    [[ "$output" == *" VB101 34" ]]
+}
+
+@test "1: an item of which only a part is refused stays alone" {
+    start s7ppi-sim
+    follow --block 4 --count 3 'VB10236*5' VB10241
+    [ "$status" -eq 1 ]
+    local alone="V10236*4 V10240*1 V10241*1"
+    [ "$(requests)" = "V10236*4 V10240*2 V10240*1 V10241*1 $alone $alone" ]
+}
+
 @test "a gap that was the reason is not read again" {
     start s7ppi-sim --fault item-refused@1
     follow --count 3 VB100 VB102 VB103
