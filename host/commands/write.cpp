@@ -24,7 +24,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -110,10 +109,9 @@ std::vector<Tag> tagsOf(const std::vector<Assignment> &assignments)
 // in between. Returns the index behind the last of those that begin with the first.
 size_t batchEnd(const std::vector<Item> &items, size_t first)
 {
-    size_t end = first + 1;
-    const auto touches = [&](const Item &item) { return shareAPlace(item, items[end]); };
-    while (end < items.size() &&
-           std::none_of(items.cbegin() + ptrdiff_t(first), items.cbegin() + ptrdiff_t(end), touches))
+    TakenPlaces taken;
+    size_t end = first;
+    while (end < items.size() && taken.take(items[end]))
         ++end;
     return end;
 }

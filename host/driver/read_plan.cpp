@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <set>
@@ -391,12 +392,17 @@ std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std
     return gaps;
 }
 
-bool shareAPlace(const Item &one, const Item &other)
+bool TakenPlaces::take(const Item &item)
 {
-    const int begin = one.address.number;
-    const int otherBegin = other.address.number;
-    return poolOf(one).letters == poolOf(other).letters && begin < otherBegin + placeCount(other) &&
-           otherBegin < begin + placeCount(one);
+    std::map<int, int> &ofArea = ends[poolOf(item).letters];
+    const int begin = item.address.number;
+    const int end = begin + placeCount(item);
+    const auto next = ofArea.lower_bound(begin);
+    const bool reachesNext = next != ofArea.end() && next->first < end;
+    if (reachesNext || (next != ofArea.begin() && std::prev(next)->second > begin))
+        return false;
+    ofArea.emplace_hint(next, begin, end);
+    return true;
 }
 
 QByteArray placeBytes(const PlannedRequest &request, const QByteArray &data)

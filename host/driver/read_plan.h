@@ -132,8 +132,17 @@ int placeSize(const Item &item);
 // The places of a request that no item needs, from the first to behind the last of each gap.
 std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std::vector<Item> &items);
 
-// Whether two items have a byte or an object in common. Controllers are taken for the same one.
-bool shareAPlace(const Item &one, const Item &other);
+// The bytes and objects that some items take. Controllers are taken for the same one.
+class TakenPlaces
+{
+public:
+    // Takes those of an item. Returns false, and takes none, when an item before it has one of them.
+    bool take(const Item &item);
+
+private:
+    std::map<QString, std::map<int, int>>
+        ends; // by the letters of the area: places from one to behind the last
+};
 
 // Returns what the driver handed back for a request as the bytes of its places, as they lie in the
 // controller. Fails when there are fewer or more of them than were asked for.

@@ -436,6 +436,9 @@ void TestReadPlan::itemsThatShareAPlace_data()
     row("T1*2", "T3", false);
     row("T1", "C1", false);
     row("VB0@3", "VB0", true);
+    row("VB10*10", "VB0*11", true);
+    row("VB10*10", "VB0*10", false);
+    row("VB10*10", "VB0*30", true);
 }
 
 void TestReadPlan::itemsThatShareAPlace()
@@ -443,8 +446,12 @@ void TestReadPlan::itemsThatShareAPlace()
     QFETCH(QString, one);
     QFETCH(QString, other);
     QFETCH(bool, isShared);
-    QCOMPARE(shareAPlace(parseItem(one), parseItem(other)), isShared);
-    QCOMPARE(shareAPlace(parseItem(other), parseItem(one)), isShared);
+    TakenPlaces taken;
+    QVERIFY(taken.take(parseItem(one)));
+    QCOMPARE(taken.take(parseItem(other)), !isShared);
+    TakenPlaces turned;
+    QVERIFY(turned.take(parseItem(other)));
+    QCOMPARE(turned.take(parseItem(one)), !isShared);
 }
 
 TEST_CLASS(TestReadPlan)
