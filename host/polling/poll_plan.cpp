@@ -44,6 +44,8 @@ PollPlan::PollPlan(const std::vector<Tag> &tags_, const LineSettings &line_, con
     }
     for (const auto &[interval, members] : membersOfIntervals)
         addGroup(interval, members, limits);
+    for (size_t i = 0; i < bauds.size(); ++i)
+        loads.push_back(loadAt(i));
 }
 
 // At another rate another plan may be the quickest.
@@ -105,7 +107,7 @@ Json PollPlan::json(const Group &group) const
     for (size_t i = 0; i < bauds.size(); ++i) {
         Json rate = {{"baud", bauds[i]}, {"ms", milliseconds(group.times[i])}};
         if (hasIntervals)
-            rate["kept"] = load(i) <= 1;
+            rate["kept"] = loads[i] <= 1;
         rates.push_back(rate);
     }
     Json fields = {{"ms", milliseconds(group.plan.time(cost))}, {"requests", requests}, {"rates", rates}};
@@ -162,13 +164,13 @@ std::vector<std::pair<QString, QString>> PollPlan::lines() const
     for (size_t i = 0; hasIntervals && i < bauds.size(); ++i)
         lines.emplace_back(filled("%1 baud", bauds[i]),
                            filled("%1: the line is busy %2 % of the time",
-                                  load(i) <= 1 ? "all intervals are kept" : "not all intervals can be kept",
-                                  std::llround(load(i) * 100)));
+                                  loads[i] <= 1 ? "all intervals are kept" : "not all intervals can be kept",
+                                  std::llround(loads[i] * 100)));
     return lines;
 }
 
 // How much of its time the line is busy with all groups at one of the rates.
-double PollPlan::load(size_t rate) const
+double PollPlan::loadAt(size_t rate) const
 {
     double load = 0;
     for (const Group &group : groups)

@@ -55,7 +55,7 @@ private:
     Json json(const Group &group, const PlannedRequest &request) const;
     QString text(const Group &group, const PlannedRequest &request) const;
     QString timesText(const Group &group) const;
-    double load(size_t rate) const;
+    double loadAt(size_t rate) const;
     double valuesPerSecond() const;
     qint64 time() const;
     int requestCount() const;
@@ -65,6 +65,7 @@ private:
     RequestCost cost;
     std::vector<int> bauds; // the line's own and the usual ones
     std::vector<Group> groups;
+    std::vector<double> loads; // of the line at each of the rates, 1 when it is never silent
     bool hasIntervals = false;
 };
 
