@@ -6,7 +6,6 @@
 #include "host/base/filled.h"
 
 #include <algorithm>
-#include <set>
 
 namespace host {
 
@@ -32,20 +31,21 @@ int Schedule::addGroup(std::chrono::milliseconds interval, const std::vector<int
     group.release = firstRelease;
     group.figures.interval = interval;
     groups.push_back(group);
-    countStations();
+    countRequests(requests, 1);
     return int(groups.size()) - 1;
 }
 
 void Schedule::replaceRequests(int number, const std::vector<int> &requests)
 {
     Group &group = groups[size_t(number)];
+    countRequests(requests, 1);
+    countRequests(group.stations, -1);
     group.stations = requests;
     group.position = 0;
     for (const auto &[station, isTried] : group.tries)
         if (isTried)
             stations[station].polls = kPollsPerTry - 1; // the next poll that comes to it tries it instead
     group.tries.clear();
-    countStations();
 }
 
 NextPoll Schedule::next(PollTime now)
@@ -108,7 +108,7 @@ void Schedule::skipDeadStations(Group &group)
 bool Schedule::isAsked(int number, Group &group)
 {
     Station &station = stations[number];
-    if (!station.isDead || !asksSeveralStations)
+    if (!station.isDead || !asksSeveralStations())
         return true;
     const auto known = group.tries.find(number);
     if (known != group.tries.end())
@@ -140,19 +140,18 @@ std::optional<StationChange> Schedule::noteOutcome(int number, PollOutcome outco
     const bool wasDead = station.isDead;
     if (outcome == PollOutcome::Answered)
         station = {};
-    else if (++station.silentRequests >= kSilentRequestsOfADeadStation && asksSeveralStations)
+    else if (++station.silentRequests >= kSilentRequestsOfADeadStation && asksSeveralStations())
         station.isDead = true;
     if (station.isDead == wasDead)
         return std::nullopt;
     return StationChange{number, wasDead};
 }
 
-void Schedule::countStations()
+void Schedule::countRequests(const std::vector<int> &requests, int change)
 {
-    std::set<int> asked;
-    for (const Group &group : groups)
-        asked.insert(group.stations.begin(), group.stations.end());
-    asksSeveralStations = asked.size() > 1;
+    for (const int station : requests)
+        if ((requestsOfStations[station] += change) == 0)
+            requestsOfStations.erase(station);
 }
 
 } // namespace host

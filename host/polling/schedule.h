@@ -111,11 +111,12 @@ private:
     void skipDeadStations(Group &group);
     bool isAsked(int station, Group &group);
     std::optional<StationChange> noteOutcome(int station, PollOutcome outcome);
-    void countStations();
+    void countRequests(const std::vector<int> &requests, int change);
+    bool asksSeveralStations() const { return requestsOfStations.size() > 1; }
 
     std::vector<Group> groups;
     std::map<int, Station> stations;
-    bool asksSeveralStations = false;
+    std::map<int, int> requestsOfStations; // how many there are for each that is asked
 };
 
 } // namespace host
