@@ -19,6 +19,7 @@ struct FaultMeaning
     const char *text;
     ExitCode code;
     const char *hint;
+    bool isPassing = false; // it tells how the controller is, and not what was wrong with the request
 };
 
 const char kLineHint[] =
@@ -29,7 +30,8 @@ const FaultMeaning kMeanings[] = {
     {"plc no response", ExitCode::NoAnswer,
      "check cable, power, --station and --baud; a slow controller needs a longer --timeout"},
 
-    {"Hardware fault", ExitCode::Refused, "the controller reports a fault of its own: look at its SF light"},
+    {"Hardware fault", ExitCode::Refused, "the controller reports a fault of its own: look at its SF light",
+     true},
     {"Illegal object access", ExitCode::Refused, "the controller does not allow this access to this area"},
     {"Invalid address (incorrect variable address)", ExitCode::Refused,
      "this controller has no such address: a smaller number or count may exist"},
@@ -38,9 +40,9 @@ const FaultMeaning kMeanings[] = {
     {"Object does not exist or length error", ExitCode::Refused,
      "try a smaller number or count; not every model has every area"},
     {"unknow error", ExitCode::Refused, "the controller gave a reason that the driver does not know; see -v"},
-    {"no resource", ExitCode::Refused, "the controller is busy: try again, or with a longer --delay"},
+    {"no resource", ExitCode::Refused, "the controller is busy: try again, or with a longer --delay", true},
     {"no service actived", ExitCode::Refused,
-     "the controller does not serve this kind of request on this port: check the port's mode"},
+     "the controller does not serve this kind of request on this port: check the port's mode", true},
     {"unknown error", ExitCode::Refused, "the controller refused the frame; -v shows how"},
     {"invalid request to PLC", ExitCode::Refused,
      "the controller did not take the request as a whole; -v shows its error class and code"},
@@ -108,6 +110,12 @@ Failure driverFailure(const QString &errorText)
         return *failure;
     return Failure(ExitCode::BrokenAnswer, errorText,
                    "something other than the controller's answer came; -v shows the bytes");
+}
+
+bool isPassing(const Failure &failure)
+{
+    const FaultMeaning *meaning = meaningOf(failure.text());
+    return meaning && meaning->isPassing;
 }
 
 } // namespace host

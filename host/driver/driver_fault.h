@@ -15,6 +15,9 @@ namespace host {
 // The failure behind a driver's error text. Texts that are not known count as a broken answer.
 Failure driverFailure(const QString &errorText);
 
+// Whether a failure tells how the controller is for the moment. The same request may be answered later.
+bool isPassing(const Failure &failure);
+
 } // namespace host
 
 #endif

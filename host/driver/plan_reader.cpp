@@ -6,6 +6,7 @@
 #include "host/base/filled.h"
 #include "host/base/messages.h"
 #include "host/driver/connection.h"
+#include "host/driver/driver_fault.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -187,7 +188,8 @@ void PlanReader::takeApart(const PlannedRequest &request, const Answer &refusal)
         if (answer.failure && answer.failure->code() == ExitCode::Refused)
             refused.push_back(part);
     }
-    learn(request, refused);
+    if (!isPassing(*refusal.failure))
+        learn(request, refused);
 }
 
 // An item that is refused is asked for alone until it is answered, and nothing reaches over its place. When

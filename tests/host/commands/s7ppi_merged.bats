@@ -217,6 +217,16 @@ V100.4 1 0 0 0" ]
     [ "$(requests)" = "V100*4 V100*1 V101*1 V102*1 V103*1 V100*2 V100*1 V101*1 V102*2 V100*1 V101*1 V102*1 V103*1" ]
 }
 
+@test "a refusal that tells of the controller and not of the request teaches nothing" {
+    # The first is a negative frame, "no resource", the second an item's return code, "Hardware fault".
+    local fault
+    for fault in no-resource hardware-fault; do
+        start s7ppi-sim --fault "$fault@1"
+        follow --count 2 VB0 VB10
+        [ "$(requests)" = "V0*11 V0*1 V10*1 V0*11" ]
+    done
+}
+
 @test "what was learned of a station holds for no other, and for no other area" {
     start s7ppi-sim --station 2 --station 3 --fault item-refused@1
     follow --count 2 VB0 VB1 VB0@3 VB1@3 MB0 MB1
