@@ -143,6 +143,7 @@ private:
     void write(int index);
     void writeBatch(int first);
     void writeAndNote(const Assignment &assignment);
+    void tellUnread();
     void readBack(int index);
 
     const Options &options;
@@ -183,7 +184,7 @@ void WriteCommand::writeAndNote(const Assignment &assignment)
         reportNote(assignment.tag.label() + ": " + progress(item, item.count));
 }
 
-// When the port is lost nothing more is written; each item of the batch is told then.
+// When the port is lost nothing more is written.
 void WriteCommand::writeBatch(int first)
 {
     const int end = int(batchEnd(items, size_t(first)));
@@ -200,8 +201,22 @@ void WriteCommand::writeBatch(int first)
         batch.failures.push_back(failure);
         ++batch.end;
     }
+    if (isOver)
+        tellUnread();
     const std::vector<Item> written(items.cbegin() + first, items.cbegin() + batch.end);
     batch.reader = std::make_unique<PlanReader>(connection, written, own.plan.limits());
+}
+
+// Those that were written before the loss will not be read back any more.
+void WriteCommand::tellUnread()
+{
+    const Failure loss = *batch.failures.back();
+    const auto isWritten = [](const std::optional<Failure> &failure) { return !failure; };
+    const auto written = std::count_if(batch.failures.cbegin(), batch.failures.cend(), isWritten);
+    const QString text =
+        filled("%1 of %2 items were written and not read back: %3", written, items.size(), loss.text());
+    std::replace_if(batch.failures.begin(), batch.failures.end(), isWritten,
+                    std::optional<Failure>(Failure(loss.code(), text, loss.hint())));
 }
 
 void WriteCommand::readBack(int index)

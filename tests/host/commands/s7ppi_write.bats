@@ -315,3 +315,12 @@ hint: write VB7=VALUE" ]
     [ "$status" -eq 130 ]
     [ "$(cat "$BATS_TEST_TMPDIR/errors")" = "s7ppi: VB0: 212 of 300 values had been written" ]
 }
+
+@test "6: a port that goes away between the writes leaves nothing to read back" {
+    start fake_controller e5 "$(write_answer 1)" e5 "$(write_answer 2)" hang-up
+    run --separate-stderr s7ppi write --port "$port" --timeout 60000 --verify VB0=1 VB10=2 VB20=3
+    [ "$status" -eq 6 ]
+    [ -z "$output" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: 2 of 3 items were written and not read back: the port is gone" ]
+    [ "${#stderr_lines[@]}" -eq 2 ]
+}
