@@ -102,14 +102,15 @@ void TestPreciseTimer::stopsBeforeItFires()
 
 void TestPreciseTimer::saysWhenThereIsNoTimer()
 {
-    const NoMoreFiles limit;
+    // The limit is over when the error is caught: sanitizers open a file to look at it.
+    QString reason;
     try {
+        const NoMoreFiles limit;
         const sim::PreciseTimer timer;
     } catch (const sim::LineError &error) {
-        QVERIFY(QString(error.what()).startsWith("cannot make a timer: "));
-        return;
+        reason = error.what();
     }
-    QFAIL("there is one");
+    QVERIFY(reason.startsWith("cannot make a timer: "));
 }
 
 QTEST_GUILESS_MAIN(TestPreciseTimer)
