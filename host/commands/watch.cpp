@@ -80,26 +80,20 @@ int intervalOf(const WatchOptions &options)
     return options.interval.value_or(kUsualInterval);
 }
 
-std::vector<Item> itemsOf(const Watch &watch)
-{
-    std::vector<Item> items;
-    for (const WatchedItem &item : watch.items)
-        items.push_back(item.tag.item);
-    return items;
-}
-
-std::vector<std::chrono::milliseconds> intervalsOf(const Watch &watch, const WatchOptions &options)
+std::vector<std::chrono::milliseconds> intervalsOf(const std::vector<Tag> &tags, const WatchOptions &options)
 {
     std::vector<std::chrono::milliseconds> intervals;
-    for (const WatchedItem &item : watch.items)
-        intervals.emplace_back(item.tag.interval.value_or(intervalOf(options)));
+    intervals.reserve(tags.size());
+    for (const Tag &tag : tags)
+        intervals.emplace_back(tag.interval.value_or(intervalOf(options)));
     return intervals;
 }
 
 class WatchCommand
 {
 public:
-    WatchCommand(Connection &connection, Watch &watch, const Views &views, const WatchOptions &options);
+    WatchCommand(Connection &connection, Watch &watch, const std::vector<Tag> &tags, const Views &views,
+                 const WatchOptions &options);
 
     // Polls as often and as long as the options say.
     void run();
@@ -123,11 +117,11 @@ private:
     Poller poller;
 };
 
-WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const Views &views_,
-                           const WatchOptions &options_)
+WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const std::vector<Tag> &tags,
+                           const Views &views_, const WatchOptions &options_)
     : connection(connection_), watch(watch_), views(views_), options(options_),
       redirect(connection, [this](const QString &text) { tell(text); }),
-      poller(connection, itemsOf(watch), intervalsOf(watch, options), options.plan.limits(), events())
+      poller(connection, itemsOf(tags), intervalsOf(tags, options), options.plan.limits(), events())
 {
 }
 
@@ -222,13 +216,14 @@ QString rhythmText(const std::vector<std::chrono::milliseconds> &intervals)
                            : filled("every %1 to %2 ms", least->count(), most->count());
 }
 
-std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOptions &own, const Watch &watch,
-                                   const std::vector<Tag> &plotted, const Connection &connection)
+std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOptions &own,
+                                   const std::vector<Tag> &tags, const std::vector<Tag> &plotted,
+                                   const Connection &connection)
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
     const QString title = filled("%1 %2, Ctrl-C ends", connection.marked(connection.portName()),
-                                 rhythmText(intervalsOf(watch, own)));
+                                 rhythmText(intervalsOf(tags, own)));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
     return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
@@ -277,13 +272,13 @@ struct End
 
 // Polls until there is nothing more to poll, or a signal arrives. The terminal is as before when this
 // returns.
-End watchItems(Connection &connection, Watch &watch, std::unique_ptr<View> people, Recorder *record,
-               const WatchOptions &own)
+End watchItems(Connection &connection, Watch &watch, const std::vector<Tag> &tags,
+               std::unique_ptr<View> people, Recorder *record, const WatchOptions &own)
 {
     Views views = {people.get()};
     if (record)
         views.push_back(record);
-    WatchCommand command(connection, watch, views, own);
+    WatchCommand command(connection, watch, tags, views, own);
     try {
         command.run();
     } catch (const Interrupted &) { // the usual end
@@ -313,7 +308,7 @@ int watchAll(Options options, const WatchOptions &own)
     Watch watch(tags);
     watch.isSimulated = connection.isSimulated();
     const Clock::time_point start = Clock::now();
-    const End end = watchItems(connection, watch, terminalView(options, own, watch, plotted, connection),
+    const End end = watchItems(connection, watch, tags, terminalView(options, own, tags, plotted, connection),
                                record ? &*record : nullptr, own);
     watch.time = Clock::now() - start;
     watch.requests = connection.requestCount();
