@@ -4,8 +4,8 @@
 # What every target of this project is compiled with.
 #
 #   s7ppi_options               an interface target: warnings, hardening, sanitizers, reproducible source paths
-#   s7ppi_count_coverage(...)   with S7PPI_COVERAGE: counts what is run of these objects, and of the library that
-#                               is linked of them
+#   s7ppi_count_coverage(...)   where S7PPI_COVERAGE names it, library or programs: counts what is run of these
+#                               objects, and of the library or program that is linked of them
 
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
@@ -18,7 +18,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 check_pie_supported(LANGUAGES CXX)
 
 add_library(s7ppi_options INTERFACE)
-target_compile_options(s7ppi_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion)
+target_compile_options(s7ppi_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast)
 if(S7PPI_WARNINGS_AS_ERRORS)
   target_compile_options(s7ppi_options INTERFACE -Werror)
 endif()
@@ -54,13 +55,15 @@ if(S7PPI_PRECOMPILED AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 # Without optimisation, which would merge lines. All other objects stay those of any other build.
-function(s7ppi_count_coverage library)
-  if(NOT S7PPI_COVERAGE)
+function(s7ppi_count_coverage counted linked)
+  if(NOT counted STREQUAL S7PPI_COVERAGE)
     return()
   endif()
   foreach(objects IN LISTS ARGN)
     target_compile_options(${objects} PRIVATE --coverage -O0 -U_FORTIFY_SOURCE)
-    target_link_options(${objects} INTERFACE --coverage)
+    target_link_options(${objects} INTERFACE --coverage
+      -Wl,--undefined=s7ppi_keep_counts,--wrap=_exit,--wrap=raise)
+    target_link_libraries(${objects} INTERFACE kept_counts)
   endforeach()
-  target_link_options(${library} PRIVATE --coverage -Wl,--exclude-libs,libgcov.a)
+  target_link_options(${linked} PRIVATE --coverage -Wl,--exclude-libs,libgcov.a)
 endfunction()

@@ -25,3 +25,6 @@ set(CMAKE_CXX_COMPILER_LAUNCHER
   CCACHE_SLOPPINESS=pch_defines,time_macros,locale
   ${PROJECT_SOURCE_DIR}/cmake/compile-cached ${S7PPI_CCACHE}
 )
+
+# The debug information names the directory of the build, which is another one in every copy of the tree.
+add_compile_options(-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=.)

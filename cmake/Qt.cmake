@@ -2,14 +2,14 @@
 # SPDX-License-Identifier: MIT
 #
 # One set of names for the modules of every Qt: s7ppi_qt_core, s7ppi_qt_sql, s7ppi_qt_test and, for the
-# programs, s7ppi_qt_serialport.
+# programs, s7ppi_qt_network and s7ppi_qt_serialport.
 
 set(S7PPI_QT_MODULES Core Sql)
 if(BUILD_TESTING)
   list(APPEND S7PPI_QT_MODULES Test)
 endif()
 if(S7PPI_PROGRAMS)
-  list(APPEND S7PPI_QT_MODULES SerialPort)
+  list(APPEND S7PPI_QT_MODULES Network SerialPort)
 endif()
 
 if(QT_MAJOR EQUAL 4)

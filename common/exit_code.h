@@ -21,7 +21,9 @@ enum class ExitCode {
     BrokenAnswer = 5,   // something came that is not an answer
     PortLost = 6,       // the port went away while in use
     PluginUnusable = 7, // the driver cannot be loaded or is not one
-    Different = 8,      // what was written is not what is read back
+    Different = 8,      // what is read back, or asked of a recording, is not what it should be
+    Declined = 9,       // the user, when asked, said no
+    BrokerRefused = 10, // the broker takes this user, password or certificate not, or is not who it should be
     Internal = 70,      // out of memory, say; EX_SOFTWARE
     OutputLost = 74     // stdout or a file takes no more data; EX_IOERR
 };

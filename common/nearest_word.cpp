@@ -47,10 +47,10 @@ size_t distance(const std::string &one, const std::string &other)
     return row.back();
 }
 
-// A short word is soon like any other: "w" is two changes away from every word of three letters with a w.
+// A short word is soon like any other: "shell" is two changes away from "help", and means something else.
 size_t largestDistance(const std::string &text)
 {
-    return text.size() < 3 ? 0 : text.size() < 5 ? 1 : 2;
+    return text.size() / 3;
 }
 
 std::string onlyOneThatBegins(const std::string &text, const Words &words)
@@ -61,8 +61,7 @@ std::string onlyOneThatBegins(const std::string &text, const Words &words)
     return found.size() == 1 ? found.front() : std::string();
 }
 
-} // namespace
-
+// There must be at least one word.
 std::string closestWord(const std::string &text, const Words &words)
 {
     const std::string letters = plain(text);
@@ -71,6 +70,8 @@ std::string closestWord(const std::string &text, const Words &words)
         distances.push_back(distance(letters, plain(word)));
     return words[size_t(std::min_element(distances.begin(), distances.end()) - distances.begin())];
 }
+
+} // namespace
 
 std::string likelyWord(const std::string &text, const Words &words)
 {

@@ -11,14 +11,10 @@
 
 namespace common {
 
-// The word that takes the fewest changes, however many these are; the first one of equals. A change is a
-// letter that is missing, too many or another one, or two neighbours that are exchanged. Capitals count as
-// small letters, and hyphens in front do not count. There must be at least one word.
-std::string closestWord(const std::string &text, const std::vector<std::string> &words);
-
 // The word that was probably meant: the one that only capitals and hyphens in front set apart, or the only
-// one that begins like the text, or the closest one if it takes few enough changes. Empty when none is like
-// the text.
+// one that begins like the text, or the one that takes the fewest changes, if that is at most one for every
+// three letters; the first one of equals. A change is a letter that is missing, too many or another one, or
+// two neighbours that are exchanged. Empty when none is like the text.
 std::string likelyWord(const std::string &text, const std::vector<std::string> &words);
 
 } // namespace common

@@ -19,10 +19,10 @@
 namespace {
 
 const std::vector<host::Declare> kCommands = {
-    host::declareRead,   host::declareWrite,      host::declareWatch,  host::declareReport,
-    host::declareDump,   host::declareLoad,       host::declareScan,   host::declarePorts,
-    host::declareDoctor, host::declareCheck,      host::declareDecode, host::declareDescribe,
-    host::declarePlugin, host::declareCompletion,
+    host::declareRead,   host::declareWrite,    host::declareWatch,  host::declarePublish,
+    host::declareReport, host::declareDump,     host::declareLoad,   host::declareDiff,
+    host::declareScan,   host::declarePorts,    host::declareDoctor, host::declareCheck,
+    host::declareDecode, host::declareDescribe, host::declarePlugin, host::declareCompletion,
 };
 
 } // namespace

@@ -10,6 +10,7 @@
 #include <tools/byte_order.h>
 #include <tools/checksum.h>
 #include <tools/pack.h>
+#include <tools/receive.h>
 #include <tools/sizes.h>
 #include <tools/timing.h>
 
@@ -18,8 +19,8 @@
 namespace {
 
 const int kStart = 0x02;
-const int kAnswer = 0x06;
-const int kRefusal = 0x15;
+const char kAnswer = 0x06;
+const char kRefusal = 0x15;
 
 const int kRefusalSize = 5;
 const int kAnswerSize = 10;
@@ -92,24 +93,24 @@ QByteArray WeighingTerminal::attempt(AbstractDeviceInterface *dev, const QByteAr
     dev->setOption(kClearInput, 0);
     dev->send(bytesOf(frame), int(frame.size()));
 
-    QByteArray answer(kAnswerSize, '\0');
-    unsigned char *buffer = reinterpret_cast<unsigned char *>(answer.data());
-    if (dev->receive(buffer, kRefusalSize) < kRefusalSize)
+    // A refusal is shorter than an answer, and waiting for more than it has would take a whole time-out.
+    QByteArray answer = receiveExactly(dev, kRefusalSize).bytes;
+    if (answer.isEmpty())
         return failed("the terminal does not answer");
-    if (buffer[0] == kRefusal)
-        return failed(hasGoodCheck(answer.left(kRefusalSize))
-                          ? QString("the terminal refuses, reason %1").arg(buffer[2])
+    if (answer.startsWith(kRefusal) && answer.size() == kRefusalSize)
+        return failed(hasGoodCheck(answer)
+                          ? QString("the terminal refuses, reason %1").arg(bytesOf(answer)[2])
                           : QString("bad check value"));
-
-    const int missing = kAnswerSize - kRefusalSize;
-    if (dev->receive(buffer + kRefusalSize, missing) < missing)
+    if (answer.size() == kRefusalSize)
+        answer += receiveExactly(dev, kAnswerSize - kRefusalSize).bytes;
+    if (answer.size() < kAnswerSize)
         return failed("the answer ends early");
     if (!hasGoodCheck(answer))
         return failed("bad check value");
     // station, quantity and scale as in the request, which has the command between them
-    if (buffer[0] != kAnswer || answer[1] != frame[1] || answer.mid(2, 2) != frame.mid(3, 2))
+    if (answer[0] != kAnswer || answer[1] != frame[1] || answer.mid(2, 2) != frame.mid(3, 2))
         return failed("an answer to another request");
-    return fromBigEndianULongArray(buffer + kValuePlace, 1);
+    return fromBigEndianULongArray(bytesOf(answer) + kValuePlace, 1);
 }
 
 QByteArray WeighingTerminal::failed(const QString &reason)

@@ -1,7 +1,7 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// A driver for an invented weighing terminal. Its frames are described in README.md.
+// The driver of an invented terminal, whose frames README.md describes.
 
 #ifndef WEIGHING_TERMINAL_H
 #define WEIGHING_TERMINAL_H

@@ -7,6 +7,8 @@
 #define HOST_BASE_COLOUR_H
 
 #include <QByteArray>
+#include <QList>
+#include <QString>
 
 namespace host {
 
@@ -23,6 +25,18 @@ bool wantsColour(int descriptor);
 // Returns the text as the descriptor's terminal shows it in that colour, or as it is where no colour is
 // wanted.
 QByteArray coloured(const QByteArray &text, const char *colour, int descriptor);
+
+// A text cut into its escapes, \" \\ \xNN \uNNNN, and what stands between them.
+struct TextPart
+{
+    QString text;
+    bool isEscape;
+};
+QList<TextPart> partsOf(const QString &text);
+
+// Returns the text with its escapes dim, so that they are not taken for what they stand between; as it is
+// where no colour is wanted.
+QString withDimEscapes(const QString &text, int descriptor);
 
 } // namespace host
 

@@ -118,6 +118,7 @@ void settleFiles(Options &options)
     checkNamed("--output", options.output);
     checkNamed("--trace", options.trace);
     checkNamed("--plugin", options.plugin);
+    checkNamed("--profile", options.profile);
     if (options.output && isStdout(*options.output))
         options.output.reset();
     claimFile(options.output.value_or(kStdout), FileRole::Data);

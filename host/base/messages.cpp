@@ -9,6 +9,8 @@
 #include "host/base/interruption.h"
 #include "host/base/system_reason.h"
 
+#include <QSet>
+
 #include <cerrno>
 #include <iostream>
 #include <string>
@@ -32,9 +34,21 @@ void printNotice(const QByteArray &label, const char *colour, const QString &tex
 }
 
 // Values and names come from controllers and files.
-QByteArray terminalBytes(const QByteArray &data)
+QString visibleLines(const QString &text)
 {
-    return common::visibleText(QString::fromUtf8(data.constData(), int(data.size())), "\n\t").toUtf8();
+    return common::visibleText(text, "\n\t");
+}
+
+void printAsItIs(const QByteArray &bytes)
+{
+    std::cout.write(bytes.constData(), bytes.size()).flush();
+    if (std::cout)
+        return;
+    const int reason = errno;
+    if (interruptingSignal() != 0)
+        throw Interrupted();
+    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + systemReason(reason),
+                  "the rest was not printed: make room, or send the output elsewhere");
 }
 
 void show(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &text)
@@ -77,15 +91,20 @@ void reportWarning(const QString &text)
     printNotice(kProgramLabel, kYellow, text);
 }
 
+// What helps is told once, with the first failure that it helps against.
 void reportFailure(const Failure &failure)
 {
+    static QSet<QString> toldHints;
     printNotice(kProgramLabel, kRed, failure.text());
+    if (toldHints.contains(failure.hint()))
+        return;
+    toldHints.insert(failure.hint());
     printNotice(kHintLabel, kCyan, failure.hint());
 }
 
 void reportFailure(const QString &subject, const Failure &failure)
 {
-    reportFailure(Failure(failure.code(), subject + ": " + failure.text(), failure.hint()));
+    reportFailure(failure.about(subject.isEmpty() ? "\"\"" : subject));
 }
 
 void reportTrace(const QString &line)
@@ -98,17 +117,19 @@ void printData(const QString &line)
     printBytes(line.toUtf8() + '\n');
 }
 
+void printText(const QString &text)
+{
+    const bool isTerminal = isatty(STDOUT_FILENO);
+    const QString shown = isTerminal ? visibleLines(text) : text;
+    printAsItIs(withDimEscapes(shown, STDOUT_FILENO).toUtf8());
+}
+
 void printBytes(const QByteArray &data)
 {
-    const QByteArray bytes = isatty(STDOUT_FILENO) ? terminalBytes(data) : data;
-    std::cout.write(bytes.constData(), bytes.size()).flush();
-    if (std::cout)
-        return;
-    const int reason = errno;
-    if (interruptingSignal() != 0)
-        throw Interrupted();
-    throw Failure(ExitCode::OutputLost, "stdout takes no more data: " + systemReason(reason),
-                  "the rest was not printed: make room, or send the output elsewhere");
+    if (!isatty(STDOUT_FILENO))
+        printAsItIs(data);
+    else
+        printAsItIs(visibleLines(QString::fromUtf8(data.constData(), int(data.size()))).toUtf8());
 }
 
 void installDriverLog(bool verbose)

@@ -26,8 +26,8 @@ void reportDetail(const QString &text);
 // Tells something that -q does not silence, though it is no failure of the command.
 void reportWarning(const QString &text);
 
-// Tells a failure in two lines: the error, and the hint that goes with it. A subject stands in front of the
-// error.
+// Tells a failure in two lines: the error, and the hint that goes with it, unless that was told before. A
+// subject stands in front of the error.
 void reportFailure(const Failure &failure);
 void reportFailure(const QString &subject, const Failure &failure);
 
@@ -37,6 +37,9 @@ void reportTrace(const QString &line);
 // Prints a line of data. The line is out when this returns, so that what was read is seen even if the program
 // is stopped then. Fails when stdout does not take it.
 void printData(const QString &line);
+
+// Prints text for people in the same way; on a terminal that has colours its escapes, as \x00, are dim.
+void printText(const QString &text);
 
 // Prints data that are no lines, in the same way.
 void printBytes(const QByteArray &data);

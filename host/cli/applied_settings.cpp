@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,15 +21,16 @@ namespace host {
 
 namespace {
 
-// Returns the options that environment and file can set. Help, the version, the name of the file itself and
-// the place of one command's output are nobody's habit.
+// Returns the options that environment and file can set. Help, the version, the name of the file itself, the
+// choice of what is heard of it and the place of one command's output are nobody's habit, and the form of the
+// data has another name.
 Names settableOptions(const CLI::App &app)
 {
     Names names;
     for (const CLI::Option *option : app.get_options())
         if (!option->get_lnames().empty())
             names.push_back(option->get_lnames().front());
-    for (const char *name : {"help", "version", "config", "output"})
+    for (const char *name : {"help", "version", "config", "profile", "output", "json"})
         names.erase(std::remove(names.begin(), names.end(), name), names.end());
     return names;
 }
@@ -36,15 +38,17 @@ Names settableOptions(const CLI::App &app)
 class Applier
 {
 public:
-    Applier(CLI::App &app_, Options &options_) : app(app_), options(options_) {}
+    // Notes what the command line has set of these options.
+    Applier(CLI::App &app, Options &options, const Names &names);
 
     // Applies all settings of one place; places that come first are applied first.
-    void apply(const std::vector<Setting> &settings);
+    void apply(const std::vector<Setting> &settings, SettingOrigin origin);
     void tell() const;
 
 private:
     bool isTaken(const Setting &setting);
     bool isExcluded(const CLI::Option &option, const Setting &setting) const;
+    void note(const Setting &setting, SettingOrigin origin);
 
     CLI::App &app;
     Options &options;
@@ -52,13 +56,35 @@ private:
     std::vector<Setting> taken;
 };
 
-void Applier::apply(const std::vector<Setting> &settings)
+Applier::Applier(CLI::App &app_, Options &options_, const Names &names) : app(app_), options(options_)
+{
+    for (const std::string &name : names)
+        options.settings.push_back({QString::fromStdString(name), {}, SettingOrigin::Nobody, {}});
+    for (const std::string &name : names)
+        if (const CLI::Option *option = app.get_option("--" + name); option->count() > 0)
+            note({name, option->results().back(), QString()}, SettingOrigin::CommandLine);
+    if (options.json)
+        note({"format", "json", QString()}, SettingOrigin::CommandLine);
+}
+
+void Applier::note(const Setting &setting, SettingOrigin origin)
+{
+    const QString name = QString::fromStdString(setting.option);
+    const auto used = std::find_if(options.settings.begin(), options.settings.end(),
+                                   [&name](const UsedSetting &one) { return one.option == name; });
+    *used = {name, QString::fromStdString(setting.value), origin, setting.source};
+}
+
+void Applier::apply(const std::vector<Setting> &settings, SettingOrigin origin)
 {
     earlier.insert(earlier.end(), taken.begin(), taken.end());
     taken.clear();
     for (const Setting &setting : settings)
-        if (isTaken(setting))
+        if (isTaken(setting)) {
             taken.push_back(setting);
+            if (setting.option != "format" || !options.json)
+                note(setting, origin);
+        }
 }
 
 // Sets the option and returns true, unless an earlier place has set it, or one that excludes it.
@@ -70,7 +96,7 @@ bool Applier::isTaken(const Setting &setting)
     try {
         const bool isFlag = option->get_expected_min() == 0;
         option->add_result(isFlag ? option->get_flag_value(setting.option, setting.value) : setting.value);
-        if (isFlag && option->as<bool>() && isExcluded(*option, setting)) {
+        if (isFlag && !option->get_excludes().empty() && option->as<bool>() && isExcluded(*option, setting)) {
             option->clear();
             return false;
         }
@@ -119,10 +145,17 @@ void applySettings(CLI::App &app, Options &options)
 {
     const Names names = settableOptions(app);
     const QString file = settingsFile(options.config);
-    const std::vector<Setting> ofFile = file.isEmpty() ? std::vector<Setting>() : fileSettings(file, names);
-    Applier applier(app, options);
-    applier.apply(environmentSettings(names));
-    applier.apply(ofFile);
+    const QString profile = profileName(options.profile);
+    const FileSettings ofFile = file.isEmpty() ? FileSettings() : fileSettings(file, names);
+    Applier applier(app, options, names);
+    applier.apply(environmentSettings(names), SettingOrigin::Environment);
+    if (!profile.isEmpty())
+        applier.apply(profileSettings(ofFile, profile, file), SettingOrigin::Profile);
+    applier.apply(ofFile.usual, SettingOrigin::File);
+    if (!file.isEmpty())
+        options.config = file;
+    if (!profile.isEmpty())
+        options.profile = profile;
     if (!options.verbose)
         return;
     applier.tell();

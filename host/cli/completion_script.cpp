@@ -47,6 +47,7 @@ _s7ppi_words() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"); }
 _s7ppi_files() {
     compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"; compgen -f -- "$2")
+    case ${COMPREPLY[*]} in *:) compopt -o nospace 2>/dev/null ;; esac
 }
 
 _s7ppi() {
@@ -88,7 +89,7 @@ QString bashValue(const CompletedOption &option)
     case CompletedValue::File:
         return "_s7ppi_files '' \"$word\"";
     case CompletedValue::Device:
-        return QString("_s7ppi_files '%1' \"$word\"").arg(kSimulatorPort);
+        return QString("_s7ppi_files '%1 %2' \"$word\"").arg(kSimulatorPort, kTcpPrefix);
     case CompletedValue::Word:
     case CompletedValue::None:
         break;
@@ -207,7 +208,7 @@ QString fishValue(const CompletedOption &option)
     case CompletedValue::File:
         return " -r -F";
     case CompletedValue::Device:
-        return QString(" -r -F -a ") + kSimulatorPort;
+        return QString(" -r -F -a '%1 %2'").arg(kSimulatorPort, kTcpPrefix);
     case CompletedValue::Word:
         return " -x";
     case CompletedValue::None:

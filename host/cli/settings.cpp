@@ -17,6 +17,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ namespace {
 
 const char kVariableBegin[] = "S7PPI_";
 const char kFileVariable[] = "S7PPI_CONFIG";
+const char kProfileVariable[] = "S7PPI_PROFILE";
 
 QString joined(const Names &texts)
 {
@@ -44,6 +46,10 @@ QString lineHint(const QByteArray &line, const Names &options)
     const QString setting = QString(text).remove(comment).trimmed();
     if (setting != text)
         return "a comment needs a line of its own: write " + setting + " alone";
+    if (text.startsWith('['))
+        return "a profile begins with its name in brackets, as [press]";
+    if (text.section('=', 0, 0).trimmed() == "profile")
+        return QString("a profile is chosen with --profile NAME, or ") + kProfileVariable;
     return "a line is OPTION = VALUE; options are " + joined(options);
 }
 
@@ -53,22 +59,53 @@ bool isBlank(const QByteArray &line)
     return text.isEmpty() || text.startsWith('#') || text.startsWith(';');
 }
 
+// Returns the value of a line's only item, which the parser takes apart at commas: with them, if it is one
+// word.
+std::optional<std::string> valueOf(const CLI::ConfigItem &item, const QByteArray &line)
+{
+    if (item.inputs.size() == 1)
+        return item.inputs.front();
+    std::string value = CLI::detail::join(item.inputs, ",");
+    return !value.empty() && line.trimmed().endsWith(value.c_str()) ? std::optional(value) : std::nullopt;
+}
+
 // The parser gets one line at a time, so that an error can name the line.
 Setting settingOf(const QByteArray &line, const QString &source, const Names &options)
 {
     const auto wrong = [&](const QString &text) {
         return Failure(ExitCode::Usage, source + ": " + text, lineHint(line, options));
     };
+    if (line.trimmed().startsWith('['))
+        throw wrong(utf8Text(line.trimmed()) + " begins no profile");
     std::istringstream text(line.toStdString());
     const std::vector<CLI::ConfigItem> items = CLI::ConfigINI().from_config(text);
-    if (items.size() != 1 || !items.front().parents.empty() || items.front().inputs.size() != 1)
+    const std::optional<std::string> value =
+        items.size() == 1 && items.front().parents.empty() ? valueOf(items.front(), line) : std::nullopt;
+    if (!value)
         throw wrong(utf8Text(line.trimmed()) + " is no setting");
     const CLI::ConfigItem &item = items.front();
     if (std::find(options.begin(), options.end(), item.name) == options.end())
         throw wrong(QString::fromStdString(item.name) + " is not an option");
-    if (item.inputs.front().empty())
+    if (value->empty())
         throw wrong(QString::fromStdString(item.name) + " has no value");
-    return {item.name, item.inputs.front(), source};
+    return {item.name, *value, source};
+}
+
+// Returns the name that the first line of a profile has between its brackets; empty when it has none.
+QString profileIn(const QByteArray &line)
+{
+    static const QRegularExpression form("^\\[\\s*([^\\[\\]]*[^\\[\\]\\s])\\s*\\]$");
+    return form.match(utf8Text(line).trimmed()).captured(1);
+}
+
+void add(std::vector<FileProfile> &profiles, const FileProfile &profile)
+{
+    for (const FileProfile &earlier : profiles)
+        if (earlier.name == profile.name)
+            throw Failure(ExitCode::Usage,
+                          profile.source + ": the profile " + profile.name + " stands there already",
+                          "see " + earlier.source + ", and make one of the two");
+    profiles.push_back(profile);
 }
 
 void add(std::vector<Setting> &settings, const Setting &setting)
@@ -105,21 +142,58 @@ QStringList strangeVariables(const Names &options)
 {
     QStringList variables = QProcessEnvironment::systemEnvironment().keys();
     variables.removeAll(kFileVariable);
+    variables.removeAll(kProfileVariable);
     for (const std::string &option : options)
         variables.removeAll(QString::fromStdString(variableName(option)));
     return variables.filter(QRegularExpression('^' + QString(kVariableBegin)));
 }
 
-std::vector<Setting> fileSettings(const QString &name, const Names &options)
+FileSettings fileSettings(const QString &file, const Names &options)
 {
     const QByteArray text = readTextFile(
-        name, "name another file with --config, or with S7PPI_CONFIG; set that empty for none", kLargestText);
-    std::vector<Setting> settings;
+        file, "name another file with --config, or with S7PPI_CONFIG; set that empty for none", kLargestText);
+    return parseSettings(text, file, options);
+}
+
+FileSettings parseSettings(const QByteArray &text, const QString &name, const Names &options)
+{
+    FileSettings settings;
     const QList<QByteArray> lines = withoutByteOrderMark(text).split('\n');
-    for (int i = 0; i < int(lines.size()); ++i)
-        if (!isBlank(lines.at(i)))
-            add(settings, settingOf(lines.at(i), filled("%1:%2", name, i + 1), options));
+    for (int i = 0; i < int(lines.size()); ++i) {
+        const QByteArray &line = lines.at(i);
+        const QString source = filled("%1:%2", name, i + 1);
+        const QString profile = profileIn(line);
+        if (!profile.isEmpty())
+            add(settings.profiles, {profile, source, {}});
+        else if (!isBlank(line))
+            add(settings.profiles.empty() ? settings.usual : settings.profiles.back().settings,
+                settingOf(line, source, options));
+    }
     return settings;
+}
+
+std::vector<Setting> profileSettings(const FileSettings &settings, const QString &profile,
+                                     const QString &file)
+{
+    QStringList names;
+    for (const FileProfile &candidate : settings.profiles) {
+        if (candidate.name == profile)
+            return candidate.settings;
+        names << candidate.name;
+    }
+    if (file.isEmpty())
+        throw Failure(ExitCode::Usage,
+                      "there is no profile " + profile + ", as there is no configuration file",
+                      "write one, ~/.config/s7ppi/config or another that --config names, with a line [" +
+                          profile + "] and the options behind it");
+    throw Failure(ExitCode::Usage, "there is no profile " + profile + " in " + file,
+                  names.isEmpty() ? "it has no profiles: begin one with a line [" + profile + ']'
+                                  : "it has " + names.join(", "));
+}
+
+QString profileName(const std::optional<QString> &named)
+{
+    return named.value_or(qEnvironmentVariable(kProfileVariable));
 }
 
 QString settingsFile(const std::optional<QString> &named)

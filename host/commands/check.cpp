@@ -7,12 +7,13 @@
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/raw_addresses.h"
 #include "host/driver/dry_run.h"
 #include "host/driver/read_plan.h"
-#include "host/driver/write_plan.h"
 #include "host/items/area.h"
 #include "host/items/item.h"
 #include "host/items/tag_file.h"
+#include "host/items/write_guard.h"
 #include "host/output/output.h"
 #include "host/polling/poll_plan.h"
 
@@ -41,9 +42,10 @@ const Schema kSchema = {"check",
                         1,
                         "items",
                         {"text", "valid", "address", "area", "type", "count", "first", "last", "requests",
-                         "frame", "writable", "writeError", "error", "nearest"}};
+                         "frame", "writable", "writeError", "access", "min", "max", "error", "nearest"}};
 
 const char kFooter[] = R"(
+
 Nothing is sent and no port is opened: the plug-in shows what it would send. How much memory there is
 depends on the controller's model, which answers to an address beyond it with a refusal.
 
@@ -71,30 +73,32 @@ struct ItemCheck
     std::optional<Failure> writeRefusal; // why it cannot be written
 };
 
-std::optional<Failure> writeRefusal(const Item &item, const DryRun &frames)
-{
-    try {
-        frames.ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first(), item.station);
-        return std::nullopt;
-    } catch (const Failure &failure) {
-        return failure;
-    }
-}
-
 ItemCheck checkOf(const Item &item, const DryRun &frames)
 {
     const std::vector<PlannedRequest> requests = planRead(item).requests;
     return {int(requests.size()), frames.ofRead(requests.front().command, item.station).first(),
-            writeRefusal(item, frames)};
+            frames.writeRefusal(item)};
 }
 
-Json validRecord(const QString &text, const Item &item, const ItemCheck &found)
+// What the tag's file says of writing.
+void addTagLimits(Json &record, const Tag &tag)
 {
+    if (tag.access != Access::Unsaid)
+        record["access"] = tag.access == Access::ReadOnly ? "ro" : "rw";
+    if (tag.minimum)
+        record["min"] = *tag.minimum;
+    if (tag.maximum)
+        record["max"] = *tag.maximum;
+}
+
+Json validRecord(const QString &text, const Tag &tag, const ItemCheck &found)
+{
+    const Item &item = tag.item;
     Json record = {{"text", jsonText(text)},
                    {"valid", true},
                    {"address", jsonText(item.address.text())},
                    {"area", jsonText(areaOf(item.address.prefix).name)},
-                   {"type", jsonText(typeName(item.type))},
+                   {"type", jsonText(item.typeText())},
                    {"count", item.count},
                    {"first", jsonText(firstAddress(item.address).text())},
                    {"last", jsonText(lastAddress(item.address).text())},
@@ -103,6 +107,7 @@ Json validRecord(const QString &text, const Item &item, const ItemCheck &found)
                    {"writable", !found.writeRefusal}};
     if (found.writeRefusal)
         record["writeError"] = jsonText(found.writeRefusal->text());
+    addTagLimits(record, tag);
     return record;
 }
 
@@ -111,10 +116,22 @@ QString labelled(const QString &label, const QString &text)
     return "  " + label.leftJustified(kLabelWidth) + ' ' + text;
 }
 
-QString validText(const QString &text, const Item &item, const ItemCheck &found)
+// Whether the item can be written: as the driver has it, then as the tag's file does.
+QString writeText(const Tag &tag, const ItemCheck &found)
 {
+    if (found.writeRefusal)
+        return found.writeRefusal->text();
+    if (tag.access == Access::ReadOnly)
+        return filled("possible, but the access is ro in %1", tag.definedAt);
+    const QString limits = limitsText(tag);
+    return limits.isEmpty() ? "possible" : "possible, " + limits;
+}
+
+QString validText(const QString &text, const Tag &tag, const ItemCheck &found)
+{
+    const Item &item = tag.item;
     const Address &address = item.address;
-    const QString values = filled("%1 %2", item.count, typeName(item.type));
+    const QString values = filled("%1 %2", item.count, item.typeText());
     const QString limits = firstAddress(address).text() + " to " + lastAddress(address).text();
     const QString frame = QString::fromLatin1(found.frame.toHex(' '));
     const bool isLong = found.requests > 1;
@@ -124,14 +141,16 @@ QString validText(const QString &text, const Item &item, const ItemCheck &found)
                         labelled("limits", limits + ", less in most models"),
                         labelled("read", isLong ? QString("%1 requests, the first:").arg(found.requests)
                                                 : QString("one request:")),
-                        labelled(QString(), frame),
-                        labelled("write", found.writeRefusal ? found.writeRefusal->text() : "possible")})
+                        labelled(QString(), frame), labelled("write", writeText(tag, found))})
         .join('\n');
 }
 
 Json invalidRecord(const QString &text, const Failure &failure)
 {
-    Json record = {{"text", jsonText(text)}, {"valid", false}, {"error", jsonText(failure.text())}};
+    Json record = {{"text", jsonText(text)},
+                   {"valid", false},
+                   {"error", jsonText(failure.text())},
+                   {"cause", jsonText(causeWord(failure.cause()))}};
     record["nearest"] = Json::array();
     for (const QString &address : nearestAddresses(addressIn(text)))
         if (address != text)
@@ -189,7 +208,7 @@ template <typename Check> void CheckCommand::attempt(const QString &text, const 
 void CheckCommand::checkTag(const QString &text, const Tag &tag)
 {
     const ItemCheck found = checkOf(tag.item, frames);
-    output.write(validRecord(text, tag.item, found), validText(text, tag.item, found));
+    output.write(validRecord(text, tag, found), validText(text, tag, found));
     right.push_back(tag);
 }
 
@@ -239,6 +258,7 @@ void CheckCommand::finish()
 
 int checkAll(const Options &options, const CheckOptions &own)
 {
+    refuseRawAddresses(options, "check");
     CheckCommand command(options, own.plan.limits());
     for (const QString &text : own.items)
         command.check(text);
@@ -256,7 +276,8 @@ void declareCheck(CLI::App &app, CommandLine &line)
                    [own](const Options &options) { return checkAll(options, *own); });
     addItems(*check, own->items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
     addPlanOptions(*check, own->plan);
-    setFooter(*check, QString(kTypesFooter) + '\n' + kFooter);
+    setFooter(*check, QString(kTypesFooter) + kFooter,
+              {"s7ppi check VW100*2 VW110:i16", "s7ppi check @press-tags.csv"});
 }
 
 } // namespace host

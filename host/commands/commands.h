@@ -23,6 +23,9 @@ void declareWrite(CLI::App &app, CommandLine &line);
 // s7ppi watch: the values of some items, again and again.
 void declareWatch(CLI::App &app, CommandLine &line);
 
+// s7ppi publish: the values of some items for an MQTT broker, and commands from there.
+void declarePublish(CLI::App &app, CommandLine &line);
+
 // s7ppi report: what was watched, as a page for a browser.
 void declareReport(CLI::App &app, CommandLine &line);
 
@@ -31,6 +34,9 @@ void declareDump(CLI::App &app, CommandLine &line);
 
 // s7ppi load: a file of memory written to a controller.
 void declareLoad(CLI::App &app, CommandLine &line);
+
+// s7ppi diff: what two dumps, or a dump and a controller, have differently.
+void declareDiff(CLI::App &app, CommandLine &line);
 
 // s7ppi scan: which stations answer on a line.
 void declareScan(CLI::App &app, CommandLine &line);

@@ -17,10 +17,7 @@ namespace host {
 
 namespace {
 
-const char kFooter[] = R"(
-  bash   s7ppi completion bash >~/.local/share/bash-completion/completions/s7ppi
-  zsh    s7ppi completion zsh >DIRECTORY/_s7ppi, a directory of $fpath
-  fish   s7ppi completion fish >~/.config/fish/completions/s7ppi.fish)";
+const char kFooter[] = "The script for zsh is a file _s7ppi in a directory of $fpath.";
 
 QString scriptFor(const QString &shell, const Completion &completion)
 {
@@ -47,8 +44,11 @@ void declareCompletion(CLI::App &app, CommandLine &line)
                    [shell, &app](const Options &options) {
                        return writeScript(options, shell->value(), completionOf(app));
                    });
-    require(*addChoice(*completion, "shell", *shell, {"bash", "zsh", "fish"}, "bash, zsh or fish"));
-    setFooter(*completion, kFooter);
+    require(*addChoice(*completion, "SHELL", *shell, {"bash", "zsh", "fish"}, "SHELL", "The shell"));
+    setFooter(*completion, kFooter,
+              {"s7ppi completion bash >~/.local/share/bash-completion/completions/s7ppi",
+               "s7ppi completion zsh >~/.zsh/completions/_s7ppi",
+               "s7ppi completion fish >~/.config/fish/completions/s7ppi.fish"});
 }
 
 } // namespace host

@@ -1,9 +1,9 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
-#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
+#include "common/capture.h"
 #include "host/base/files.h"
 #include "host/base/filled.h"
 #include "host/base/line_reader.h"
@@ -14,6 +14,7 @@
 #include "host/frames/wire.h"
 #include "host/frames/words.h"
 #include "host/output/output.h"
+#include "host/output/sink.h"
 #include "host/text/hex_text.h"
 #include "host/text/number_text.h"
 
@@ -22,9 +23,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace host {
 
@@ -36,18 +39,15 @@ struct DecodeOptions
     std::optional<QString> trace;
 };
 
-const Schema kSchema = {"decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}};
+const Schema kSchema = {"decode", 1,     "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"},
+                        false,    false, "frames"};
 
 const char kFooter[] = R"(
 Frames may follow each other; bytes that make none are told as such. ! marks a byte that is
 not what it should be; what is missing of a cut frame stands behind its last byte. In a trace
 the data of an answer have the addresses that the request before it named.
 
-The exit code is 0 when all frames are whole and sound, and 5 when one is not.
-
-Examples:
-  s7ppi decode 10 02 00 5c 5e 16
-  s7ppi decode --trace line.txt --format csv)";
+The exit code is 0 when all frames are whole and sound, and 5 when one is not.)";
 
 // So many wrong lines of a trace are told one by one; the others are counted.
 constexpr int kToldLines = 5;
@@ -55,109 +55,139 @@ constexpr int kToldLines = 5;
 // Bytes that are no trace are explained together.
 constexpr qint64 kLargestHex = 4 << 20;
 
-// A document of json has its list of frames at its end, and all of it is kept until then.
-constexpr int kMostFrames = 100000;
-
 class DecodeCommand
 {
 public:
     DecodeCommand(const OutputOptions &options, const QString &source_)
-        : output(options, kSchema), source(source_)
+        : DecodeCommand(options, source_, std::make_unique<BatchSink>(sinkFor(options)))
     {
     }
 
-    // Explains the frames in some bytes that passed together.
-    void decode(const QByteArray &bytes, const QString &heading, const Json &origin);
+    // Explains the frames in some bytes.
+    void decode(const QByteArray &bytes);
 
-    // Whether there have been as many frames as the output takes.
-    bool isFull() const { return output.format() == Format::JsonDocument && count >= kMostFrames; }
+    // Explains the frames of a record of a trace.
+    void decode(const TraceRecord &record);
 
     // Ends the data, and fails when a frame had a fault or there was none at all.
     void finish();
 
 private:
-    void decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin);
-    void list(const QByteArray &frame, const ExplainedFrame &explained, Json entry);
-    void write(const ExplainedByte &byte, const QString &missing);
+    DecodeCommand(const OutputOptions &options, const QString &source_, std::unique_ptr<BatchSink> sink)
+        : batch(*sink), output(options, kSchema, std::move(sink)), source(source_)
+    {
+    }
+
+    void decodeFrame(const QByteArray &frame, const TraceRecord *record);
+    void writeText(const QByteArray &frame, const ExplainedFrame &explained, const TraceRecord *record);
+    void writeToList(const QByteArray &frame, const ExplainedFrame &explained, const TraceRecord *record);
+    void writeRecords(const ExplainedFrame &explained);
+    void writeRecord(const ExplainedByte &byte, const QString &missing);
     Failure faultyFrames() const;
 
+    BatchSink &batch; // of the output: a frame goes out in one piece
     Output output;
     QString source; // of the bytes
     FrameExplainer explainer;
-    Json frames = Json::array(); // of a document of json
+    Json byteRecord; // filled anew for every byte: to make one takes longer than to explain the byte
     qint64 count = 0;
     qint64 faulty = 0;
 };
 
-QString byteLine(const ExplainedByte &byte)
+// Appends a line for the byte: its offset, itself, its field and what that means.
+void addByteLine(QString &text, const ExplainedByte &byte)
 {
     constexpr int kOffsetWidth = 4;
     constexpr int kFieldWidth = 22;
-    QString line = filled("%1  %2 %3 %4  %5", QString::number(byte.offset).rightJustified(kOffsetWidth),
-                          hexByte(byte.byte).toLower(), byte.isFault ? "!" : " ",
-                          byte.field.leftJustified(kFieldWidth), byte.meaning);
-    while (line.endsWith(' '))
-        line.chop(1);
-    return line;
+    text += '\n';
+    text += QString::number(byte.offset).rightJustified(kOffsetWidth);
+    text += "  ";
+    text += QLatin1String(QByteArray(1, char(byte.byte)).toHex());
+    text += byte.isFault ? " ! " : "   ";
+    text += byte.meaning.isEmpty() ? byte.field : byte.field.leftJustified(kFieldWidth) + "  " + byte.meaning;
+    while (text.endsWith(' '))
+        text.chop(1);
 }
 
-void DecodeCommand::decode(const QByteArray &bytes, const QString &heading, const Json &origin)
+void DecodeCommand::decode(const QByteArray &bytes)
 {
     for (const QByteArray &frame : splitFrames(bytes))
-        decodeFrame(frame, heading, origin);
+        decodeFrame(frame, nullptr);
 }
 
-void DecodeCommand::decodeFrame(const QByteArray &frame, const QString &heading, const Json &origin)
+void DecodeCommand::decode(const TraceRecord &record)
 {
-    if (isFull())
-        throw Failure(ExitCode::Usage, filled("%1there are more than %2 frames", source, kMostFrames),
-                      "choose --format ndjson, csv or text, which take any number");
+    for (const QByteArray &frame : splitFrames(record.bytes))
+        decodeFrame(frame, &record);
+}
+
+void DecodeCommand::decodeFrame(const QByteArray &frame, const TraceRecord *record)
+{
     const ExplainedFrame explained = explainer.explain(frame);
-    if (count > 0)
-        output.writeText(QString());
-    if (output.format() == Format::JsonDocument)
-        list(frame, explained, origin);
     ++count;
     faulty += explained.faults.isEmpty() ? 0 : 1;
-
-    output.writeText(heading + frameWords(frame) + ", " + counted(frame.size(), "byte"));
-    const int last = int(frame.size()) - 1;
-    for (const ExplainedByte &byte : explained.bytes)
-        write(byte, byte.offset == last ? explained.missing : QString());
-    for (const QString &fault : explained.faults)
-        output.writeText("         ! " + fault);
+    if (output.format() == Format::Text)
+        writeText(frame, explained, record);
+    else
+        writeRecords(explained);
+    if (output.format() == Format::JsonDocument)
+        writeToList(frame, explained, record);
+    batch.flush();
 }
 
-void DecodeCommand::list(const QByteArray &frame, const ExplainedFrame &explained, Json entry)
+void DecodeCommand::writeText(const QByteArray &frame, const ExplainedFrame &explained,
+                              const TraceRecord *record)
 {
+    QString text = count > 1 ? "\n" : "";
+    if (record)
+        text += record->time + ' ' + record->direction + ' ';
+    text += frameWords(frame) + ", " + counted(frame.size(), "byte");
+    for (const ExplainedByte &byte : explained.bytes)
+        addByteLine(text, byte);
+    for (const QString &fault : explained.faults)
+        text += "\n         ! " + fault;
+    output.writeText(text);
+}
+
+void DecodeCommand::writeToList(const QByteArray &frame, const ExplainedFrame &explained,
+                                const TraceRecord *record)
+{
+    Json entry = Json::object();
+    if (record)
+        entry = {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}};
     entry["meaning"] = jsonText(frameWords(frame));
     entry["size"] = frame.size();
     entry["faults"] = Json::array();
     for (const QString &fault : explained.faults)
         entry["faults"].push_back(jsonText(fault));
-    frames.push_back(entry);
+    output.writeBeside(entry);
 }
 
-// Writes a byte, and what is missing behind it, if anything is; in the text the latter has a line of its own.
-void DecodeCommand::write(const ExplainedByte &byte, const QString &missing)
+// What is missing of a frame stands in the record of its last byte.
+void DecodeCommand::writeRecords(const ExplainedFrame &explained)
+{
+    for (const ExplainedByte &byte : explained.bytes)
+        writeRecord(byte, &byte == &explained.bytes.back() ? explained.missing : QString());
+}
+
+void DecodeCommand::writeRecord(const ExplainedByte &byte, const QString &missing)
 {
     const bool isBoth = !byte.meaning.isEmpty() && !missing.isEmpty();
-    output.write({{"frame", count},
-                  {"offset", byte.offset},
-                  {"byte", QByteArray(1, char(byte.byte)).toHex().toStdString()},
-                  {"field", jsonText(byte.field)},
-                  {"meaning", jsonText(byte.meaning + (isBoth ? "; " : "") + missing)},
-                  {"fault", byte.isFault || !missing.isEmpty()}},
-                 byteLine(byte));
+    byteRecord["frame"] = count;
+    byteRecord["offset"] = byte.offset;
+    byteRecord["byte"] = QByteArray(1, char(byte.byte)).toHex().toStdString();
+    byteRecord["field"] = jsonText(byte.field);
+    byteRecord["meaning"] = jsonText(byte.meaning + (isBoth ? "; " : "") + missing);
+    byteRecord["fault"] = byte.isFault || !missing.isEmpty();
+    output.write(byteRecord);
 }
 
 void DecodeCommand::finish()
 {
-    output.setField("frames", frames);
     output.finish();
     if (count == 0)
         throw Failure(ExitCode::Usage, source + "there are no bytes to decode",
-                      "s7ppi decode --help has examples");
+                      "s7ppi help decode has examples");
     if (faulty > 0)
         throw faultyFrames();
 }
@@ -170,23 +200,30 @@ Failure DecodeCommand::faultyFrames() const
                           : "the records whose fault is true tell what is wrong with them");
 }
 
-void decodeLine(DecodeCommand &command, const QByteArray &line)
+using TakeRecord = std::function<void(const TraceRecord &)>;
+
+constexpr qint64 kLargestCapture = 256 << 20;
+
+void readCapture(const QString &fileName, const TakeRecord &take)
 {
-    if (const std::optional<TraceRecord> record = parseTraceLine(line))
-        command.decode(record->bytes, record->time + ' ' + record->direction + ' ',
-                       {{"time", jsonText(record->time)}, {"direction", jsonText(record->direction)}});
+    const CapturedRecords captured = parseCapture(readInput(fileName, kLargestCapture));
+    for (const TraceRecord &record : captured.records)
+        take(record);
+    if (captured.isDamaged)
+        reportWarning(fileName + " is no capture, or is damaged: what is behind the last frame is left out");
 }
 
-void decodeTrace(DecodeCommand &command, const QString &fileName, Outcome &outcome)
+void readTrace(const QString &fileName, const TakeRecord &take, Outcome &outcome)
 {
+    if (common::isCaptureName(fileName.toStdString()))
+        return readCapture(fileName, take);
     LineReader lines(fileName, std::numeric_limits<qint64>::max()); // a line at a time, it may go on for days
     int wrong = 0;
     while (lines.next()) {
         try {
-            decodeLine(command, lines.line());
+            if (const std::optional<TraceRecord> record = parseTraceLine(lines.line()))
+                take(*record);
         } catch (const Failure &failure) {
-            if (command.isFull())
-                throw;
             if (failure.isFinal() || ++wrong <= kToldLines)
                 outcome.add(filled("%1:%2", fileName, lines.number()), failure);
         }
@@ -206,18 +243,35 @@ QByteArray bytesOf(const QStringList &texts)
     return parseHex(joined);
 }
 
+// Turns a trace into a capture for Wireshark.
+int convert(const OutputOptions &options, const DecodeOptions &own, Outcome &outcome)
+{
+    if (!own.trace)
+        throw Failure(ExitCode::Usage, "bytes have no times, and a capture is of frames with their times",
+                      "name a trace with --trace FILE");
+    const std::unique_ptr<OutputSink> sink = sinkFor(options);
+    sink->put(captureBeginning(*own.trace));
+    readTrace(
+        *own.trace, [&sink](const TraceRecord &record) { sink->put(captureRecord(record)); }, outcome);
+    sink->commit();
+    return outcome.exitCode();
+}
+
 int decode(const OutputOptions &options, const DecodeOptions &own)
 {
     if (own.trace.has_value() != own.bytes.isEmpty())
         throw Failure(ExitCode::Usage, "decode takes bytes or a trace",
                       "name bytes, as in s7ppi decode 10 02 00 5c 5e 16, or --trace FILE, or - for stdin");
     Outcome outcome;
+    if (options.output && common::isCaptureName(options.output->toStdString()))
+        return convert(options, own, outcome);
     const QByteArray bytes = bytesOf(own.bytes);
     DecodeCommand command(options, own.trace ? *own.trace + ": " : QString());
     if (own.trace)
-        decodeTrace(command, *own.trace, outcome);
+        readTrace(
+            *own.trace, [&command](const TraceRecord &record) { command.decode(record); }, outcome);
     else
-        command.decode(bytes, QString(), Json::object());
+        command.decode(bytes);
     command.finish();
     return outcome.exitCode();
 }
@@ -232,8 +286,11 @@ void declareDecode(CLI::App &app, CommandLine &line)
     addTexts(*decoding, "bytes", own->bytes, "HEX",
              "Hexadecimal text, grouped in any way; - reads it from stdin");
     addText(*decoding, "--trace", own->trace, "FILE",
-            "The frames of a trace, as --trace of other commands writes it");
-    setFooter(*decoding, kFooter);
+            "The frames of a trace or capture, as --trace of other commands writes it; with -o\n"
+            "NEW.pcapng it becomes a capture for Wireshark");
+    setFooter(*decoding, kFooter,
+              {"s7ppi decode 10 02 00 5c 5e 16", "s7ppi write --dry-run VW10=300 | s7ppi decode -",
+               "s7ppi decode --trace line.txt --format csv", "s7ppi decode --trace line.txt -o line.pcapng"});
 }
 
 } // namespace host

@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QString>
 
 namespace host {
 
@@ -26,9 +27,13 @@ void DryRunOutput::read(const PlannedRequest &request) const
 
 void DryRunOutput::print(const QList<QByteArray> &frames) const
 {
-    for (const QByteArray &frame : frames)
-        output.write({{"meaning", jsonText(frameWords(frame))}, {"bytes", frame.toHex(' ').toStdString()}},
-                     frameLine(frame));
+    for (const QByteArray &frame : frames) {
+        const bool isUnknown = requests.hasUnknownFrames();
+        const QString bytes = QString::fromLatin1(frame.toHex(' '));
+        output.write(
+            {{"meaning", jsonText(isUnknown ? QString() : frameWords(frame))}, {"bytes", jsonText(bytes)}},
+            isUnknown ? bytes : frameLine(frame));
+    }
 }
 
 } // namespace host

@@ -31,6 +31,9 @@ public:
     void write(const WriteRequest &request, std::optional<int> otherStation = std::nullopt) const;
     void read(const PlannedRequest &request) const;
 
+    // The station of the options.
+    int usualStation() const { return requests.usualStation(); }
+
     // The line that the requests would be sent on.
     LineSettings line() const { return requests.line(); }
 

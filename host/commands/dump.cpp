@@ -10,6 +10,7 @@
 #include "host/cli/command_line.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/progress_notes.h"
+#include "host/commands/raw_addresses.h"
 #include "host/driver/connection.h"
 #include "host/driver/plan_reader.h"
 #include "host/dump/partial_dump.h"
@@ -18,6 +19,7 @@
 #include "host/output/progress.h"
 #include "host/output/sink.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <memory>
@@ -39,9 +41,7 @@ VW0..VW98  AIW0..62  T0..T255. Both are read.
 
 The file is text, 16 bytes a line, or with --format raw the bytes alone. It appears when
 all is read. Until then FILE.part holds what was read: after Ctrl-C or an error the same
-command goes on where it stopped, also with another LAST. s7ppi load writes the file back.
-
-Options: s7ppi --help)";
+command goes on where it stopped, also with another LAST. s7ppi load writes the file back.)";
 
 bool isRaw(const OutputOptions &options)
 {
@@ -94,21 +94,19 @@ void leave(PartialDump &part, Progress &progress, const QString &what)
         progress.note(part.name() + " has " + sizesOf(part) + "; " + what + " goes on from there");
 }
 
-// Reads the rest of the range. A failure names the block that was being read.
+// Reads the rest of the range.
 void readRest(Connection &connection, PartialDump &part, Progress &progress, const PlanLimits &limits)
 {
     const Item &range = part.dump().range;
     const int index = int(part.dump().data.size()) / range.valueSize();
     if (index == range.count)
         return;
-    for (const Item &block : readBlocks(partOf(range, index, range.count - index), limits)) {
-        try {
-            part.append(readItem(connection, block, limits));
-        } catch (const Failure &failure) {
-            throw failure.about(rangeText(block));
-        }
-        progress.advance(block.size());
-    }
+    readRange(connection, partOf(range, index, range.count - index), limits,
+              [&](const Item &block, const QByteArray &data) {
+                  part.append(data);
+                  progress.advance(block.size());
+                  return true;
+              });
 }
 
 void readAll(Connection &connection, PartialDump &part, const OutputOptions &options,
@@ -136,6 +134,7 @@ void readAll(Connection &connection, PartialDump &part, const OutputOptions &opt
 
 int dumpRange(const Options &options, const DumpOptions &own)
 {
+    refuseRawAddresses(options, "dump");
     const Item range = parseRange(own.range);
     const bool raw = isRaw(options);
     const QString name = checkedFile(options, range);
@@ -162,7 +161,8 @@ void declareDump(CLI::App &app, CommandLine &line)
     addText(*dump, "range", own->range, "RANGE", "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file");
     addFlag(*dump, "--restart", own->restart, "Begin anew, whatever an earlier run has read");
     addBlockOption(*dump, own->plan);
-    setFooter(*dump, kFooter);
+    setFooter(*dump, kFooter,
+              {"s7ppi dump VB0..VB4095 -o press.dump", "s7ppi dump MB0..31 --format raw -o flags.bin"});
 }
 
 } // namespace host

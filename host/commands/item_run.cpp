@@ -10,7 +10,8 @@
 
 namespace host {
 
-int runItems(const std::vector<Tag> &tags, Output &output, const std::function<void(int)> &part)
+int runItems(const std::vector<Tag> &tags, const OriginOf &originOf, Output &output,
+             const std::function<void(int)> &part)
 {
     Outcome outcome;
     for (int i = 0; i < int(tags.size()); ++i) {
@@ -20,7 +21,7 @@ int runItems(const std::vector<Tag> &tags, Output &output, const std::function<v
             continue;
         if (failure->code() == ExitCode::OutputLost)
             return outcome.exitCode();
-        output.writeUnlessText(tagErrorRecord(tag, failure->text()));
+        output.writeUnlessText(tagErrorRecord(originOf(tag), tag, *failure));
         if (failure->isFinal())
             break;
     }

@@ -1,46 +1,54 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
-#include "host/base/filled.h"
 #include "host/commands/commands.h"
 
 #include "host/base/files.h"
 #include "host/base/files_in_use.h"
 #include "host/base/filled.h"
 #include "host/base/messages.h"
+#include "host/base/outcome.h"
+#include "host/base/question.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/progress_notes.h"
+#include "host/commands/raw_addresses.h"
+#include "host/commands/write_conditions.h"
 #include "host/driver/connection.h"
+#include "host/driver/dry_run.h"
 #include "host/driver/plan_reader.h"
 #include "host/driver/write_plan.h"
 #include "host/dump/dump_file.h"
 #include "host/dump/load_state.h"
+#include "host/items/change.h"
 #include "host/items/memory_range.h"
 #include "host/items/read_back.h"
+#include "host/items/tag_file.h"
 #include "host/output/progress.h"
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace host {
 
 namespace {
 
-const char kFileHint[] = "name a file that s7ppi dump has made";
-
 struct LoadOptions
 {
     QString file;
+    QStringList tagFiles;          // what they say of writing is kept
     std::optional<QString> target; // an address instead of the one in the file
     bool verify = false;           // read everything back and compare it
     bool dryRun = false;           // print the frames on stdout and send nothing
     bool restart = false;          // forget how far an earlier run came
-    PlanOptions plan;              // of what is read back
+    bool confirm = false;          // show what changes, and ask
+    PlanOptions plan;              // of what is read
 };
 
 const char kFooter[] = R"(
@@ -52,7 +60,10 @@ same command goes on from there: what is written is read back first, and from a 
 it is written anew.
 --verify compares everything when all is written.
 
-Options: s7ppi --help)";
+With tag files nothing is written when the bytes reach into a tag whose access is ro, or set one
+outside its min and max; each such tag is told.
+--confirm reads everything first, shows on stderr which bytes change, and writes only when y is
+typed; any other answer ends with 9. It needs a terminal.)";
 
 // Bytes and the place where they go.
 struct Load
@@ -83,7 +94,7 @@ Load rawLoad(const LoadOptions &own)
     if (!own.target)
         throw Failure(ExitCode::Usage, "plain bytes do not say where they belong",
                       "name the first address with --to ADDRESS");
-    const QByteArray data = readFile(own.file, kFileHint, kLargestDump);
+    const QByteArray data = readFile(own.file, "check the file's name and rights", kLargestDump);
     if (data.isEmpty())
         throw Failure(ExitCode::Usage, own.file + " is empty", "name a file that has bytes in it");
     return {targetAt(*own.target, data), data, std::nullopt};
@@ -96,7 +107,7 @@ Load loadOf(const OutputOptions &options, const LoadOptions &own)
         return rawLoad(own);
     if (format != "text" && !own.dryRun) // then it is the form of the frames
         throw Failure(ExitCode::Usage, "load reads no " + format, "choose --format text or raw");
-    const Dump dump = parseDump(readFile(own.file, kFileHint, kLargestDump), own.file);
+    const Dump dump = readDump(own.file);
     return {own.target ? targetAt(*own.target, dump.data) : dump.range, dump.data, dump.station,
             dump.isSimulated};
 }
@@ -136,6 +147,7 @@ public:
     {
     }
 
+    bool isConfirmed() const;
     void write(bool restart);
     void verify();
 
@@ -145,7 +157,7 @@ private:
     void writeRest(Progress &progress);
     void writeBlock(const WriteRequest &request, const Item &block);
     Differences compare(const Item &range, Progress &progress, bool onlyFirst) const;
-    QByteArray readBlock(const Item &block) const;
+    QByteArray readAll() const;
     void keepState();
     int elementOf(int offset) const { return offset / load.target.valueSize(); }
 
@@ -157,6 +169,14 @@ private:
     int written = 0;
     std::optional<Item> doubtful; // written or not: it was sent, and no answer tells
 };
+
+bool LoadCommand::isConfirmed() const
+{
+    const ChangeTable changes = rangeChanges(load.target, readAll(), load.data);
+    const QString place = filled("%1 at %2, station %3", rangeText(load.target),
+                                 connection.marked(connection.portLabel()), connection.stationId());
+    return isWriteConfirmed(place, changes, "bytes");
+}
 
 // Goes on behind what an earlier run wrote, as far as that is still there: another controller may be behind
 // the port by now, or its program may have written in between.
@@ -270,24 +290,30 @@ Differences LoadCommand::compare(const Item &range, Progress &progress, bool onl
 {
     Differences differences;
     int offset = 0;
-    for (const Item &block : readBlocks(range, limits)) {
+    readRange(connection, range, limits, [&](const Item &block, const QByteArray &data) {
         const QByteArray wanted = load.data.mid(offset, block.size());
-        addDifferences(differences, block, offset, compareValues(block, wanted, readBlock(block)));
+        addDifferences(differences, block, offset, compareValues(block, wanted, data));
         if (onlyFirst && differences.count > 0)
-            break;
+            return false;
         offset += block.size();
         progress.advance(block.size());
-    }
+        return true;
+    });
     return differences;
 }
 
-QByteArray LoadCommand::readBlock(const Item &block) const
+QByteArray LoadCommand::readAll() const
 {
-    try {
-        return readItem(connection, block, limits);
-    } catch (const Failure &failure) {
-        throw failure.about(rangeText(block));
-    }
+    Progress progress(options,
+                      {connection.marked(rangeText(load.target)) + " read", "bytes", load.data.size(), 0, 0});
+    const Connection::MessageRedirect notes = notesAbove(progress, connection);
+    QByteArray bytes;
+    readRange(connection, load.target, limits, [&](const Item &block, const QByteArray &data) {
+        bytes += data;
+        progress.advance(block.size());
+        return true;
+    });
+    return bytes;
 }
 
 int dryRunLoad(Options options, const LoadOptions &own, const Load &load)
@@ -296,11 +322,16 @@ int dryRunLoad(Options options, const LoadOptions &own, const Load &load)
         options.format.reset();
     Output output(options, kFramesSchema);
     const DryRunOutput dryRun(options, output);
+    const auto readAll = [&] {
+        for (const PlannedRequest &request : planRead(load.target, own.plan.limits()).requests)
+            dryRun.read(request);
+    };
+    if (own.confirm)
+        readAll();
     for (const WriteRequest &request : planWrite(load.target, load.data))
         dryRun.write(request);
     if (own.verify)
-        for (const PlannedRequest &request : planRead(load.target, own.plan.limits()).requests)
-            dryRun.read(request);
+        readAll();
     output.finish();
     return int(ExitCode::Success);
 }
@@ -318,6 +349,10 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
         reportNote("the dump is of a simulated controller");
     const LoadState state(stateName, load.target, station, load.data);
     LoadCommand command(connection, load, state, options, own.plan.limits());
+    if (own.confirm && !command.isConfirmed()) {
+        reportNothingWritten();
+        return int(ExitCode::Declined);
+    }
     command.write(own.restart);
     if (own.verify)
         command.verify();
@@ -325,9 +360,34 @@ int writeLoad(const Options &options, const LoadOptions &own, const Load &load)
     return int(ExitCode::Success);
 }
 
+// Reports whatever the tags of the files have against the load.
+void checkLoad(const Options &options, const LoadOptions &own, const Load &load, Outcome &outcome)
+{
+    for (const QString &text : own.tagFiles)
+        if (!isTagReference(text))
+            throw Failure(ExitCode::Usage, '"' + text + "\" is a second file to load",
+                          "load one file at a time; tag files have an @ in front, as @plant.csv");
+    const std::vector<Tag> tags = parseTags(own.tagFiles, outcome);
+    if (tags.empty() || !outcome.isSuccess())
+        return;
+    Tag target(load.target);
+    target.name = rangeText(load.target);
+    checkTags({{target, load.data}}, tags, DryRun(options).usualStation(), outcome);
+}
+
 int loadFile(const Options &options, const LoadOptions &own)
 {
+    refuseRawAddresses(options, "load");
+    if (isTagReference(own.file))
+        throw Failure(ExitCode::Usage, '"' + own.file + "\" is a tag file",
+                      "name the file to load first, and tag files behind it");
     const Load load = loadOf(options, own);
+    Outcome outcome;
+    checkLoad(options, own, load, outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+    if (own.confirm && !own.dryRun)
+        checkTerminal();
     return own.dryRun ? dryRunLoad(options, own, load) : writeLoad(options, own, load);
 }
 
@@ -339,12 +399,16 @@ void declareLoad(CLI::App &app, CommandLine &line)
     CLI::App *load = addCommand(app, line, "load", "Write a file of memory to a controller",
                                 [own](const Options &options) { return loadFile(options, *own); });
     addText(*load, "file", own->file, "FILE", "What s7ppi dump has made");
+    addTexts(*load, "tags", own->tagFiles, "@FILE", "Tag files whose access, min and max are kept");
     addText(*load, "--to", own->target, "ADDRESS", "Write it from this address on, not where it came from");
     addFlag(*load, "--verify", own->verify, "Read everything back; exit with 8 when it is different");
     addFlag(*load, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
     addFlag(*load, "--restart", own->restart, "Begin anew, however far an earlier run came");
+    addConfirmOption(*load, own->confirm);
     addBlockOption(*load, own->plan);
-    setFooter(*load, kFooter);
+    setFooter(*load, kFooter,
+              {"s7ppi load --verify press.dump", "s7ppi load --format raw --to MB0 flags.bin",
+               "s7ppi load --dry-run press.dump", "s7ppi load --confirm press.dump @press-tags.csv"});
 }
 
 } // namespace host

@@ -5,12 +5,14 @@
 
 #include "host/cli/command_line.h"
 
+#include <string>
+
 namespace host {
 
 void addBlockOption(CLI::App &command, PlanOptions &options)
 {
     addNumber(command, "--block", options.block, 1, kFrameData,
-              "Read so many bytes in one request at most, as a panel may do");
+              "Read so many bytes in one request at most, as a panel may do", std::to_string(kFrameData));
 }
 
 void addPlanOptions(CLI::App &command, PlanOptions &options)

@@ -68,7 +68,8 @@ void declarePlugin(CLI::App &app, CommandLine &line)
     CLI::App *plugin = addCommand(app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
                                   [file](const Options &options) { return examine(options, *file); });
     addText(*plugin, "file", *file, "FILE", "The library, for this machine or another");
-    setFooter(*plugin, kFooter);
+    setFooter(*plugin, kFooter,
+              {"s7ppi plugin ./libs7_200_ppi.so", "s7ppi plugin --json build/arm/lib/libs7_200_ppi.so"});
 }
 
 } // namespace host

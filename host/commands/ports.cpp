@@ -97,7 +97,9 @@ void declarePorts(CLI::App &app, CommandLine &line)
     const auto names = std::make_shared<QStringList>();
     CLI::App *ports = addCommand(app, line, "ports", "List serial ports, their adapters and who uses them",
                                  [names](const Options &options) { return listPorts(options, *names); });
-    addTexts(*ports, "ports", *names, "PORT", "These instead of all");
+    addTexts(*ports, "ports", *names, "PORT", "These instead of all that have hardware behind them");
+    setFooter(*ports, "No port is opened. Programs of other users are seen by root only.",
+              {"s7ppi ports", "s7ppi ports /dev/ttyUSB0 --json"});
 }
 
 } // namespace host

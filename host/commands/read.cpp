@@ -7,6 +7,7 @@
 #include "host/cli/command_line.h"
 #include "host/commands/item_run.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/raw_addresses.h"
 #include "host/driver/connection.h"
 #include "host/driver/plan_reader.h"
 #include "host/items/tag.h"
@@ -29,11 +30,14 @@ const Schema kSchema = {
 
 const char kFooter[] = R"(
 
+FIRST..LAST, as VB0..VB15, stands for all from the first address to the last.
+
 @STATION asks another station than --station does: VB100@3 VW10:i16*4@3.
 
 @FILE stands for the items of a file with lines as in a spreadsheet, the first of which names
-the columns: name,address,type,scale,offset,unit,station,interval. What is shown is value *
-scale + offset; the interval is for watch. @FILE:NAME is one of them.
+the columns: name,address,type,scale,offset,unit,station,interval,access,min,max,deadband.
+What is shown is value * scale + offset; the interval is for watch, access, min and max are for
+write and load. @FILE:NAME is one of them.
 
 Neighbours are read together, with the gap between them, where that is quicker than asking
 twice; s7ppi check shows the requests. A request that the controller refuses is taken apart
@@ -68,7 +72,9 @@ private:
 
 int ReadCommand::run()
 {
-    return runItems(tags, output, [this](int index) { read(index); });
+    return runItems(
+        tags, [this](const Tag &tag) { return connection.origin(tag.item.station); }, output,
+        [this](int index) { read(index); });
 }
 
 void ReadCommand::read(int index)
@@ -80,14 +86,15 @@ void ReadCommand::read(int index)
         return;
     }
     const std::vector<Value> values = decodeValues(tag.item, data);
-    output.write(tagRecord(tag, values), lines.line(tag, values));
+    output.write(tagRecord(connection.origin(tag.item.station, reader.reading(index).time), tag, values),
+                 lines.text(tag, values));
 }
 
 // All texts must be right before the first item is read.
 int readItems(const Options &options, const ReadOptions &own)
 {
     Outcome outcome;
-    const std::vector<Tag> tags = parseTags(own.items, outcome);
+    const std::vector<Tag> tags = parseTags(own.items, outcome, notationOf(options));
     if (!outcome.isSuccess())
         return outcome.exitCode();
     return ReadCommand(options, tags, own.plan.limits()).run();
@@ -101,9 +108,11 @@ void declareRead(CLI::App &app, CommandLine &line)
     CLI::App *read = addCommand(app, line, "read", "Read items once, one line each",
                                 [own](const Options &options) { return readItems(options, *own); });
     addItems(*read, own->items,
-             "ADDRESS[:TYPE][*COUNT][@STATION], as VB100 VW10:i16*4 V10.3*8 VB20:str*16, or @FILE[:NAME]");
+             "ADDRESS[:TYPE][*COUNT][@STATION], as VB100 VB0..VB15 VW10:i16*4 V10.3*8, or @FILE[:NAME]");
     addPlanOptions(*read, own->plan);
-    setFooter(*read, QString(kTypesFooter) + kFooter);
+    setFooter(*read, QString(kTypesFooter) + kFooter + kRawFooter,
+              {"s7ppi read VB100 VW102:i16 T37", "s7ppi read V10.3*8 VB20:str*16 VD4:f32@3",
+               "s7ppi read --json @press-tags.csv"});
 }
 
 } // namespace host

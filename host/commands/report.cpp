@@ -20,11 +20,8 @@ namespace host {
 namespace {
 
 const char kFooter[] = R"(
-  s7ppi watch --count 600 -o press.csv VW100 T37
-  s7ppi report press.csv -o press.html
-
-One page with a trend of every value, answer times, and errors by their cause. It needs no
-script and no network, and goes to stdout without -o.)";
+One page with a curve of every value, answer times, and errors over time and by their cause.
+It needs no script and no network, and goes to stdout without -o.)";
 
 int report(const OutputOptions &options, const QString &fileName)
 {
@@ -46,7 +43,9 @@ void declareReport(CLI::App &app, CommandLine &line)
     CLI::App *command = addCommand(app, line, "report", "Make a page of what watch -o FILE.csv recorded",
                                    [file](const Options &options) { return report(options, *file); });
     addText(*command, "file", *file, "FILE", "The record, as watch writes it; - reads it from stdin");
-    setFooter(*command, kFooter);
+    setFooter(
+        *command, kFooter,
+        {"s7ppi report press.csv -o press.html", "cat press.*.csv press.csv | s7ppi report - -o all.html"});
 }
 
 } // namespace host

@@ -9,6 +9,7 @@
 #include "host/base/messages.h"
 #include "host/cli/command_line.h"
 #include "host/commands/progress_notes.h"
+#include "host/commands/raw_addresses.h"
 #include "host/driver/connection.h"
 #include "host/driver/request_form.h"
 #include "host/output/output.h"
@@ -22,8 +23,10 @@
 #include <QList>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace host {
 
@@ -39,19 +42,18 @@ const char kFooter[] = R"(
 Every station is asked for one byte, MB0; nothing is written. Unless --timeout and --retries
 say otherwise, it has 200 ms for the answer and is asked once. Without --baud the line keeps
 its rate; --baud all tries 9600, 19200 and 187500. Rates that the adapter cannot do are left
-out, and on a pseudo-terminal, which has no speed, all but the first.
+out, and on a pseudo-terminal, which has no speed, all but the first. A serial server keeps the
+rate that it is set to.
 
-What is found is printed at once. The exit code is 4 when no station answered.
-
-Options: s7ppi --help)";
+What is found is printed at once. The exit code is 4 when no station answered.)";
 
 const QString kAllStations = filled("%1..%2", kFirstStation, kLastStation);
 const char kAllBauds[] = "9600,19200,187500"; // what the controllers can be set to
 const NumberKind kStation = {"station", kFirstStation, kLastStation, true};
 const NumberKind kBaud = {"baud rate", 50, 4000000, false};
 
-// A station that does not answer in this time is taken as absent; milliseconds.
-constexpr int kTimeout = 200;
+// A station that does not answer in this time is taken as absent.
+constexpr std::chrono::milliseconds kTimeout(200);
 
 QList<int> baudsOf(const Options &options, const ScanOptions &own)
 {
@@ -76,6 +78,7 @@ struct Answer
     QString kind; // "data", "refused" or "broken"
     QString text;
     qint64 milliseconds;
+    std::optional<Cause> cause; // of what is no data
 
     bool isBroken() const { return kind == "broken"; }
 };
@@ -88,9 +91,10 @@ std::optional<Answer> answerOf(const Failure &failure, qint64 milliseconds)
     case ExitCode::NoAnswer:
         return std::nullopt;
     case ExitCode::Refused:
-        return Answer{"refused", "answers, but refuses: " + failure.text(), milliseconds};
+        return Answer{"refused", "answers, but refuses: " + failure.text(), milliseconds, failure.cause()};
     case ExitCode::BrokenAnswer:
-        return Answer{"broken", "something came that is no answer: " + failure.text(), milliseconds};
+        return Answer{"broken", "something came that is no answer: " + failure.text(), milliseconds,
+                      failure.cause()};
     default:
         throw Failure(failure);
     }
@@ -102,7 +106,8 @@ std::optional<Answer> ask(Connection &connection)
     time.start();
     try {
         connection.read(makeCommand(kBytes, "MB0", 1));
-        return Answer{"data", QString("answers within %1 ms").arg(time.elapsed()), time.elapsed()};
+        return Answer{"data", QString("answers within %1 ms").arg(time.elapsed()), time.elapsed(),
+                      std::nullopt};
     } catch (const Failure &failure) {
         return answerOf(failure, time.elapsed());
     }
@@ -120,13 +125,15 @@ private:
     std::unique_ptr<Connection> connect(int baud);
     void scanLine(Connection &connection, int baud);
     std::optional<Answer> askStation(Connection &connection, int station) const;
-    void tell(int baud, int station, const Answer &answer);
+    void tell(int baud, const Origin &origin, const Answer &answer);
+    bool canChangeRate(const Connection &connection) const;
     void tellOnlyRate(int baud);
     void reportRefusal() const;
 
     const Options &options;
     QList<int> stations;
     QList<int> bauds;
+    bool isRateNamed;
     Output output;
     AdapterProbe probe;
     std::optional<Failure> refusal; // of the first rate that the port does not take
@@ -137,7 +144,7 @@ private:
 
 ScanCommand::ScanCommand(const Options &options_, const ScanOptions &own)
     : options(options_), stations(parseNumbers(own.stations.value_or(kAllStations), kStation)),
-      bauds(baudsOf(options_, own)),
+      bauds(baudsOf(options_, own)), isRateNamed(own.bauds),
       output(options_,
              withSource({"scan", 1, "stations", {"baud", "station", "answer", "milliseconds", "text"}},
                         options_)),
@@ -155,7 +162,7 @@ bool ScanCommand::run()
         if (!connection)
             continue;
         scanLine(*connection, baud);
-        if (isPseudoTerminal(connection->portName())) {
+        if (!canChangeRate(*connection)) {
             tellOnlyRate(baud);
             break;
         }
@@ -183,9 +190,16 @@ std::unique_ptr<Connection> ScanCommand::connect(int baud)
     }
 }
 
+bool ScanCommand::canChangeRate(const Connection &connection) const
+{
+    return !options.isNetwork() && !isPseudoTerminal(connection.portName());
+}
+
 void ScanCommand::tellOnlyRate(int baud)
 {
-    if (bauds.size() > 1)
+    if (options.isNetwork() && isRateNamed)
+        progress.note("the serial server runs its line as it is set itself: --baud does not reach it");
+    else if (!options.isNetwork() && bauds.size() > 1)
         progress.note(
             QString("only %1 baud was tried: the port is a pseudo-terminal, which has no speed").arg(baud));
 }
@@ -207,11 +221,12 @@ void ScanCommand::scanLine(Connection &connection, int baud)
         for (const int station : stations) {
             current = station;
             if (const std::optional<Answer> answer = askStation(connection, station))
-                tell(baud, station, *answer);
+                tell(baud, connection.origin(station), *answer);
             progress.advance(1);
         }
     } catch (const Interrupted &) {
-        progress.note(filled("stopped at station %1, %2 baud", current, baud));
+        progress.note(options.isNetwork() ? filled("stopped at station %1", current)
+                                          : filled("stopped at station %1, %2 baud", current, baud));
         throw;
     } catch (const Failure &failure) {
         if (failure.code() == ExitCode::PortLost)
@@ -232,22 +247,26 @@ std::optional<Answer> ScanCommand::askStation(Connection &connection, int statio
     return answer;
 }
 
-void ScanCommand::tell(int baud, int station, const Answer &answer)
+void ScanCommand::tell(int baud, const Origin &origin, const Answer &answer)
 {
     hasFound = hasFound || !answer.isBroken();
     progress.clear();
-    output.write(
-        {{"baud", baud},
-         {"station", station},
-         {"answer", jsonText(answer.kind)},
-         {"milliseconds", answer.milliseconds},
-         {"text", jsonText(answer.text)}},
-        filled("station %1 at %2 baud%3: ", station, baud, options.isSimulated() ? " (simulated)" : "") +
-            answer.text);
+    Json record = originFields(origin);
+    record["baud"] = options.isNetwork() ? Json() : Json(baud);
+    record["answer"] = jsonText(answer.kind);
+    record["milliseconds"] = answer.milliseconds;
+    record["text"] = jsonText(answer.text);
+    if (answer.cause)
+        record["cause"] = jsonText(causeWord(*answer.cause));
+    const QString rate = options.isNetwork() ? QString() : filled(" at %1 baud", baud);
+    output.write(record, filled("station %1%2%3: ", origin.station, rate,
+                                options.isSimulated() ? " (simulated)" : "") +
+                             answer.text);
 }
 
 int scan(const Options &options, const ScanOptions &own)
 {
+    refuseRawAddresses(options, "scan");
     if (!ScanCommand(options, own).run())
         throw Failure(ExitCode::NoAnswer, "no station answered",
                       "check cable, power and parity; a slow controller needs a longer --timeout, and other "
@@ -262,10 +281,11 @@ void declareScan(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<ScanOptions>();
     CLI::App *command = addCommand(app, line, "scan", "Find the stations on a line",
                                    [own](const Options &options) { return scan(options, *own); });
-    addText(*command, "--stations,--station", own->stations, "LIST",
-            "Which, as 2 or 2,5..9, else " + kAllStations.toStdString());
-    addText(*command, "--baud", own->bauds, "LIST", "At which rates, as 9600,19200 or all");
-    setFooter(*command, kFooter);
+    addText(*command, "-s,--stations,--station", own->stations, "LIST",
+            "Which, as 2 or 2,5..9 (default " + kAllStations.toStdString() + ')');
+    addText(*command, "-b,--baud", own->bauds, "LIST",
+            std::string("At which rates, as 9600,19200 or all (default ") + kOfPlugin + ')');
+    setFooter(*command, kFooter, {"s7ppi scan -p /dev/ttyUSB0", "s7ppi scan --stations 2,5..9 --baud all"});
 }
 
 } // namespace host

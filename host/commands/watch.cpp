@@ -3,11 +3,13 @@
 
 #include "host/commands/commands.h"
 
+#include "common/duration.h"
 #include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
 #include "host/cli/command_line.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/raw_addresses.h"
 #include "host/driver/connection.h"
 #include "host/items/tag_file.h"
 #include "host/polling/poll_plan.h"
@@ -35,22 +37,23 @@ namespace {
 struct WatchOptions
 {
     QStringList items;
-    std::optional<int> interval;   // milliseconds from the start of one poll to that of the next
-    std::optional<int> polls;      // how many; without polls and seconds until interrupted
-    std::optional<int> seconds;    // that the watching lasts
-    bool all = false;              // plain lines for every poll, not only for changes
-    bool plot = false;             // curves instead of the table
-    std::optional<QString> select; // which of the items the curves show
-    std::optional<int> span;       // minutes that they show
-    std::optional<QString> rotate; // when the file of -o moves out of the way
-    std::optional<int> keep;       // how many files that did so stay
+    std::optional<std::chrono::milliseconds> interval; // from the start of one poll to that of the next
+    std::optional<int> polls;                          // how many; without polls and time until interrupted
+    std::optional<std::chrono::milliseconds> time;     // that the watching lasts
+    bool all = false;                                  // plain lines for every poll, not only for changes
+    bool plot = false;                                 // curves instead of the table
+    std::optional<QString> select;                     // which of the items the curves show
+    std::optional<std::chrono::milliseconds> span;     // that they show
+    std::optional<QString> rotate;                     // when the file of -o moves out of the way
+    std::optional<int> keep;                           // how many files that did so stay
     PlanOptions plan;
 };
 
 const char kFooter[] = R"(
 
-On a terminal: a table in place. CHANGED is * when the last answer brought another value,
-otherwise the time since then. Values in parentheses are old: the last poll failed.
+On a terminal: a table in place, whose last state stays. CHANGED tells when an answer brought
+another value. Values in parentheses are old: the last poll failed. ~ marks a number that a
+narrow screen has fewer digits of; it has fewer columns, too.
 Elsewhere, or with --verbose: lines TIME ADDRESS VALUES, for the first values, for every
 change and after errors; the errors on stderr. With -o FILE both: the table on the terminal,
 the data in the file, as its name ends: .csv .tsv .json .ndjson.
@@ -60,33 +63,26 @@ that is no such recording is refused. Only .json is one whole: it appears at the
 place of an earlier one. --rotate 10M or day moves FILE.csv to FILE.1.csv, the next time to
 FILE.2.csv; the greatest number is the newest. --keep N removes all but the newest N.
 
-With --plot: the values of the last minutes as curves. Numbers and bits can be drawn.
+With --plot: the values of the last minutes, or since the beginning, as curves. Numbers and
+bits can be drawn.
 
 Ctrl-C ends it with a summary on stderr: polls, requests and values per second, answer times
 (from the request to its data, repetitions included: p90 is the time within which 90 % were
-there), attempts, errors, and polls that took longer than the interval. The exit code after --count polls or --for seconds, whichever comes first, is that of the first
-error. A poll that is under way when the time is over goes on to its end.)";
+there), attempts, errors, and polls that took longer than the interval. The exit code after
+--count polls or the time of --for, whichever comes first, is that of the first error. A poll
+that is under way when the time is over goes on to its end.)";
 
 using Clock = std::chrono::steady_clock;
 
 // Milliseconds; pauses are cut into slices so that signals and new terminal sizes are seen soon.
 constexpr qint64 kSlice = 50;
-constexpr int kDefaultSpan = 5; // minutes
+constexpr std::chrono::minutes kDefaultSpan(5);
 
 using Views = std::vector<View *>;
 
-int intervalOf(const WatchOptions &options)
+std::chrono::milliseconds intervalOf(const WatchOptions &options)
 {
-    return options.interval.value_or(kUsualInterval);
-}
-
-std::vector<std::chrono::milliseconds> intervalsOf(const std::vector<Tag> &tags, const WatchOptions &options)
-{
-    std::vector<std::chrono::milliseconds> intervals;
-    intervals.reserve(tags.size());
-    for (const Tag &tag : tags)
-        intervals.emplace_back(tag.interval.value_or(intervalOf(options)));
-    return intervals;
+    return options.interval.value_or(std::chrono::milliseconds(kUsualInterval));
 }
 
 class WatchCommand
@@ -105,6 +101,7 @@ private:
     void take(int index, const ItemReading &reading);
     void noteFailure(WatchedItem &item, const Failure &failure);
     void tell(const QString &text);
+    void idle();
     void takeFigures();
     void pauseUntil(const QDeadlineTimer &end);
 
@@ -120,8 +117,10 @@ private:
 WatchCommand::WatchCommand(Connection &connection_, Watch &watch_, const std::vector<Tag> &tags,
                            const Views &views_, const WatchOptions &options_)
     : connection(connection_), watch(watch_), views(views_), options(options_),
-      redirect(connection, [this](const QString &text) { tell(text); }),
-      poller(connection, itemsOf(tags), intervalsOf(tags, options), options.plan.limits(), events())
+      redirect(
+          connection, [this](const QString &text) { tell(text); }, [this] { idle(); }),
+      poller(connection, itemsOf(tags), intervalsOf(tags, intervalOf(options)), options.plan.limits(),
+             events())
 {
 }
 
@@ -141,6 +140,12 @@ void WatchCommand::tell(const QString &text)
         view->tell(watch, text);
 }
 
+void WatchCommand::idle()
+{
+    for (View *view : views)
+        view->idle(watch);
+}
+
 void WatchCommand::take(int index, const ItemReading &reading)
 {
     WatchedItem &item = watch.items[size_t(index)];
@@ -155,7 +160,7 @@ void WatchCommand::take(int index, const ItemReading &reading)
         return;
     }
     watch.values += qint64(values.values.size());
-    const WatchNews news = item.answered(shownText(item.tag, values.values), Clock::now());
+    const WatchNews news = item.answered(shownTexts(item.tag, values.values), Clock::now());
     for (View *view : views)
         view->answered(watch, item, values, news);
 }
@@ -182,8 +187,7 @@ void WatchCommand::pauseUntil(const QDeadlineTimer &end)
 {
     while (!end.hasExpired()) {
         connection.idle(int(std::min(end.remainingTime(), kSlice)));
-        for (View *view : views)
-            view->idle(watch);
+        idle();
     }
 }
 
@@ -222,11 +226,12 @@ std::unique_ptr<View> terminalView(const OutputOptions &options, const WatchOpti
 {
     if (!showsTable(options))
         return std::make_unique<NotesView>(own.all);
-    const QString title = filled("%1 %2, Ctrl-C ends", connection.marked(connection.portName()),
-                                 rhythmText(intervalsOf(tags, own)));
+    const QString title =
+        connection.marked(connection.portName()) + ' ' + rhythmText(intervalsOf(tags, intervalOf(own)));
     if (plotted.empty())
         return std::make_unique<TableView>(title);
-    return std::make_unique<PlotView>(title, plotted, 60.0 * own.span.value_or(kDefaultSpan));
+    return std::make_unique<PlotView>(title, plotted,
+                                      std::chrono::duration<double>(own.span.value_or(kDefaultSpan)).count());
 }
 
 // Rotation makes no sense without a file; what then is wrong the recorder tells.
@@ -242,9 +247,7 @@ Rotation rotationOf(const WatchOptions &own)
 // When --for ends the watching, from now on.
 QDeadlineTimer endOf(const WatchOptions &options)
 {
-    if (!options.seconds)
-        return QDeadlineTimer(QDeadlineTimer::Forever);
-    return QDeadlineTimer(std::chrono::seconds(*options.seconds));
+    return options.time ? QDeadlineTimer(*options.time) : QDeadlineTimer(QDeadlineTimer::Forever);
 }
 
 // A request that is under way when the time is over is not cut.
@@ -255,6 +258,7 @@ void WatchCommand::run()
         QDeadlineTimer next;
         const PollTime due = poller.step();
         takeFigures();
+        idle();
         if (options.polls && poller.rounds() >= *options.polls)
             return;
         const std::chrono::nanoseconds wait = due - Clock::now();
@@ -270,7 +274,7 @@ struct End
     std::optional<Failure> loss; // of the port or of the output
 };
 
-// Polls until there is nothing more to poll, or a signal arrives. The terminal is as before when this
+// Polls until there is nothing more to poll, or a signal arrives. The terminal has been given back when this
 // returns.
 End watchItems(Connection &connection, Watch &watch, const std::vector<Tag> &tags,
                std::unique_ptr<View> people, Recorder *record, const WatchOptions &own)
@@ -279,13 +283,15 @@ End watchItems(Connection &connection, Watch &watch, const std::vector<Tag> &tag
     if (record)
         views.push_back(record);
     WatchCommand command(connection, watch, tags, views, own);
+    std::optional<Failure> loss;
     try {
         command.run();
     } catch (const Interrupted &) { // the usual end
     } catch (const Failure &failure) {
-        return {failure.code(), failure};
+        loss = failure;
     }
-    return {command.firstFailure(), std::nullopt};
+    people->leave(watch);
+    return {loss ? loss->code() : command.firstFailure(), loss};
 }
 
 // Shows a table in place on a terminal, unless verbose, and plain lines otherwise; at the end a summary on
@@ -295,7 +301,7 @@ int watchAll(Options options, const WatchOptions &own)
     if (own.plot)
         options.usualFormat.reset(); // the curves are what was asked for
     Outcome outcome;
-    const std::vector<Tag> tags = parseTags(own.items, outcome);
+    const std::vector<Tag> tags = parseTags(own.items, outcome, notationOf(options));
     if (!outcome.isSuccess())
         return outcome.exitCode();
 
@@ -303,10 +309,12 @@ int watchAll(Options options, const WatchOptions &own)
     const Rotation rotation = rotationOf(own);
     std::optional<Recorder> record;
     if (options.output || own.rotate || !showsTable(options))
-        record.emplace(options, tags, own.all, rotation);
+        record.emplace(options, own.all, rotation);
     Connection connection(options);
     Watch watch(tags);
     watch.isSimulated = connection.isSimulated();
+    watch.port = connection.portLabel();
+    watch.station = connection.stationId();
     const Clock::time_point start = Clock::now();
     const End end = watchItems(connection, watch, tags, terminalView(options, own, tags, plotted, connection),
                                record ? &*record : nullptr, own);
@@ -329,16 +337,23 @@ void declareWatch(CLI::App &app, CommandLine &line)
     const auto own = std::make_shared<WatchOptions>();
     CLI::App *watch = addCommand(app, line, "watch", "Read items again and again",
                                  [own](const Options &options) { return watchAll(options, *own); });
+    using std::chrono::milliseconds;
     addItems(*watch, own->items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
-    addNumber(*watch, "--interval", own->interval, 1, 3600000, "From poll to poll, in ms, else 500");
+    addDuration(*watch, "--interval", own->interval,
+                {milliseconds(1), std::chrono::hours(1), milliseconds(1)}, "From poll to poll",
+                common::durationText(milliseconds(kUsualInterval)));
     addNumber(*watch, "--count", own->polls, 1, 1000000000, "End after so many polls");
-    addNumber(*watch, "--for", own->seconds, 1, 31536000, "End after so many seconds");
+    addDuration(*watch, "--for", own->time,
+                {milliseconds(1), std::chrono::hours(365 * 24), std::chrono::seconds(1)},
+                "End after this time");
     addFlag(*watch, "--all", own->all, "A line for every poll, not only for changes");
     CLI::Option *plot = addFlag(*watch, "--plot", own->plot, "Curves of the last minutes, on a terminal");
     CLI::Option *select = addText(*watch, "--select", own->select, "ITEMS",
                                   "Draw these only: names or addresses, commas between");
     CLI::Option *span =
-        addNumber(*watch, "--span", own->span, 1, 1440, "How many minutes the curves show, else 5");
+        addDuration(*watch, "--span", own->span,
+                    {std::chrono::seconds(1), std::chrono::hours(24), std::chrono::minutes(1)},
+                    "How much time the curves show", common::durationText(kDefaultSpan));
     CLI::Option *rotate = addText(*watch, "--rotate", own->rotate, "SIZE|day",
                                   "Begin a new file when this one is full: 10M, 500k, or day");
     CLI::Option *keep =
@@ -347,7 +362,9 @@ void declareWatch(CLI::App &app, CommandLine &line)
     tie(*select, *plot);
     tie(*span, *plot);
     addPlanOptions(*watch, own->plan);
-    setFooter(*watch, QString(kTypesFooter) + kFooter);
+    setFooter(*watch, QString(kTypesFooter) + kFooter + kRawFooter,
+              {"s7ppi watch --interval 200ms VW100 T37", "s7ppi watch --for 1h -o press.csv @press-tags.csv",
+               "s7ppi watch --plot --span 10min VW100 V100.4"});
 }
 
 } // namespace host

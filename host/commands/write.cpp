@@ -6,10 +6,13 @@
 #include "host/base/filled.h"
 #include "host/base/interruption.h"
 #include "host/base/outcome.h"
+#include "host/base/question.h"
 #include "host/cli/command_line.h"
 #include "host/commands/dry_run_output.h"
 #include "host/commands/item_run.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/raw_addresses.h"
+#include "host/commands/write_conditions.h"
 #include "host/driver/connection.h"
 #include "host/driver/dry_run.h"
 #include "host/driver/plan_reader.h"
@@ -17,6 +20,7 @@
 #include "host/items/assignment.h"
 #include "host/items/read_back.h"
 #include "host/items/tag.h"
+#include "host/items/tag_file.h"
 #include "host/output/output.h"
 
 #include <QByteArray>
@@ -35,9 +39,19 @@ namespace {
 struct WriteOptions
 {
     QStringList items;
-    bool verify = false; // read back what was written, print it, and fail when it is something else
-    bool dryRun = false; // print the frames on stdout and send nothing
-    PlanOptions plan;    // of what is read back
+    QStringList expected; // values that must be there before anything is written
+    bool verify = false;  // read back what was written, print it, and fail when it is something else
+    bool dryRun = false;  // print the frames on stdout and send nothing
+    bool confirm = false; // show what changes, and ask
+    PlanOptions plan;     // of what is read
+};
+
+// What the command line means.
+struct WriteWork
+{
+    std::vector<Assignment> assignments;
+    std::vector<Assignment> expected;
+    std::vector<Tag> tags; // of all files that it names
 };
 
 // The form of the data: what was written, or with --verify what was read back.
@@ -47,32 +61,45 @@ const char kFooter[] = R"(
 
 Values
   bool             0 1 off on false true
-  u8 ... i32 bcd   10  -10  0x0a  0b1010
-  f32              1.5  -2e3  inf  nan; two whole numbers as 1.0,5.0: 1,5 may be one
-  hex              digits: the bytes as they lie in the controller
-  str              one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
+  u8 ... i64 bcd   10  -10  0x0a  0b1010
+  f32 f64          1.5  -2e3  inf  nan; two whole numbers as 1.0,5.0: 1,5 may be one
+  hex              0x1a2b or 1a2b: the bytes as they lie in the controller
+  str string       one text, quoted or not; \" is a quote, \\ a backslash, \xNN any byte
+
+A string has the room that stands behind *, as VB100:string*20=Hello: its length byte and the
+text are written, and nothing behind them. "" is a string without a character.
+
+A range has as many values as it names, as VB0..VB3=1,2,3,4.
 
 VB100@3=17 writes to station 3, not to that of --station.
 
 @FILE:NAME is a tag in a file, as for read; its value is written as it is shown: scaled.
 
+What the columns access, min and max of the file say is kept: nothing at all is written when an
+item reaches into a tag that is ro, or sets one outside its limits. A plain address is held to
+the tag files that the command line names, and to no other.
+
 All items are checked before anything is sent, and when the driver refuses one nothing is.
 Nothing is printed unless --verify or --dry-run is given. Long items go in several requests:
 one that fails tells how much had been written. Values that do not fill whole elements of the
 address, as VW10:u8=1, are written as bytes: no byte changes that was not named. --verify
-reads back when all items are written, or before one is written again.)";
+reads back when all items are written, or before one is written again.
+
+--expect reads first; unless every value is there to the last bit nothing is written. The
+controller's program may still change it between that reading and the writing: the protocol
+has nothing that would close this gap.
+--confirm reads the old values, shows what changes on stderr, and writes only when y is typed;
+any other answer ends with 9. It needs a terminal.)";
 
 QString progress(const Item &item, int written)
 {
-    return filled("%1 of %2 values had been written", written, item.count);
+    return filled("%1 of %2 values had been written", written, item.size() / item.valueSize());
 }
 
 Failure partFailure(const Failure &failure, const Item &item, const WriteRequest &part, int written)
 {
-    return Failure(failure.code(),
-                   QString("%1; this is the part from %2 on, %3 before it")
-                       .arg(failure.text(), part.command.address, progress(item, written)),
-                   failure.hint());
+    return failure.withText(QString("%1; this is the part from %2 on, %3 before it")
+                                .arg(failure.text(), part.command.address, progress(item, written)));
 }
 
 // Writes one item. When that takes several requests, whatever ends them early tells how far they got.
@@ -92,7 +119,7 @@ void writeItem(const Assignment &assignment, Connection &connection)
         } catch (const Failure &failure) {
             throw hasParts ? partFailure(failure, item, request, written) : failure;
         }
-        written += request.command.count;
+        written += int(request.data.size()) / item.valueSize();
     }
 }
 
@@ -120,11 +147,11 @@ size_t batchEnd(const std::vector<Item> &items, size_t first)
 class WriteCommand
 {
 public:
-    WriteCommand(const Options &options_, const std::vector<Assignment> &assignments_,
-                 const WriteOptions &own_)
-        : options(options_), own(own_), assignments(assignments_), tags(tagsOf(assignments)),
-          items(itemsOf(tags)), output(options, withSource(withStation(kSchema, hasStations(tags)), options)),
-          lines(tags), connection(options)
+    WriteCommand(const Options &options_, const WriteWork &work, const WriteOptions &own_)
+        : options(options_), own(own_), assignments(work.assignments), expected(work.expected),
+          tags(tagsOf(assignments)), items(itemsOf(tags)),
+          output(options, withSource(withStation(kSchema, hasStations(tags)), options)), lines(tags),
+          connection(options)
     {
     }
 
@@ -140,6 +167,8 @@ private:
         std::unique_ptr<PlanReader> reader;
     };
 
+    ExitCode checkConditions();
+    ExitCode confirm();
     void write(int index);
     void writeBatch(int first);
     void writeAndNote(const Assignment &assignment);
@@ -149,6 +178,7 @@ private:
     const Options &options;
     const WriteOptions &own;
     const std::vector<Assignment> &assignments;
+    const std::vector<Assignment> &expected;
     std::vector<Tag> tags;
     std::vector<Item> items;
     Output output;
@@ -159,7 +189,43 @@ private:
 
 int WriteCommand::run()
 {
-    return runItems(tags, output, [this](int index) { write(index); });
+    const ExitCode hindrance = checkConditions();
+    if (hindrance != ExitCode::Success)
+        return int(hindrance);
+    return runItems(
+        tags, [this](const Tag &tag) { return connection.origin(tag.item.station); }, output,
+        [this](int index) { write(index); });
+}
+
+// What is expected is read before the question and again behind it, when the user may have taken a long time.
+ExitCode WriteCommand::checkConditions()
+{
+    Outcome outcome;
+    const auto check = [&] {
+        if (outcome.isSuccess() && !expected.empty())
+            checkExpected(expected, connection, own.plan.limits(), outcome);
+    };
+    check();
+    if (outcome.isSuccess() && own.confirm) {
+        outcome.keep(confirm());
+        check();
+    }
+    if (!outcome.isSuccess())
+        reportNothingWritten();
+    return outcome.code();
+}
+
+ExitCode WriteCommand::confirm()
+{
+    Outcome outcome;
+    const ChangeTable changes = readChanges(assignments, connection, own.plan.limits(), outcome);
+    if (!outcome.isSuccess())
+        return outcome.code();
+    QString place = connection.marked(connection.portLabel());
+    if (!hasStations(tags))
+        place = filled("%1, station %2", place, connection.stationId());
+    const bool isYes = isWriteConfirmed(place, changes, "values");
+    return isYes ? ExitCode::Success : ExitCode::Declined;
 }
 
 void WriteCommand::write(int index)
@@ -167,7 +233,9 @@ void WriteCommand::write(int index)
     const Assignment &assignment = assignments[size_t(index)];
     if (!own.verify) {
         writeAndNote(assignment);
-        output.writeUnlessText(tagRecord(assignment.tag, decodeValues(assignment.tag.item, assignment.data)));
+        const Item &item = assignment.tag.item;
+        output.writeUnlessText(
+            tagRecord(connection.origin(item.station), assignment.tag, decodeValues(item, assignment.data)));
         return;
     }
     if (index == batch.end)
@@ -181,7 +249,7 @@ void WriteCommand::writeAndNote(const Assignment &assignment)
     writeItem(assignment, connection);
     const Item &item = assignment.tag.item;
     if (options.verbose)
-        reportNote(assignment.tag.label() + ": " + progress(item, item.count));
+        reportNote(assignment.tag.label() + ": " + progress(item, item.size() / item.valueSize()));
 }
 
 // When the port is lost nothing more is written.
@@ -216,7 +284,7 @@ void WriteCommand::tellUnread()
     const QString text =
         filled("%1 of %2 items were written and not read back: %3", written, items.size(), loss.text());
     std::replace_if(batch.failures.begin(), batch.failures.end(), isWritten,
-                    std::optional<Failure>(Failure(loss.code(), text, loss.hint())));
+                    std::optional<Failure>(loss.withText(text)));
 }
 
 void WriteCommand::readBack(int index)
@@ -229,36 +297,54 @@ void WriteCommand::readBack(int index)
     const QByteArray data = batch.reader->read(place);
     checkReadBack(assignment, data);
     const std::vector<Value> values = decodeValues(tag.item, data);
-    output.write(tagRecord(tag, values), lines.line(tag, values));
+    output.write(
+        tagRecord(connection.origin(tag.item.station, batch.reader->reading(place).time), tag, values),
+        lines.text(tag, values));
 }
 
-// Reports the items that the driver refuses without sending anything. The first request of a long item is
-// enough: the others differ in number and count.
-void checkWritable(const std::vector<Assignment> &assignments, const Options &options, Outcome &outcome)
+// Reports the items that a tag file does not let be written, and those that the driver refuses without
+// sending anything. The first request of a long item is enough: the others differ in number and count.
+void checkWork(const WriteWork &work, const Options &options, Outcome &outcome)
 {
     const DryRun frames(options);
-    for (const Assignment &assignment : assignments) {
+    checkTags(work.assignments, work.tags, frames.usualStation(), outcome);
+    for (const Assignment &assignment : work.assignments) {
         const Item &item = assignment.tag.item;
         outcome.attempt(assignment.tag.label(),
                         [&] { frames.ofWrite(planWrite(item, assignment.data).first(), item.station); });
     }
 }
 
-// Prints what would be sent to read back the items from the first to the one before the end.
-void dryRunReadBack(const std::vector<Item> &items, size_t first, size_t end, const DryRunOutput &dryRun,
-                    const PlanLimits &limits)
+// Prints what would be sent to read some items.
+void dryRunReads(const std::vector<Item> &items, const DryRunOutput &dryRun, const PlanLimits &limits)
 {
-    const std::vector<Item> batch(items.cbegin() + ptrdiff_t(first), items.cbegin() + ptrdiff_t(end));
-    for (const PlannedRequest &request : planReads(batch, requestCost(dryRun.line()), limits).requests)
+    for (const PlannedRequest &request : planReads(items, requestCost(dryRun.line()), limits).requests)
         dryRun.read(request);
 }
 
-int dryRunAll(const std::vector<Assignment> &assignments, const Options &options, const WriteOptions &own)
+// Prints what would be sent before anything is written.
+void dryRunConditions(const WriteWork &work, const DryRunOutput &dryRun, const WriteOptions &own)
 {
+    const PlanLimits limits = own.plan.limits();
+    const std::vector<Item> expected = itemsOf(tagsOf(work.expected));
+    dryRunReads(expected, dryRun, limits);
+    if (own.confirm) {
+        dryRunReads(itemsOf(tagsOf(work.assignments)), dryRun, limits);
+        dryRunReads(expected, dryRun, limits);
+    }
+}
+
+int dryRunAll(const WriteWork &work, const Options &options, const WriteOptions &own)
+{
+    const std::vector<Assignment> &assignments = work.assignments;
     Output output(options, kFramesSchema);
     const DryRunOutput dryRun(options, output);
     const std::vector<Item> items = itemsOf(tagsOf(assignments));
     Outcome outcome;
+    checkTags(assignments, work.tags, dryRun.usualStation(), outcome);
+    if (!outcome.isSuccess())
+        return outcome.exitCode();
+    dryRunConditions(work, dryRun, own);
     for (size_t first = 0, end = 0; first < items.size(); first = end) {
         end = own.verify ? batchEnd(items, first) : first + 1;
         for (size_t i = first; i < end; ++i) {
@@ -271,7 +357,8 @@ int dryRunAll(const std::vector<Assignment> &assignments, const Options &options
                 return outcome.exitCode();
         }
         if (own.verify)
-            dryRunReadBack(items, first, end, dryRun, own.plan.limits());
+            dryRunReads({items.cbegin() + ptrdiff_t(first), items.cbegin() + ptrdiff_t(end)}, dryRun,
+                        own.plan.limits());
     }
     output.finish();
     return outcome.exitCode();
@@ -281,13 +368,19 @@ int dryRunAll(const std::vector<Assignment> &assignments, const Options &options
 int writeItems(const Options &options, const WriteOptions &own)
 {
     Outcome outcome;
-    const std::vector<Assignment> assignments = parseAssignments(own.items, outcome);
+    TagFiles files(notationOf(options));
+    WriteWork work;
+    work.assignments = parseAssignments(own.items, outcome, files);
+    work.expected = parseAssignments(own.expected, outcome, files);
+    work.tags = files.tags();
     if (!outcome.isSuccess())
         return outcome.exitCode();
     if (own.dryRun)
-        return dryRunAll(assignments, options, own);
-    checkWritable(assignments, options, outcome);
-    return outcome.isSuccess() ? WriteCommand(options, assignments, own).run() : outcome.exitCode();
+        return dryRunAll(work, options, own);
+    if (own.confirm)
+        checkTerminal();
+    checkWork(work, options, outcome);
+    return outcome.isSuccess() ? WriteCommand(options, work, own).run() : outcome.exitCode();
 }
 
 } // namespace
@@ -302,8 +395,15 @@ void declareWrite(CLI::App &app, CommandLine &line)
              "@FILE:NAME=VALUE");
     addFlag(*write, "--verify", own->verify, "Read back and print; exit with 8 when it is different");
     addFlag(*write, "--dry-run", own->dryRun, "Print the frames that would be sent, and send nothing");
+    addTexts(*write, "--expect", own->expected, "ADDRESS=VALUE",
+             "Write only if this is there now; exit with 8 when it is not; can be repeated");
+    addConfirmOption(*write, own->confirm);
     addPlanOptions(*write, own->plan);
-    setFooter(*write, QString(kTypesFooter) + kFooter);
+    setFooter(*write, QString(kTypesFooter) + kFooter + kRawFooter,
+              {"s7ppi write VB100=17 VW10:i16=-1,0x7f V10.3=on",
+               "s7ppi write --verify VD20:f32=21.5 VB100@3=17",
+               "s7ppi write --dry-run @press-tags.csv:Boiler=21.5",
+               "s7ppi write --confirm --expect V10.3=off @press-tags.csv:Boiler=21.5"});
 }
 
 } // namespace host

@@ -25,6 +25,14 @@ QString timesText(QList<qint64> times)
                   times.last());
 }
 
+// A time of which a user sees that it is an estimate: the next hundred milliseconds, above a second the next
+// half one.
+qint64 roundedUp(qint64 milliseconds)
+{
+    const qint64 step = milliseconds <= 1000 ? 100 : 500;
+    return (milliseconds + step - 1) / step * step;
+}
+
 } // namespace
 
 QString verdictName(Verdict verdict)
@@ -52,7 +60,7 @@ Finding findingWith(const QString &check, const QString &text, const QString &ad
 
 Finding failedFinding(const QString &check, const Failure &failure)
 {
-    return {check, Verdict::Failed, failure.text(), failure.hint(), failure.code()};
+    return {check, Verdict::Failed, failure.text(), failure.hint(), failure.code(), failure.cause()};
 }
 
 Finding judgeAnswers(const ReadTrial &trial)
@@ -63,8 +71,7 @@ Finding judgeAnswers(const ReadTrial &trial)
     const QString text = filled("%1 of %2 reads: ", good, trial.reads) + timesText(trial.answerTimes);
     if (!trial.failure)
         return goodFinding("answers", text);
-    return failedFinding("answers", Failure(trial.failure->code(), text + "; " + trial.failure->text(),
-                                            trial.failure->hint()));
+    return failedFinding("answers", trial.failure->withText(text + "; " + trial.failure->text()));
 }
 
 Finding judgeRetries(const ReadTrial &trial)
@@ -81,9 +88,10 @@ Finding judgeTimeout(const ReadTrial &trial, int timeout)
     const QString waits = QString(", and answers began and ended within %1 ms").arg(trial.longestWait);
     const QString text = QString("%1 ms").arg(timeout) + (trial.longestWait > 0 ? waits : QString());
     const bool isTight = 2 * trial.longestWait > timeout;
-    return findingWith("time-out", text,
-                       isTight ? QString("that is close: choose --timeout %1").arg(4 * trial.longestWait)
-                               : QString());
+    return findingWith(
+        "time-out", text,
+        isTight ? QString("that is close: choose --timeout %1").arg(roundedUp(4 * trial.longestWait))
+                : QString());
 }
 
 Finding judgeEcho(bool heard, bool hasEcho, bool isTakenOut)

@@ -24,8 +24,9 @@ struct Finding
     QString check;
     Verdict verdict;
     QString text;
-    QString advice;                    // empty when all is well
-    ExitCode code = ExitCode::Success; // what a failed check lets the program exit with
+    QString advice;                            // empty when all is well
+    ExitCode code = ExitCode::Success;         // what a failed check lets the program exit with
+    std::optional<Cause> cause = std::nullopt; // of a failed check
 };
 
 // "ok", "warning" or "failed"

@@ -15,6 +15,13 @@ namespace host {
 // The failure behind a driver's error text. Texts that are not known count as a broken answer.
 Failure driverFailure(const QString &errorText);
 
+// The failure behind the error text of any other driver, whose words mean nothing here. Whether anything came
+// is all that is known of the answer.
+Failure otherDriverFailure(const QString &errorText, bool hasHeard);
+
+// The failure of a request that the driver refused before it sent anything: the line has no part in it.
+Failure unsentFailure(const QString &errorText);
+
 // Whether a failure tells how the controller is for the moment. The same request may be answered later.
 bool isPassing(const Failure &failure);
 

@@ -11,7 +11,8 @@ namespace host {
 
 DryRun::DryRun(const Options &options)
     : plugin(findPlugin(options)), station(options.station.value_or(plugin.driverDefaults()->stationid)),
-      lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options))
+      lineInUse(withOptions(lineSettings(*plugin.serialDefaults()), options)),
+      isRaw(options.rawAddress || plugin.isOtherDriver())
 {
 }
 
@@ -30,10 +31,21 @@ QList<QByteArray> DryRun::framesOf(const std::function<void(DryRunPort *)> &requ
                                    std::optional<int> otherStation) const
 {
     QList<QByteArray> frames;
-    DryRunPort port(otherStation.value_or(station), [&frames](const QByteArray &frame) { frames += frame; });
+    DryRunPort port(
+        otherStation.value_or(station), [&frames](const QByteArray &frame) { frames += frame; }, !isRaw);
     const PauseSkip noPauses;
     request(&port);
-    return port.hasSent() ? frames : throw driverFailure(plugin.driver().getLastError());
+    return port.hasSent() ? frames : throw unsentFailure(plugin.driver().getLastError());
+}
+
+std::optional<Failure> DryRun::writeRefusal(const Item &item) const
+{
+    try {
+        ofWrite(planWrite(item, QByteArray(item.size(), '\0')).first(), item.station);
+        return std::nullopt;
+    } catch (const Failure &failure) {
+        return failure;
+    }
 }
 
 } // namespace host

@@ -35,6 +35,16 @@ public:
     QList<QByteArray> ofWrite(const WriteRequest &request,
                               std::optional<int> otherStation = std::nullopt) const;
 
+    // Why an item cannot be written; nothing when it can. Only its first request is tried: those behind it
+    // differ in number and count.
+    std::optional<Failure> writeRefusal(const Item &item) const;
+
+    // Whether the frames are of a protocol that is not known here.
+    bool hasUnknownFrames() const { return isRaw; }
+
+    // The station that the frames go to unless another is named.
+    int usualStation() const { return station; }
+
     // The line that the frames would be sent on.
     const LineSettings &line() const { return lineInUse; }
 
@@ -45,6 +55,7 @@ private:
     Plugin plugin;
     int station;
     LineSettings lineInUse;
+    bool isRaw;           // the frames are of a protocol that is not known here
     DriverLogPause noLog; // the driver's messages would say only that nobody answers
 };
 

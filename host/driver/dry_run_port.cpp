@@ -9,7 +9,8 @@
 
 namespace host {
 
-DryRunPort::DryRunPort(int station_, const TakeFrame &takeFrame_) : station(station_), takeFrame(takeFrame_)
+DryRunPort::DryRunPort(int station_, const TakeFrame &takeFrame_, bool isAcknowledging)
+    : station(station_), takeFrame(takeFrame_), acknowledged(!isAcknowledging)
 {
 }
 

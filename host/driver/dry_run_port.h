@@ -16,14 +16,14 @@
 namespace host {
 
 // Hands over what is sent, frame by frame, to a function. The first receive finds the acknowledgement,
-// without which a driver would not go on to its poll; the answer to the poll never comes, and nothing is
-// repeated. One port serves one request.
+// without which the driver would not go on to its poll; the answer to the poll never comes, and nothing is
+// repeated. A driver of something else receives nothing. One port serves one request.
 class DryRunPort : public AbstractDeviceInterface
 {
 public:
     using TakeFrame = std::function<void(const QByteArray &)>;
 
-    DryRunPort(int station, const TakeFrame &takeFrame);
+    DryRunPort(int station, const TakeFrame &takeFrame, bool isAcknowledging = true);
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
@@ -38,7 +38,7 @@ private:
     int station;
     TakeFrame takeFrame;
     bool sent = false;
-    bool acknowledged = false;
+    bool acknowledged; // nothing more comes
 };
 
 } // namespace host

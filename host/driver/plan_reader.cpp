@@ -7,6 +7,7 @@
 #include "host/base/messages.h"
 #include "host/driver/connection.h"
 #include "host/driver/driver_fault.h"
+#include "host/items/memory_range.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -114,7 +115,8 @@ PlanReader::Answer PlanReader::ask(const PlannedRequest &request)
     answer.time = std::chrono::system_clock::now();
     answer.attempts = connection.requestCount() - attempts;
     if (!answer.failure && noteAnswer)
-        noteAnswer(answer.duration, std::chrono::nanoseconds(plannedCost.of(request.lineSize)));
+        noteAnswer(answer.duration,
+                   std::chrono::nanoseconds(request.isRaw() ? 0 : plannedCost.of(request.lineSize)));
     noteAnswerTime(request, answer);
     return answer;
 }
@@ -125,7 +127,7 @@ PlanReader::Answer PlanReader::ask(const PlannedRequest &request)
 void PlanReader::noteAnswerTime(const PlannedRequest &request, const Answer &answer)
 {
     const bool isFirst = connection.requestCount() == answer.attempts;
-    if (answer.failure || answer.attempts != 1 || isFirst)
+    if (answer.failure || answer.attempts != 1 || isFirst || request.isRaw())
         return;
     const qint64 line = requestCost(connection.line(), 0).of(request.lineSize);
     const qint64 time = std::max<qint64>(0, nanoseconds(answer.duration) - line);
@@ -214,6 +216,18 @@ void PlanReader::learn(const PlannedRequest &request, const std::vector<PlanPart
 QByteArray readItem(Connection &connection, const Item &item, const PlanLimits &limits)
 {
     return PlanReader(connection, {item}, limits).read(0);
+}
+
+void readRange(Connection &connection, const Item &range, const PlanLimits &limits, const TakeBlock &take)
+{
+    for (const Item &block : readBlocks(range, limits)) {
+        try {
+            if (!take(block, readItem(connection, block, limits)))
+                return;
+        } catch (const Failure &failure) {
+            throw failure.about(rangeText(block));
+        }
+    }
 }
 
 } // namespace host

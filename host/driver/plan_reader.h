@@ -47,7 +47,7 @@ public:
     bool begin();
 
     // Called with the time that an answer took, repetitions included, and how long the plan expects it to
-    // take.
+    // take, which is no time for what no plan is made of.
     using Note = std::function<void(std::chrono::steady_clock::duration, std::chrono::nanoseconds)>;
     void setAnswerNote(const Note &note) { noteAnswer = note; }
 
@@ -108,6 +108,12 @@ private:
 
 // Reads one item.
 QByteArray readItem(Connection &connection, const Item &item, const PlanLimits &limits = {});
+
+// Takes a block of a range that was read. Returns whether the next one is to be read, too.
+using TakeBlock = std::function<bool(const Item &block, const QByteArray &data)>;
+
+// Reads a range, block by block in their order. A failure, of the taking too, names the block.
+void readRange(Connection &connection, const Item &range, const PlanLimits &limits, const TakeBlock &take);
 
 } // namespace host
 

@@ -19,6 +19,7 @@ namespace {
 
 const char kLibrary[] = "libs7_200_ppi.so";
 const char kVariable[] = "S7PPI_PLUGIN";
+const char kDriverName[] = "Simatic S7-200 PPI";
 const char kPlaceHint[] = "name the file with --plugin FILE or in the environment variable S7PPI_PLUGIN";
 
 Failure unusable(const QString &file, const QString &reason, const QString &hint)
@@ -49,6 +50,11 @@ Plugin::Plugin(const QString &file) : loader(QFileInfo(file).absoluteFilePath())
 Plugin::~Plugin()
 {
     loader.unload();
+}
+
+bool Plugin::isOtherDriver() const
+{
+    return interface->name() != kDriverName;
 }
 
 std::unique_ptr<DeviceSetting> Plugin::serialDefaults() const
@@ -82,6 +88,18 @@ QString findPlugin(const DriverOptions &options)
         if (QFileInfo::exists(place))
             return place;
     throw Failure(ExitCode::PluginUnusable, "no plug-in found; looked for " + places.join(", "), kPlaceHint);
+}
+
+// A driver without proposals could not be used: that is told before anything is said of the items.
+bool takesRawAddresses(const DriverOptions &options)
+{
+    const bool isNamed = options.plugin || qEnvironmentVariableIsSet(kVariable);
+    if (options.rawAddress || !isNamed)
+        return options.rawAddress;
+    const Plugin plugin(findPlugin(options));
+    plugin.serialDefaults();
+    plugin.driverDefaults();
+    return plugin.isOtherDriver();
 }
 
 } // namespace host

@@ -29,6 +29,9 @@ public:
     DriverInterface &driver() const { return *interface; }
     QString file() const { return loader.fileName(); }
 
+    // Whether it is a driver of something else than the S7-200, by its name.
+    bool isOtherDriver() const;
+
     // Return the driver's proposals for a new connection, and fail when it makes none.
     std::unique_ptr<DeviceSetting> serialDefaults() const;
     std::unique_ptr<DriverSetting> driverDefaults() const;
@@ -45,6 +48,10 @@ QStringList pluginPlaces(const QString &programDirectory);
 // The plug-in to load: --plugin, then the environment's S7PPI_PLUGIN, then the first place that has one.
 // Fails when none has.
 QString findPlugin(const DriverOptions &options);
+
+// Whether addresses are for the driver alone: when the user says so, and when the plug-in that is named
+// drives something else. Loads that one, and fails when it is of no use.
+bool takesRawAddresses(const DriverOptions &options);
 
 } // namespace host
 

@@ -94,6 +94,8 @@ std::map<Key, Candidates> candidatesOf(const std::vector<Item> &items, const Pla
     std::map<Key, Candidates> all;
     for (int i = 0; i < int(items.size()); ++i) {
         const Item &item = items[size_t(i)];
+        if (item.address.kind == AddressKind::Raw)
+            continue;
         const bool isSeparate = !limits.merges || hints.separateItems.count(i) > 0;
         const Key key = {poolOf(item), isSeparate ? i : -1};
         Candidates &candidates = all[key];
@@ -182,10 +184,13 @@ bool driverReadsBits(const Item &item)
            bytesFor(item.address.bit + item.count) == bytesFor(item.count);
 }
 
-// A part of an item as an item of its own; not for memory bits.
+// A part of an item as an item of its own; not for memory bits. Of a string the length byte is one more of
+// its characters.
 Item pieceOf(const Item &item, const PlanPart &part)
 {
     Item piece = item;
+    if (isText(piece.type))
+        piece.type = ValueType::Str;
     piece.address.number += part.first;
     piece.count = part.count / valuePlaces(item);
     return piece;
@@ -262,6 +267,27 @@ void addRequests(std::vector<PlannedRequest> &requests, const PlanPool &pool, Ca
     }
 }
 
+PlannedRequest rawRequest(const Item &item, int index)
+{
+    const int size = item.size();
+    return {{item.station, QString(), false},
+            rawCommand(item),
+            size,
+            rawReversedWidth(item),
+            -1,
+            0,
+            size,
+            size,
+            {{index, 0, size}}};
+}
+
+void addRawRequests(std::vector<PlannedRequest> &requests, const std::vector<Item> &items)
+{
+    for (int i = 0; i < int(items.size()); ++i)
+        if (items[size_t(i)].address.kind == AddressKind::Raw)
+            requests.push_back(rawRequest(items[size_t(i)], i));
+}
+
 int firstItem(const PlannedRequest &request)
 {
     int first = request.parts.front().item;
@@ -290,6 +316,20 @@ QByteArray pickedBits(const QByteArray &bytes, int firstBit, int count)
     return bits;
 }
 
+// Several bits come eight to a byte, as the contract has it, or one to a byte, as from the driver for the
+// S7-200.
+QByteArray rawBytes(const PlannedRequest &request, const QByteArray &data)
+{
+    const int count = request.command.count;
+    if (request.command.dataType == kBits && count > 1 && int(data.size()) == bytesFor(count))
+        return pickedBits(data, 0, count);
+    if (int(data.size()) != request.size)
+        throw Failure(ExitCode::BrokenAnswer,
+                      filled("the driver handed over %1 bytes instead of %2", data.size(), request.size),
+                      "it may have another type or another count at this address");
+    return byteSwapped(data, request.reversedWidth);
+}
+
 } // namespace
 
 RequestCost requestCost(const LineSettings &line, qint64 answerTime)
@@ -301,6 +341,8 @@ RequestCost requestCost(const LineSettings &line, qint64 answerTime)
 
 QString PlannedRequest::text() const
 {
+    if (isRaw())
+        return command.address;
     const Area &area = areaOf(pool.letters);
     const QString text = (area.hasBits() ? area.byteLetters() : area.letters) + QString::number(first);
     const int elements = count / (area.kind == AddressKind::Analog ? area.elementWidth : 1);
@@ -329,6 +371,7 @@ ReadPlan planReads(const std::vector<Item> &items, const RequestCost &cost, cons
         addRequests(plan.requests, key.pool, candidates, items, cost,
                     closed == closedPlaces.end() ? none : closed->second);
     }
+    addRawRequests(plan.requests, items);
     std::stable_sort(plan.requests.begin(), plan.requests.end(),
                      [](const PlannedRequest &one, const PlannedRequest &other) {
                          return firstItem(one) < firstItem(other);
@@ -360,6 +403,7 @@ int placeCount(const Item &item)
         return bytesFor(item.address.bit + item.count);
     case AddressKind::Memory:
     case AddressKind::Analog:
+    case AddressKind::Raw:
         return item.size();
     case AddressKind::Timer:
     case AddressKind::Counter:
@@ -394,6 +438,8 @@ std::vector<std::pair<int, int>> gapsOf(const PlannedRequest &request, const std
 
 bool TakenPlaces::take(const Item &item)
 {
+    if (item.address.kind == AddressKind::Raw)
+        return takeRaw(item.address.text());
     std::map<int, int> &ofArea = ends[poolOf(item).letters];
     const int begin = item.address.number;
     const int end = begin + placeCount(item);
@@ -405,8 +451,16 @@ bool TakenPlaces::take(const Item &item)
     return true;
 }
 
+// Which places a text means only the driver knows; the same text means the same place.
+bool TakenPlaces::takeRaw(const QString &text)
+{
+    return rawTexts.insert(text).second;
+}
+
 QByteArray placeBytes(const PlannedRequest &request, const QByteArray &data)
 {
+    if (request.isRaw())
+        return rawBytes(request, data);
     if (int(data.size()) != request.size)
         throw Failure(ExitCode::BrokenAnswer,
                       filled("%1 bytes came instead of %2", data.size(), request.size),

@@ -7,7 +7,8 @@
 // the line, the driver's two pauses of 12 ms and the time that the controller takes to answer; each byte of
 // memory costs one character more. So neighbours are read together, with the gap between them, whenever
 // reading the gap is quicker than asking twice. A value never comes in two parts, nor does an item that one
-// answer can carry, so that what belongs together was read at the same time.
+// answer can carry, so that what belongs together was read at the same time. Of raw addresses nothing is
+// known: each of their items is one request.
 
 #ifndef HOST_DRIVER_READ_PLAN_H
 #define HOST_DRIVER_READ_PLAN_H
@@ -102,6 +103,9 @@ struct PlannedRequest
 
     bool isMerged() const { return parts.size() > 1; }
 
+    // Whether it is for an item with a raw address, which comes alone and whose cost nobody knows.
+    bool isRaw() const { return pool.letters.isEmpty(); }
+
     // "VB100*60", "T37@3"
     QString text() const;
 };
@@ -140,6 +144,9 @@ public:
     bool take(const Item &item);
 
 private:
+    bool takeRaw(const QString &text);
+
+    std::set<QString> rawTexts;
     std::map<QString, std::map<int, int>>
         ends; // by the letters of the area: places from one to behind the last
 };

@@ -11,9 +11,16 @@ namespace host {
 
 namespace {
 
-DataType dataTypeOf(int valueSize)
+DataType dataTypeOf(int unitSize)
 {
-    return valueSize == 4 ? kDoubleWords : valueSize == 2 ? kWords : kBytes;
+    return unitSize == 4 ? kDoubleWords : unitSize == 2 ? kWords : kBytes;
+}
+
+// Nothing is known of the order of two double words that another driver hands over, so that what is wider is
+// asked for in bytes.
+int rawUnitSize(const Item &item)
+{
+    return item.valueSize() > kWidestUnit ? 1 : item.valueSize();
 }
 
 RequestForm objectForm(const Item &item, int frameData)
@@ -35,7 +42,8 @@ RequestForm memoryForm(const Item &item, int frameData)
     const int width = isWhole ? address.elementWidth : 1;
     const QString prefix = isWhole ? address.prefix : areaOf(address.prefix).byteLetters();
     const int largest = frameData - frameData % std::max(width, valueSize);
-    return {prefix, dataTypeOf(valueSize), valueSize, largest / valueSize, valueSize, width};
+    const int unitSize = std::min(valueSize, kWidestUnit);
+    return {prefix, dataTypeOf(unitSize), unitSize, largest / unitSize, unitSize, width};
 }
 
 } // namespace
@@ -65,6 +73,18 @@ CommunicatorCommand makeCommand(DataType dataType, const QString &address, int c
     command.address = address;
     command.count = count;
     return command;
+}
+
+CommunicatorCommand rawCommand(const Item &item)
+{
+    const int unitSize = rawUnitSize(item);
+    const DataType dataType = item.type == ValueType::Bool ? kBits : dataTypeOf(unitSize);
+    return makeCommand(dataType, item.address.text(), item.size() / unitSize);
+}
+
+int rawReversedWidth(const Item &item)
+{
+    return rawUnitSize(item);
 }
 
 QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, int count)

@@ -42,6 +42,13 @@ RequestForm bytesForm(const Area &area, int frameData);
 
 CommunicatorCommand makeCommand(DataType dataType, const QString &address, int count);
 
+// Returns the command for all values of an item with a raw address.
+CommunicatorCommand rawCommand(const Item &item);
+
+// In how many bytes the values of an item with a raw address are reversed: a driver hands words and double
+// words over least significant byte first.
+int rawReversedWidth(const Item &item);
+
 // Returns the commands for so many units from a number on, in the order of their addresses.
 QList<CommunicatorCommand> splitCommands(const RequestForm &form, int number, int count);
 

@@ -15,7 +15,6 @@ namespace host {
 
 namespace {
 
-constexpr int kFrameData = 212;
 constexpr int kFrameBits = 12;
 
 QString bitAddress(const Address &address, int offset)
@@ -39,12 +38,15 @@ QList<WriteRequest> planBits(const Item &item, const QByteArray &data)
 
 QList<WriteRequest> planWrite(const Item &item, const QByteArray &data)
 {
+    if (item.address.kind == AddressKind::Raw)
+        return {{rawCommand(item), byteSwapped(data, rawReversedWidth(item))}};
     if (item.address.kind == AddressKind::Bit)
         return planBits(item, data);
-    const RequestForm form = requestForm(item, kFrameData);
+    const RequestForm form = requestForm(item, kWrittenFrameData);
     QList<WriteRequest> requests;
     int done = 0;
-    for (const CommunicatorCommand &command : splitCommands(form, item.address.number, item.count)) {
+    for (const CommunicatorCommand &command :
+         splitCommands(form, item.address.number, item.size() / form.unitSize)) {
         const int size = command.count * form.unitSize;
         requests << WriteRequest{command, byteSwapped(data.mid(done, size), form.reversedWidth)};
         done += size;

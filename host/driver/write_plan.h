@@ -17,6 +17,9 @@
 
 namespace host {
 
+// Bytes of memory that one request writes at most.
+constexpr int kWrittenFrameData = 212;
+
 struct WriteRequest
 {
     CommunicatorCommand command;
@@ -24,7 +27,8 @@ struct WriteRequest
 };
 
 // Returns the requests that write the item's bytes, which are given as decodeValues() takes them. The
-// requests come in the order of their addresses; the counts of their commands together are the item's.
+// requests come in the order of their addresses; the data of all of them are the item's. An
+// item with a raw address is one request, whatever its size.
 QList<WriteRequest> planWrite(const Item &item, const QByteArray &data);
 
 } // namespace host

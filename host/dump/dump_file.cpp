@@ -220,6 +220,11 @@ Dump parseDump(const QByteArray &text, const QString &name)
     return dump;
 }
 
+Dump readDump(const QString &name)
+{
+    return parseDump(readFile(name, "name a file that s7ppi dump has made", kLargestDump), name);
+}
+
 Dump parsePartialDump(const QByteArray &text, const QString &name, int &wholeSize)
 {
     wholeSize = int(text.lastIndexOf('\n')) + 1;

@@ -45,6 +45,9 @@ QByteArray dumpText(const Dump &dump);
 // Reads a dump that must be whole. Fails, naming file and line, when it is no whole dump.
 Dump parseDump(const QByteArray &text, const QString &name);
 
+// Reads the dump that a file has, which must be whole. Fails also when the file cannot be read.
+Dump readDump(const QString &name);
+
 // Reads a part of a dump, which may end anywhere behind its head. A last line without an end counts as not
 // written; wholeSize becomes the number of the text's bytes before it.
 Dump parsePartialDump(const QByteArray &text, const QString &name, int &wholeSize);

@@ -8,6 +8,8 @@
 //   frame   := TIME " " ( ">" | "<" ) " " BYTES        > sent to the controller, < received
 //   TIME    UTC, 2026-11-21T10:07:50.123Z
 //   BYTES   two hexadecimal digits each, blanks between
+//
+// A file whose name ends with .pcapng is a capture for Wireshark instead; see common/capture.h.
 
 #ifndef HOST_FRAMES_TRACE_FILE_H
 #define HOST_FRAMES_TRACE_FILE_H
@@ -21,6 +23,7 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 namespace host {
 
@@ -40,9 +43,11 @@ public:
     const std::optional<Failure> &failure() const { return lost; }
 
 private:
-    void put(const QByteArray &line);
+    void write(char direction, const QByteArray &frame);
+    void put(const QByteArray &piece);
 
     QFile file;
+    bool isCapture;
     std::optional<Failure> lost;
 };
 
@@ -59,6 +64,19 @@ struct TraceRecord
 // Returns what a line holds, and nothing for a comment or an empty line. Fails on what is neither that nor a
 // record.
 std::optional<TraceRecord> parseTraceLine(const QByteArray &line);
+
+// Both are pieces of a capture: what it begins with, and the packets of a record, with the record's time.
+// captureRecord() fails on a time that is none.
+QByteArray captureBeginning(const QString &heading);
+QByteArray captureRecord(const TraceRecord &record);
+
+// The records of a capture, and whether it is damaged behind them.
+struct CapturedRecords
+{
+    std::vector<TraceRecord> records;
+    bool isDamaged;
+};
+CapturedRecords parseCapture(const QByteArray &file);
 
 } // namespace host
 

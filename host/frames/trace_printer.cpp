@@ -9,16 +9,24 @@
 
 namespace host {
 
-TracePrinter::TracePrinter(const WriteLine &writeLine_) : writeLine(writeLine_) {}
+TracePrinter::TracePrinter(const WriteLine &writeLine_, bool isProtocolKnown_)
+    : writeLine(writeLine_), isProtocolKnown(isProtocolKnown_)
+{
+}
+
+QString TracePrinter::textOf(const QByteArray &frame) const
+{
+    return isProtocolKnown ? frameLine(frame) : QString::fromLatin1(frame.toHex(' '));
+}
 
 void TracePrinter::sent(const QByteArray &frame)
 {
-    writeLine("-> " + frameLine(frame));
+    writeLine("-> " + textOf(frame));
 }
 
 void TracePrinter::received(const QByteArray &frame)
 {
-    writeLine("<- " + frameLine(frame));
+    writeLine("<- " + textOf(frame));
 }
 
 void TracePrinter::heardNothing(bool isOver)

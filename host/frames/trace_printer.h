@@ -24,14 +24,18 @@ class TracePrinter : public FrameListener
 public:
     using WriteLine = std::function<void(const QString &)>;
 
-    explicit TracePrinter(const WriteLine &writeLine);
+    // Frames of a protocol that is not known have their bytes alone: "-> 02 05 52 4e 01 2c bd".
+    explicit TracePrinter(const WriteLine &writeLine, bool isProtocolKnown = true);
 
     void sent(const QByteArray &frame) override;
     void received(const QByteArray &frame) override;
     void heardNothing(bool isOver) override;
 
 private:
+    QString textOf(const QByteArray &frame) const;
+
     WriteLine writeLine;
+    bool isProtocolKnown;
 };
 
 } // namespace host

@@ -44,7 +44,9 @@ uchar checkByte(const QByteArray &frame, int first, int last)
 
 QString hexByte(uchar byte)
 {
-    return QString("%1").arg(uint(byte), 2, 16, QChar('0')).toUpper();
+    static const char digits[] = "0123456789ABCDEF";
+    const QChar text[] = {QLatin1Char(digits[byte >> 4]), QLatin1Char(digits[byte & 0xf])};
+    return QString(text, 2);
 }
 
 int dataSize(uchar kind, int length)

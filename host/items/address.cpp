@@ -16,6 +16,8 @@ namespace host {
 
 namespace {
 
+constexpr int kLastBit = 7;
+
 // The sentence that names all areas: "areas are I Q ... (bits, ...), AIW, ..., C and HC".
 QString areasHint()
 {
@@ -84,7 +86,7 @@ QList<Address> nearest(const Parts &parts)
         return {};
     const Area &area = element->area;
     if (!parts.bit.isEmpty() && area.hasBits())
-        return {makeAddress(area.letters, parts.number, std::min(parts.bit.toInt(), 7))};
+        return {makeAddress(area.letters, parts.number, std::min(parts.bit.toInt(), kLastBit))};
     if (element->kind == AddressKind::Bit)
         return {makeAddress(area.byteLetters(), parts.number, 0), makeAddress(prefix, parts.number, 0)};
     return {makeAddress(prefix, parts.number, 0)};
@@ -102,6 +104,8 @@ QStringList textsOf(const QList<Address> &addresses)
 
 QString Address::text() const
 {
+    if (kind == AddressKind::Raw)
+        return prefix;
     const QString start = prefix + QString::number(number);
     return kind == AddressKind::Bit ? start + '.' + QString::number(bit) : start;
 }
@@ -117,9 +121,11 @@ Address parseAddress(const QString &text)
     const QList<Address> addresses = nearest(parts);
     if (addresses.isEmpty())
         throw Failure(ExitCode::Usage, complaint, areasHint());
-    if (addresses.first().text() != text)
+    if (addresses.first().text() != text) {
+        const QString limits = parts.bit.toDouble() > kLastBit ? "bits are 0 to 7: " : "";
         throw Failure(ExitCode::Usage, complaint,
-                      "write " + textsOf(addresses).join(" or ") + " instead of " + text);
+                      limits + "write " + textsOf(addresses).join(" or ") + " instead of " + text);
+    }
     return addresses.first();
 }
 
@@ -136,7 +142,7 @@ Address firstAddress(const Address &like)
 
 Address lastAddress(const Address &like)
 {
-    return makeAddress(like.prefix, kMaxByteNumber, like.kind == AddressKind::Bit ? 7 : 0);
+    return makeAddress(like.prefix, kMaxByteNumber, like.kind == AddressKind::Bit ? kLastBit : 0);
 }
 
 } // namespace host

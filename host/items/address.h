@@ -23,10 +23,16 @@ namespace host {
 constexpr int kMaxByteNumber = (1 << 24) / 8 - 1;
 constexpr int kMaxObjectNumber = 0xffff;
 
+// Counts of more than 16 bits are no driver's: requests carry no more on the line.
+constexpr int kMaxRawCount = 0xffff;
+
+// Requests carry bits, bytes, words and double words. A value of more bytes than this is several of them.
+constexpr int kWidestUnit = 4;
+
 struct Address
 {
     AddressKind kind;
-    QString prefix;   // the letters
+    QString prefix;   // the letters; of a raw address the whole text
     int number;       // byte or object
     int bit;          // 0 to 7; 0 for all kinds but Bit
     int elementWidth; // bytes of one element, as the letters say

@@ -19,7 +19,8 @@
 
 namespace host {
 
-enum class AddressKind { Bit, Memory, Analog, Timer, Counter, HighSpeedCounter };
+// Raw is an address of another driver: a text that means nothing here, and belongs to no area.
+enum class AddressKind { Bit, Memory, Analog, Timer, Counter, HighSpeedCounter, Raw };
 
 // Objects are addressed by a number of their own, everything else by the place of its first byte.
 bool isObject(AddressKind kind);

@@ -5,8 +5,10 @@
 
 #include "host/base/failure.h"
 #include "host/base/filled.h"
+#include "host/items/address_range.h"
 #include "host/items/tag_file.h"
 #include "host/items/value_parser.h"
+#include "host/text/number_text.h"
 
 #include <QRegularExpression>
 #include <QString>
@@ -27,11 +29,12 @@ void checkComma(const QString &target, const QString &values)
                           .arg(target, match.captured(1), match.captured(2)));
 }
 
-// The target of an assignment is an item whose values are counted, so that it names no count.
+// The target of an assignment is an item whose values are counted, so that it names no count. What a string
+// has there is its room.
 QString withoutCount(QString target)
 {
     static const QRegularExpression count("\\*[^@]*");
-    return target.remove(count);
+    return target.contains(":string*") ? target : target.remove(count);
 }
 
 QString countHint(const QString &item)
@@ -41,38 +44,75 @@ QString countHint(const QString &item)
     return "write " + item + "=VALUE,VALUE with as many values as you mean";
 }
 
-Assignment assignToItem(const QString &target, const QString &values)
+// Too few values for a range may be one that was forgotten.
+void checkFillsRange(const Item &item, int count)
 {
-    if (target.contains('*'))
+    if (count != item.count)
+        throw Failure(ExitCode::Usage, filled("%1 for a range of %2", counted(count, "value"), item.count),
+                      "name as many values as the range has, or its first address alone");
+}
+
+// Drivers take several bits in different ways, one to a byte or eight.
+void checkRawBits(const Item &item)
+{
+    if (item.address.kind == AddressKind::Raw && item.type == ValueType::Bool && item.count > 1)
+        throw Failure(ExitCode::Usage, "several bits cannot be written at once to an address of this driver",
+                      "write them one by one, or whole bytes");
+}
+
+Assignment assignToItem(const QString &target, const QString &values, Notation notation)
+{
+    if (notation == Notation::Controller && target != withoutCount(target))
         throw Failure(ExitCode::Usage, "a count is not needed here", countHint(withoutCount(target)));
-    Item item = parseItem(target);
-    if (item.type == ValueType::F32)
+    Item item = parseItem(target, notation);
+    const bool isOfRange = notation == Notation::Controller && isRange(target);
+    if (item.count > 1 && item.type != ValueType::String && !isOfRange)
+        throw Failure(ExitCode::Usage, "a count is not needed here",
+                      countHint(item.address.text() + ':' + item.typeText()));
+    if (isFloat(item.type) && !isOfRange)
         checkComma(target, values);
     const QByteArray data = encodeValues(item, values);
-    item.count = int(data.size()) / item.valueSize();
+    if (isOfRange && item.type != ValueType::String)
+        checkFillsRange(item, item.countOf(int(data.size())));
+    item.count = item.countOf(int(data.size()));
     checkCount(item);
+    checkRawBits(item);
     return {item, data};
 }
 
-Failure withoutValue(const QString &meant)
+// A raw address without a type has no end that is followed by "=": that is what is missing, then.
+Failure withoutValue(const QString &text, const QString &value, Notation notation)
 {
-    return Failure(ExitCode::Usage, "no value is given", "write " + meant);
+    if (notation == Notation::Raw && !isTagReference(text))
+        parseItem(text.section('=', 0, 0), notation);
+    const QString target = notation == Notation::Raw ? text : withoutCount(text);
+    return Failure(ExitCode::Usage, "no value is given", "write " + target + '=' + value);
 }
 
-bool isTarget(const QString &text)
+bool isTarget(const QString &text, Notation notation)
 {
     try {
-        return isTagReference(text) || parseItem(text).count > 0;
+        return isTagReference(text) || parseItem(text, notation).count > 0;
     } catch (const Failure &) {
         return false;
     }
 }
 
 // Whether two arguments, "VW100" and "5", are meant to be one, "VW100=5".
-bool isTornApart(const QString &target, const QString &value)
+bool isTornApart(const QString &target, const QString &value, Notation notation)
 {
     const bool hasAssignment = target.contains('=') || value.contains('=');
-    return !hasAssignment && !value.isEmpty() && isTarget(target) && !isTarget(value);
+    return !hasAssignment && !value.isEmpty() && isTarget(target, notation) && !isTarget(value, notation);
+}
+
+Assignment assignmentOf(const QString &text, TagFiles &files)
+{
+    const Notation notation = files.notation();
+    const auto [target, values, hasValues] = splitAssignment(text, notation);
+    if (!hasValues)
+        throw withoutValue(text, "VALUE", notation);
+    return isTagReference(target) ? assign(files.find(target), values)
+                                  : assignToItem(target, values, notation);
 }
 
 } // namespace
@@ -80,36 +120,35 @@ bool isTornApart(const QString &target, const QString &value)
 Assignment assign(Tag tag, const QString &values)
 {
     const int room = tag.item.size();
-    if (tag.item.count > 1 && (tag.scaling.isActive() || tag.item.type == ValueType::F32))
+    if (tag.item.count > 1 && (tag.scaling.isActive() || isFloat(tag.item.type)))
         checkComma(tag.name, values);
     const QByteArray data =
         encodeValues(tag.item, tag.scaling.isActive() ? unscaledText(tag, values) : values);
     if (data.size() > room)
         throw Failure(ExitCode::Usage, "there are more values than the tag has",
                       filled("%1 has %2", tag.name, tag.item.count));
-    tag.item.count = int(data.size()) / tag.item.valueSize();
+    tag.item.count = tag.item.countOf(int(data.size()));
+    checkRawBits(tag.item);
     return {tag, data};
 }
 
-Assignment parseAssignment(const QString &text)
+Assignment parseAssignment(const QString &text, Notation notation)
 {
-    const QString target = text.section('=', 0, 0);
-    const QString values = text.section('=', 1);
-    if (!text.contains('='))
-        throw withoutValue(withoutCount(text) + "=VALUE");
-    return isTagReference(target) ? assign(findTag(target), values) : assignToItem(target, values);
+    TagFiles files(notation);
+    return assignmentOf(text, files);
 }
 
-std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome)
+std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome, TagFiles &files)
 {
+    const Notation notation = files.notation();
     std::vector<Assignment> assignments;
     for (int i = 0; i < int(texts.size()); ++i) {
         const QString &text = texts.at(i);
         const QString next = texts.value(i + 1);
-        const bool isTorn = isTornApart(text, next);
+        const bool isTorn = isTornApart(text, next, notation);
         outcome.attempt(text, [&] {
-            assignments.push_back(isTorn ? throw withoutValue(withoutCount(text) + '=' + next)
-                                         : parseAssignment(text));
+            assignments.push_back(isTorn ? throw withoutValue(text, next, notation)
+                                         : assignmentOf(text, files));
         });
         if (isTorn)
             ++i;

@@ -14,7 +14,9 @@
 #define HOST_ITEMS_ASSIGNMENT_H
 
 #include "host/base/outcome.h"
+#include "host/items/raw_item.h"
 #include "host/items/tag.h"
+#include "host/items/tag_file.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,10 +33,11 @@ struct Assignment
 };
 
 // Returns the assignment that a text means. Fails with a hint that names what could have been meant.
-Assignment parseAssignment(const QString &text);
+Assignment parseAssignment(const QString &text, Notation notation = Notation::Controller);
 
-// Those of all texts; every wrong one is reported.
-std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome);
+// Those of all texts; every wrong one is reported. The tags are taken from the files, and the notation is
+// theirs.
+std::vector<Assignment> parseAssignments(const QStringList &texts, Outcome &outcome, TagFiles &files);
 
 // Returns the assignment of values, separated by commas, to a tag. Fails when there are more of them than the
 // tag has.

@@ -3,10 +3,8 @@
 //
 // A stretch of one memory area: the elements from a first address to a last one, that one included.
 //
-//   range := FIRST ".." LAST        VB0..VB4095  MB0..31  VW0..VW98  AIW0..62  T0..T255
-//
-// LAST may leave out the area's letters. A range is an item of the type hex: its bytes lie as in the
-// controller.
+// It is written as address_range.h has it, and has no bits. A range is an item of the type hex: its bytes lie
+// as in the controller.
 
 #ifndef HOST_ITEMS_MEMORY_RANGE_H
 #define HOST_ITEMS_MEMORY_RANGE_H
@@ -23,6 +21,10 @@ Item parseRange(const QString &text);
 // Returns the range of so many elements from an address on. Fails when there are not that many, and for a
 // bit, because ranges are of whole bytes.
 Item rangeFrom(const Address &first, int count);
+
+// The same memory as hexadecimal digits: by its elements, or byte by byte where it ends within one, as a
+// string among words can.
+Item inDigits(const Item &item);
 
 // The range as the user writes it: "VB0..VB4095".
 QString rangeText(const Item &range);

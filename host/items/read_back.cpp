@@ -10,10 +10,18 @@ namespace host {
 
 namespace {
 
-// One value as text; bytes that are no BCD still have their digits.
+// Whether the length byte of a string tells no more characters than there are.
+bool isString(const QByteArray &data)
+{
+    return uchar(data.at(0)) < data.size();
+}
+
+// One value as text; bytes that are no BCD, or no string, still have their digits.
 QString valueTextAt(Item item, const QByteArray &data, int index)
 {
-    if (item.type == ValueType::Str)
+    if (item.type == ValueType::String && !isString(data))
+        return "0x" + QString::fromLatin1(data.toHex());
+    if (isText(item.type))
         return valuesText(decodeValues(item, data));
     if (item.type == ValueType::Bcd)
         item.type = ValueType::Hex;
@@ -25,7 +33,7 @@ QString valueTextAt(Item item, const QByteArray &data, int index)
 
 ValueDifferences compareValues(const Item &item, const QByteArray &written, const QByteArray &read)
 {
-    const bool isOneText = item.type == ValueType::Str;
+    const bool isOneText = isText(item.type);
     const int width = isOneText ? item.size() : item.valueSize();
     ValueDifferences differences;
     for (int i = 0; i < (isOneText ? 1 : item.count); ++i) {
@@ -50,7 +58,7 @@ void checkReadBack(const Assignment &assignment, const QByteArray &data)
     const ValueDifferences differences = compareValues(item, assignment.data, data);
     if (differences.count == 0)
         return;
-    const bool isOneOfMany = item.count > 1 && item.type != ValueType::Str;
+    const bool isOneOfMany = item.count > 1 && !isText(item.type);
     const QString place =
         isOneOfMany ? filled("value %1 of %2 is ", differences.index + 1, item.count) : "reads ";
     throw notAsWritten(place + differences.first);

@@ -22,7 +22,12 @@ double unscaled(const Scaling &scaling, double shown)
     return (shown - scaling.offset) / scaling.scale;
 }
 
-bool isSameRaw(const Scaling &scaling, double shown, qint64 raw)
+double toSafeDigits(double number)
+{
+    return QString::number(number, 'g', kSafeDigits).toDouble();
+}
+
+template <typename Whole> bool isSameRaw(const Scaling &scaling, double shown, Whole raw)
 {
     return std::round(unscaled(scaling, shown)) == double(raw);
 }
@@ -30,6 +35,12 @@ bool isSameRaw(const Scaling &scaling, double shown, qint64 raw)
 bool isSameRaw(const Scaling &scaling, double shown, float raw)
 {
     return float(unscaled(scaling, shown)) == raw;
+}
+
+// The last digits of a double are lost in the arithmetic.
+bool isSameRaw(const Scaling &scaling, double shown, double raw)
+{
+    return toSafeDigits(unscaled(scaling, shown)) == toSafeDigits(raw);
 }
 
 // Digits of a sum cannot be trusted beyond those of its larger part: a small difference of two large numbers
@@ -42,7 +53,7 @@ int trustedPlaces(double product, double offset, int digits)
 
 // The number, written in decimals, that takes part in the sum: of a float the shortest that names it, 0.1 and
 // not 0.100000001490116.
-double decimal(qint64 raw)
+template <typename Number> double decimal(Number raw)
 {
     return double(raw);
 }
@@ -68,6 +79,12 @@ template <typename Number> QString scaledNumber(const Scaling &scaling, Number r
     }
 }
 
+template <typename Number> QString scaledFloat(const Scaling &scaling, Number raw)
+{
+    const double shown = double(raw) * scaling.scale + scaling.offset;
+    return std::isfinite(shown) ? scaledNumber(scaling, raw, decimalPlaces(raw)) : QString::number(shown);
+}
+
 } // namespace
 
 QString scaledText(const Scaling &scaling, qint64 raw)
@@ -75,10 +92,19 @@ QString scaledText(const Scaling &scaling, qint64 raw)
     return scaledNumber(scaling, raw, 0);
 }
 
+QString scaledText(const Scaling &scaling, quint64 raw)
+{
+    return scaledNumber(scaling, raw, 0);
+}
+
 QString scaledText(const Scaling &scaling, float raw)
 {
-    const double shown = double(raw) * scaling.scale + scaling.offset;
-    return std::isfinite(shown) ? scaledNumber(scaling, raw, decimalPlaces(raw)) : QString::number(shown);
+    return scaledFloat(scaling, raw);
+}
+
+QString scaledText(const Scaling &scaling, double raw)
+{
+    return scaledFloat(scaling, raw);
 }
 
 QString unscaledWholeText(const Scaling &scaling, double shown)

@@ -6,16 +6,22 @@
 #ifndef HOST_ITEMS_TAG_H
 #define HOST_ITEMS_TAG_H
 
+#include "host/base/failure.h"
+#include "host/items/origin.h"
 #include "host/items/scaling.h"
 #include "host/items/value.h"
 #include "host/text/json.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
 
 namespace host {
+
+// What a tag file says of writing to a tag.
+enum class Access { Unsaid, ReadOnly, ReadWrite };
 
 struct Tag
 {
@@ -30,6 +36,11 @@ struct Tag
     Scaling scaling;
     QString unit;
     std::optional<int> interval; // from poll to poll, in milliseconds; none: that of --interval
+    Access access = Access::Unsaid;
+    std::optional<double> minimum; // of what is written, as it is shown: scaled
+    std::optional<double> maximum;
+    std::optional<double> deadband; // the change, as it is shown, up to which publish tells none; 0 or more
+    QString definedAt;              // the line of the tag file, "plant.csv:3"; empty for an item
 };
 
 std::vector<Item> itemsOf(const std::vector<Tag> &tags);
@@ -37,8 +48,24 @@ std::vector<Item> itemsOf(const std::vector<Tag> &tags);
 // Whether any of them names a station of its own.
 bool hasStations(const std::vector<Tag> &tags);
 
-// The values as people see them, blanks between, with the unit behind them.
-QString shownText(const Tag &tag, const std::vector<Value> &values);
+// The values as people see them, a text each, without the unit.
+QStringList shownTexts(const Tag &tag, const std::vector<Value> &values);
+
+// What one of a tag's values is called, counted from 0: by its own address, "V11.0", or by the tag's name,
+// "Boiler[1]".
+QString valueLabel(const Tag &tag, int index);
+
+// How many values of an array stand in one line.
+constexpr int kValuesPerLine = 8;
+
+struct ValueLine
+{
+    QString label; // of its first value; the tag's own in the first line
+    QString text;  // the values, blanks between, with the unit behind them
+};
+
+// The shown values in lines of so many each. Where there are several lines, the values stand in columns.
+std::vector<ValueLine> valueLines(const Tag &tag, const QStringList &values, int perLine = kValuesPerLine);
 
 // The number that is shown, a bit as 0 or 1. Nothing for infinity, for what is no number, and for texts and
 // hexadecimal digits.
@@ -48,26 +75,28 @@ std::optional<double> shownNumber(const Tag &tag, const Value &value);
 // unless they are floats. Fails on a text that is no number.
 QString unscaledText(const Tag &tag, const QString &values);
 
-// A record of what a tag is: {"name", "address", "type", "station", "unit"}. Name, station and unit are there
-// only when the tag has one.
+// What a record says of a tag: {"name", "address", "type", "unit"}, name and unit only when it has one.
 Json tagFields(const Tag &tag);
 
-// The fields of the tag and "values": numbers, true or false; a text has one character for each of its bytes,
+// The values as a record has them: numbers, true or false; a text has one character for each of its bytes,
 // hex two digits.
-Json tagRecord(const Tag &tag, const std::vector<Value> &values);
+Json jsonValues(const Tag &tag, const std::vector<Value> &values);
 
-// The fields of the tag and "error", when its values could not be read.
-Json tagErrorRecord(const Tag &tag, const QString &error);
+// A record of a tag: {"time", "port", "station", "name", "address", "type", "unit", "values"}.
+Json tagRecord(const Origin &origin, const Tag &tag, const std::vector<Value> &values);
 
-// Makes lines of text, one per tag: its label and its values, blanks between.
+// The same with "error" and "cause" instead of values that there are none of.
+Json tagErrorRecord(const Origin &origin, const Tag &tag, const Failure &failure);
+
+// Makes lines of text: label and values, blanks between; several lines of a tag with many values.
 class TextLines
 {
 public:
     // The tags that are going to come, so that their values can stand in one column.
     explicit TextLines(const std::vector<Tag> &tags);
 
-    // One line, without the character that ends it.
-    QString line(const Tag &tag, const std::vector<Value> &values) const;
+    // The lines of one tag, without the character that ends the last.
+    QString text(const Tag &tag, const std::vector<Value> &values) const;
 
 private:
     int labelWidth = 0;

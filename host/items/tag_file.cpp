@@ -3,8 +3,10 @@
 
 #include "host/items/tag_file.h"
 
+#include "common/duration.h"
 #include "host/base/files.h"
 #include "host/base/filled.h"
+#include "host/items/address_range.h"
 #include "host/text/csv.h"
 
 #include <QByteArray>
@@ -13,16 +15,18 @@
 #include <QStringList>
 
 #include <cmath>
+#include <map>
 #include <optional>
 
 namespace host {
 
 namespace {
 
-const QStringList kColumns = {"name", "address", "type", "scale", "offset", "unit", "station", "interval"};
+const QStringList kColumns = {"name",    "address",  "type",   "scale", "offset", "unit",
+                              "station", "interval", "access", "min",   "max",    "deadband"};
 const QStringList kNeededColumns = {"name", "address"};
-const char kHeadHint[] =
-    "the first line names the columns: name,address and, if need be, type,scale,offset,unit,station,interval";
+const char kHeadHint[] = "the first line names the columns: name,address and, if need be, "
+                         "type,scale,offset,unit,station,interval,access,min,max,deadband";
 
 // From poll to poll, in milliseconds, as for --interval.
 constexpr int kLeastInterval = 1;
@@ -75,9 +79,14 @@ Item itemOf(QString address, const QString &type)
         return parseItem(address);
     } catch (const Failure &failure) {
         const QString place = addressIn(address);
-        const bool isAddress = nearestAddresses(place) == QStringList(place);
+        const bool isAddress = isRange(place) || nearestAddresses(place) == QStringList(place);
         throw isAddress ? failure : wrong('"' + place + "\" is " + failure.text(), failure.hint());
     }
+}
+
+Item rawItemOf(const QString &address, const QString &type)
+{
+    return parseItem(type.isEmpty() ? address : address + ':' + type, Notation::Raw);
 }
 
 // The station of a column of its own, unless that is empty; the address may name the same.
@@ -96,33 +105,63 @@ std::optional<int> intervalOf(const QString &cell)
 {
     if (cell.isEmpty())
         return std::nullopt;
-    bool isNumber = false;
-    const int interval = cell.toInt(&isNumber);
-    if (isNumber && interval >= kLeastInterval && interval <= kLargestInterval)
-        return interval;
+    const auto interval = common::parseDuration(cell.toStdString(), common::Milliseconds(1));
+    if (interval && interval->count() >= kLeastInterval && interval->count() <= kLargestInterval)
+        return int(interval->count());
     throw wrong('"' + cell + "\" is not an interval",
-                filled("intervals are whole numbers of milliseconds, from %1 to %2", kLeastInterval,
-                       kLargestInterval));
+                filled("intervals are milliseconds from %1 to %2, or have a unit, as %3", kLeastInterval,
+                       kLargestInterval, common::kDurationExamples));
 }
 
-double numberOf(const QString &text, double otherwise)
+std::optional<double> numberIn(const QString &text)
 {
+    if (text.isEmpty())
+        return std::nullopt;
     bool isNumber = false;
     const double number = text.toDouble(&isNumber);
-    if (!text.isEmpty() && !(isNumber && std::isfinite(number)))
+    if (!isNumber || !std::isfinite(number))
         throw wrong('"' + text + "\" is not a number", "write a number with a point, as 0.1");
-    return text.isEmpty() ? otherwise : number;
+    return number;
+}
+
+Access accessOf(const QString &cell)
+{
+    if (cell.isEmpty())
+        return Access::Unsaid;
+    if (cell != "ro" && cell != "rw")
+        throw wrong('"' + cell + "\" is not an access",
+                    "write ro for a tag that is only read, rw for one that is written, too, or nothing");
+    return cell == "ro" ? Access::ReadOnly : Access::ReadWrite;
 }
 
 void checkScale(const Tag &tag)
 {
     const ValueType type = tag.item.type;
-    const bool isNumber = type != ValueType::Bool && type != ValueType::Hex && type != ValueType::Str;
-    if (tag.scaling.isActive() && !isNumber)
+    if (tag.scaling.isActive() && !hasNumbers(type))
         throw wrong("values of type " + typeName(type) + " cannot be scaled",
                     "leave scale and offset empty, or name another type");
     if (tag.scaling.scale == 0)
         throw wrong("with a scale of 0 every value is the same", "leave the scale empty, or name another");
+}
+
+void checkLimits(const Tag &tag)
+{
+    const ValueType type = tag.item.type;
+    if ((tag.minimum || tag.maximum) && !hasNumbers(type))
+        throw wrong("values of type " + typeName(type) + " have no limits",
+                    "leave min and max empty, or name another type");
+    for (const std::optional<double> &limit : {tag.minimum, tag.maximum})
+        if (limit && (type == ValueType::U64 || type == ValueType::I64) &&
+            std::fabs(*limit) >= kLargestExactWhole)
+            throw wrong("a limit of 2^53 or more is not exact",
+                        "name a limit below 9007199254740992, or leave it empty");
+    if (tag.minimum && tag.maximum && *tag.minimum > *tag.maximum)
+        throw wrong("min is larger than max", "exchange them: min is the least value, max the largest");
+    if (tag.deadband && !hasNumbers(type))
+        throw wrong("values of type " + typeName(type) + " have no deadband",
+                    "leave the deadband empty, or name another type");
+    if (tag.deadband && *tag.deadband < 0)
+        throw wrong("a deadband cannot be less than 0", "leave it empty, or write a number from 0 on");
 }
 
 // Gives the cells of a line by the names of their columns.
@@ -143,18 +182,25 @@ private:
     QStringList cells;
 };
 
-Tag tagOf(const Row &row)
+Tag tagOf(const Row &row, Notation notation)
 {
-    Tag tag(itemOf(row.cell("address"), row.cell("type")));
+    const QString address = row.cell("address");
+    const QString type = row.cell("type");
+    Tag tag(notation == Notation::Raw ? rawItemOf(address, type) : itemOf(address, type));
     tag.name = row.cell("name");
-    tag.scaling.scale = numberOf(row.cell("scale"), 1);
-    tag.scaling.offset = numberOf(row.cell("offset"), 0);
+    tag.scaling.scale = numberIn(row.cell("scale")).value_or(1);
+    tag.scaling.offset = numberIn(row.cell("offset")).value_or(0);
     tag.unit = row.cell("unit");
     tag.item.station = stationOf(row.cell("station"), tag.item);
     tag.interval = intervalOf(row.cell("interval"));
+    tag.access = accessOf(row.cell("access"));
+    tag.minimum = numberIn(row.cell("min"));
+    tag.maximum = numberIn(row.cell("max"));
+    tag.deadband = numberIn(row.cell("deadband"));
     if (tag.name.isEmpty())
         throw wrong("the tag has no name", "every tag needs one; a plain item can be named beside the file");
     checkScale(tag);
+    checkLimits(tag);
     return tag;
 }
 
@@ -166,17 +212,21 @@ bool isNothing(const QString &line)
 class TagFileParser
 {
 public:
-    void parse(const QString &line);
+    explicit TagFileParser(Notation notation_) : notation(notation_) {}
+
+    // Takes a line; what stands in it is told by its place, "tags.csv:3".
+    void parse(const QString &line, const QString &place);
 
     std::vector<Tag> tags;
 
 private:
+    Notation notation;
     QStringList columns; // empty until the head was read
     QChar separator;
     QSet<QString> names;
 };
 
-void TagFileParser::parse(const QString &line)
+void TagFileParser::parse(const QString &line, const QString &place)
 {
     if (columns.isEmpty()) {
         separator = csvSeparator(line);
@@ -185,7 +235,8 @@ void TagFileParser::parse(const QString &line)
             reportDetail("the column \"" + column + "\" of a tag file is left out");
         return;
     }
-    const Tag tag = tagOf(Row(columns, cellsOf(line, separator)));
+    Tag tag = tagOf(Row(columns, cellsOf(line, separator)), notation);
+    tag.definedAt = place;
     if (names.contains(tag.name))
         throw wrong('"' + tag.name + "\" is there twice", "give every tag a name of its own");
     names << tag.name;
@@ -197,9 +248,10 @@ QString fileIn(const QString &reference)
     return reference.mid(1).section(':', 0, 0);
 }
 
-std::vector<Tag> readTagFile(const QString &name, Outcome &outcome)
+std::vector<Tag> readTagFile(const QString &name, Outcome &outcome, Notation notation)
 {
-    return parseTagFile(name, readTextFile(name, "check the file's name and rights", kLargestText), outcome);
+    return parseTagFile(name, readTextFile(name, "check the file's name and rights", kLargestText), outcome,
+                        notation);
 }
 
 Failure unknownTag(const QString &name, const std::vector<Tag> &tags)
@@ -213,16 +265,17 @@ Failure unknownTag(const QString &name, const std::vector<Tag> &tags)
 } // namespace
 
 // A head that is wrong ends the reading: without it no cell below has a meaning.
-std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome)
+std::vector<Tag> parseTagFile(const QString &fileName, const QByteArray &text, Outcome &outcome,
+                              Notation notation)
 {
-    TagFileParser parser;
+    TagFileParser parser(notation);
     const QStringList lines = utf8Text(text).split('\n');
     bool hasHead = false;
     for (int i = 0; i < int(lines.size()); ++i) {
         if (isNothing(lines.at(i)))
             continue;
         const QString place = filled("%1:%2", fileName, i + 1);
-        const auto failure = outcome.attempt(place, [&] { parser.parse(lines.at(i)); });
+        const auto failure = outcome.attempt(place, [&] { parser.parse(lines.at(i), place); });
         if (failure && !hasHead)
             return {};
         hasHead = true;
@@ -242,30 +295,52 @@ bool isTagReference(const QString &text)
     return text.startsWith('@');
 }
 
-Tag findTag(const QString &reference)
+const std::vector<Tag> &TagFiles::tagsIn(const QString &fileName)
 {
-    const QString name = reference.section(':', 1);
+    const auto known = files.find(fileName);
+    if (known != files.end())
+        return known->second;
     Outcome outcome;
-    const std::vector<Tag> tags = readTagFile(fileIn(reference), outcome);
+    const std::vector<Tag> tags = readTagFile(fileName, outcome, notationOfAll);
     if (!outcome.isSuccess())
         throw brokenTagFile();
+    return files[fileName] = tags;
+}
+
+Tag TagFiles::find(const QString &reference)
+{
+    const QString name = reference.section(':', 1);
+    const std::vector<Tag> &tags = tagsIn(fileIn(reference));
     for (const Tag &tag : tags)
         if (tag.name == name)
             return tag;
     throw unknownTag(name, tags);
 }
 
-std::vector<Tag> parseTags(const QStringList &texts, Outcome &outcome)
+std::vector<Tag> TagFiles::tags() const
+{
+    std::vector<Tag> all;
+    for (const auto &[name, tags] : files)
+        all.insert(all.end(), tags.cbegin(), tags.cend());
+    return all;
+}
+
+Tag findTag(const QString &reference, Notation notation)
+{
+    return TagFiles(notation).find(reference);
+}
+
+std::vector<Tag> parseTags(const QStringList &texts, Outcome &outcome, Notation notation)
 {
     std::vector<Tag> tags;
     for (const QString &text : texts) {
         outcome.attempt(text, [&] {
             if (!isTagReference(text))
-                tags.emplace_back(parseItem(text));
+                tags.emplace_back(parseItem(text, notation));
             else if (text.contains(':'))
-                tags.push_back(findTag(text));
+                tags.push_back(findTag(text, notation));
             else
-                for (const Tag &tag : readTagFile(fileIn(text), outcome))
+                for (const Tag &tag : readTagFile(fileIn(text), outcome, notation))
                     tags.push_back(tag);
         });
     }

@@ -4,11 +4,13 @@
 #include "host/items/value.h"
 
 #include "host/base/failure.h"
+#include "host/base/filled.h"
 #include "host/text/number_text.h"
 
 #include <QStringList>
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
 
 namespace host {
@@ -20,10 +22,11 @@ template <typename Number> qint64 bigEndian(const char *bytes)
     return qFromBigEndian<Number>(bytes);
 }
 
-float floatAt(const char *bytes)
+template <typename Number, typename Bits> Number floatAt(const char *bytes)
 {
-    const quint32 bits = qFromBigEndian<quint32>(bytes);
-    float value;
+    const Bits bits = qFromBigEndian<Bits>(bytes);
+    Number value;
+    static_assert(sizeof value == sizeof bits, "the bits are those of the number");
     std::memcpy(&value, &bits, sizeof value);
     return value;
 }
@@ -39,7 +42,8 @@ qint64 bcdAt(const char *bytes, int size)
     bool isDecimal = false;
     const qint64 value = digits.toLongLong(&isDecimal);
     if (!isDecimal)
-        throw Failure(ExitCode::Usage, digits + " is not BCD", "read it with :hex to see what it is");
+        throw Failure(ExitCode::Usage, Cause::NotBcd, "0x" + digits + " is not BCD",
+                      "read it with :hex to see what it is");
     return value;
 }
 
@@ -60,15 +64,35 @@ Value valueAt(const Item &item, const char *bytes)
         return bigEndian<quint32>(bytes);
     case ValueType::I32:
         return bigEndian<qint32>(bytes);
+    case ValueType::U64:
+        return qFromBigEndian<quint64>(bytes);
+    case ValueType::I64:
+        return bigEndian<qint64>(bytes);
     case ValueType::F32:
-        return floatAt(bytes);
+        return floatAt<float, quint32>(bytes);
+    case ValueType::F64:
+        return floatAt<double, quint64>(bytes);
     case ValueType::Bcd:
         return bcdAt(bytes, item.valueSize());
     case ValueType::Hex:
     case ValueType::Str: // never one by one
+    case ValueType::String:
         break;
     }
     return hexAt(bytes, item.valueSize());
+}
+
+// The length byte comes first; what lies behind so many characters is none of the text.
+Characters stringIn(const QByteArray &data, int room)
+{
+    const int length = uchar(data.at(0));
+    if (length > room)
+        throw Failure(
+            ExitCode::Usage, Cause::NotString,
+            filled("the length byte is %1, and the string has room for %2", length,
+                   counted(room, "character")),
+            "name the room that the program gives it, or read its bytes with :hex to see what they are");
+    return {data.mid(1, length)};
 }
 
 QString characterText(char character)
@@ -93,9 +117,11 @@ struct Writer
 {
     QString operator()(bool bit) const { return bit ? "1" : "0"; }
     QString operator()(qint64 number) const { return QString::number(number); }
+    QString operator()(quint64 number) const { return QString::number(number); }
     QString operator()(float number) const { return shortestText(number); }
+    QString operator()(double number) const { return shortestText(number); }
     QString operator()(const Characters &text) const { return quoted(text.bytes); }
-    QString operator()(const HexDigits &hex) const { return hex.digits; }
+    QString operator()(const HexDigits &hex) const { return "0x" + hex.digits; }
 };
 
 } // namespace
@@ -104,12 +130,26 @@ std::vector<Value> decodeValues(const Item &item, const QByteArray &data)
 {
     if (item.type == ValueType::Str)
         return {Characters{data}};
+    if (item.type == ValueType::String)
+        return {stringIn(data, item.count)};
     std::vector<Value> values;
     values.reserve(size_t(item.count));
-    const char *bytes = data.constData();
+    const QByteArray ordered = item.isSwapped ? wordsSwapped(data, item.valueSize()) : data;
+    const char *bytes = ordered.constData();
     for (int i = 0; i < item.count; ++i, bytes += item.valueSize())
         values.push_back(valueAt(item, bytes));
     return values;
+}
+
+QByteArray wordsSwapped(QByteArray data, int groupSize)
+{
+    constexpr int kWord = 2;
+    for (auto group = data.begin(); group != data.end(); group += groupSize) {
+        std::reverse(group, group + groupSize);
+        for (auto word = group; word != group + groupSize; word += kWord)
+            std::reverse(word, word + kWord);
+    }
+    return data;
 }
 
 QString valueText(const Value &value)

@@ -22,20 +22,24 @@ struct Characters
     QByteArray bytes;
 };
 
-// Bytes that are shown as they are, with two hexadecimal digits each.
+// Bytes that are shown as they are, with two hexadecimal digits each; without a 0x.
 struct HexDigits
 {
     QString digits;
 };
 
-using Value = std::variant<bool, qint64, float, Characters, HexDigits>;
+using Value = std::variant<bool, qint64, quint64, float, double, Characters, HexDigits>;
 
 // Decodes data, which holds item.size() bytes in the controller's order: most significant byte first,
-// bits one per byte. Fails when bytes read as BCD are not.
+// bits one per byte. Fails when bytes read as BCD are not, or the length of a string is beyond its room.
 std::vector<Value> decodeValues(const Item &item, const QByteArray &data);
 
-// The value as text: bits are 0 or 1, a float has as few digits as tell it apart, a text stands between
-// quotes with \" \\ and \xNN for what cannot be printed.
+// Reverses the order of the words in every group of so many bytes. The bytes of a word stay as they are.
+QByteArray wordsSwapped(QByteArray data, int groupSize);
+
+// The value as text: bits are 0 or 1, a float has as few digits as tell it apart, hexadecimal digits have 0x
+// in front, a text stands between quotes with \" \\ and \xNN for what cannot be printed. All of them can be
+// typed as values to write.
 QString valueText(const Value &value);
 
 // The texts of all values, blanks between.

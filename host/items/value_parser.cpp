@@ -6,16 +6,17 @@
 #include "host/base/failure.h"
 #include "host/base/filled.h"
 #include "host/items/value.h"
+#include "host/text/number_text.h"
 
 #include <QHash>
 #include <QRegularExpression>
 #include <QString>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace host {
@@ -52,15 +53,33 @@ QByteArray encodeBit(const QString &text)
                                                     : QString("bits are 0 off false and 1 on true"));
 }
 
+// A whole number as it was written: 64 bits are not enough for the sign beside all of u64.
+struct Whole
+{
+    bool isNegative;
+    std::optional<quint64> magnitude; // none: of more than 64 bits
+};
+
 struct Range
 {
     qint64 least;
-    qint64 most;
+    quint64 most;
+
+    bool has(const Whole &number) const
+    {
+        const quint64 largest = number.isNegative ? 0 - quint64(least) : most;
+        return number.magnitude && *number.magnitude <= largest;
+    }
+
+    QString nearestTo(const Whole &number) const
+    {
+        return number.isNegative ? QString::number(least) : QString::number(most);
+    }
 };
 
 template <typename Number> Range rangeOf()
 {
-    return {std::numeric_limits<Number>::min(), std::numeric_limits<Number>::max()};
+    return {std::numeric_limits<Number>::min(), quint64(std::numeric_limits<Number>::max())};
 }
 
 Range rangeOf(const Item &item)
@@ -78,15 +97,20 @@ Range rangeOf(const Item &item)
         return rangeOf<quint32>();
     case ValueType::I32:
         return rangeOf<qint32>();
+    case ValueType::U64:
+        return {0, std::numeric_limits<quint64>::max()};
+    case ValueType::I64:
+        return rangeOf<qint64>();
     default: // bcd: two decimal digits per byte
-        return {0, qint64(std::pow(100, item.valueSize())) - 1};
+        return {0, quint64(std::pow(100, item.valueSize())) - 1};
     }
 }
 
-bool isInRange(const Item &item, qint64 number)
+std::optional<quint64> magnitudeIn(const QString &digits, int base)
 {
-    const Range range = rangeOf(item);
-    return number >= range.least && number <= range.most;
+    bool isRepresentable = false;
+    const quint64 magnitude = digits.toULongLong(&isRepresentable, base);
+    return isRepresentable ? std::optional<quint64>(magnitude) : std::nullopt;
 }
 
 // Advises on a text that is no whole number, by what it was probably meant to be.
@@ -100,18 +124,15 @@ QString numberHint(const Item &item, const QString &text)
     const QRegularExpressionMatch match = based.match(text);
     const QString digits = match.hasMatch() ? match.captured(2) : text;
     const int base = match.captured(1) == "2" ? 2 : 16;
-    bool isNumber = false;
-    const qint64 number = digits.toLongLong(&isNumber, base);
-    if (isNumber && isInRange(item, number) && (match.hasMatch() || hexDigits.match(text).hasMatch()))
+    const bool isInRange = rangeOf(item).has({false, magnitudeIn(digits, base)});
+    if (isInRange && (match.hasMatch() || hexDigits.match(text).hasMatch()))
         return QString("write %1%2 instead of %3").arg(base == 2 ? "0b" : "0x", digits, text);
     if (fraction.match(text).hasMatch())
-        return "this type holds whole numbers; fractions need f32";
+        return "this type holds whole numbers; fractions need f32 or f64";
     return "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
 }
 
-// Returns the number, or for one beyond 63 bits the largest there is: it is too large for every type as well,
-// so that the check of the type's range refuses it.
-qint64 parseInteger(const Item &item, const QString &text)
+Whole parseInteger(const Item &item, const QString &text)
 {
     static const QRegularExpression form("^([+-]?)(0[xX][0-9a-fA-F]+|0[bB][01]+|[0-9]+)$");
     const QRegularExpressionMatch match = form.match(text);
@@ -119,66 +140,63 @@ qint64 parseInteger(const Item &item, const QString &text)
         throw bad(inQuotes(text) + " is not a whole number", numberHint(item, text));
     const QString digits = match.captured(2).toLower();
     const int base = digits.startsWith("0x") ? 16 : digits.startsWith("0b") ? 2 : 10;
-    bool isRepresentable = false;
-    qint64 number = (base == 10 ? digits : digits.mid(2)).toLongLong(&isRepresentable, base);
-    if (!isRepresentable)
-        number = std::numeric_limits<qint64>::max();
-    return match.captured(1) == "-" ? -number : number;
+    return {match.captured(1) == "-", magnitudeIn(base == 10 ? digits : digits.mid(2), base)};
 }
 
 // Advises on a number that does not fit: the nearest one, or, when it is negative and the type has no sign,
 // the narrowest type that holds it.
-QString rangeHint(Item item, const QString &text, qint64 number, qint64 nearest)
+QString rangeHint(Item item, const QString &text, const Whole &number)
 {
-    QString hint = QString("the nearest value is %1").arg(nearest);
-    if (number > 0 || !typeName(item.type).startsWith('u'))
+    QString hint = "the nearest value is " + rangeOf(item).nearestTo(number);
+    if (!number.isNegative || !typeName(item.type).startsWith('u'))
         return hint;
-    for (const ValueType type : {ValueType::I8, ValueType::I16, ValueType::I32}) {
+    for (const ValueType type : {ValueType::I8, ValueType::I16, ValueType::I32, ValueType::I64}) {
         item.type = type;
-        if (canBeTakenAs(item.address, type) && isInRange(item, number))
+        if (canBeTakenAs(item.address, type) && rangeOf(item).has(number))
             return hint + "; for " + text + " there is " + typeName(type);
     }
     return hint;
 }
 
-void checkRange(const Item &item, const QString &text, qint64 number)
+// Returns the magnitude of a number that the type can hold.
+quint64 magnitudeOf(const Item &item, const QString &text, const Whole &number)
 {
     const Range range = rangeOf(item);
-    const qint64 nearest = std::clamp(number, range.least, range.most);
-    if (nearest == number)
-        return;
-    throw bad(filled("%1 is too %2 for %3: %4 to %5", text, number > range.most ? "large" : "small",
+    if (range.has(number))
+        return *number.magnitude;
+    throw bad(filled("%1 is too %2 for %3: %4 to %5", text, number.isNegative ? "small" : "large",
                      typeName(item.type), range.least, range.most),
-              rangeHint(item, text, number, nearest));
+              rangeHint(item, text, number));
 }
 
 QByteArray encodeInteger(const Item &item, const QString &text)
 {
-    const qint64 number = parseInteger(item, text);
-    checkRange(item, text, number);
-    return bigEndian(quint64(number), item.valueSize());
+    const Whole number = parseInteger(item, text);
+    const quint64 magnitude = magnitudeOf(item, text, number);
+    return bigEndian(number.isNegative ? 0 - magnitude : magnitude, item.valueSize());
 }
 
 QByteArray encodeBcd(const Item &item, const QString &text)
 {
-    const qint64 number = parseInteger(item, text);
-    checkRange(item, text, number);
+    const quint64 number = magnitudeOf(item, text, parseInteger(item, text));
     return QByteArray::fromHex(QByteArray::number(number).rightJustified(2 * item.valueSize(), '0'));
 }
 
-Failure beyondFloat(const QString &text)
+template <typename Number> Failure beyondFloat(const Item &item, const QString &text)
 {
+    const QString type = typeName(item.type);
     const double number = text.toDouble();
     if (std::abs(number) < 1)
-        return bad(text + " is too near to 0 for f32", "the nearest value is 0");
-    const QString largest = valueText(std::numeric_limits<float>::max());
-    const QString sign = number < 0 ? "-" : "";
-    return bad(QString("%1 is too %2 for f32: -%3 to %3").arg(text, number < 0 ? "small" : "large", largest),
-               "the nearest value is " + sign + largest);
+        return bad(text + " is too near to 0 for " + type, "the nearest value is 0");
+    const QString largest = valueText(std::numeric_limits<Number>::max());
+    const bool isNegative = text.startsWith('-');
+    return bad(
+        QString("%1 is too %2 for %3: -%4 to %4").arg(text, isNegative ? "small" : "large", type, largest),
+        "the nearest value is " + (isNegative ? "-" + largest : largest));
 }
 
 // The text becomes a float in one step: by way of a double some numbers would be rounded twice.
-QByteArray encodeFloat(const QString &text)
+template <typename Number, typename Bits> QByteArray encodeFloat(const Item &item, const QString &text)
 {
     static const QRegularExpression form(
         "^(-?(?:inf|nan)|([+-]?)(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?)$");
@@ -186,32 +204,31 @@ QByteArray encodeFloat(const QString &text)
     if (!match.hasMatch())
         throw bad(inQuotes(text) + " is not a number", "numbers are written 1.5, -2e3, inf or nan");
     const QByteArray digits = (match.captured(2) == "+" ? text.mid(1) : text).toLatin1();
-    float number = 0;
+    Number number = 0;
     const char *end = digits.constData() + digits.size();
     if (std::from_chars(digits.constData(), end, number).ec != std::errc())
-        throw beyondFloat(text);
-    quint32 bits = 0;
+        throw beyondFloat<Number>(item, text);
+    Bits bits = 0;
     std::memcpy(&bits, &number, sizeof bits);
     return bigEndian(bits, int(sizeof bits));
 }
 
-QString hexHint(const Item &item, const QString &text)
+QString hexHint(const Item &item)
 {
-    if (text.startsWith("0x", Qt::CaseInsensitive))
-        return "write " + text.mid(2) + " instead of " + text;
     const int digits = 2 * item.valueSize();
     return filled("hex is %1 digits for each value of %2, as %3", digits, item.address.text(),
-                  QString("1a2b3c4d").left(digits));
+                  "0x" + QString("1a2b3c4d").left(digits));
 }
 
 QByteArray encodeHex(const Item &item, const QString &text)
 {
-    static const QRegularExpression form("^(?:[0-9a-fA-F]{2})+$");
-    if (!form.match(text).hasMatch())
-        throw bad(inQuotes(text) + " is not a row of bytes in hex", hexHint(item, text));
-    QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    static const QRegularExpression form("^(?:0[xX])?((?:[0-9a-fA-F]{2})+)$");
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        throw bad(inQuotes(text) + " is not a row of bytes in hex", hexHint(item));
+    QByteArray bytes = QByteArray::fromHex(match.captured(1).toLatin1());
     if (bytes.size() % item.valueSize() != 0)
-        throw bad(inQuotes(text) + " is no whole number of values", hexHint(item, text));
+        throw bad(inQuotes(text) + " is no whole number of values", hexHint(item));
     return bytes;
 }
 
@@ -221,7 +238,9 @@ QByteArray encodeValue(const Item &item, const QString &text)
     case ValueType::Bool:
         return encodeBit(text);
     case ValueType::F32:
-        return encodeFloat(text);
+        return encodeFloat<float, quint32>(item, text);
+    case ValueType::F64:
+        return encodeFloat<double, quint64>(item, text);
     case ValueType::Hex:
         return encodeHex(item, text);
     case ValueType::Bcd:
@@ -269,16 +288,31 @@ QByteArray encodeCharacters(QString text)
     return bytes;
 }
 
+// The length byte and so many characters. What lies behind them in the string's room is not written.
+QByteArray encodeString(const Item &item, const QString &text)
+{
+    if (text.isEmpty())
+        throw bad("the text is empty", "write \"\", with the quotes, for a string without a character");
+    const QByteArray characters = text == "\"\"" ? QByteArray() : encodeCharacters(text);
+    if (characters.size() > item.count)
+        throw bad(filled("the text has %1, and the string has room for %2",
+                         counted(characters.size(), "character"), item.count),
+                  "shorten it; what stands behind * is the room that the program gives the string");
+    return char(characters.size()) + characters;
+}
+
 } // namespace
 
 QByteArray encodeValues(const Item &item, const QString &text)
 {
     if (item.type == ValueType::Str)
         return encodeCharacters(text);
+    if (item.type == ValueType::String)
+        return encodeString(item, text);
     QByteArray bytes;
     for (const QString &value : text.split(','))
         bytes += encodeValue(item, value.trimmed());
-    return bytes;
+    return item.isSwapped ? wordsSwapped(bytes, item.valueSize()) : bytes;
 }
 
 } // namespace host

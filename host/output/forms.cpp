@@ -4,6 +4,7 @@
 #include "host/output/forms.h"
 
 #include "host/base/filled.h"
+#include "host/output/spool.h"
 #include "host/output/table.h"
 
 #include <QList>
@@ -56,7 +57,7 @@ public:
 
     void write(const Json &record) override { rows += cellRows(record, columns); }
     void writeLine(const Json & /*record*/, const QString &text) override { writeText(text); }
-    void writeText(const QString &text) override { put(text.toUtf8() + '\n'); }
+    void writeText(const QString &text) override { putText(text + '\n'); }
     void writeHead(const QString &text) override { putHead(text.toUtf8() + '\n'); }
     void finish() override;
 
@@ -89,16 +90,20 @@ public:
 
     void setField(const QString &name, const Json &value) override { fields[name.toStdString()] = value; }
     void write(const Json &record) override;
+    void writeBeside(const Json &record) override;
     void finish() override;
 
 private:
     void putFields();
+    void putBeside();
     void beginList();
 
     Schema schema;
     Json fields; // still to be put
     bool hasBegun = false;
     bool hasRecords = false;
+    Spool beside; // the records of the second list, which has its place behind the first
+    bool hasBeside = false;
 };
 
 void JsonForm::write(const Json &record)
@@ -121,7 +126,24 @@ void JsonForm::finish()
     beginList();
     put(hasRecords ? "\n  ]" : "]");
     putFields();
+    putBeside();
     put("\n}\n");
+}
+
+void JsonForm::writeBeside(const Json &record)
+{
+    beside.put((std::exchange(hasBeside, true) ? "," : "") + dumped(record));
+}
+
+void JsonForm::putBeside()
+{
+    if (schema.beside.isEmpty())
+        return;
+    put(",\n  " + dumped(jsonText(schema.beside)) + ": [");
+    beside.rewind();
+    for (QByteArray some = beside.next(); !some.isEmpty(); some = beside.next())
+        put(some);
+    put("]");
 }
 
 void JsonForm::beginList()
@@ -192,10 +214,13 @@ void SeparatedForm::setColumn(const QString &name, const Json &value)
 void SeparatedForm::write(const Json &record)
 {
     putColumns();
-    Json whole = record;
-    whole.update(common);
+    Json whole;
+    if (!common.empty()) {
+        whole = record;
+        whole.update(common);
+    }
     QByteArray lines;
-    for (const QStringList &cells : cellRows(whole, columns))
+    for (const QStringList &cells : cellRows(common.empty() ? record : whole, columns))
         lines += line(cells);
     put(lines);
 }

@@ -28,6 +28,7 @@ public:
 
     virtual void setField(const QString & /*name*/, const Json & /*value*/) {}
     virtual void write(const Json & /*record*/) {}
+    virtual void writeBeside(const Json & /*record*/) {}
     virtual void writeLine(const Json &record, const QString & /*text*/) { write(record); }
     virtual void writeText(const QString & /*text*/) {}
     virtual void writeHead(const QString & /*text*/) {} // a line in front of all others
@@ -38,6 +39,7 @@ public:
 
 protected:
     void put(const QByteArray &bytes) { target->put(bytes); }
+    void putText(const QString &text) { target->putText(text); }
     void putHead(const QByteArray &head) { target->putHead(head); }
 
 private:

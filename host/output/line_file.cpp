@@ -6,6 +6,7 @@
 #include "host/base/files.h"
 #include "host/base/line_reader.h"
 #include "host/base/messages.h"
+#include "host/text/size_text.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -73,14 +74,10 @@ Rotation parseRotation(const QString &text)
     rotation.daily = text == "day";
     if (rotation.daily)
         return rotation;
-    static const QRegularExpression pattern("^([0-9]{1,9})([kMG]?)$");
-    const QRegularExpressionMatch match = pattern.match(text);
-    const int power = int(QString("kMG").indexOf(match.captured(2)));
-    const qint64 unit = match.captured(2).isEmpty() ? 1 : qint64(1) << (10 * (power + 1));
-    const qint64 size = match.captured(1).toLongLong() * unit;
-    if (!match.hasMatch() || size < kLeastSize)
+    const std::optional<qint64> size = parseSize(text);
+    if (!size || *size < kLeastSize)
         throw Failure(ExitCode::Usage, '"' + text + "\" is no size of a file", kRotationHint);
-    rotation.size = size;
+    rotation.size = *size;
     return rotation;
 }
 

@@ -112,6 +112,11 @@ void Output::write(const Json &record)
     form->write(record);
 }
 
+void Output::writeBeside(const Json &record)
+{
+    form->writeBeside(record);
+}
+
 void Output::write(const Json &record, const QString &text)
 {
     form->writeLine(record, text);

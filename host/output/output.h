@@ -64,6 +64,9 @@ public:
     // Writes a record; in text it is a line of a table that is printed at the end.
     void write(const Json &record);
 
+    // Writes a record of the second list, of which only json shows anything.
+    void writeBeside(const Json &record);
+
     // Writes a record that has a line, or lines, of text of its own, which are printed at once.
     void write(const Json &record, const QString &text);
 

@@ -23,7 +23,8 @@ struct Schema
     QString list;        // what the records are called together; empty when there is one, the document itself
     QStringList columns; // of tables; the members of records that they show
     bool hasRaw = false; // whether there are bytes to give with --format raw
-    bool isSimulated = false; // the data are those of a simulated controller: every form but raw says so
+    bool isSimulated = false;   // the data are those of a simulated controller: every form but raw says so
+    QString beside = QString(); // a second list of records, behind the first; only json has it
 };
 
 // The form of data that come from the controller behind a port.

@@ -18,6 +18,7 @@ class StdoutSink : public OutputSink
 {
 public:
     void put(const QByteArray &bytes) override { printBytes(bytes); }
+    void putText(const QString &text) override { printText(text); }
     void commit() override {}
 };
 
@@ -62,6 +63,26 @@ Failure FileSink::lost() const
 }
 
 } // namespace
+
+void BatchSink::put(const QByteArray &bytes)
+{
+    constexpr int kMuch = 1 << 16;
+    batch += bytes;
+    if (batch.size() > kMuch)
+        flush();
+}
+
+void BatchSink::flush()
+{
+    target->put(batch);
+    batch.resize(0);
+}
+
+void BatchSink::commit()
+{
+    flush();
+    target->commit();
+}
 
 void checkOutputName(const QString &name)
 {

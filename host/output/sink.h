@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 
 namespace host {
 
@@ -26,8 +27,26 @@ public:
     virtual void put(const QByteArray &bytes) = 0;
     virtual void commit() = 0;
 
+    // Puts text for people.
+    virtual void putText(const QString &text) { put(text.toUtf8()); }
+
     // Puts the line in front of all records.
     virtual void putHead(const QByteArray &head) { put(head); }
+};
+
+// Passes on in one piece what was put until flush(), or until there is much of it.
+class BatchSink : public OutputSink
+{
+public:
+    explicit BatchSink(std::unique_ptr<OutputSink> sink) : target(std::move(sink)) {}
+
+    void put(const QByteArray &bytes) override;
+    void flush();
+    void commit() override;
+
+private:
+    std::unique_ptr<OutputSink> target;
+    QByteArray batch;
 };
 
 // Fails when a name stands for something other than a file, a device say, which a file would replace.

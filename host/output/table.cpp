@@ -4,7 +4,9 @@
 #include "host/output/table.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -23,35 +25,39 @@ QString cellText(const Json &value)
     return QString::fromStdString(text);
 }
 
-// The member of this name, or the list of the same name in the plural.
-Json member(const Json &record, const QString &name)
+// The member of this name, or the list of the same name in the plural; null without either.
+const Json *member(const Json &record, const QString &name)
 {
-    for (const QString &key : {name, name + 's'})
-        if (const auto found = record.find(key.toStdString()); found != record.end())
-            return *found;
-    return Json();
+    const std::string key = name.toStdString();
+    auto found = record.find(key);
+    if (found == record.end())
+        found = record.find(key + 's');
+    return found == record.end() ? nullptr : &*found;
 }
 
-Json element(const Json &value, size_t index)
+QString cellOf(const Json *member, size_t row)
 {
-    if (!value.is_array())
-        return value;
-    return index < value.size() ? value.at(index) : Json();
+    if (!member)
+        return QString();
+    if (!member->is_array())
+        return cellText(*member);
+    return row < member->size() ? cellText(member->at(row)) : QString();
 }
 
-bool hasList(const Json &record, const QStringList &columns)
+// The number of a list's first element, which is 0 for records that do not say so.
+size_t firstIndex(const Json *index)
 {
-    return std::any_of(columns.begin(), columns.end(),
-                       [&](const QString &column) { return member(record, column).is_array(); });
+    return index ? index->get<size_t>() : 0;
 }
 
-size_t rowCount(const Json &record, const QStringList &columns)
+// The longest list among the members; nothing when none of them is a list.
+std::optional<size_t> longestList(const std::vector<const Json *> &members)
 {
-    size_t rows = 1;
-    for (const QString &column : columns)
-        if (const Json value = member(record, column); value.is_array())
-            rows = std::max(rows, value.size());
-    return rows;
+    std::optional<size_t> longest;
+    for (const Json *member : members)
+        if (member && member->is_array())
+            longest = std::max(longest.value_or(1), member->size());
+    return longest;
 }
 
 QByteArray csvCell(const QString &cell)
@@ -90,13 +96,17 @@ void addFlatFields(QList<std::pair<QString, Json>> &fields, const QString &path,
 
 QList<QStringList> cellRows(const Json &record, const QStringList &columns)
 {
-    const bool isNumbered = hasList(record, columns);
+    std::vector<const Json *> members;
+    for (const QString &column : columns)
+        members.push_back(member(record, column));
+    const std::optional<size_t> longest = longestList(members);
     QList<QStringList> rows;
-    for (size_t row = 0; row < rowCount(record, columns); ++row) {
+    for (size_t row = 0; row < longest.value_or(1); ++row) {
         QStringList cells;
-        for (const QString &column : columns) {
-            const bool isIndex = isNumbered && column == kIndexColumn;
-            cells << (isIndex ? QString::number(row) : cellText(element(member(record, column), row)));
+        for (int i = 0; i < columns.size(); ++i) {
+            const bool isIndex = longest && columns.at(i) == kIndexColumn;
+            cells << (isIndex ? QString::number(firstIndex(members.at(size_t(i))) + row)
+                              : cellOf(members.at(size_t(i)), row));
         }
         rows << cells;
     }

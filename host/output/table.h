@@ -19,7 +19,7 @@ namespace host {
 
 // The record's members of these names, each as text, bits as 0 or 1; what it does not have is empty. A record
 // with a list in one of them, or of the same name in the plural, gives a row per element, with its number in
-// the column "index".
+// the column "index", where the first one has that of the record's own "index", or 0.
 QList<QStringList> cellRows(const Json &record, const QStringList &columns);
 
 // All members of a record that hold one value, by their path: "serial.baud".

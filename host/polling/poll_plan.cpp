@@ -32,6 +32,16 @@ QString millisecondsText(qint64 nanoseconds)
 
 } // namespace
 
+std::vector<std::chrono::milliseconds> intervalsOf(const std::vector<Tag> &tags,
+                                                   std::chrono::milliseconds otherwise)
+{
+    std::vector<std::chrono::milliseconds> intervals;
+    intervals.reserve(tags.size());
+    for (const Tag &tag : tags)
+        intervals.push_back(tag.interval ? std::chrono::milliseconds(*tag.interval) : otherwise);
+    return intervals;
+}
+
 PollPlan::PollPlan(const std::vector<Tag> &tags_, const LineSettings &line_, const PlanLimits &limits)
     : tags(tags_), line(line_), cost(requestCost(line)), bauds(std::begin(kBauds), std::end(kBauds))
 {
@@ -182,7 +192,7 @@ double PollPlan::valuesPerSecond() const
 {
     double values = 0;
     for (const Tag &tag : tags)
-        values += tag.item.type == ValueType::Str ? 1 : tag.item.count;
+        values += isText(tag.item.type) ? 1 : tag.item.count;
     return values * 1e9 / double(time());
 }
 

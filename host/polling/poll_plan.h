@@ -18,6 +18,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,10 @@ namespace host {
 
 // From poll to poll unless the user says otherwise, in milliseconds.
 constexpr int kUsualInterval = 500;
+
+// The interval of each tag: its own, or else the one that is handed in.
+std::vector<std::chrono::milliseconds> intervalsOf(const std::vector<Tag> &tags,
+                                                   std::chrono::milliseconds otherwise);
 
 class PollPlan
 {

@@ -11,15 +11,20 @@ namespace host {
 
 void AdapterProbe::sent(const QByteArray &frame)
 {
-    if (isLongFrame(frame))
+    ++frames;
+    if (firstFrame && firstFrame->isEmpty())
+        firstFrame = frame;
+    if (firstFrame ? frame == *firstFrame : isLongFrame(frame)) {
         ++requests;
+        heardSinceRequest = false;
+    }
     isFirst = true;
     sinceSent.start();
 }
 
 void AdapterProbe::received(const QByteArray & /*frame*/)
 {
-    heard = true;
+    heard = heardSinceRequest = true;
     if (isFirst)
         longest = std::max(longest, sinceSent.elapsed());
     isFirst = false;

@@ -12,6 +12,8 @@
 #include <QByteArray>
 #include <QElapsedTimer>
 
+#include <optional>
+
 namespace host {
 
 class AdapterProbe : public FrameListener
@@ -21,8 +23,18 @@ public:
     void received(const QByteArray &frame) override;
     void heardNothing(bool isOver) override;
 
+    // Tells that the driver of another protocol is called. Its requests are known by what it sends first:
+    // when it repeats a request, that frame comes again.
+    void beginCall() { firstFrame = QByteArray(); }
+
     // Whether anything came at all.
     bool hasHeard() const { return heard; }
+
+    // Whether anything came since the last request.
+    bool hasHeardSinceRequest() const { return heardSinceRequest; }
+
+    // How many frames were sent, of whatever protocol.
+    int frameCount() const { return frames; }
 
     // How many requests were sent: every attempt at a read or write sends one. Polls, which belong to the
     // request before them, do not count.
@@ -33,8 +45,11 @@ public:
 
 private:
     QElapsedTimer sinceSent;
-    bool isFirst = false; // the next frame received is the first one after what was sent
+    bool isFirst = false;                 // the next frame received is the first one after what was sent
+    std::optional<QByteArray> firstFrame; // of a call; none while requests are those of PPI
     bool heard = false;
+    bool heardSinceRequest = false;
+    int frames = 0;
     int requests = 0;
     qint64 longest = 0;
 };

@@ -14,13 +14,13 @@ namespace {
 
 Failure noEcho()
 {
-    return Failure(ExitCode::BrokenAnswer, "the adapter did not echo what was sent",
+    return Failure(ExitCode::BrokenAnswer, Cause::NoEcho, "the adapter did not echo what was sent",
                    "leave out --echo: this adapter does not hear itself, or it is not connected");
 }
 
 Failure otherEcho(const QByteArray &sent, const QByteArray &heard)
 {
-    return Failure(ExitCode::BrokenAnswer,
+    return Failure(ExitCode::BrokenAnswer, Cause::NoEcho,
                    QString("the echo is not what was sent: %1 and not %2")
                        .arg(QString::fromLatin1(heard.toHex(' ')), QString::fromLatin1(sent.toHex(' '))),
                    "two stations sent at once, or the line is disturbed: look for another master, and at "
@@ -62,7 +62,7 @@ std::optional<Failure> EchoPort::takeFailure()
 
 Failure echoFailure()
 {
-    return Failure(ExitCode::BrokenAnswer, "the adapter hears what it sends",
+    return Failure(ExitCode::BrokenAnswer, Cause::Echo, "the adapter hears what it sends",
                    "use --echo, or switch the adapter's receiver off while it sends");
 }
 

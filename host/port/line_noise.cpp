@@ -28,12 +28,12 @@ QByteArray soundFrame(const QByteArray &bytes)
 } // namespace
 
 // What is different each time stands in the hint, so that a watch can count the error.
-Failure noiseFailure(const LineNoise &noise)
+Failure noiseFailure(const LineNoise &noise, bool isProtocolKnown)
 {
-    const QByteArray frame = soundFrame(noise.beginning);
+    const QByteArray frame = isProtocolKnown ? soundFrame(noise.beginning) : QByteArray();
     const QByteArray shown = frame.isEmpty() ? noise.beginning.left(kShownBytes) : frame;
     return Failure(
-        ExitCode::BrokenAnswer,
+        ExitCode::BrokenAnswer, Cause::LineNoise,
         "the line is never silent" + (frame.isEmpty() ? QString() : "; on it is a " + frameWords(frame)),
         filled("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
                "stations off the line one by one, and check baud rate, parity, termination and "

@@ -22,7 +22,8 @@ struct LineNoise
 };
 
 // What a request ends with that could not be sent.
-Failure noiseFailure(const LineNoise &noise);
+// Frames are looked for in it only where their protocol is known.
+Failure noiseFailure(const LineNoise &noise, bool isProtocolKnown = true);
 
 } // namespace host
 

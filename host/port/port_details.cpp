@@ -4,6 +4,7 @@
 #include "host/port/port_details.h"
 
 #include "host/base/failure.h"
+#include "host/base/options.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,9 +16,6 @@
 namespace host {
 
 namespace {
-
-// Milliseconds. An exchange waits for it four times, twice the pause that the driver keeps itself.
-constexpr int kGoodLatency = 2;
 
 QString withDirectory(const QString &name, const QString &root)
 {
@@ -44,11 +42,6 @@ QString nearestWith(const QString &entry, const QString &directory)
 QString classDirectory(const QString &root)
 {
     return root + "/sys/class/tty";
-}
-
-QString latencyFile(const QString &tty)
-{
-    return QString("/sys/bus/usb-serial/devices/%1/latency_timer").arg(tty);
 }
 
 std::optional<int> numberIn(const QString &name)
@@ -127,6 +120,9 @@ QStringList serialPorts(const QString &root)
 
 PortDetails portDetails(const QString &name, const QString &root)
 {
+    if (name.startsWith(kTcpPrefix))
+        throw Failure(ExitCode::PortUnusable, name + " is no port of this machine",
+                      "s7ppi doctor --port " + name + " looks at the port of a serial server");
     const QString device = withDirectory(name, root);
     const QFileInfo file(root + device);
     if (!file.exists())
@@ -144,7 +140,7 @@ PortDetails portDetails(const QString &name, const QString &root)
     port.isReadable = hasRight(file.filePath(), R_OK);
     port.isWritable = hasRight(file.filePath(), W_OK);
     port.holders = portHolders(file.filePath());
-    port.latency = numberIn(root + latencyFile(tty));
+    port.latency = numberIn(root + latencyFile(file.canonicalFilePath()));
     describeAdapter(port, QFileInfo(known + "/device").canonicalFilePath());
     return port;
 }
@@ -167,14 +163,17 @@ QString rightsText(const PortDetails &port)
         .arg(port.isReadable ? "" : "not ", port.isWritable ? "" : "not ", port.group);
 }
 
+// Nobody should join root: it may do everything.
+QString groupAdvice(const QString &group)
+{
+    if (group == "root" || group.isEmpty())
+        return "only root may use the port: let a udev rule give it to the group dialout, and join that";
+    return QString("join the port's group: sudo usermod -a -G %1 \"$USER\", and log in again").arg(group);
+}
+
 QString rightsAdvice(const PortDetails &port)
 {
-    if (port.isReadable && port.isWritable)
-        return QString();
-    if (port.group == "root" || port.group.isEmpty())
-        return "only root may use the port: let a udev rule give it to the group dialout";
-    return QString("join the port's group: sudo usermod -a -G %1 \"$USER\", and log in again")
-        .arg(port.group);
+    return port.isReadable && port.isWritable ? QString() : groupAdvice(port.group);
 }
 
 QString holderAdvice(const PortDetails &port)
@@ -187,7 +186,7 @@ QString latencyAdvice(const PortDetails &port)
     if (port.latency.value_or(0) <= kGoodLatency)
         return QString();
     return QString("answers wait for the adapter's timer: echo 1 | sudo tee %1")
-        .arg(latencyFile(QFileInfo(port.device).fileName()));
+        .arg(latencyFile(port.device));
 }
 
 QStringList portAdvice(const PortDetails &port)
@@ -195,6 +194,11 @@ QStringList portAdvice(const PortDetails &port)
     QStringList advice = {rightsAdvice(port), holderAdvice(port), latencyAdvice(port)};
     advice.removeAll(QString());
     return advice;
+}
+
+QString latencyFile(const QString &device)
+{
+    return QString("/sys/bus/usb-serial/devices/%1/latency_timer").arg(device.section('/', -1));
 }
 
 bool isPseudoTerminal(const QString &device)

@@ -46,6 +46,16 @@ QString adapterText(const PortDetails &port);
 // "readable and writable", "readable, not writable, group dialout"
 QString rightsText(const PortDetails &port);
 
+// The longest time, in milliseconds, for which an adapter may hold bytes back without being worth a word. An
+// exchange waits for it four times, twice the pause that the driver keeps itself.
+constexpr int kGoodLatency = 2;
+
+// The file with the time for which a port's adapter holds bytes back, which only some adapters have.
+QString latencyFile(const QString &device);
+
+// How a user who may not use a port of this group gets the right to.
+QString groupAdvice(const QString &group);
+
 // What is in the way of using the port, or slows it down, a line each; empty when nothing.
 QString rightsAdvice(const PortDetails &port);
 QString holderAdvice(const PortDetails &port);

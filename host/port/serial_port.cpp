@@ -4,43 +4,20 @@
 #include "host/port/serial_port.h"
 
 #include "host/base/files_in_use.h"
-#include "host/base/interruption.h"
 #include "host/port/lock_file.h"
 #include "host/port/port_details.h"
 #include "host/port/port_holder.h"
 #include "host/port/tty_settings.h"
 
-#include <QByteArray>
-#include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QVariant>
-
-#include <algorithm>
 
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 namespace host {
 
 namespace {
-
-// Waits are cut into slices so that a signal is seen soon; milliseconds.
-constexpr int kSlice = 50;
-
-// What ends a stretch of bytes that nobody asked for: adapters hand over what they received up to 16 ms late.
-constexpr int kSilence = 20;
-
-// What an answer may be late beyond the time that its bytes take on the line, behind a failed attempt.
-constexpr int kDelay = 50;
-
-constexpr int kBitsPerByte = 11; // on the line: start, data, parity and stop
-
-// How much is kept of what a line that is never silent brings.
-constexpr int kKeptNoise = 300;
 
 // Whether the file is a terminal at all. It is opened for a moment, without waiting for a carrier.
 bool isTerminal(const QString &name)
@@ -87,14 +64,13 @@ LineSettings settable(LineSettings line, const QString &name)
     return line;
 }
 
-const char kBusyHint[] = "another program has the port open: end it, or use another port";
+const char kBusyHint[] =
+    "another program has the port open: end it, or use another port, or let --wait-lock 1min wait for it";
 
-QString permissionHint(const QString &name)
+bool isAllowed(const QString &name)
 {
     const QFileInfo file(name);
-    if (file.isReadable() && file.isWritable())
-        return kBusyHint;
-    return "this user may not use the port: join its group, " + file.group();
+    return file.isReadable() && file.isWritable();
 }
 
 QString openHint(QSerialPort::SerialPortError error, const QString &name)
@@ -103,36 +79,21 @@ QString openHint(QSerialPort::SerialPortError error, const QString &name)
     case QSerialPort::DeviceNotFoundError:
         return "check the name and the plug; s7ppi without --port looks for USB adapters";
     case QSerialPort::PermissionError:
-        return permissionHint(name);
+        return isAllowed(name) ? QString(kBusyHint) : groupAdvice(QFileInfo(name).group());
     default:
         return "check that it is a serial port and takes these line settings";
     }
 }
 
-int slice(const QDeadlineTimer &deadline)
-{
-    return int(std::min<qint64>(deadline.remainingTime(), kSlice));
-}
-
 } // namespace
 
 SerialPort::SerialPort(const QString &name_, const LineSettings &line_, const Timing &timing_,
-                       Direction direction_)
-    : name(fullName(name_)), line(line_), timing(timing_), direction(direction_)
+                       const AdapterSettings &adapter_)
+    : Port(timing_, line_.baud), name(fullName(name_)), line(line_), adapter(adapter_)
 {
     claimFile(name, FileRole::Port);
     port.setPortName(name);
     open();
-}
-
-void SerialPort::reopen()
-{
-    port.close();
-    open();
-    lost = false;
-    isUnknown = true;
-    isRecovering = false;
-    pending = PendingAnswer();
 }
 
 void SerialPort::open()
@@ -142,8 +103,10 @@ void SerialPort::open()
     openLocked();
     dropBadParity(handle(), name);
     checkLine();
-    if (direction == Direction::ByKernel)
-        switchRs485(handle(), name);
+    if (adapter.rs485)
+        switchRs485(handle(), name, *adapter.rs485);
+    if (adapter.lowLatency)
+        lowerLatency(handle(), name, latencyFile(QFileInfo(name).canonicalFilePath()));
 }
 
 void SerialPort::openLocked()
@@ -154,7 +117,7 @@ void SerialPort::openLocked()
                       name + " cannot be opened: the empty lock file " + lockFileOf(name) + " is in the way",
                       "no program holds it, one that was killed has left it: remove it");
     if (!port.open(QIODevice::ReadWrite))
-        throw openFailure();
+        failToOpen();
 }
 
 void SerialPort::configure()
@@ -167,14 +130,16 @@ void SerialPort::configure()
     port.setFlowControl(QSerialPort::NoFlowControl);
 }
 
-Failure SerialPort::openFailure() const
+void SerialPort::failToOpen() const
 {
     QString reason = port.errorString();
     if (port.error() == QSerialPort::PermissionError)
         if (const QString holders = holderText(portHolders(name)); !holders.isEmpty())
             reason = "it is in use by " + holders;
-    return Failure(ExitCode::PortUnusable, name + " cannot be opened: " + reason,
-                   openHint(port.error(), name));
+    const QString text = name + " cannot be opened: " + reason;
+    if (port.error() == QSerialPort::PermissionError && isAllowed(name))
+        throw PortBusy(ExitCode::PortUnusable, text, kBusyHint);
+    throw Failure(ExitCode::PortUnusable, text, openHint(port.error(), name));
 }
 
 // Not every program locks a port that it uses, and two of them take each other's bytes. What holds the port's
@@ -185,8 +150,8 @@ void SerialPort::refuseSharing() const
         return;
     const QString holders = holderText(portHolders(name));
     if (!holders.isEmpty())
-        throw Failure(ExitCode::PortUnusable, name + " cannot be opened: it is in use by " + holders,
-                      kBusyHint);
+        throw PortBusy(ExitCode::PortUnusable, name + " cannot be opened: it is in use by " + holders,
+                       kBusyHint);
 }
 
 void SerialPort::checkLine()
@@ -199,172 +164,39 @@ void SerialPort::checkLine()
     note = lineDifference(line, achieved);
 }
 
-// When the time is up there is a last look: a busy machine may wake this program long after the bytes came.
-int SerialPort::receive(unsigned char *buffer, int maxLength)
+bool SerialPort::isThere() const
 {
-    const QDeadlineTimer deadline(receiveTime());
-    while (goesOn() && port.bytesAvailable() < maxLength && !deadline.hasExpired()) {
-        if (!port.waitForReadyRead(slice(deadline)))
-            noteError();
-    }
-    if (goesOn() && port.bytesAvailable() < maxLength && !port.waitForReadyRead(0))
-        noteError();
-    if (!goesOn())
-        return -1;
-    if (babble)
-        return 0;
-    const int length = int(port.read(reinterpret_cast<char *>(buffer), maxLength));
-    pending.received(QByteArray(reinterpret_cast<const char *>(buffer), std::max(0, length)));
-    return length;
+    return QFileInfo::exists(name);
 }
 
-int SerialPort::receiveTime() const
+Failure SerialPort::loss() const
 {
-    return babble ? 0 : std::max(timing.timeout - int(clearingTime), timing.timeout / 2);
-}
-
-int SerialPort::send(const unsigned char *data, int length)
-{
-    if (!goesOn() || babble || port.write(reinterpret_cast<const char *>(data), length) != length)
-        return -1;
-    pending.sent(QByteArray(reinterpret_cast<const char *>(data), length));
-    const QDeadlineTimer deadline(timing.timeout);
-    while (goesOn() && port.bytesToWrite() > 0 && !deadline.hasExpired()) {
-        if (!port.waitForBytesWritten(slice(deadline)))
-            noteError();
-    }
-    if (goesOn() && port.bytesToWrite() == 0 && tcdrain(port.handle()) == 0)
-        return length;
-    port.clear(QSerialPort::Output); // the rest of a frame must not go out in front of the next one
-    return -1;
-}
-
-bool SerialPort::setOption(int key, const QVariant & /*value*/)
-{
-    if (key != kClearInput || !goesOn())
-        return false;
-    babble.reset();
-    clearingTime = 0;
-    const bool isClean = !mayBeUnderWay();
-    isRecovering = isRecovering ? !pending.isAnswered() : pending.hasFailed();
-    if (!isClean)
-        clearUntilSilent();
-    else if (!port.clear(QSerialPort::Input))
-        noteError();
-    isUnknown = babble.has_value();
-    return goesOn();
-}
-
-bool SerialPort::hasReceived() const
-{
-    int waiting = 0; // in the kernel
-    return port.bytesAvailable() > 0 || (ioctl(handle(), FIONREAD, &waiting) == 0 && waiting > 0);
-}
-
-// The answer to what an earlier program, or an attempt that was given up, asked for may still be under way.
-// In front of the next answer it would be taken for that, and so would every answer after it. A controller
-// that was late acknowledges twice, the earlier request and this one.
-bool SerialPort::mayBeUnderWay() const
-{
-    return isUnknown || hasReceived() || pending.missing() > 0 || (isRecovering && pending.isAcknowledged());
-}
-
-// It is not silent as long as bytes wait in the kernel: a busy machine may have kept this program from them.
-// In the last quarter any gap will do: where other masters speak there may never be a longer one.
-void SerialPort::clearUntilSilent()
-{
-    const int limit = std::max(timing.timeout, 2 * kSilence);
-    QElapsedTimer time;
-    QElapsedTimer silence;
-    LineNoise noise;
-    time.start();
-    silence.start();
-    const auto needed = [&] { return time.elapsed() < limit * 3 / 4 ? neededSilence() : kSilence; };
-    const auto isSilent = [&] { return silence.elapsed() >= needed() && !hasReceived(); };
-    while (goesOn() && time.elapsed() < limit && !isSilent()) {
-        const QByteArray bytes = takeReceived(std::min(kSlice, needed() - int(silence.elapsed())));
-        if (bytes.isEmpty())
-            continue;
-        pending.received(bytes);
-        noise.count += bytes.size();
-        noise.beginning += bytes.left(kKeptNoise - int(noise.beginning.size()));
-        noise.milliseconds = time.elapsed();
-        silence.restart();
-    }
-    clearingTime = noise.milliseconds;
-    if (noise.count > 0 && !isSilent())
-        babble = noise;
-}
-
-// Returns what is there, or comes within the time.
-QByteArray SerialPort::takeReceived(int milliseconds)
-{
-    if (port.bytesAvailable() == 0 && !port.waitForReadyRead(std::max(0, milliseconds)))
-        noteError();
-    return port.readAll();
-}
-
-int SerialPort::neededSilence() const
-{
-    const int bytes = pending.missing();
-    return bytes > 0 ? lineTime(bytes) + kDelay : kSilence;
-}
-
-int SerialPort::lineTime(int bytes) const
-{
-    return bytes * kBitsPerByte * 1000 / std::max(line.baud, 1);
-}
-
-bool SerialPort::staysSilent()
-{
-    const QByteArray bytes = takeReceived(kSilence);
-    pending.received(bytes);
-    isUnknown = isUnknown || !bytes.isEmpty();
-    return bytes.isEmpty();
-}
-
-bool SerialPort::hearsItself()
-{
-    const QDeadlineTimer deadline(std::max(timing.timeout, 2 * kSilence));
-    while (goesOn() && pending.isEchoBegun() && !deadline.hasExpired())
-        pending.received(takeReceived(slice(deadline)));
-    return pending.isEcho();
-}
-
-int SerialPort::retry()
-{
-    return goesOn() ? timing.retries : 0;
-}
-
-int SerialPort::stationId()
-{
-    return timing.station;
-}
-
-int SerialPort::delay()
-{
-    return goesOn() ? timing.delay : 0;
-}
-
-// Asked for no event at all, poll() tells only of hang-ups and errors.
-void SerialPort::idle(int milliseconds)
-{
-    pollfd device = {int(port.handle()), 0, 0};
-    lost = lost || poll(&device, 1, milliseconds) > 0;
-}
-
-bool SerialPort::goesOn() const
-{
-    return !lost && interruptingSignal() == 0;
+    return Failure(ExitCode::PortLost, "the port is gone",
+                   "was the adapter unplugged? plug it in and start again, or let --reconnect wait for it");
 }
 
 // A wait that brought nothing ends with a time-out error; every other error means that the device
 // behind the port is gone.
-void SerialPort::noteError()
+bool SerialPort::takeError()
 {
     const QSerialPort::SerialPortError error = port.error();
-    lost = lost || (error != QSerialPort::NoError && error != QSerialPort::TimeoutError);
     port.clearError();
+    return error != QSerialPort::NoError && error != QSerialPort::TimeoutError;
+}
+
+bool SerialPort::clearInput()
+{
+    return port.clear(QSerialPort::Input);
+}
+
+void SerialPort::clearOutput()
+{
+    port.clear(QSerialPort::Output);
+}
+
+bool SerialPort::drain()
+{
+    return tcdrain(handle()) == 0;
 }
 
 } // namespace host

@@ -7,8 +7,9 @@
 
 namespace host {
 
-TracingPort::TracingPort(AbstractDeviceInterface &port_, const std::vector<FrameListener *> &listeners_)
-    : ForwardingPort(port_), listeners(listeners_)
+TracingPort::TracingPort(AbstractDeviceInterface &port_, const std::vector<FrameListener *> &listeners_,
+                         bool isProtocolKnown_)
+    : ForwardingPort(port_), listeners(listeners_), isProtocolKnown(isProtocolKnown_)
 {
 }
 
@@ -22,7 +23,8 @@ int TracingPort::receive(unsigned char *buffer, int maxLength)
     const int length = ForwardingPort::receive(buffer, maxLength);
     if (length > 0)
         pieces += QByteArray(reinterpret_cast<const char *>(buffer), length);
-    if (length < maxLength || int(pieces.size()) == frameSize(pieces))
+    const bool isWhole = isProtocolKnown && int(pieces.size()) == frameSize(pieces);
+    if (length < maxLength || isWhole)
         tellReceived();
     if (length <= 0)
         for (FrameListener *listener : listeners)

@@ -20,17 +20,21 @@ namespace host {
 class TracingPort : public ForwardingPort
 {
 public:
-    // The listeners must outlive the port.
-    TracingPort(AbstractDeviceInterface &port, const std::vector<FrameListener *> &listeners);
+    // The listeners must outlive the port. Where the protocol is not known a frame is whole when the driver
+    // sends again, receives too little, or is done.
+    TracingPort(AbstractDeviceInterface &port, const std::vector<FrameListener *> &listeners,
+                bool isProtocolKnown = true);
     ~TracingPort() override;
+
+    // Tells what was received and not told yet.
+    void tellReceived();
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
 
 private:
-    void tellReceived();
-
     std::vector<FrameListener *> listeners;
+    bool isProtocolKnown;
     QByteArray pieces;
 };
 

@@ -7,6 +7,7 @@
 #ifndef HOST_PORT_TTY_SETTINGS_H
 #define HOST_PORT_TTY_SETTINGS_H
 
+#include "host/base/options.h"
 #include "host/port/line_settings.h"
 
 #include <QString>
@@ -20,8 +21,12 @@ LineSettings settingsInForce(int descriptor);
 void dropBadParity(int descriptor, const QString &port);
 
 // Makes the port's driver switch an RS-485 transceiver by RTS: active while it sends. Fails, naming the port,
-// when the driver does not do that.
-void switchRs485(int descriptor, const QString &port);
+// when the driver does not do that, or does not wait as it is told.
+void switchRs485(int descriptor, const QString &port, const Rs485 &pauses);
+
+// Makes the adapter hand over at once what it receives: through the driver, or through the file in which some
+// drivers keep the time, which need not exist. Fails, naming the port, when neither does that.
+void lowerLatency(int descriptor, const QString &port, const QString &timerFile);
 
 } // namespace host
 

@@ -1,12 +1,14 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Draws the line of a trend as the path of an SVG picture.
+// Draws the curve of a value, and errors over time, as paths of SVG pictures.
 
 #ifndef HOST_RECORDING_TREND_CHART_H
 #define HOST_RECORDING_TREND_CHART_H
 
 #include "host/recording/recording.h"
+#include "host/recording/samples.h"
+#include "host/recording/statistics.h"
 
 #include <QString>
 
@@ -23,14 +25,28 @@ struct ChartFrame
     double top;
     int width;
     int height;
+    int margin = 0; // free on the left and on the right
 };
 
-// The frame of a chart whose scale begins and ends with round numbers.
-ChartFrame chartFrame(const Recording &recording, double least, double most);
+// The frame of a chart of these values, with room around its curve. Bits have all of both levels.
+ChartFrame chartFrame(const Recording &recording, const Trend &trend, bool isBit);
 
-// The path is of steps, because a value holds until the next. Gaps are left open. Where samples are closer
-// than the picture can show, the first, least, greatest and last of them stand for all.
-QString trendPath(const std::vector<RecordedSample> &samples, const ChartFrame &frame);
+// The frame of a chart that counts up to a number.
+ChartFrame countFrame(const Recording &recording, int most);
+
+double xOf(qint64 time, const ChartFrame &frame);
+double yOf(double value, const ChartFrame &frame);
+
+// The path is of steps, because a value holds until the next, the last one until the frame's end. Gaps are
+// left open. Where samples are closer than the picture can show, the first, least, greatest and last of them
+// stand for all. The samples must be in the order of their times.
+QString trendPath(const Samples &samples, const ChartFrame &frame);
+
+// Areas over the whole height where nothing is known of the value.
+QString gapPath(const Samples &samples, const ChartFrame &frame);
+
+// Bars side by side over all of the time.
+QString barPath(const std::vector<int> &counts, const ChartFrame &frame);
 
 } // namespace host
 

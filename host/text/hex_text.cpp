@@ -5,8 +5,11 @@
 
 #include "host/base/failure.h"
 
-#include <QRegularExpression>
 #include <QStringList>
+#include <QStringView>
+
+#include <algorithm>
+#include <string_view>
 
 namespace host {
 
@@ -15,32 +18,65 @@ namespace {
 const char kHint[] =
     "write bytes as two hexadecimal digits each, as 10 02 00 5c 5e 16, or 0x10,0x02, or 10:02";
 
-// One digit alone is a byte, when it says so: 0x5.
-QByteArray parseWord(const QString &word)
+bool isSeparator(QChar character)
 {
-    static const QRegularExpression digits("^[0-9A-Fa-f]*$");
-    const bool isMarked = word.startsWith("0x", Qt::CaseInsensitive);
-    const QString text = isMarked ? word.mid(2) : word;
-    if (!digits.match(text).hasMatch() || (isMarked && text.isEmpty()))
-        throw Failure(ExitCode::Usage, '"' + word + "\" is not hexadecimal", kHint);
-    if (isMarked && text.size() == 1)
-        return QByteArray::fromHex('0' + text.toLatin1());
-    if (text.size() % 2)
-        throw Failure(ExitCode::Usage, '"' + word + "\" is an odd number of digits", kHint);
-    return QByteArray::fromHex(text.toLatin1());
+    return std::u16string_view(u" \t\v\f\r,;:_-").find(character.unicode()) != std::u16string_view::npos;
+}
+
+// The value of a hexadecimal digit; -1 for any other character.
+int digitValue(QChar character)
+{
+    const auto code = character.unicode();
+    if (code >= '0' && code <= '9')
+        return code - '0';
+    const int letter = (code | 0x20) - 'a';
+    return code < 0x80 && letter >= 0 && letter < 6 ? 10 + letter : -1;
+}
+
+Failure unreadable(QStringView word, const char *complaint)
+{
+    return Failure(ExitCode::Usage, '"' + word.toString() + "\" is " + complaint, kHint);
+}
+
+// Appends the bytes of a word. One digit alone is a byte, when it says so: 0x5.
+void parseWord(QByteArray &bytes, QStringView word)
+{
+    const bool isMarked = word.startsWith(u"0x", Qt::CaseInsensitive);
+    const QStringView digits = isMarked ? word.mid(2) : word;
+    const bool isHex =
+        std::all_of(digits.begin(), digits.end(), [](QChar digit) { return digitValue(digit) >= 0; });
+    if (!isHex || digits.isEmpty())
+        throw unreadable(word, "not hexadecimal");
+    if (digits.size() % 2 && !(isMarked && digits.size() == 1))
+        throw unreadable(word, "an odd number of digits");
+    if (digits.size() == 1)
+        bytes += char(digitValue(digits.at(0)));
+    for (int i = 0; i + 1 < digits.size(); i += 2)
+        bytes += char(digitValue(digits.at(i)) << 4 | digitValue(digits.at(i + 1)));
+}
+
+// Appends the bytes of a line's words.
+void parseLine(QByteArray &bytes, QStringView line)
+{
+    for (int begin = 0; begin < line.size();) {
+        int end = begin;
+        while (end < line.size() && !isSeparator(line.at(end)))
+            ++end;
+        if (end > begin)
+            parseWord(bytes, line.mid(begin, end - begin));
+        begin = end + 1;
+    }
 }
 
 } // namespace
 
 QByteArray parseHex(const QString &text)
 {
-    static const QRegularExpression separators("[\\s,;:_-]+");
     QByteArray bytes;
     const QStringList lines = text.split('\n');
     for (const QString &line : lines) {
-        const QStringList words = line.section(": ", -1).split(separators, Qt::SkipEmptyParts);
-        for (const QString &word : words)
-            bytes += parseWord(word);
+        const int words = int(line.lastIndexOf(": "));
+        parseLine(bytes, QStringView(line).mid(words < 0 ? 0 : words + 2));
     }
     return bytes;
 }

@@ -16,4 +16,9 @@ Json jsonNumber(float number)
     return std::isfinite(number) ? Json(digits.toDouble()) : jsonText(digits);
 }
 
+Json jsonNumber(double number)
+{
+    return std::isfinite(number) ? Json(number) : jsonText(shortestText(number));
+}
+
 } // namespace host

@@ -20,9 +20,10 @@ inline Json jsonText(const QString &text)
     return text.toStdString();
 }
 
-// The number with as few digits as tell it apart. JSON has no numbers for "inf", "-inf" and "nan", which are
-// texts.
+// The number with digits that tell it apart, of a float as few as do. JSON has no numbers for "inf", "-inf"
+// and "nan", which are texts.
 Json jsonNumber(float number);
+Json jsonNumber(double number);
 
 } // namespace host
 

@@ -30,6 +30,13 @@ template <typename Number> int placesOf(Number number)
     return std::max(behindPoint - exponent, 0);
 }
 
+template <typename Number> QString shortestOf(Number number)
+{
+    char digits[32];
+    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
+    return QString::fromLatin1(digits, int(end.ptr - digits));
+}
+
 QString twoDigits(qint64 number)
 {
     return QString::number(number).rightJustified(2, '0');
@@ -47,9 +54,12 @@ QString shortNumber(double number)
 
 QString shortestText(float number)
 {
-    char digits[32];
-    const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits, number);
-    return QString::fromLatin1(digits, int(end.ptr - digits));
+    return shortestOf(number);
+}
+
+QString shortestText(double number)
+{
+    return shortestOf(number);
 }
 
 int decimalPlaces(float number)
@@ -60,6 +70,15 @@ int decimalPlaces(float number)
 int decimalPlaces(double number)
 {
     return placesOf(number);
+}
+
+double roundStep(double number)
+{
+    const double power = std::pow(10, std::floor(std::log10(number)));
+    for (const double factor : {1.0, 2.0, 5.0})
+        if (factor * power >= number)
+            return factor * power;
+    return 10 * power;
 }
 
 QString durationText(qint64 milliseconds)

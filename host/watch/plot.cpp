@@ -3,18 +3,25 @@
 
 #include "host/watch/plot.h"
 
-#include "host/text/number_text.h"
+#include "host/text/fitted_text.h"
+#include "host/watch/axis.h"
+
+#include <QLocale>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <map>
 #include <optional>
+#include <utility>
 
 namespace host {
 
 namespace {
 
-constexpr double kSlots = 1000; // of a span; samples of one slot become one
+constexpr size_t kMostSamples = 1000;
 constexpr int kLeastPlotRows = 2;
+constexpr int kRowsForAxisLine = 12;
 constexpr int kLeastPlotColumns = 10;
 
 // A picture in dots, several of which make one character.
@@ -89,6 +96,7 @@ QString Canvas::line(int row) const
     return text;
 }
 
+// The times and values that the canvas spans.
 struct Scale
 {
     double begin, end;  // seconds
@@ -113,7 +121,13 @@ using Samples = std::deque<PlotSample>;
 struct Range
 {
     double low, high;
+    bool isWhole; // no value has a fraction
 };
+
+bool isWhole(double value)
+{
+    return std::floor(value) == value;
+}
 
 std::optional<Range> rangeOf(const Samples &samples, double begin)
 {
@@ -124,17 +138,14 @@ std::optional<Range> rangeOf(const Samples &samples, double begin)
         if (sample.isGap || isOver)
             continue;
         const bool held = sample.time < begin;
-        const Range own = {held ? sample.last : sample.low, held ? sample.last : sample.high};
-        range = range ? Range{std::min(range->low, own.low), std::max(range->high, own.high)} : own;
+        const double low = held ? sample.last : sample.low;
+        const double high = held ? sample.last : sample.high;
+        const Range own = {low, high, isWhole(low) && isWhole(high) && isWhole(sample.last)};
+        range = range ? Range{std::min(range->low, own.low), std::max(range->high, own.high),
+                              range->isWhole && own.isWhole}
+                      : own;
     }
     return range;
-}
-
-// A curve of one level alone lies in the middle.
-Scale scaleFor(const Range &range, double now, double span)
-{
-    const double room = range.high > range.low ? 0 : std::max(1.0, std::abs(range.low) * 0.1);
-    return {now - span, now, range.low - room, range.high + room};
 }
 
 void draw(Canvas &canvas, const Samples &samples, const Scale &scale)
@@ -164,63 +175,114 @@ struct Sheet
 {
     double now, span;
     int columns;
+    int scaleWidth; // of the numbers on the left
     PlotGlyphs glyphs;
 
-    QChar wall() const { return glyphs == PlotGlyphs::Braille ? QChar(0x2502) : QChar('|'); }
+    // The room that is left for the curves.
+    int plotColumns() const { return std::max(1, columns - scaleWidth - 2); }
+
+    QString glyph(char ascii, const char *utf8) const
+    {
+        return glyphs == PlotGlyphs::Braille ? QString::fromUtf8(utf8) : QString(QChar(ascii));
+    }
+    QString wall() const { return glyph('|', "\u2502"); }
 };
 
-constexpr int kScaleWidth = 10;
+constexpr int kLeastScaleWidth = 10;
+constexpr int kColumnsPerTime = 12; // a time along the axis, and the room beside it
 
-int plotColumns(const Sheet &sheet)
+// A curve with its room: a line for the title, and others to draw in.
+struct Panel
 {
-    return std::max(1, sheet.columns - kScaleWidth - 2);
+    const PlotCurve &curve;
+    std::optional<Range> range;
+    ValueAxis axis;
+    int rows;
+};
+
+Panel panelFor(const PlotCurve &curve, double begin, int rows)
+{
+    const std::optional<Range> range = rangeOf(curve.samples, begin);
+    if (!range)
+        return {curve, range, {0, 0, {}}, rows};
+    const int mostMarks = std::max(2, rows * 2 / 3);
+    const ValueAxis axis = curve.isBit ? valueAxis(0, 1, true, 2)
+                                       : valueAxis(range->low, range->high, range->isWhole, mostMarks);
+    return {curve, range, axis, rows};
 }
 
-QStringList emptyPlot(const Sheet &sheet, int rows)
+int scaleWidthFor(const std::vector<Panel> &panels)
 {
+    int width = kLeastScaleWidth;
+    for (const Panel &panel : panels)
+        for (const AxisMark &mark : panel.axis.marks)
+            width = std::max(width, int(mark.text.size()));
+    return width;
+}
+
+QStringList panelPlot(const Panel &panel, const Sheet &sheet)
+{
+    const int rows = panel.rows - 1;
+    const Scale scale = {sheet.now - sheet.span, sheet.now, panel.axis.bottom, panel.axis.top};
+    Canvas canvas(sheet.plotColumns(), rows, sheet.glyphs);
+    if (panel.range)
+        draw(canvas, panel.curve.samples, scale);
+    std::map<int, QString> marks; // by their rows
+    for (const AxisMark &mark : panel.axis.marks)
+        marks[scale.y(mark.place, canvas) * rows / canvas.height()] = mark.text;
     QStringList lines;
     for (int row = 0; row < rows; ++row)
-        lines << QString(kScaleWidth + 1, ' ') + sheet.wall();
-    return lines;
-}
-
-QStringList curvePlot(const Samples &samples, const Range &range, const Sheet &sheet, int rows)
-{
-    const Scale scale = scaleFor(range, sheet.now, sheet.span);
-    Canvas canvas(plotColumns(sheet), rows, sheet.glyphs);
-    draw(canvas, samples, scale);
-    QStringList lines;
-    for (int row = 0; row < rows; ++row) {
-        const QString mark = row == 0          ? shortNumber(scale.top)
-                             : row == rows - 1 ? shortNumber(scale.bottom)
-                                               : QString();
-        lines << trimmedEnd(mark.right(kScaleWidth).rightJustified(kScaleWidth) + ' ' + sheet.wall() +
+        lines << trimmedEnd(marks[row].rightJustified(sheet.scaleWidth) + ' ' + sheet.wall() +
                             canvas.line(row));
-    }
     return lines;
 }
 
-QStringList curveLines(const PlotCurve &curve, const Sheet &sheet, int rows)
+QString exactText(double number)
 {
-    const std::optional<Range> range = rangeOf(curve.samples, sheet.now - sheet.span);
-    QString title = curve.label + "  " + curve.value;
-    if (range && range->high > range->low)
-        title += "   " + shortNumber(range->low) + " to " + shortNumber(range->high);
-    return QStringList(trimmedEnd(title.left(sheet.columns))) +
-           (range ? curvePlot(curve.samples, *range, sheet, rows - 1) : emptyPlot(sheet, rows - 1));
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
 }
 
-QString spanText(double span)
+// The label gives way to the value, and the range to both.
+QString panelTitle(const Panel &panel, int columns)
 {
-    return span < 120 ? QString("-%1 s").arg(span) : QString("-%1 min").arg(span / 60);
+    const QString value = shortened(panel.curve.value, columns);
+    const QString plain = panel.curve.label + "  " + value;
+    const QString range = panel.range && panel.range->high > panel.range->low
+                              ? "   " + exactText(panel.range->low) + " to " + exactText(panel.range->high)
+                              : QString();
+    const int room = columns - int(value.size()) - 2;
+    const QString least = room > 0 ? withoutMiddle(panel.curve.label, room) + "  " + value : value;
+    return trimmedEnd(firstThatFits({plain + range, plain, least}, columns));
 }
 
-QString timeAxis(const Sheet &sheet)
+// Where a time lies along the axis.
+int columnOf(double time, const Sheet &sheet)
 {
-    const QString begin = spanText(sheet.span);
-    const int room = plotColumns(sheet) - int(begin.size());
-    return (QString(kScaleWidth + 2, ' ') + begin + QString("now").rightJustified(std::max(room, 4)))
-        .left(sheet.columns);
+    const int last = sheet.plotColumns() - 1;
+    return std::clamp(int(std::lround((1 - time / sheet.span) * last)), 0, last);
+}
+
+QStringList timeAxis(const Sheet &sheet, bool hasLine)
+{
+    const int columns = sheet.plotColumns();
+    const QString margin(sheet.scaleWidth + 1, ' ');
+    QString texts(columns, ' ');
+    QString line = sheet.glyph('-', "\u2500").repeated(columns);
+    int free = columns + 1; // in front of what stands there already
+    for (const AxisMark &mark : timeMarks(sheet.span, std::max(1, columns / kColumnsPerTime))) {
+        const int column = columnOf(mark.place, sheet);
+        const auto size = int(mark.text.size());
+        const int begin = std::clamp(column - size / 2, 0, std::max(0, columns - size));
+        if (begin + size >= free)
+            continue;
+        texts.replace(begin, size, mark.text);
+        line.replace(column, 1, sheet.glyph('+', "\u252c"));
+        free = begin;
+    }
+    QStringList lines;
+    if (hasLine)
+        lines << margin + sheet.glyph('+', "\u2514") + line;
+    return lines << trimmedEnd(margin + ' ' + texts);
 }
 
 } // namespace
@@ -235,36 +297,56 @@ void PlotHistory::addGap(double time)
     put({time, 0, 0, 0, true});
 }
 
+// Samples of one slot become one. Of values and a gap in the same slot the later ones stand behind.
 void PlotHistory::put(const PlotSample &sample)
 {
-    const auto slot = [this](double time) { return std::floor(time / span * kSlots); };
-    const bool isNewSlot = kept.empty() || slot(kept.back().time) != slot(sample.time);
-    if (isNewSlot || kept.back().isGap != sample.isGap) {
-        kept.push_back(sample);
-    } else if (!sample.isGap) {
-        kept.back().low = std::min(kept.back().low, sample.low);
-        kept.back().high = std::max(kept.back().high, sample.high);
-        kept.back().last = sample.last;
+    PlotSample merged = sample;
+    for (size_t back = 1; back <= 2 && back <= kept.size(); ++back) {
+        const auto found = kept.end() - ptrdiff_t(back);
+        if (slotOf(found->time) != slotOf(sample.time) || found->isGap != sample.isGap)
+            continue;
+        merged.time = back == 1 ? found->time : sample.time;
+        merged.low = std::min(found->low, sample.low);
+        merged.high = std::max(found->high, sample.high);
+        kept.erase(found);
+        break;
     }
+    kept.push_back(merged);
     while (kept.size() > 1 && kept.at(1).time < sample.time - span)
         kept.pop_front();
+    if (kept.size() > kMostSamples)
+        widenSlots();
+}
+
+void PlotHistory::widenSlots()
+{
+    slotWidth *= 2;
+    const std::deque<PlotSample> narrow = std::exchange(kept, {});
+    for (const PlotSample &sample : narrow)
+        put(sample);
 }
 
 QStringList plotLines(const std::vector<PlotCurve> &curves, double now, double span, int columns, int rows,
                       PlotGlyphs glyphs)
 {
-    const Sheet sheet = {now, span, columns, glyphs};
     const int perCurve = 1 + kLeastPlotRows;
     const auto count = int(curves.size());
-    const bool haveAllRoom = rows - 1 >= count * perCurve;
-    const int room = haveAllRoom ? rows - 1 : rows - 2;
+    const bool hasAxisLine = rows >= kRowsForAxisLine;
+    const int ends = hasAxisLine ? 2 : 1;
+    const bool haveAllRoom = rows - ends >= count * perCurve;
+    const int room = rows - ends - (haveAllRoom ? 0 : 1);
     const int shown = std::min(count, room / perCurve);
-    if (shown < 1 || plotColumns(sheet) < kLeastPlotColumns)
+    std::vector<Panel> panels;
+    panels.reserve(size_t(std::max(shown, 0)));
+    for (int i = 0; i < shown; ++i)
+        panels.push_back(panelFor(curves.at(size_t(i)), now - span, room / shown));
+    const Sheet sheet = {now, span, columns, scaleWidthFor(panels), glyphs};
+    if (panels.empty() || sheet.plotColumns() < kLeastPlotColumns)
         return QStringList(QString("no room to draw").left(columns)).mid(0, std::max(rows, 0));
     QStringList lines;
-    for (int i = 0; i < shown; ++i)
-        lines << curveLines(curves.at(size_t(i)), sheet, room / shown);
-    lines << timeAxis(sheet);
+    for (const Panel &panel : panels)
+        lines << panelTitle(panel, columns) << panelPlot(panel, sheet);
+    lines << timeAxis(sheet, hasAxisLine);
     if (shown < count)
         lines << QString("... and %1 more").arg(count - shown).left(columns);
     return lines;

@@ -3,10 +3,13 @@
 //
 // Curves of values over time, drawn in characters.
 //
-//   Boiler  61.5 °C   58 to 64
-//    64 |      .:'
-//    58 |......'
-//        -5 min                now
+//   Boiler  61.5 °C   58.2 to 63.9
+//    64 |                 .:'
+//    62 |        .........:
+//    60 |       .'
+//    58 |......:'
+//       +----+-------+-------+
+//         -40 s   -20 s    now
 
 #ifndef HOST_WATCH_PLOT_H
 #define HOST_WATCH_PLOT_H
@@ -14,6 +17,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cmath>
 #include <deque>
 #include <vector>
 
@@ -29,7 +33,8 @@ struct PlotSample
     bool isGap; // nothing is known from here on
 };
 
-// The samples of the last while. However many are added, so few are kept that a screen can just show them.
+// The samples of the last while. However many are added, so few are kept that a screen can just show them:
+// the shorter the time since the first one, the closer they lie to each other.
 class PlotHistory
 {
 public:
@@ -46,8 +51,11 @@ public:
 
 private:
     void put(const PlotSample &sample);
+    void widenSlots();
+    double slotOf(double time) const { return std::floor(time / slotWidth); }
 
     double span;
+    double slotWidth = 0.001; // seconds
     std::deque<PlotSample> kept;
 };
 
@@ -56,12 +64,14 @@ struct PlotCurve
     QString label;
     QString value; // the last one as text
     const std::deque<PlotSample> &samples;
+    bool isBit = false; // its scale is 0 and 1
 };
 
 enum class PlotGlyphs { Braille, Ascii };
 
-// The curves one below the other, and the axis of the time; no line longer than the columns, no more lines
-// than rows. Curves that have no room are counted in a line of their own.
+// The curves one below the other, and the axis of the time, which has a line of its own where there are rows
+// for it; no line longer than the columns, no more lines than rows. Curves that have no room are counted in a
+// line of their own. span: in seconds, more than 0.
 QStringList plotLines(const std::vector<PlotCurve> &curves, double now, double span, int columns, int rows,
                       PlotGlyphs glyphs);
 

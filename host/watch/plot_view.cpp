@@ -18,7 +18,7 @@ namespace host {
 
 namespace {
 
-constexpr int kTitleRows = 2; // the title, and a line that is mostly blank
+constexpr double kLeastSpan = 1; // seconds; the picture grows from there to its whole span
 
 // Seconds from one picture to the next: answers come faster than anyone can see, and without any the
 // curves go on all the same.
@@ -27,7 +27,7 @@ constexpr double kLongestPause = 0.5;
 
 bool isDrawable(const Tag &tag)
 {
-    return tag.item.type != ValueType::Hex && tag.item.type != ValueType::Str;
+    return tag.item.type != ValueType::Hex && !isText(tag.item.type);
 }
 
 bool hasName(const Tag &tag, const QString &name)
@@ -37,7 +37,8 @@ bool hasName(const Tag &tag, const QString &name)
 
 QString keyOf(const Tag &tag)
 {
-    return tag.label() + '\n' + tag.item.place() + '\n' + typeName(tag.item.type);
+    return QStringList({tag.label(), tag.item.place(), tag.item.typeText(), QString::number(tag.item.count)})
+        .join('\n');
 }
 
 QStringList labelsOf(const std::vector<Tag> &tags)
@@ -82,10 +83,10 @@ PlotView::PlotView(const QString &title_, const std::vector<Tag> &tags, double s
     clock.start();
     for (const Tag &tag : tags) {
         firstCurves[keyOf(tag)] = int(curves.size());
-        for (int i = 0; i < tag.item.count; ++i) {
-            const QString number = tag.item.count > 1 ? QString("[%1]").arg(i) : QString();
-            curves.push_back({tag.label() + number, QString(), PlotHistory(span)});
-        }
+        const bool isBit = tag.item.type == ValueType::Bool;
+        for (int i = 0; i < tag.item.count; ++i)
+            curves.push_back(
+                {tag.item.count > 1 ? valueLabel(tag, i) : tag.label(), QString(), PlotHistory(span), isBit});
     }
 }
 
@@ -96,7 +97,7 @@ void PlotView::answered(const Watch & /*watch*/, const WatchedItem &item, const 
     const int first = firstCurves.value(keyOf(item.tag), -1);
     for (size_t i = 0; first >= 0 && i < reading.values.size(); ++i) {
         Curve &curve = curves.at(size_t(first) + i);
-        curve.value = shownText(item.tag, {reading.values.at(i)});
+        curve.value = valueLines(item.tag, item.values.mid(int(i), 1)).front().text;
         const std::optional<double> number = shownNumber(item.tag, reading.values.at(i));
         if (number)
             curve.history.add(now(), *number);
@@ -131,6 +132,11 @@ void PlotView::tell(const Watch & /*watch*/, const QString &text)
     draw();
 }
 
+void PlotView::leave(const Watch &watch)
+{
+    screen.leave(pictureBelow(lastHeadLines(title, watch, screen.columns())));
+}
+
 void PlotView::drawSometimes()
 {
     if (drawnAt < 0 || now() - drawnAt > kLeastPause)
@@ -140,14 +146,17 @@ void PlotView::drawSometimes()
 void PlotView::draw()
 {
     screen.takeResize();
+    screen.show(pictureBelow(headLines(title, QString(), lastMessage, screen.columns())));
+}
+
+QStringList PlotView::pictureBelow(const QStringList &head)
+{
     drawnAt = now();
     std::vector<PlotCurve> shown;
     for (const Curve &curve : curves)
-        shown.push_back({curve.label, curve.value, curve.history.samples()});
-    const int columns = screen.columns();
-    QStringList lines = {title.left(columns), lastMessage.left(columns)};
-    lines << plotLines(shown, drawnAt, span, columns, screen.rows() - kTitleRows, glyphs);
-    screen.show(lines);
+        shown.push_back({curve.label, curve.value, curve.history.samples(), curve.isBit});
+    return head + plotLines(shown, drawnAt, std::clamp(drawnAt, kLeastSpan, span), screen.columns(),
+                            screen.rows() - int(head.size()), glyphs);
 }
 
 } // namespace host

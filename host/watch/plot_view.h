@@ -26,7 +26,7 @@ std::vector<Tag> drawableTags(const std::vector<Tag> &tags, const QStringList &n
 class PlotView : public View
 {
 public:
-    // title: the line above the curves; span: how much they show, in seconds.
+    // title: the line above the curves; span: how much they show, in seconds, when there is as much.
     PlotView(const QString &title, const std::vector<Tag> &tags, double span);
 
     void answered(const Watch &watch, const WatchedItem &item, const Reading &reading,
@@ -35,17 +35,24 @@ public:
     void idle(const Watch &watch) override;
     void tell(const Watch &watch, const QString &text) override;
 
+    // Leaves the last picture among what the terminal shows.
+    void leave(const Watch &watch) override;
+
 private:
     struct Curve
     {
         QString label;
         QString value;
         PlotHistory history;
+        bool isBit;
     };
 
     double now() const { return double(clock.elapsed()) / 1000; }
     void drawSometimes();
     void draw();
+
+    // The head with the curves below it, as they are now, on as many rows as the screen has.
+    QStringList pictureBelow(const QStringList &head);
 
     TerminalScreen screen;
     QElapsedTimer clock;
@@ -53,7 +60,7 @@ private:
     double span;
     PlotGlyphs glyphs;
     std::vector<Curve> curves;
-    QHash<QString, int> firstCurves; // of an item, by its label, address and type
+    QHash<QString, int> firstCurves; // of an item, by its label, address, type and count
     QString lastMessage;             // what happened last; until the next answer
     double drawnAt = -1;
 };

@@ -4,9 +4,10 @@
 #include "host/watch/recorder.h"
 
 #include "host/output/forms.h"
+#include "host/text/time_text.h"
 
-#include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <memory>
@@ -17,22 +18,10 @@ namespace host {
 namespace {
 
 const Schema kSchema = {
-    "watch", 1, "samples", {"time", "name", "address", "type", "index", "value", "unit", "ms", "error"}};
-
-// Local time with its distance from UTC: 2026-11-21T10:07:50.123+01:00
-QString timeText(std::chrono::system_clock::time_point time)
-{
-    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
-    const QDateTime local = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
-    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
-}
-
-Json withTime(const QString &time, const Json &fields)
-{
-    Json record = {{"time", time.toStdString()}};
-    record.update(fields);
-    return record;
-}
+    "watch",
+    1,
+    "samples",
+    {"time", "name", "address", "type", "index", "value", "unit", "ms", "error", "port", "station"}};
 
 // The answer time in milliseconds, to a tenth of one.
 double milliseconds(WatchDuration time)
@@ -43,6 +32,15 @@ double milliseconds(WatchDuration time)
 
 // Lines of text begin with the time.
 const char kTextBeginning[] = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}";
+
+// Each line has time and address, so that one is enough for a search.
+QString textLines(const QString &time, const WatchedItem &item)
+{
+    QStringList lines;
+    for (const ValueLine &line : valueLines(item.tag, item.values))
+        lines << time + ' ' + line.label + ' ' + line.text;
+    return lines.join('\n');
+}
 
 std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Schema &schema,
                                        const Rotation &rotation)
@@ -62,8 +60,8 @@ std::unique_ptr<OutputSink> recordSink(const OutputOptions &options, const Schem
 
 } // namespace
 
-Recorder::Recorder(const Options &options, const std::vector<Tag> &tags, bool all_, const Rotation &rotation)
-    : Recorder(options, withSource(withStation(kSchema, hasStations(tags)), options), all_, rotation)
+Recorder::Recorder(const Options &options, bool all_, const Rotation &rotation)
+    : Recorder(options, withSource(kSchema, options), all_, rotation)
 {
 }
 
@@ -77,15 +75,20 @@ bool Recorder::isOnStdout(const OutputOptions &options)
     return !options.output && formatOf(options, kSchema) != Format::Text;
 }
 
-void Recorder::answered(const Watch & /*watch*/, const WatchedItem &item, const Reading &reading,
-                        WatchNews news)
+void Recorder::answered(const Watch &watch, const WatchedItem &item, const Reading &reading, WatchNews news)
 {
     if (!all && news == WatchNews::None)
         return;
-    const QString time = timeTextOf(reading.time);
-    Json record = withTime(time, tagRecord(item.tag, reading.values));
+    const Origin origin = originOf(watch, item, reading.time);
+    Json record = tagRecord(origin, item.tag, reading.values);
     record["ms"] = milliseconds(reading.answerTime);
-    output.write(record, time + ' ' + item.tag.label() + ' ' + item.values);
+    output.write(record, textLines(origin.time, item));
+}
+
+Origin Recorder::originOf(const Watch &watch, const WatchedItem &item,
+                          std::chrono::system_clock::time_point time)
+{
+    return {timeTextOf(time), watch.port, item.tag.item.station.value_or(watch.station)};
 }
 
 // What came with one request has one time. Qt looks at the file of the time zone for each text.
@@ -98,11 +101,11 @@ const QString &Recorder::timeTextOf(std::chrono::system_clock::time_point time)
     return lastTimeText;
 }
 
-void Recorder::failed(const Watch & /*watch*/, const WatchedItem &item, const Failure &failure, bool isNews)
+void Recorder::failed(const Watch &watch, const WatchedItem &item, const Failure &failure, bool isNews)
 {
     if (all || isNews)
         output.writeUnlessText(
-            withTime(timeText(std::chrono::system_clock::now()), tagErrorRecord(item.tag, failure.text())));
+            tagErrorRecord(originOf(watch, item, std::chrono::system_clock::now()), item.tag, failure));
 }
 
 } // namespace host

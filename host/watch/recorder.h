@@ -23,7 +23,7 @@ class Recorder : public View
 public:
     // all: every poll is recorded, not only changes. A file grows by every record, but for a document of
     // json, which is one whole; there is no rotation then.
-    Recorder(const Options &options, const std::vector<Tag> &tags, bool all, const Rotation &rotation);
+    Recorder(const Options &options, bool all, const Rotation &rotation);
 
     // Whether stdout is for programs, by the form that the data have there.
     static bool isOnStdout(const OutputOptions &options);
@@ -38,6 +38,7 @@ public:
 private:
     Recorder(const Options &options, const Schema &schema, bool all, const Rotation &rotation);
 
+    Origin originOf(const Watch &watch, const WatchedItem &item, std::chrono::system_clock::time_point time);
     const QString &timeTextOf(std::chrono::system_clock::time_point time);
 
     Output output;

@@ -3,12 +3,15 @@
 //
 // Watched items as a table on the terminal, in place.
 //
-//   ADDRESS  VALUE        CHANGED  ATTEMPTS  ERRORS  LAST ERROR
-//   VB100    17 34 51 68  *             12       0
-//   T37      (300)        8 s           14       1  plc no response
+//   ADDRESS  VALUE        CHANGED     ATTEMPTS  ERRORS  LAST ERROR
+//   VB100    17 34 51 68  3 s ago           12       0
+//   T37      (300)        never             14       1  plc no response
 //
-// CHANGED is * when the last answer brought other values than the one before, otherwise how long ago that
-// happened, or - when it never did. Values in parentheses are old: the last poll failed.
+// CHANGED is how long ago an answer brought other values than the one before. Values in parentheses are old:
+// the last poll failed.
+//
+// A screen that is too narrow shows the error below its item, and fewer values of an array in a line; then
+// ATTEMPTS, ERRORS and CHANGED are left out, in this order. Values are shortened last, and never cut.
 
 #ifndef HOST_WATCH_TABLE_VIEW_H
 #define HOST_WATCH_TABLE_VIEW_H
@@ -16,12 +19,14 @@
 #include "host/watch/terminal_screen.h"
 #include "host/watch/view.h"
 
+#include <QElapsedTimer>
 #include <QString>
 #include <QStringList>
 
 namespace host {
 
-// The table's lines, cut to a screen's columns; when there are more items than rows, the last line says so.
+// The table's lines for a screen of this size. Items that have no row are counted in the last line, values
+// that have none behind the others.
 QStringList watchTable(const Watch &watch, WatchTime now, int columns, int rows);
 
 class TableView : public View
@@ -36,12 +41,17 @@ public:
     void idle(const Watch &watch) override;
     void tell(const Watch &watch, const QString &text) override;
 
+    // Leaves the whole table among what the terminal shows.
+    void leave(const Watch &watch) override;
+
 private:
     void draw(const Watch &watch);
 
     TerminalScreen screen;
     QString title;
-    QString lastMessage; // what happened last; until the next answer
+    QString lastMessage;  // what happened last; until the next answer
+    bool hasNews = false; // that the screen does not show yet
+    QElapsedTimer sinceDrawn;
 };
 
 } // namespace host

@@ -4,7 +4,10 @@
 #include "host/watch/terminal_screen.h"
 
 #include "common/terminal_text.h"
+#include "host/base/colour.h"
+#include "host/base/failure.h"
 #include "host/base/interruption.h"
+#include "host/base/messages.h"
 
 #include <QByteArray>
 #include <QRegularExpression>
@@ -13,6 +16,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <utility>
 
 #define NCURSES_NOMACROS
 #include <curses.h>
@@ -84,10 +88,30 @@ TerminalScreen::TerminalScreen()
 
 TerminalScreen::~TerminalScreen()
 {
+    giveBack();
+}
+
+void TerminalScreen::giveBack()
+{
+    if (!handle)
+        return;
     flushinp();
     endwin();
     setLastResort(nullptr);
-    delscreen(handle);
+    delscreen(std::exchange(handle, nullptr));
+}
+
+// A terminal without a second screen would show the picture twice.
+void TerminalScreen::leave(const QStringList &lines)
+{
+    if (capability("rmcup").isEmpty())
+        show({});
+    giveBack();
+    try {
+        printText(lines.join('\n') + '\n');
+    } catch (const Failure &) { // a terminal that is gone shows nothing any more, and has shown it all
+    } catch (const Interrupted &) {
+    }
 }
 
 int TerminalScreen::columns() const
@@ -111,12 +135,18 @@ bool TerminalScreen::takeResize()
 
 void TerminalScreen::show(const QStringList &lines)
 {
+    const bool hasColour = wantsColour(kOutput);
     werase(stdscr);
     const int count = std::min(int(lines.size()), rows());
     for (int row = 0; row < count; ++row) {
         const QString line = common::visibleText(lines.at(row)).left(columns());
-        mvwaddnstr(stdscr, row, 0, line.toLocal8Bit().constData(), -1);
+        wmove(stdscr, row, 0);
+        for (const TextPart &part : partsOf(line)) {
+            wattrset(stdscr, part.isEscape && hasColour ? A_DIM : A_NORMAL);
+            waddnstr(stdscr, part.text.toLocal8Bit().constData(), -1);
+        }
     }
+    wattrset(stdscr, A_NORMAL);
     wrefresh(stdscr);
 }
 

@@ -33,11 +33,17 @@ public:
     // Follows a change of the terminal's size; false when there was none.
     bool takeResize();
 
-    // Replaces everything. Lines that have no room are left out.
+    // Replaces everything. Lines that have no room are left out. Escapes, as \x00, are dim where there are
+    // colours.
     void show(const QStringList &lines);
 
+    // Gives the terminal back and prints the lines there, where they stay, with the cursor below them.
+    void leave(const QStringList &lines);
+
 private:
-    ::screen *handle;
+    void giveBack();
+
+    ::screen *handle; // null when the terminal has been given back
 };
 
 } // namespace host

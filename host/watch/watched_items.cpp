@@ -62,10 +62,13 @@ QString rateLine(const Watch &watch)
 QString percentileLine(const Watch &watch)
 {
     const AnswerTimes &times = watch.answerTimes;
-    return QString("answer time: p50 %1, p90 %2, p99 %3, longest %4 ms; the plan expected %5 ms")
-        .arg(shortMilliseconds(times.percentile(50)), shortMilliseconds(times.percentile(90)),
-             shortMilliseconds(times.percentile(99)), shortMilliseconds(times.longest()),
-             shortMilliseconds(watch.expectedTime / times.count()));
+    QString line = QString("answer time: p50 %1, p90 %2, p99 %3, longest %4 ms")
+                       .arg(shortMilliseconds(times.percentile(50)), shortMilliseconds(times.percentile(90)),
+                            shortMilliseconds(times.percentile(99)), shortMilliseconds(times.longest()));
+    if (watch.expectedTime == WatchDuration::zero()) // raw addresses have no plan
+        return line;
+    return line +
+           QString("; the plan expected %1 ms").arg(shortMilliseconds(watch.expectedTime / times.count()));
 }
 
 // Says of one group only what is unusual.
@@ -89,15 +92,15 @@ QStringList latenessLines(const Watch &watch)
 
 WatchedItem::WatchedItem(const Tag &tag_) : tag(tag_) {}
 
-WatchNews WatchedItem::answered(const QString &newValues, WatchTime now)
+WatchNews WatchedItem::answered(const QStringList &newValues, WatchTime now)
 {
     const bool isFirst = values.isEmpty();
     const bool hasRecovered = std::exchange(isFailing, false);
-    hasJustChanged = !isFirst && values != newValues;
+    const bool hasChanged = !isFirst && values != newValues;
     values = newValues;
-    if (hasJustChanged)
+    if (hasChanged)
         changedAt = now;
-    if (isFirst || hasJustChanged)
+    if (isFirst || hasChanged)
         return WatchNews::Changed;
     return hasRecovered ? WatchNews::Recovered : WatchNews::None;
 }

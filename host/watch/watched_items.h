@@ -30,16 +30,15 @@ public:
     explicit WatchedItem(const Tag &tag);
 
     // Takes note of a poll that brought values. The first values count as changed.
-    WatchNews answered(const QString &values, WatchTime now);
+    WatchNews answered(const QStringList &values, WatchTime now);
 
     // Takes note of a poll that failed. True when that is news: the poll before did not fail, or with another
     // error.
     bool failed(const QString &error);
 
     Tag tag;
-    QString values;                     // as text; empty until there are any
+    QStringList values;                 // as texts; empty until there are any
     std::optional<WatchTime> changedAt; // none until other values came than the first
-    bool hasJustChanged = false;        // with the last answer
     bool isFailing = false;             // the last poll failed: the values are old
     QString lastError;                  // stays when later polls succeed
     int attempts = 0;                   // requests sent, repetitions included
@@ -72,6 +71,8 @@ struct Watch
     QMap<QString, int> errors;               // failed polls of an item by their cause
     int returns = 0;                         // how often the port was lost and came back
     bool isSimulated = false;                // the controller is the simulated one
+    QString port;                            // its name as the user knows it
+    int station = 0;                         // of the items that name none
 };
 
 // The values that a poll of an item brought.

@@ -3,6 +3,7 @@
 
 #include "simulator/faults/fault.h"
 
+#include "common/duration.h"
 #include "simulator/text/named_entry.h"
 #include "simulator/text/number_text.h"
 
@@ -19,7 +20,7 @@ namespace {
 // Name, base, smallest, largest, and what holds when it is left out. The longest frame has 261 bytes, of
 // which at least one is kept or missing, and whose last one is at position 260. STATION may be any byte, also
 // one that is no station. CODE may not be FF, which is success.
-const FaultArgument kMilliseconds = {"MS", 10, 1, 600000, 1000};
+const FaultArgument kMilliseconds = {"TIME", 10, 1, 600000, 1000, true};
 const FaultArgument kMissing = {"BYTES", 10, 1, 260, 3};
 const FaultArgument kKept = {"BYTES", 10, 1, 260, 6};
 const FaultArgument kPosition = {"POSITION", 10, 0, 260, std::nullopt};
@@ -46,16 +47,37 @@ std::string numberText(unsigned number, int base)
     return {digits, std::to_chars(digits, digits + sizeof digits, number, base).ptr};
 }
 
+// Gives nothing when the text is no time or one that is out of bounds.
+std::optional<unsigned> parseTimeFrom(unsigned smallest, unsigned largest, const std::string &text)
+{
+    const auto time = common::parseDuration(text, common::Milliseconds(1));
+    return time && time->count() >= smallest && time->count() <= largest
+               ? std::optional(unsigned(time->count()))
+               : std::nullopt;
+}
+
+[[noreturn]] void refuseArgument(const FaultName &kind, const std::string &text)
+{
+    const FaultArgument &wanted = *kind.argument;
+    const std::string beginning = std::string(kind.name) + '=' + wanted.name + ": \"" + text + "\" is not a ";
+    if (wanted.isTime)
+        refuse(beginning + "time from " + common::durationText(common::Milliseconds(wanted.smallest)) +
+               " to " + common::durationText(common::Milliseconds(wanted.largest)) + ", as " +
+               common::kDurationExamples);
+    refuse(beginning + (wanted.base == 16 ? "hexadecimal " : "") + "number from " +
+           numberText(wanted.smallest, wanted.base) + " to " + numberText(wanted.largest, wanted.base));
+}
+
 unsigned parseArgument(const FaultName &kind, const std::string &text)
 {
     if (!kind.argument)
         refuse(std::string(kind.name) + " takes no argument, it is given \"" + text + '"');
     const FaultArgument &wanted = *kind.argument;
-    if (const auto number = parseNumberFrom(wanted.smallest, wanted.largest, text, wanted.base))
-        return *number;
-    refuse(std::string(kind.name) + '=' + wanted.name + ": \"" + text + "\" is not a " +
-           (wanted.base == 16 ? "hexadecimal " : "") + "number from " +
-           numberText(wanted.smallest, wanted.base) + " to " + numberText(wanted.largest, wanted.base));
+    const auto number = wanted.isTime ? parseTimeFrom(wanted.smallest, wanted.largest, text)
+                                      : parseNumberFrom(wanted.smallest, wanted.largest, text, wanted.base);
+    if (!number)
+        refuseArgument(kind, text);
+    return *number;
 }
 
 unsigned parseRequest(const std::string &text)
@@ -84,23 +106,24 @@ const std::vector<FaultName> &faultNames()
         {FaultKind::NotActive, "not-active", nullptr, "negative frame, function code 3"},
         {FaultKind::Silent, "silent", nullptr, "no acknowledgement"},
         {FaultKind::WrongAcknowledgement, "wrong-ack", nullptr, "byte 00 as acknowledgement"},
-        {FaultKind::LateAcknowledgement, "late-ack", &kMilliseconds, "the acknowledgement comes MS later"},
+        {FaultKind::LateAcknowledgement, "late-ack", &kMilliseconds, "the acknowledgement comes TIME later"},
         {FaultKind::NoiseBeforeAcknowledgement, "noise-ack", &kNoise,
          "random bytes in front of the acknowledgement"},
         {FaultKind::NoAnswer, "no-answer", nullptr, "acknowledged, but the poll stays unanswered"},
         {FaultKind::NotReady, "not-ready", nullptr, "the first poll gets E5, the second one the answer"},
-        {FaultKind::Late, "late", &kMilliseconds, "the answer comes MS later"},
+        {FaultKind::Late, "late", &kMilliseconds, "the answer comes TIME later"},
         {FaultKind::Truncated, "truncated", &kMissing, "the answer ends BYTES early"},
         {FaultKind::Short, "short", &kKept, "only the answer's first BYTES come"},
         {FaultKind::Corrupt, "corrupt", &kPosition,
-         "the answer's byte at POSITION, from 0, is inverted (any byte)"},
+         "the answer's byte at POSITION, from 0, is inverted (default any byte)"},
         {FaultKind::Noise, "noise", &kNoise, "random bytes in front of the answer"},
         {FaultKind::NoiseInside, "noise-inside", &kNoise, "random bytes somewhere within the answer"},
         {FaultKind::BadCheckSum, "bad-checksum", nullptr, "the answer's check sum is wrong"},
         {FaultKind::BadEnd, "bad-end", nullptr, "the answer ends with 17"},
-        {FaultKind::WrongSource, "wrong-source", &kStation, "the answer comes from STATION (the next one)"},
+        {FaultKind::WrongSource, "wrong-source", &kStation,
+         "the answer comes from STATION (default the next one)"},
         {FaultKind::WrongDestination, "wrong-destination", &kStation,
-         "the answer goes to STATION (the one after the master)"},
+         "the answer goes to STATION (default the one after the master)"},
         {FaultKind::StaleReference, "stale-reference", nullptr, "the answer belongs to the request before"},
         {FaultKind::ErrorClass, "error-class", nullptr, "the answer's header carries an error"},
         {FaultKind::HardwareFault, "hardware-fault", nullptr, "every item is refused with code 01"},

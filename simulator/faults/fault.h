@@ -62,6 +62,7 @@ struct FaultArgument
     unsigned smallest;
     unsigned largest;
     std::optional<unsigned> standard; // when it is left out; without one the kind chooses
+    bool isTime = false;              // in milliseconds, or with a unit
 };
 
 // A kind as users meet it.

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -55,11 +56,14 @@ PtyLine::PtyLine()
     }
     notifier = std::make_unique<QSocketNotifier>(controller, QSocketNotifier::Read);
     connect(notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
+    closingNotifier = std::make_unique<QSocketNotifier>(closings, QSocketNotifier::Read);
+    connect(closingNotifier.get(), &QSocketNotifier::activated, this, [this] { letOthersIn(); });
 }
 
 PtyLine::~PtyLine()
 {
     notifier.reset();
+    closingNotifier.reset();
     closeAll();
 }
 
@@ -76,10 +80,14 @@ void PtyLine::open()
     check(slave >= 0, "open its other side");
     check(setRaw(slave), "set raw mode");
     check(fcntl(controller, F_SETFL, O_RDWR | O_NONBLOCK) == 0, "set non-blocking mode");
+    closings = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    check(closings >= 0 && inotify_add_watch(closings, name.data(), IN_CLOSE) >= 0, "watch it");
 }
 
 void PtyLine::closeAll()
 {
+    if (closings >= 0)
+        close(closings);
     if (slave >= 0)
         close(slave);
     if (controller >= 0)
@@ -91,13 +99,20 @@ void PtyLine::readAll()
     std::array<char, 512> buffer;
     const ssize_t size = read(controller, buffer.data(), buffer.size());
     if (size > 0) {
-        // A master that opened the slave side for itself alone and was killed would lock out all others.
-        ioctl(slave, TIOCNXCL);
         Q_EMIT received(QByteArray(buffer.data(), static_cast<int>(size)));
     } else if (size < 0 && errno != EAGAIN && errno != EINTR) {
         notifier->setEnabled(false);
         Q_EMIT lost();
     }
+}
+
+// A master that opened the slave side for itself alone and was killed would lock out all others, since we
+// hold it open.
+void PtyLine::letOthersIn()
+{
+    std::array<char, 512> events;
+    while (read(closings, events.data(), events.size()) > 0)
+        ioctl(slave, TIOCNXCL);
 }
 
 void PtyLine::send(const Bytes &bytes)

@@ -32,11 +32,14 @@ private:
     void open();
     void closeAll();
     void readAll();
+    void letOthersIn();
 
     int controller = -1; // our side
     int slave = -1;      // held open, or our side would report a hang-up whenever no master is there
     QString slaveName;
+    int closings = -1; // tells when somebody closes the slave side
     std::unique_ptr<QSocketNotifier> notifier;
+    std::unique_ptr<QSocketNotifier> closingNotifier;
 };
 
 } // namespace sim

@@ -9,8 +9,8 @@
 
 namespace sim {
 
-Server::Server(Line &line_, Simulator &simulator_)
-    : line(line_), simulator(simulator_), startTime(simulator.now())
+Server::Server(Line &line_, Controllers &controllers_)
+    : line(line_), controllers(controllers_), startTime(controllers_.now())
 {
     sinceStart.start();
     connect(&timer, &PreciseTimer::timeout, this, &Server::keepTime);
@@ -21,13 +21,13 @@ void Server::take(const QByteArray &bytes)
 {
     keepTime();
     const auto *data = reinterpret_cast<const uint8_t *>(bytes.constData());
-    send(simulator.feed(data, static_cast<size_t>(bytes.size())));
+    send(controllers.feed(data, static_cast<size_t>(bytes.size())));
     setTimer();
 }
 
 void Server::keepTime()
 {
-    send(simulator.advanceTo(startTime + Time(sinceStart.nsecsElapsed())));
+    send(controllers.advanceTo(startTime + Time(sinceStart.nsecsElapsed())));
     setTimer();
 }
 
@@ -39,8 +39,8 @@ void Server::send(const Bytes &bytes)
 
 void Server::setTimer()
 {
-    if (const std::optional<Time> due = simulator.nextDue())
-        timer.start(*due - simulator.now());
+    if (const std::optional<Time> due = controllers.nextDue())
+        timer.start(*due - controllers.now());
     else
         timer.stop();
 }

@@ -1,15 +1,15 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The server runs a simulator in real time on a line: it passes to the simulator what the line brings, and to
-// the line what the simulator sends, when it is due.
+// The server runs controllers in real time on a line: it passes to them what the line brings, and to the line
+// what they send, when it is due.
 
 #ifndef SIMULATOR_LINE_SERVER_H
 #define SIMULATOR_LINE_SERVER_H
 
+#include "simulator/line/controllers.h"
 #include "simulator/line/line.h"
 #include "simulator/line/precise_timer.h"
-#include "simulator/line/simulator.h"
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
 
@@ -24,8 +24,8 @@ class Server : public QObject
     Q_OBJECT
 
 public:
-    // Both must outlive the server. The simulator's clock runs on from where it stands.
-    Server(Line &line, Simulator &simulator);
+    // Both must outlive the server. The controllers' clock runs on from where it stands.
+    Server(Line &line, Controllers &controllers);
 
 private:
     void take(const QByteArray &bytes);
@@ -34,7 +34,7 @@ private:
     void setTimer();
 
     Line &line;
-    Simulator &simulator;
+    Controllers &controllers;
     const Time startTime;
     QElapsedTimer sinceStart;
     PreciseTimer timer;

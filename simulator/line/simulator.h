@@ -16,32 +16,23 @@
 #include "simulator/faults/fault.h"
 #include "simulator/faults/fault_plan.h"
 #include "simulator/faults/reply.h"
-#include "simulator/line/outbox.h"
+#include "simulator/line/controllers.h"
+#include "simulator/line/line_end.h"
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
 #include "simulator/protocol/layer2.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
 
 namespace sim {
 
-// What a listener is told of.
-enum class Traffic {
-    Received, // a whole frame
-    Sent,     // a whole reply or echo, damaged by a fault or not, when its first byte goes out
-    Skipped,  // received bytes that made no frame
-};
-
-class Simulator
+class Simulator : public Controllers
 {
 public:
-    using Listener = std::function<void(Time, Traffic, const Bytes &)>;
-
     // The clock shows start. Live values count from there; only those of the kind "clock" show the time
     // itself.
     explicit Simulator(Time start = Time::zero());
@@ -68,40 +59,34 @@ public:
     void setTurnaround(Time time) { turnaround = time; }
 
     // The listener is told of the traffic in the order in which it happens, with the time of it.
-    void setListener(Listener listener_) { listener = std::move(listener_); }
+    void setListener(Listener listener) { lineEnd.setListener(std::move(listener)); }
 
     // Takes what comes from the line now, in pieces of any size. Returns what goes out now.
-    Bytes feed(const uint8_t *data, size_t size);
+    Bytes feed(const uint8_t *data, size_t size) override;
     Bytes feed(const Bytes &data) { return feed(data.data(), data.size()); }
 
     // Moves the clock, never backwards. Returns what has gone out meanwhile.
     Bytes advance(Time span) { return advanceTo(clock + span); }
-    Bytes advanceTo(Time now);
+    Bytes advanceTo(Time now) override;
 
-    Time now() const { return clock; }
+    Time now() const override { return clock; }
 
     // Tells when advanceTo() will have something to do; nothing when only feed() will.
-    std::optional<Time> nextDue() const;
+    std::optional<Time> nextDue() const override { return lineEnd.nextDue(); }
 
 private:
     void take(const Frame &frame);
     void send(const Reply &reply);
     void storeLiveValues();
-    Bytes takeDue();
-    void tellSkipped();
-    void tell(Time time, Traffic traffic, const Bytes &bytes) const;
 
     const Time startTime;
     Time clock;
-    Time lineFree;     // when all bytes so far have passed the line
-    Time silenceAfter; // when a frame that has begun is given up
+    Time lineFree; // when all bytes so far have passed the line
     Time byteTime{0};
     Time turnaround{0};
     std::map<uint8_t, Station> stations;
     FaultPlan plan;
-    FrameReader reader;
-    Outbox outbox;
-    Listener listener;
+    LineEnd lineEnd;
 };
 
 } // namespace sim

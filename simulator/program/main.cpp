@@ -24,6 +24,8 @@
 #include "simulator/program/stop_signals.h"
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
+#include "simulator/replay/recording.h"
+#include "simulator/replay/replay.h"
 #include "simulator/text/user_error.h"
 #include "simulator/trace/trace.h"
 #include "simulator/trace/trace_file.h"
@@ -96,6 +98,14 @@ void addFaults(sim::Simulator &simulator, const sim::Options &options)
     sim::note("faults by chance; --seed " + std::to_string(seed) + " repeats them");
 }
 
+std::unique_ptr<sim::Replay> replayOf(const sim::Options &options)
+{
+    const sim::Recording recording = sim::readRecording(options.replay);
+    if (!recording.damage.empty())
+        sim::note(options.replay + " is damaged behind " + recording.damage + ": it is played up to there");
+    return std::make_unique<sim::Replay>(recording.records, options.speed, timeOfDay());
+}
+
 QSerialPort::Parity parityNamed(const std::string &name)
 {
     if (name == "odd")
@@ -128,16 +138,29 @@ public:
 
 private:
     ExitCode serve();
+    void addControllers();
+    void setTellers();
+    sim::Controllers &controllers();
     void listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes);
     bool save();
 
     const sim::Options options;
     sim::Simulator simulator{timeOfDay()};
+    std::unique_ptr<sim::Replay> replay;   // in the place of the simulator
     std::vector<sim::StoredMemory> stored; // one for each station of the options
     std::unique_ptr<sim::TraceFile> trace;
 };
 
 Program::Program(const sim::Options &options_) : options(options_)
+{
+    if (options.replay.empty())
+        addControllers();
+    else
+        replay = replayOf(options);
+    setTellers();
+}
+
+void Program::addControllers()
 {
     for (const sim::StationOption &station : options.stations)
         if (!station.saveFile.empty())
@@ -145,10 +168,19 @@ Program::Program(const sim::Options &options_) : options(options_)
     for (const sim::StationOption &station : options.stations)
         stored.push_back(addStation(simulator, station, options.live));
     simulator.setPace(options.pace);
-    simulator.setTurnaround(std::chrono::milliseconds(options.turnaround));
-    simulator.setListener([this](sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes) {
+    simulator.setTurnaround(options.turnaround);
+}
+
+void Program::setTellers()
+{
+    const sim::Listener listener = [this](sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes) {
         listen(time, traffic, bytes);
-    });
+    };
+    simulator.setListener(listener);
+    if (!replay)
+        return;
+    replay->setListener(listener);
+    replay->setTell(sim::note);
 }
 
 void Program::listen(sim::Time time, sim::Traffic traffic, const sim::Bytes &bytes)
@@ -165,7 +197,11 @@ ExitCode Program::run()
     const ExitCode result = serve();
     const bool saved = save();
     const bool traced = !trace || trace->isGood();
-    return result == ExitCode::Success && !(saved && traced) ? ExitCode::OutputLost : result;
+    if (result != ExitCode::Success)
+        return result;
+    if (!(saved && traced))
+        return ExitCode::OutputLost;
+    return replay && replay->differenceCount() > 0 ? ExitCode::Different : ExitCode::Success;
 }
 
 ExitCode Program::serve()
@@ -177,7 +213,7 @@ ExitCode Program::serve()
         trace = std::make_unique<sim::TraceFile>(options.trace, "s7ppi-sim " S7PPI_VERSION " on " + name);
     const auto link = options.link.empty() ? nullptr : std::make_unique<sim::PortLink>(options.link, name);
     addFaults(simulator, options);
-    const sim::Server server(*line, simulator);
+    const sim::Server server(*line, controllers());
     QObject::connect(&stopSignals, &sim::StopSignals::received, [] { end(ExitCode::Success); });
     QObject::connect(line.get(), &sim::Line::lost, [&name] {
         sim::complain(name + " is lost",
@@ -188,6 +224,13 @@ ExitCode Program::serve()
         throw sim::UserError("stdout does not take the port's name",
                              "make room, or send the output elsewhere");
     return ExitCode(QCoreApplication::exec());
+}
+
+sim::Controllers &Program::controllers()
+{
+    if (replay)
+        return *replay;
+    return simulator;
 }
 
 // Saves every station that can be saved, even when another one cannot.
@@ -214,6 +257,9 @@ ExitCode runProgram(const sim::Options &options)
     try {
         return Program(options).run();
     } catch (const sim::MemoryFileError &error) {
+        sim::complain(error.what(), error.hint());
+        return ExitCode::Usage;
+    } catch (const sim::RecordingError &error) {
         sim::complain(error.what(), error.hint());
         return ExitCode::Usage;
     } catch (const sim::LineError &error) {

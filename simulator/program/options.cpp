@@ -3,6 +3,9 @@
 
 #include "simulator/program/options.h"
 
+#include "common/duration.h"
+#include "common/help_layout.h"
+#include "common/usage_check.h"
 #include "simulator/controller/live_value.h"
 #include "simulator/faults/fault.h"
 #include "simulator/program/complaint.h"
@@ -12,8 +15,12 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdlib>
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <iostream>
+#include <limits>
 #include <set>
 #include <stdexcept>
 
@@ -26,9 +33,9 @@ const char *const kOutline =
 SIGTERM and SIGHUP end it: the link goes, the memory is saved.
 
 Faults: KIND with every request, KIND@N with the N-th one only (counted from 1, over all
-stations), KIND%P with a probability of P percent. Several --fault options act together. A
-number behind = may be left out; what then holds stands in parentheses. Faults with chance
-in them tell their --seed on stderr at the start.
+stations), KIND%P with a probability of P percent. Several --fault options act together. What
+stands behind = may be left out. Faults with chance in them tell their --seed on stderr at the
+start.
 )";
 
 const char *const kFooter = R"(
@@ -53,10 +60,16 @@ Memory file; what it leaves out is 0:
     "T": { "37": { "value": 300, "preset": 100, "status": true } },
     "live": { "VW200": "ramp:0..1000/10s" } }
 
-A write to a timer or counter sets its current value and nothing else.
+A write to a timer or counter sets its current value and nothing else. Times are numbers with
+a unit, as 500ms, 1s or 2min, or without one.)";
 
-Exit codes: 0 ended by a signal, 2 bad usage or memory file, 3 the port could not be
-opened, 6 the port was lost, 70 internal failure, 74 a file could not be written.)";
+const char *const kExitCodes =
+    R"(Exit codes: 0 ended by a signal, 2 bad usage, memory file or recording, 3 the port could not
+be opened, 6 the port was lost, 8 something else was asked than was recorded, 70 internal
+failure, 74 a file could not be written.)";
+
+constexpr size_t kHelpColumn = 31;
+constexpr std::chrono::milliseconds kLongestTurnaround = std::chrono::minutes(10);
 
 constexpr size_t kKindWidth = 29; // of the first column in the table of faults
 
@@ -97,6 +110,18 @@ std::string checkLive(const std::string &text)
     return complaintOf([&text] { parseLiveValues(text); });
 }
 
+std::optional<std::chrono::milliseconds> turnaroundOf(const std::string &text)
+{
+    const auto time = common::parseDuration(text, std::chrono::milliseconds(1));
+    return time && *time <= kLongestTurnaround ? time : std::nullopt;
+}
+
+std::string checkTurnaround(const std::string &text)
+{
+    return turnaroundOf(text) ? std::string()
+                              : text + " is not a time from 0s to 10min, as " + common::kDurationExamples;
+}
+
 StationOption parseStation(const std::string &text)
 {
     const size_t colon = std::min(text.find(':'), text.size());
@@ -121,6 +146,8 @@ std::string checkStation(const std::string &text)
 std::string standardText(const FaultArgument &argument)
 {
     const unsigned number = *argument.standard;
+    if (argument.isTime)
+        return common::durationText(common::Milliseconds(number));
     return argument.base == 16 ? hexText(static_cast<uint8_t>(number)) : std::to_string(number);
 }
 
@@ -135,33 +162,47 @@ std::string faultHelp()
         kind.resize(kKindWidth, ' ');
         text += "  " + kind + fault.meaning;
         if (fault.argument && fault.argument->standard)
-            text += " (" + standardText(*fault.argument) + ")";
+            text += " (default " + standardText(*fault.argument) + ")";
         text += '\n';
     }
     return text;
 }
 
-// Returns the check without the limits that it would show in the help, where the option's own text tells
-// them.
-CLI::Validator unspoken(CLI::Validator check)
+// These return a check for a number or a word, which tells what is wrong.
+std::function<std::string(const std::string &)> wholeNumber(unsigned least, unsigned most)
 {
-    return check.description("");
+    return [least, most](const std::string &text) {
+        const auto number = parseNumber<unsigned>(text);
+        return number && *number >= least && *number <= most
+                   ? std::string()
+                   : text + " is not a whole number from " + std::to_string(least) + " to " +
+                         std::to_string(most);
+    };
+}
+
+std::function<std::string(const std::string &)> oneOf(const std::vector<std::string> &words)
+{
+    return [words](const std::string &text) {
+        const bool isKnown = std::find(words.begin(), words.end(), text) != words.end();
+        return isKnown ? std::string() : text + " is not one of " + CLI::detail::join(words, ", ");
+    };
 }
 
 void declareStations(CLI::App &app, CommandLine &line)
 {
-    app.add_option("--station", line.stations,
-                   "Station number, 1 to 126, with the memory that it begins with; repeatable (2)")
+    app.add_option("-s,--station", line.stations,
+                   "Station with the memory that it begins with, repeatable (1 to 126; default 2)")
         ->type_name("N[:FILE.json]")
         ->allow_extra_args(false)
         ->check(checkStation, "");
-    app.add_option("--memory", line.memoryFile, "Memory to begin with, for stations without their own")
+    app.add_option("--memory", line.memoryFile,
+                   "Memory to begin with, for stations without their own (default the example memory)")
         ->type_name("FILE.json");
     app.add_option("--save", line.saveFile,
-                   "Save the memory at the end; without a name to the files that it came from")
+                   "Save the memory at the end (default the files that it came from)")
         ->type_name("[FILE.json]")
         ->expected(0, 1);
-    app.add_option("--live", line.options.live, "A value that changes by itself (repeatable); see below")
+    app.add_option("--live", line.options.live, "A value that changes by itself, repeatable")
         ->type_name("PLACE=KIND:ARGS|demo")
         ->allow_extra_args(false)
         ->check(checkLive, "");
@@ -169,60 +210,97 @@ void declareStations(CLI::App &app, CommandLine &line)
 
 void declareLine(CLI::App &app, Options &options)
 {
-    auto *port = app.add_option("--port", options.port, "Serial port to use (a new pseudo-terminal)");
-    port->type_name("DEVICE");
+    auto *port =
+        app.add_option("-p,--port", options.port, "Serial port to use (default a new pseudo-terminal)");
+    port->type_name("DEV");
     app.add_option("--link", options.link, "Symbolic link to make to the pseudo-terminal")
         ->type_name("PATH")
         ->excludes(port);
-    app.add_option("--baud", options.baudRate, "Baud rate of the serial port, 50 to 4000000")
-        ->type_name("RATE")
-        ->check(unspoken(CLI::Range(50, 4000000)), "")
-        ->capture_default_str()
+    app.add_option("-b,--baud", options.baudRate, "Baud rate of --port (50 to 4000000; default 9600)")
+        ->type_name("N")
+        ->check(wholeNumber(50, 4000000), "")
         ->needs(port);
-    app.add_option("--parity", options.parity, "Parity of the serial port: even, odd or none")
+    app.add_option("--parity", options.parity, "Parity of --port (even, odd, none; default even)")
         ->type_name("PARITY")
-        ->check(unspoken(CLI::IsMember({"even", "odd", "none"})), "")
-        ->capture_default_str()
+        ->check(oneOf({"even", "odd", "none"}), "")
         ->needs(port);
 }
 
 void declareTime(CLI::App &app, Options &options)
 {
     app.add_option("--pace", options.pace,
-                   "Let bytes take the time that they take on a line, 11 bits each, at 9600 or BAUD")
+                   "Let bytes take the time that 11 bits take at this rate (50 to 4000000; default 9600)")
         ->type_name("[BAUD]")
         ->expected(0, 1)
         ->default_str("9600")
-        ->check(unspoken(CLI::Range(50, 4000000)), "");
-    app.add_option("--turnaround", options.turnaround,
-                   "Time between a request and the reply to it, 0 to 600000")
-        ->type_name("MS")
-        ->check(unspoken(CLI::Range(0, 600000)), "");
+        ->check(wholeNumber(50, 4000000), "");
+    const auto take = [&options](const std::string &text) { options.turnaround = *turnaroundOf(text); };
+    app.add_option_function<std::string>("--turnaround", take,
+                                         "Time between a request and the reply to it (0s to 10min, plain "
+                                         "numbers in ms; default 0s)")
+        ->type_name("TIME")
+        ->check(checkTurnaround, "");
 }
 
 void declareFaults(CLI::App &app, Options &options)
 {
-    app.add_option("--fault", options.faults, "Misbehave (repeatable); see below")
+    app.add_option("--fault", options.faults, "A way to misbehave, repeatable")
         ->type_name("KIND[=NUMBER][@N|%P]")
         ->allow_extra_args(false)
         ->check(checkFault, "");
-    app.add_option("--seed", options.seed, "Repeat the random choices of an earlier run")
-        ->type_name("NUMBER");
+    app.add_option("--seed", options.seed, "Repeat the random choices of an earlier run (default by chance)")
+        ->type_name("N")
+        ->check(wholeNumber(0, std::numeric_limits<uint32_t>::max()), "");
+}
+
+std::string checkSpeed(const std::string &text)
+{
+    constexpr double kSlowest = 0.001;
+    constexpr double kFastest = 1000;
+    char *end = nullptr;
+    const double speed = std::strtod(text.c_str(), &end);
+    const bool isNumber = end != text.c_str() && *end == '\0';
+    const bool isRight = speed == 0 || (speed >= kSlowest && speed <= kFastest);
+    return isNumber && isRight ? "" : '"' + text + "\" is neither 0 nor a number from 0.001 to 1000";
+}
+
+// What makes simulated controllers makes no recorded ones.
+void declareReplay(CLI::App &app, Options &options)
+{
+    auto *replay =
+        app.add_option("--replay", options.replay,
+                       "Play the controllers' side of a trace or capture, and tell what is asked otherwise");
+    replay->type_name("FILE");
+    for (const char *other :
+         {"--station", "--memory", "--save", "--live", "--pace", "--turnaround", "--fault", "--seed"})
+        replay->excludes(app.get_option(other));
+    app.add_option("--replay-speed", options.speed, "How fast: 2 in half the time, 0 without any wait")
+        ->type_name("FACTOR")
+        ->check(checkSpeed, "")
+        ->capture_default_str()
+        ->needs(replay);
 }
 
 void declareOptions(CLI::App &app, CommandLine &line)
 {
+    common::setHelpLayout(app, kHelpColumn);
     app.set_help_flag("-h,--help", "Show this and end");
     app.set_version_flag("--version", "s7ppi-sim " S7PPI_VERSION, "Show the version and end");
-    app.footer(kOutline + faultHelp() + kFooter);
-    app.failure_message([](const CLI::App *, const CLI::Error &error) {
-        return complaint(error.what(), "s7ppi-sim --help explains all options");
+    app.footer(common::helpFooter(
+        kOutline + faultHelp() + kFooter,
+        {"s7ppi-sim --link /tmp/plc --live demo", "s7ppi-sim -s 2 -s 3:press.json --save",
+         "s7ppi-sim --fault late=300ms%10 --turnaround 20ms", "s7ppi-sim --replay line.pcapng"},
+        kExitCodes));
+    app.failure_message([](const CLI::App *taker, const CLI::Error &error) {
+        return complaint(error.what(), common::helpHint(*taker, nullptr));
     });
     declareStations(app, line);
     declareLine(app, line.options);
     declareTime(app, line.options);
     declareFaults(app, line.options);
-    app.add_option("--trace", line.options.trace, "Write every frame with its time to a file")
+    declareReplay(app, line.options);
+    app.add_option("--trace", line.options.trace,
+                   "Write every frame with its time to a file; NAME.pcapng is for Wireshark")
         ->type_name("FILE");
     app.add_flag("-v,--verbose", line.options.verbose, "Show the frames on stderr");
 }
@@ -267,6 +345,12 @@ std::optional<Options> parseOptions(int argc, char *argv[], common::ExitCode &ex
     CLI::App app("A simulated S7-200 controller: a PPI station with memory.", "s7ppi-sim");
     CommandLine line;
     declareOptions(app, line);
+    const std::vector<std::string> words(argv + 1, argv + std::max(argc, 1));
+    if (const auto fault = common::usageFault(app, words)) {
+        complain(fault->text, fault->hint);
+        exitCode = common::ExitCode::Usage;
+        return std::nullopt;
+    }
     try {
         app.parse(argc, argv);
         line.save = app.count("--save") > 0;

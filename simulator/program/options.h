@@ -8,6 +8,7 @@
 
 #include "common/exit_code.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,9 +33,11 @@ struct Options
     std::vector<std::string> faults; // parseFault() takes each of them
     std::vector<std::string> live;   // parseLiveValues() takes each of them
     std::optional<uint32_t> seed;
-    unsigned pace = 0;  // in baud; 0 when bytes take no time
-    int turnaround = 0; // in milliseconds
+    unsigned pace = 0; // in baud; 0 when bytes take no time
+    std::chrono::milliseconds turnaround{0};
     std::string trace;
+    std::string replay; // a recording that is played; empty for simulated controllers
+    double speed = 1;   // of the replay; 0 answers at once
     bool verbose = false;
 };
 

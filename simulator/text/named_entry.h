@@ -25,8 +25,13 @@ const typename Table::value_type &entryNamed(const std::string &name, const Tabl
             return entry;
         names.emplace_back(entry.name);
     }
-    throw std::invalid_argument('"' + name + "\" is no " + thing + "; the nearest is " +
-                                common::closestWord(name, names));
+    const std::string nearest = common::likelyWord(name, names);
+    if (!nearest.empty())
+        throw std::invalid_argument('"' + name + "\" is no " + thing + "; the nearest is " + nearest);
+    std::string all;
+    for (const std::string &known : names)
+        all += (all.empty() ? "" : ", ") + known;
+    throw std::invalid_argument('"' + name + "\" is no " + thing + "; there are " + all);
 }
 
 } // namespace sim

@@ -93,7 +93,9 @@ std::string meaningOf(const Frame &frame)
     return meaningOfShortFrame(frame.function);
 }
 
-std::string meaningOf(const Bytes &bytes)
+} // namespace
+
+std::string frameWords(const Bytes &bytes)
 {
     if (bytes == Bytes{kShortAcknowledgement})
         return "acknowledged";
@@ -107,14 +109,12 @@ std::string meaningOf(const Bytes &bytes)
            meaningOf(*frame);
 }
 
-} // namespace
-
 std::string traceLine(Traffic traffic, const Bytes &bytes)
 {
     if (traffic == Traffic::Skipped)
         return "? " + hexText(bytes) + "  skipped";
     const char *direction = traffic == Traffic::Sent ? "< " : "> ";
-    return direction + hexText(bytes) + "  " + meaningOf(bytes);
+    return direction + hexText(bytes) + "  " + frameWords(bytes);
 }
 
 } // namespace sim

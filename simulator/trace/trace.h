@@ -8,7 +8,7 @@
 #ifndef SIMULATOR_TRACE_TRACE_H
 #define SIMULATOR_TRACE_TRACE_H
 
-#include "simulator/line/simulator.h"
+#include "simulator/line/controllers.h"
 #include "simulator/protocol/bytes.h"
 
 #include <string>
@@ -18,6 +18,9 @@ namespace sim {
 // Returns one line, without a line end. ">" is what a master sends, "<" what it receives, "?" what came from
 // it and made no frame.
 std::string traceLine(Traffic traffic, const Bytes &bytes);
+
+// The words alone: "0 to 2: poll".
+std::string frameWords(const Bytes &bytes);
 
 } // namespace sim
 

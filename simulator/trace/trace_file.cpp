@@ -3,7 +3,9 @@
 
 #include "simulator/trace/trace_file.h"
 
+#include "common/capture.h"
 #include "simulator/protocol/hex_text.h"
+#include "simulator/protocol/layer2.h"
 #include "simulator/text/user_error.h"
 
 #include <array>
@@ -11,7 +13,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <cstdint>
 #include <ctime>
+#include <optional>
 
 namespace sim {
 
@@ -31,6 +35,32 @@ std::string timeText(Time time)
     return std::string(date.data()) + fraction.data();
 }
 
+// Wireshark's own dissector of the PDUs.
+constexpr char kPduDissector[] = "s7comm_cotp";
+
+std::string text(const Bytes &bytes)
+{
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// The bytes as they passed, and the PDUs of the frames that are whole and sound.
+std::string capturePackets(Time time, Traffic traffic, const Bytes &bytes)
+{
+    using common::CaptureDirection;
+    const auto count = std::chrono::floor<std::chrono::microseconds>(time).count();
+    const auto microseconds = static_cast<std::uint64_t>(count);
+    const CaptureDirection way =
+        traffic == Traffic::Sent ? CaptureDirection::ToMaster : CaptureDirection::FromMaster;
+    std::string packets = common::captureFrame(microseconds, way, text(bytes));
+    FrameReader reader;
+    for (const uint8_t byte : bytes)
+        reader.push(byte);
+    while (const std::optional<Frame> frame = reader.next())
+        if (frame->hasPdu && !frame->pdu.empty())
+            packets += common::captureData(microseconds, way, kPduDissector, text(frame->pdu));
+    return packets;
+}
+
 } // namespace
 
 std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes)
@@ -38,21 +68,23 @@ std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes)
     return timeText(time) + (traffic == Traffic::Sent ? " < " : " > ") + hexText(bytes);
 }
 
-TraceFile::TraceFile(const std::string &path, const std::string &heading) : file(path)
+TraceFile::TraceFile(const std::string &path, const std::string &heading)
+    : file(path, std::ios::binary), isCapture(common::isCaptureName(path))
 {
-    if (!writeLine("# " + heading))
+    if (!put(isCapture ? common::captureHead("s7ppi-sim", heading) : "# " + heading + '\n'))
         throw UserError(path + ": cannot write: " + std::strerror(errno),
                         "check the trace file's folder, its rights and its room");
 }
 
 bool TraceFile::write(Time time, Traffic traffic, const Bytes &bytes)
 {
-    return !isGood() || writeLine(traceRecord(time, traffic, bytes));
+    return !isGood() ||
+           put(isCapture ? capturePackets(time, traffic, bytes) : traceRecord(time, traffic, bytes) + '\n');
 }
 
-bool TraceFile::writeLine(const std::string &line)
+bool TraceFile::put(const std::string &piece)
 {
-    file << line << std::endl;
+    file << piece << std::flush;
     return isGood();
 }
 

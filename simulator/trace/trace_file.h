@@ -1,12 +1,13 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// The traffic as a file that programs can read. docs/trace-format.md describes it.
+// The traffic as a file that programs can read. docs/trace-format.md describes it. A file whose name ends
+// with .pcapng is a capture for Wireshark; see common/capture.h.
 
 #ifndef SIMULATOR_TRACE_TRACE_FILE_H
 #define SIMULATOR_TRACE_TRACE_FILE_H
 
-#include "simulator/line/simulator.h"
+#include "simulator/line/controllers.h"
 #include "simulator/protocol/bytes.h"
 #include "simulator/protocol/clock.h"
 
@@ -32,9 +33,10 @@ public:
     bool isGood() const { return file.good(); }
 
 private:
-    bool writeLine(const std::string &line);
+    bool put(const std::string &piece);
 
     std::ofstream file;
+    bool isCapture;
 };
 
 } // namespace sim

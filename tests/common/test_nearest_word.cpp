@@ -4,13 +4,14 @@
 // What mistyped words may have meant.
 
 #include "common/nearest_word.h"
+#include "tests/support/test_class.h"
 
 #include <QtTest>
 
 #include <string>
 #include <vector>
 
-class TestNearestWord : public QObject
+class TestCommonNearestWord : public QObject
 {
     Q_OBJECT
 
@@ -18,11 +19,11 @@ private slots:
     void likelyWordIsFound_data();
     void likelyWordIsFound();
     void withoutWordsNoneIsLikely();
-    void closestWordTakesTheFewestChanges_data();
-    void closestWordTakesTheFewestChanges();
+    void theWordWithTheFewestChangesIsLikely_data();
+    void theWordWithTheFewestChangesIsLikely();
 };
 
-void TestNearestWord::likelyWordIsFound_data()
+void TestCommonNearestWord::likelyWordIsFound_data()
 {
     QTest::addColumn<QString>("likely");
     const auto row = [](const char *text, const char *likely) { QTest::newRow(text) << QString(likely); };
@@ -41,46 +42,49 @@ void TestNearestWord::likelyWordIsFound_data()
     row("w", "");
     row("ww", "");
     row("--nonsense", "");
+    row("shell", ""); // of five letters "help" is two changes away
     row("VB100", "");
     row("", "");
     row("--", "");
 }
 
-void TestNearestWord::likelyWordIsFound()
+void TestCommonNearestWord::likelyWordIsFound()
 {
     const std::vector<std::string> words = {"read",   "write",     "watch", "describe",  "--help",
                                             "--port", "--verbose", "-v",    "--stopbits"};
     QTEST(QString::fromStdString(common::likelyWord(QTest::currentDataTag(), words)), "likely");
 }
 
-void TestNearestWord::withoutWordsNoneIsLikely()
+void TestCommonNearestWord::withoutWordsNoneIsLikely()
 {
     QCOMPARE(common::likelyWord("read", {}), std::string());
 }
 
-void TestNearestWord::closestWordTakesTheFewestChanges_data()
+void TestCommonNearestWord::theWordWithTheFewestChangesIsLikely_data()
 {
-    QTest::addColumn<QString>("closest");
-    const auto row = [](const char *text, const char *closest) { QTest::newRow(text) << QString(closest); };
+    QTest::addColumn<QString>("likely");
+    const auto row = [](const char *text, const char *likely) { QTest::newRow(text) << QString(likely); };
     row("one", "one");
     row("oen", "one");
     row("thre", "three");
     row("tthree", "three");
-    row("two four", "four");
     row("FOUR", "four");
     row("--two", "two");
     // Two neighbours that are exchanged are one change, as the one letter is that makes it "tom".
     row("tow", "two");
-    // Nothing is near: the first of those that are least far.
-    row("x", "one");
-    row("", "one");
+    // A longer word may have more of them.
+    row("thirtifuor", "thirty-four");
+    // Nothing is near.
+    row("two four", "");
+    row("x", "");
+    row("", "");
 }
 
-void TestNearestWord::closestWordTakesTheFewestChanges()
+void TestCommonNearestWord::theWordWithTheFewestChangesIsLikely()
 {
-    const std::vector<std::string> words = {"one", "two", "three", "four", "tom"};
-    QTEST(QString::fromStdString(common::closestWord(QTest::currentDataTag(), words)), "closest");
+    const std::vector<std::string> words = {"one", "two", "three", "four", "tom", "thirty-four"};
+    QTEST(QString::fromStdString(common::likelyWord(QTest::currentDataTag(), words)), "likely");
 }
 
-QTEST_APPLESS_MAIN(TestNearestWord)
+TEST_CLASS(TestCommonNearestWord)
 #include "test_nearest_word.moc"

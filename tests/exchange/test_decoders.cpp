@@ -241,6 +241,7 @@ void TestDecoders::highSpeedCounters_data()
     row("none", "04 01 ff 09 0000", "");
     row("1 byte begins another", "04 01 ff 09 0006 00 01020304 00 05060708", "0403020108070605");
     row("function 5", "05 01 ff 09 0005 00 01020304", "");
+    row("0 items", "04 00 ff 09 0005 00 01020304", "");
     row("2 items", "04 02 ff 09 0005 00 01020304", "");
     row("return code 05", "04 01 05 09 0005 00 01020304", "");
     row("transport size 4", "04 01 ff 04 0005 00 01020304", "");
@@ -305,6 +306,7 @@ void TestDecoders::counters_data()
     QTest::newRow("length 1") << bytes("04 01 ff 09 0001 10 1234") << "1234/1";
     QTest::newRow("length 4") << bytes("04 01 ff 09 0004 10 1234 00 5678") << "1234/1 5678/0";
     QTest::newRow("function 5") << bytes("05 01 ff 09 0003 10 1234") << "refused";
+    QTest::newRow("0 items") << bytes("04 00 ff 09 0003 10 1234") << "refused";
     QTest::newRow("2 items") << bytes("04 02 ff 09 0003 10 1234") << "refused";
     QTest::newRow("return code 0a") << bytes("04 01 0a 09 0003 10 1234") << "refused";
     QTest::newRow("transport size 4") << bytes("04 01 ff 04 0003 10 1234") << "refused";

@@ -32,6 +32,29 @@ QByteArray requestToStation2(const Sample &sample)
     return port.frames().value(0);
 }
 
+// Does what is asked of it, and says that it does not know the option.
+class PortWithoutOptions : public ScriptedPort
+{
+public:
+    bool setOption(int key, const QVariant &value) override
+    {
+        ScriptedPort::setOption(key, value);
+        return false;
+    }
+};
+
+// What the port sees of the sample's exchange with another command.
+QStringList eventsOf(const Sample &sample, const CommunicatorCommand &command)
+{
+    ScriptedPort port;
+    port.serves(Answer(sample.item));
+    if (sample.operation == kRead)
+        outcomeOfRead(command, port);
+    else
+        outcomeOfWrite(command, sample.data(), port);
+    return port.events();
+}
+
 // A table with a read and a write of bytes.
 void addOneOfEachOperation()
 {
@@ -73,6 +96,11 @@ private slots:
     void headerFieldsThatMayVary();
     void bytesBehindTheAcknowledgementAreThrownAway_data();
     void bytesBehindTheAcknowledgementAreThrownAway();
+    void resultOfTheOptionIsNotLookedAt_data();
+    void resultOfTheOptionIsNotLookedAt();
+    void everyCallUsesItsOwnPort();
+    void fieldsThatAreTheHostsDoNotMatter_data();
+    void fieldsThatAreTheHostsDoNotMatter();
 };
 
 void TestGoodExchanges::readIsThisConversation_data()
@@ -360,6 +388,55 @@ void TestGoodExchanges::bytesBehindTheAcknowledgementAreThrownAway()
     ScriptedPort port;
     port.expectsRequest().answers("e5 00 ff 16").expectsPoll().answers(Answer(good.item));
     QCOMPARE(outcomeOf(good, port).result, QString(good.result));
+}
+
+void TestGoodExchanges::resultOfTheOptionIsNotLookedAt_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::resultOfTheOptionIsNotLookedAt()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    PortWithoutOptions port;
+    port.serves(Answer(good.item));
+    QCOMPARE(outcomeOf(good, port).result, QString(good.result));
+    QVERIFY(port.scriptIsFinished());
+}
+
+// The first port is gone before the second is used.
+void TestGoodExchanges::everyCallUsesItsOwnPort()
+{
+    DriverS7_200_PPI driver;
+    {
+        ScriptedPort first(2);
+        first.serves(Answer(kFourBytes, 1));
+        QVERIFY(driver.initialize(&first));
+        QCOMPARE(hex(driver.read(&first, byteCommand("VB100", 4))), QString("11223344"));
+    }
+    ScriptedPort second(3);
+    second.expectsRequest()
+        .answers("e5")
+        .expects("10 03 00 5c 5f 16")
+        .answers(Answer(kFourBytes, 2).from(3).sealed());
+    QCOMPARE(hex(driver.read(&second, byteCommand("VB100", 4))), QString("11223344"));
+    QVERIFY(second.scriptIsFinished());
+}
+
+void TestGoodExchanges::fieldsThatAreTheHostsDoNotMatter_data()
+{
+    addSampleRows();
+}
+
+void TestGoodExchanges::fieldsThatAreTheHostsDoNotMatter()
+{
+    QFETCH(QString, sample);
+    const Sample good = ::sample(sample);
+    CommunicatorCommand numbered = good.command();
+    numbered.linkId = 0x01020304;
+    numbered.tagId = -1;
+    QCOMPARE(eventsOf(good, numbered), eventsOf(good, good.command()));
 }
 
 TEST_CLASS(TestGoodExchanges)

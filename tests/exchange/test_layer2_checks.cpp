@@ -3,8 +3,12 @@
 //
 // The checks of what the controller sent, one by one.
 
+#include "answer.h"
+#include "commands.h"
 #include "hex.h"
 #include "log_capture.h"
+#include "outcome.h"
+#include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 #include "test_class.h"
 
@@ -28,6 +32,49 @@ private:
     QByteArray buffer;
 };
 
+// The checks that stand between a reply and its parameters.
+enum Check { kIsRefusal, kAcknowledgement, kRefusal, kHead, kRest, kHeader };
+
+// Where all conditions of the checks hold.
+const char kGoodRefusal[] = "10 00 02 02 04 16";
+const char kGoodHead[] = "68 19 19 68 00 02 08";
+const char kGoodFrame[] = "68 05 05 68 00 02 08 32 03 3f 16"; // as far as layer 2 goes
+const char kGoodItem[] = "04 01 ff 04 00 20 11 22 33 44";
+
+QByteArray answerWith(Answer::Offset place, int value)
+{
+    return Answer(kGoodItem).withByte(place, value).sealed();
+}
+
+// What a check says of these bytes when it is told that they are so many; of the rest of an answer the head
+// does not count. A refusal and the header are recognised in the middle of an exchange.
+QString judgement(Check check, const QByteArray &received, int length)
+{
+    DriverS7_200_PPI driver;
+    const ReceiveBuffer buffer(received);
+    ScriptedPort port;
+    switch (check) {
+    case kIsRefusal:
+        port.expectsRequest().answers(received).receiveClaims(1, length);
+        return outcomeOfRead(byteCommand("VB100", 4), port).reason;
+    case kAcknowledgement:
+        driver.checkSC(buffer.data(), length);
+        break;
+    case kRefusal:
+        driver.processSD1NAK(buffer.data(), length, 0, 2);
+        break;
+    case kHead:
+        driver.checkMinSD2Rsp(buffer.data(), length, 0, 2);
+        break;
+    case kRest:
+        driver.checkSD2ReadWriteRsp(buffer.data(), length, received.at(1) - 1);
+        break;
+    case kHeader:
+        return outcomeOfRead(byteCommand("VB100", 4), received).reason;
+    }
+    return driver.getLastError();
+}
+
 } // namespace
 
 class TestLayer2Checks : public QObject
@@ -43,6 +90,8 @@ private slots:
     void checkMinSD2RspJudgesTheHead();
     void checkSD2ReadWriteRspJudgesTheRest_data();
     void checkSD2ReadWriteRspJudgesTheRest();
+    void eachConditionDecidesAlone_data();
+    void eachConditionDecidesAlone();
     void passedCheckLeavesTheErrorState();
     void failedCheckWritesNoLogLine();
 };
@@ -171,6 +220,84 @@ void TestLayer2Checks::checkSD2ReadWriteRspJudgesTheRest()
     QCOMPARE(passes, text.isEmpty());
     QCOMPARE(driver.hasError(), !passes);
     QCOMPARE(driver.getLastError(), text);
+}
+
+// Of each check a row in which all its conditions hold, and for each condition one in which it alone does
+// not, or, of those that say "or", alone does; so each of them changes the judgement by itself.
+void TestLayer2Checks::eachConditionDecidesAlone_data()
+{
+    QTest::addColumn<int>("check");
+    QTest::addColumn<QByteArray>("received");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QString>("text");
+    const auto row = [](Check check, const char *name, const QByteArray &received, int length,
+                        const char *text) {
+        QTest::newRow(name) << int(check) << received << length << text;
+    };
+
+    row(kIsRefusal, "a refusal: all hold", bytes(kGoodRefusal), 1, "no resource");
+    row(kIsRefusal, "a refusal: a byte was received", bytes(kGoodRefusal), 0, "plc no response");
+    row(kIsRefusal, "a refusal: the byte is 10", bytes("11 00 02 02 04 16"), 1, "invalid response");
+
+    row(kAcknowledgement, "acknowledgement: all hold", bytes("e5"), 1, "");
+    row(kAcknowledgement, "acknowledgement: a byte was received", bytes("e5"), 0, "plc no response");
+    row(kAcknowledgement, "acknowledgement: the byte is e5", bytes("e4"), 1, "invalid response");
+
+    const char loss[] = "first NAK packet loss";
+    const char wrong[] = "invalid response9";
+    row(kRefusal, "refusal: all hold", bytes(kGoodRefusal), 6, "no resource");
+    row(kRefusal, "refusal: 6 bytes were received", bytes(kGoodRefusal), 5, loss);
+    row(kRefusal, "refusal: start 10", bytes("68 00 02 02 04 16"), 6, wrong);
+    row(kRefusal, "refusal: end 16", bytes("10 00 02 02 04 17"), 6, wrong);
+    row(kRefusal, "refusal: sum", bytes("10 00 02 02 05 16"), 6, wrong);
+    row(kRefusal, "refusal: to this master", bytes("10 01 02 02 05 16"), 6, wrong);
+    row(kRefusal, "refusal: from this station", bytes("10 00 03 02 05 16"), 6, wrong);
+    row(kRefusal, "refusal: function 02 or 03, the other", bytes("10 00 02 03 05 16"), 6,
+        "no service actived");
+    row(kRefusal, "refusal: function 02 or 03, neither", bytes("10 00 02 01 03 16"), 6, "unknown error");
+
+    const char tooShort[] = "packet length < minimum second response";
+    const char invalid[] = "invalid response";
+    row(kHead, "head: all hold", bytes(kGoodHead), 7, "");
+    row(kHead, "head: 7 bytes were received", bytes(kGoodHead), 6, tooShort);
+    row(kHead, "head: start 68", bytes("69 19 19 68 00 02 08"), 7, invalid);
+    row(kHead, "head: second start 68", bytes("68 19 19 69 00 02 08"), 7, invalid);
+    row(kHead, "head: length above 0", bytes("68 00 00 68 00 02 08"), 7, invalid);
+    row(kHead, "head: both lengths alike", bytes("68 19 1a 68 00 02 08"), 7, invalid);
+    row(kHead, "head: to this master", bytes("68 19 19 68 01 02 08"), 7, invalid);
+    row(kHead, "head: from this station", bytes("68 19 19 68 00 03 08"), 7, invalid);
+    row(kHead, "head: function 08", bytes("68 19 19 68 00 02 09"), 7, invalid);
+
+    row(kRest, "rest: all hold", bytes(kGoodFrame), 4, "");
+    row(kRest, "rest: all bytes were received", bytes(kGoodFrame), 3, "packet loss");
+    row(kRest, "rest: end above 14", bytes("68 05 05 68 00 02 08 32 03 3f 14"), 4, "packet loss");
+    row(kRest, "rest: end 16", bytes("68 05 05 68 00 02 08 32 03 3f 15"), 4, invalid);
+    row(kRest, "rest: sum", bytes("68 05 05 68 00 02 08 32 03 40 16"), 4, "checksum error");
+
+    const char refused[] = "invalid request to PLC";
+    const int low = 1; // of two bytes
+    const auto header = [&row](const char *name, int place, int value, const char *text) {
+        row(kHeader, name, answerWith(Answer::Offset(place), value), 0, text);
+    };
+    row(kHeader, "header: all hold", Answer(kGoodItem), 0, "");
+    header("header: protocol 32", Answer::kProtocol, 0x33, invalid);
+    header("header: message 02 or 03, the other", Answer::kMessageType, 0x02, "");
+    header("header: message 02 or 03, neither", Answer::kMessageType, 0x01, invalid);
+    header("header: reserved 0", Answer::kReserved + low, 0x01, invalid);
+    header("header: parameter length 2 or 0, the other", Answer::kParameterLength + low, 0x00, "");
+    header("header: parameter length 2 or 0, neither", Answer::kParameterLength + low, 0x03, invalid);
+    header("header: reference of the request", Answer::kReference + low, 0x02, invalid);
+    header("header: error class 0", Answer::kErrorClass, 0x01, refused);
+    header("header: error code 0", Answer::kErrorCode, 0x01, refused);
+}
+
+void TestLayer2Checks::eachConditionDecidesAlone()
+{
+    QFETCH(int, check);
+    QFETCH(QByteArray, received);
+    QFETCH(int, length);
+    QFETCH(QString, text);
+    QCOMPARE(judgement(Check(check), received, length), text);
 }
 
 void TestLayer2Checks::passedCheckLeavesTheErrorState()

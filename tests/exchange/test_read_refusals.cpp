@@ -193,6 +193,8 @@ private slots:
     void answerWithoutAnItemIsRefused();
     void hugeCountOfARefusedAnswerFails_data();
     void hugeCountOfARefusedAnswerFails();
+    void goodAnswerThatNoArrayHoldsFails_data();
+    void goodAnswerThatNoArrayHoldsFails();
 };
 
 void TestReadRefusals::refusedItemHasItsReason_data()
@@ -347,6 +349,28 @@ void TestReadRefusals::hugeCountOfARefusedAnswerFails()
     const Outcome outcome = outcomeOfRead(read, Answer(item));
     QCOMPARE(outcome.result, QString(""));
     QVERIFY(outcome.failed);
+}
+
+void TestReadRefusals::goodAnswerThatNoArrayHoldsFails_data()
+{
+    QTest::addColumn<CommunicatorCommand>("read");
+    QTest::addColumn<QString>("item");
+    const QString memory("04 01 ff 04 00 20 11 22 33 44");
+    QTest::newRow("2^31 bytes of words") << wordCommand("VW0", 0x40000000) << memory;
+    QTest::newRow("2^32 bytes of double words") << doubleWordCommand("VD0", 0x40000000) << memory;
+    QTest::newRow("2^31 bytes of words of high-speed counters")
+        << wordCommand("HC0", 0x40000000) << QString("04 01 ff 09 00 05 00 01 02 03 04");
+}
+
+// What came is not handed out as the whole of what was asked for.
+void TestReadRefusals::goodAnswerThatNoArrayHoldsFails()
+{
+    QFETCH(CommunicatorCommand, read);
+    QFETCH(QString, item);
+    const Outcome outcome = outcomeOfRead(read, Answer(item));
+    QCOMPARE(outcome.result, QString(""));
+    QVERIFY(outcome.failed);
+    QCOMPARE(outcome.reason, QString("invalid request to PLC"));
 }
 
 TEST_CLASS(TestReadRefusals)

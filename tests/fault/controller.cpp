@@ -50,7 +50,7 @@ CannedController::CannedController(int itsStation, const QList<Reply> &itsReplie
 
 QByteArray CannedController::replyTo(const QByteArray &frame)
 {
-    if (frame == shortFrame(station, 0, 0x5c)) {
+    if (frame.startsWith('\x10') && frame == shortFrame(station, 0, 0x5c)) {
         const QByteArray answer = owed;
         owed.clear();
         return answer;

@@ -3,6 +3,8 @@
 
 #include "fault.h"
 
+#include <algorithm>
+
 namespace {
 
 const char *const kDamageNames[] = {"lose", "cut", "double", "insert", "swap", "corrupt", "hold", "seal"};
@@ -12,6 +14,16 @@ LateByte onTime(int value)
 {
     const LateByte byte = {char(value), 0};
     return byte;
+}
+
+bool isSame(const QVector<LateByte> &a, const QVector<LateByte> &b)
+{
+    if (a.size() != b.size())
+        return false;
+    int i = 0;
+    while (i < int(a.size()) && a.at(i).value == b.at(i).value && a.at(i).delay == b.at(i).delay)
+        ++i;
+    return i == int(a.size());
 }
 
 void hold(QVector<LateByte> &bytes, int place, int delay)
@@ -72,22 +84,51 @@ CallFault callFault(Call call, int number, Failure failure, bool forEver)
     return fault;
 }
 
-QVector<LateByte> damaged(const QByteArray &reply, int number, const QList<LineFault> &faults)
+Strikes::Strikes()
+{
+    std::fill(damages, damages + kDamages, 0);
+    std::fill(failures, failures + kFailureKinds, 0);
+}
+
+Strikes &Strikes::operator+=(const Strikes &other)
+{
+    for (int i = 0; i < kDamages; ++i)
+        damages[i] += other.damages[i];
+    for (int i = 0; i < kFailureKinds; ++i)
+        failures[i] += other.failures[i];
+    return *this;
+}
+
+QVector<LateByte> damaged(const QByteArray &reply, int number, const QList<LineFault> &faults,
+                          Strikes &strikes)
 {
     QVector<LateByte> bytes;
     for (int i = 0; i < int(reply.size()); ++i)
         bytes += onTime(reply.at(i));
     for (int i = 0; i < int(faults.size()); ++i) {
-        if (faults.at(i).reply == 0 || faults.at(i).reply == number)
-            damage(bytes, faults.at(i));
+        if (faults.at(i).reply != 0 && faults.at(i).reply != number)
+            continue;
+        const QVector<LateByte> before = bytes;
+        damage(bytes, faults.at(i));
+        strikes.damages[faults.at(i).damage] += isSame(before, bytes) ? 0 : 1;
     }
     return bytes;
+}
+
+QString toString(Damage damage)
+{
+    return QLatin1String(kDamageNames[damage]);
+}
+
+QString toString(Failure failure)
+{
+    return QLatin1String(kFailureNames[failure]);
 }
 
 QString toString(const LineFault &fault)
 {
     return QString::fromLatin1("%1 at byte %2 of reply %3, value %4")
-        .arg(QLatin1String(kDamageNames[fault.damage]))
+        .arg(toString(fault.damage))
         .arg(fault.place)
         .arg(fault.reply)
         .arg(fault.value);
@@ -96,7 +137,7 @@ QString toString(const LineFault &fault)
 QString toString(const CallFault &fault)
 {
     return QString::fromLatin1("%1 of %2 %3%4")
-        .arg(QLatin1String(kFailureNames[fault.failure]))
+        .arg(toString(fault.failure))
         .arg(QLatin1String(fault.call == kReceive ? "receive" : "send"))
         .arg(fault.number)
         .arg(QLatin1String(fault.forEver ? " and all behind it" : ""));

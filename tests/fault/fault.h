@@ -10,6 +10,7 @@
 #include <QList>
 #include <QString>
 #include <QVector>
+#include <QtGlobal>
 
 // Damage to what the controller says. place counts the bytes of one reply from 0; a place behind its
 // end changes nothing.
@@ -23,6 +24,8 @@ enum Damage {
     kHold,    // everything from place on comes value milliseconds later
     kSeal     // the check sum is made right again, there where the length byte says it is
 };
+
+const int kDamages = 8;
 
 struct LineFault
 {
@@ -66,9 +69,23 @@ struct LateByte
     int delay; // milliseconds
 };
 
-// What becomes of a reply: the faults that concern it, one after the other.
-QVector<LateByte> damaged(const QByteArray &reply, int number, const QList<LineFault> &faults);
+// How often a fault of each kind changed something.
+struct Strikes
+{
+    Strikes();
+    Strikes &operator+=(const Strikes &other);
 
+    qint64 damages[kDamages];
+    qint64 failures[kFailureKinds];
+};
+
+// What becomes of a reply: the faults that concern it, one after the other. Those that changed it are
+// counted.
+QVector<LateByte> damaged(const QByteArray &reply, int number, const QList<LineFault> &faults,
+                          Strikes &strikes);
+
+QString toString(Damage damage);
+QString toString(Failure failure);
 QString toString(const LineFault &fault);
 QString toString(const CallFault &fault);
 

@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string>
 
 namespace {
 
@@ -103,12 +104,12 @@ int FaultPort::collect(unsigned char *buffer, int maxLength)
 {
     const qint64 deadline = now + settings.timeout;
     int count = 0;
-    while (count < maxLength && !arrivals.isEmpty() && arrivals.first().time <= deadline) {
-        const Arrival arrival = arrivals.first();
-        arrivals.remove(0);
-        now = qMax(now, arrival.time);
-        buffer[count++] = static_cast<unsigned char>(arrival.value);
+    while (count < qMin(maxLength, int(arrivals.size())) && arrivals.at(count).time <= deadline) {
+        now = qMax(now, arrivals.at(count).time);
+        buffer[count] = static_cast<unsigned char>(arrivals.at(count).value);
+        ++count;
     }
+    arrivals.remove(0, count);
     if (count < maxLength)
         now = deadline;
     return count;
@@ -140,7 +141,7 @@ void FaultPort::transmit(const QByteArray &frame)
     const QByteArray reply = controller.replyTo(frame);
     if (reply.isEmpty())
         return;
-    const QVector<LateByte> bytes = damaged(reply, ++replies, lineFaults);
+    const QVector<LateByte> bytes = damaged(reply, ++replies, lineFaults, struck);
     for (int i = 0; i < int(bytes.size()); ++i)
         schedule(bytes.at(i));
 }
@@ -159,8 +160,10 @@ bool FaultPort::setOption(int key, const QVariant &value)
 {
     note("option", key);
     note(value.userType() == int(QMetaType::Int) ? "integer" : "no integer", value.toInt());
-    while (settings.purges && !arrivals.isEmpty() && arrivals.first().time <= now)
-        arrivals.remove(0);
+    int count = 0;
+    while (settings.purges && count < int(arrivals.size()) && arrivals.at(count).time <= now)
+        ++count;
+    arrivals.remove(0, count);
     return true;
 }
 
@@ -176,12 +179,14 @@ int FaultPort::delay()
     return settings.delay;
 }
 
-const CallFault *FaultPort::faultOf(Call call, int number) const
+const CallFault *FaultPort::faultOf(Call call, int number)
 {
     for (int i = 0; i < int(callFaults.size()); ++i) {
         const CallFault &fault = callFaults.at(i);
-        if (fault.call == call && (fault.forEver ? number >= fault.number : number == fault.number))
+        if (fault.call == call && (fault.forEver ? number >= fault.number : number == fault.number)) {
+            ++struck.failures[fault.failure];
             return &fault;
+        }
     }
     return nullptr;
 }
@@ -190,7 +195,7 @@ void FaultPort::note(const char *what, qint64 argument)
 {
     writtenDown += what;
     writtenDown += ' ';
-    writtenDown += QByteArray::number(argument);
+    writtenDown += std::to_string(argument).c_str();
     writtenDown += '\n';
 }
 

@@ -45,6 +45,7 @@ public:
     // One line per call, pauses among them.
     QByteArray calls() const { return writtenDown; }
     int sends() const { return totalSends; }
+    const Strikes &strikes() const { return struck; }
 
     int receive(unsigned char *buffer, int maxLength) override;
     int send(const unsigned char *data, int length) override;
@@ -63,7 +64,7 @@ private:
     FaultPort(const FaultPort &);
     FaultPort &operator=(const FaultPort &);
 
-    const CallFault *faultOf(Call call, int number) const;
+    const CallFault *faultOf(Call call, int number);
     int receiveFaulty(unsigned char *buffer, int maxLength, Failure failure);
     int collectHalf(unsigned char *buffer, int maxLength);
     int collect(unsigned char *buffer, int maxLength);
@@ -84,6 +85,7 @@ private:
     qint64 now;                // milliseconds
     QVector<Arrival> arrivals; // by time
     QByteArray writtenDown;
+    Strikes struck;
 };
 
 #endif

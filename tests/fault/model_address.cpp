@@ -3,6 +3,8 @@
 
 #include "model_address.h"
 
+#include <cstring>
+
 namespace {
 
 // Every area with the letters that may follow its name; a blank stands for none.
@@ -19,11 +21,18 @@ const AreaName kAreaNames[] = {
     {"C", " ", 0x1e},    {"T", " ", 0x1f},     {"HC", " ", 0x20},
 };
 
+bool isName(const QByteArray &prefix, const char *name, char width)
+{
+    if (width == ' ')
+        return prefix == name;
+    return prefix.endsWith(width) && prefix.startsWith(name) && prefix.size() == int(std::strlen(name)) + 1;
+}
+
 int areaOf(const QByteArray &prefix)
 {
     for (const AreaName &area : kAreaNames) {
         for (const char *width = area.widths; *width; ++width) {
-            if (prefix == (QByteArray(area.name) + *width).trimmed())
+            if (isName(prefix, area.name, *width))
                 return area.code;
         }
     }

@@ -8,9 +8,9 @@ namespace {
 // The low bytes of value, most significant first.
 QByteArray bigEndian(quint64 value, int size)
 {
-    QByteArray field;
-    while (--size >= 0)
-        field += char(value >> (8 * size));
+    QByteArray field(size, '\0');
+    for (int i = size; i > 0; value >>= 8)
+        field[--i] = char(value);
     return field;
 }
 

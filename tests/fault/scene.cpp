@@ -41,6 +41,7 @@ template <typename Player> Record play(Player &player, const Scene &scene, Contr
         record.outcomes += outcomeOf(player, port, scene.requests.at(i));
     }
     record.calls = port.calls();
+    record.strikes = port.strikes();
     return record;
 }
 
@@ -73,6 +74,16 @@ QString toString(const HostRequest &request)
 }
 
 } // namespace
+
+Record playTo(DriverInterface &driver, const Scene &scene, Controller &controller)
+{
+    return play(driver, scene, controller);
+}
+
+Record playTo(Model &model, const Scene &scene, Controller &controller)
+{
+    return play(model, scene, controller);
+}
 
 Record playToDriver(const Scene &scene, Controller &controller)
 {

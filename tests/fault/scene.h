@@ -17,6 +17,9 @@
 #include <QString>
 #include <QStringList>
 
+class DriverInterface;
+class Model;
+
 struct HostRequest
 {
     bool isWrite;
@@ -54,7 +57,12 @@ struct Record
 {
     QList<Outcome> outcomes; // of each request
     QByteArray calls;        // of the port, one line each
+    Strikes strikes;
 };
+
+// To this driver, and to this model, which may have played others before.
+Record playTo(DriverInterface &driver, const Scene &scene, Controller &controller);
+Record playTo(Model &model, const Scene &scene, Controller &controller);
 
 // To a new driver, and to a new model. The two controllers must be alike.
 Record playToDriver(const Scene &scene, Controller &controller);

@@ -1,9 +1,10 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 //
-// Bytes of the controller that are lost, cut off, doubled, put in, out of order or late. Whatever is left
-// over of one request, the next one is good.
+// Bytes of the controller that are lost, cut off, doubled, put in, out of order, in pieces or late. Whatever
+// is left over of one request, the next one is good.
 
+#include "random.h"
 #include "samples.h"
 #include "test_class.h"
 
@@ -27,6 +28,13 @@ private slots:
     void swappedBytesPassOnlyInsideTheData();
     void repliesInTwoPiecesWithinTheTimeoutAreGood_data() { addSampleRows(); }
     void repliesInTwoPiecesWithinTheTimeoutAreGood();
+    void repliesInThreePiecesAreGood_data() { addSampleRows(); }
+    void repliesInThreePiecesAreGood();
+    void repliesInPiecesOfAnySizeAreGood_data() { addSampleRows(); }
+    void repliesInPiecesOfAnySizeAreGood();
+    void repliesInAnyPiecesAreGoodUntilOneIsLate_data() { addSampleRows(); }
+    void repliesInAnyPiecesAreGoodUntilOneIsLate();
+    void aLongReplyInAnyPiecesIsGoodUntilOneIsLate();
     void repliesWhoseRestComesTooLateAreRefused_data() { addSampleRows(); }
     void repliesWhoseRestComesTooLateAreRefused();
 };
@@ -35,6 +43,8 @@ namespace {
 
 const int kWithinTimeout = 400; // milliseconds; the port waits for 500
 const int kBeyondTimeout = 600;
+
+const int kDeliveries = 400; // drawn by lot, of each reply
 
 // What is wrong with the outcome of a scene of two requests, the first of them disturbed: it must be as
 // the model says and fail or be right, and the second must not notice. Empty when nothing is.
@@ -80,6 +90,112 @@ QString placeThatGoesUnnoticed(const Sample &sample, Damage damage, int value = 
         }
     }
     return QString();
+}
+
+// By how much the pieces of a reply are late, one after the other; the first is never.
+struct Cut
+{
+    int place; // of the first byte of a piece
+    int delay; // milliseconds behind the piece before
+};
+
+QList<LineFault> held(int reply, const QList<Cut> &cuts)
+{
+    QList<LineFault> faults;
+    for (int i = 0; i < int(cuts.size()); ++i)
+        faults += lineFault(reply, kHold, cuts.at(i).place, cuts.at(i).delay);
+    return faults;
+}
+
+// By how much a byte is late.
+int delayOf(const QList<Cut> &cuts, int place)
+{
+    int delay = 0;
+    for (int i = 0; i < int(cuts.size()); ++i)
+        delay += cuts.at(i).place <= place ? cuts.at(i).delay : 0;
+    return delay;
+}
+
+// How many bytes the driver waits for first: the start of a refusal, the head of an answer. For the rest it
+// waits as long again.
+int firstWait(const Sample &sample)
+{
+    return sample.refusal != 0 ? 1 : 7;
+}
+
+// The controller's time to reply counts, too, where the first bytes are waited for.
+bool isInTime(const QList<Cut> &cuts, int size, int waited)
+{
+    const int timeout = PortSettings().timeout;
+    const int first = delayOf(cuts, waited - 1);
+    return FaultPort::kReactionTime + first <= timeout && delayOf(cuts, size - 1) - first <= timeout;
+}
+
+// What is wrong with the outcome of a request whose last reply comes in these pieces; empty when nothing is.
+QString complaintAboutPieces(const Sample &sample, const QList<Cut> &cuts)
+{
+    Scene scene = sample.scene();
+    scene.lineFaults = held(sample.replies(), cuts);
+    const Comparison comparison = compared(scene);
+    const Outcome &outcome = comparison.driver.outcomes.at(0);
+    const int size = int(sample.replyBytes(sample.replies()).size());
+    const bool isRight = isInTime(cuts, size, firstWait(sample)) ? sample.isMetBy(outcome)
+                                                                 : outcome.failed && !outcome.isWritten;
+    return isRight ? comparison.difference : toString(outcome) + toString(scene);
+}
+
+// Pieces of so many bytes that are late by the same.
+QList<Cut> evenCuts(int size, int piece)
+{
+    const int cuts = (size - 1) / piece;
+    QList<Cut> result;
+    for (int i = 1; i <= cuts; ++i)
+        result += Cut{i * piece, kWithinTimeout / cuts};
+    return result;
+}
+
+// Any number of pieces, at any places; mostly in time.
+QList<Cut> drawCuts(Random &random, int size)
+{
+    const int longest = random.oneIn(4) ? kBeyondTimeout : 2 * kWithinTimeout / size;
+    const int one = random.between(1, 6);
+    QList<Cut> result;
+    for (int place = 1; place < size; ++place) {
+        if (random.oneIn(one))
+            result += Cut{place, random.between(0, longest)};
+    }
+    return result;
+}
+
+// What is wrong with drawn deliveries of the last reply, of which some come in time and some do not.
+QString complaintAboutDraws(const Sample &sample, int draws)
+{
+    static const quint32 seed = seedOfRun(); // one line for all rows
+    Random random(seed);
+    const int size = int(sample.replyBytes(sample.replies()).size());
+    int inTime = 0;
+    for (int i = 0; i < draws; ++i) {
+        const QList<Cut> cuts = drawCuts(random, size);
+        const QString text = complaintAboutPieces(sample, cuts);
+        if (!text.isEmpty())
+            return text;
+        inTime += isInTime(cuts, size, firstWait(sample)) ? 1 : 0;
+    }
+    return inTime > 0 && inTime < draws ? QString() : QLatin1String("all deliveries are in time, or none is");
+}
+
+// The sample "bytes" with 200 of them; item and result have to live as long.
+Sample longSample(QByteArray &item, QByteArray &result)
+{
+    for (int i = 0; i < 200; ++i)
+        result += char(i * 7);
+    result = result.toHex();
+    item = "04 01 ff 04 06 40" + result;
+    Sample sample = ::sample("bytes");
+    sample.count = 200;
+    sample.item = item.constData();
+    sample.result = result.constData();
+    return sample;
 }
 
 } // namespace
@@ -154,6 +270,49 @@ void TestFaultDelivery::repliesInTwoPiecesWithinTheTimeoutAreGood()
             QVERIFY2(sample.isMetBy(comparison.driver.outcomes.at(0)), qPrintable(toString(scene)));
         }
     }
+}
+
+void TestFaultDelivery::repliesInThreePiecesAreGood()
+{
+    const Sample sample = currentSample();
+    const int size = int(sample.replyBytes(sample.replies()).size());
+    for (int second = 1; second < size; ++second) {
+        for (int third = second + 1; third < size; ++third) {
+            const QList<Cut> cuts = QList<Cut>()
+                                    << Cut{second, kWithinTimeout / 2} << Cut{third, kWithinTimeout / 2};
+            const QString text = complaintAboutPieces(sample, cuts);
+            QVERIFY2(text.isEmpty(), qPrintable(text));
+        }
+    }
+}
+
+// Down to every byte alone.
+void TestFaultDelivery::repliesInPiecesOfAnySizeAreGood()
+{
+    const Sample sample = currentSample();
+    const int size = int(sample.replyBytes(sample.replies()).size());
+    for (int piece = 1; piece <= size; ++piece) {
+        const QString text = complaintAboutPieces(sample, evenCuts(size, piece));
+        QVERIFY2(text.isEmpty(), qPrintable(text));
+    }
+}
+
+void TestFaultDelivery::repliesInAnyPiecesAreGoodUntilOneIsLate()
+{
+    const QString text = complaintAboutDraws(currentSample(), drawsOfRun(kDeliveries));
+    QVERIFY2(text.isEmpty(), qPrintable(text));
+}
+
+void TestFaultDelivery::aLongReplyInAnyPiecesIsGoodUntilOneIsLate()
+{
+    QByteArray item;
+    QByteArray result;
+    const Sample sample = longSample(item, result);
+    const QString everyByteAlone =
+        complaintAboutPieces(sample, evenCuts(int(sample.replyBytes(sample.replies()).size()), 1));
+    QVERIFY2(everyByteAlone.isEmpty(), qPrintable(everyByteAlone));
+    const QString text = complaintAboutDraws(sample, drawsOfRun(kDeliveries));
+    QVERIFY2(text.isEmpty(), qPrintable(text));
 }
 
 void TestFaultDelivery::repliesWhoseRestComesTooLateAreRefused()

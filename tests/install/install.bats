@@ -51,15 +51,26 @@ start_simulator() {
     return 1
 }
 
-# build_example NAME: against the installed package, once for all tests; ./build is then where it is.
-build_example() {
-    local tree=$BATS_FILE_TMPDIR/$1
+# build_sources DIRECTORY: against the installed package, once for all tests; ./build is then where it is.
+build_sources() {
+    local tree=$BATS_FILE_TMPDIR/build-${1##*/}
     if [ ! -e "$tree" ]; then
-        "$CMAKE" -G Ninja -S "$examples/$1" -B "$tree" -D CMAKE_PREFIX_PATH="$S7PPI_PREFIX" \
+        "$CMAKE" -G Ninja -S "$1" -B "$tree" -D CMAKE_PREFIX_PATH="$S7PPI_PREFIX" \
             -D CMAKE_CXX_COMPILER="$CXX" -D CMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
         "$CMAKE" --build "$tree"
     fi
     ln -s "$tree" build
+}
+
+build_example() {
+    build_sources "$examples/$1"
+}
+
+# build_driver: one that was made of the example driver.
+build_driver() {
+    local driver=$BATS_FILE_TMPDIR/my_2nd_scale
+    [ -e "$driver" ] || (cd "${driver%/*}" && sh "$examples/new-driver" "${driver##*/}")
+    build_sources "$driver"
 }
 
 @test "the programs find the plug-in and each other" {
@@ -76,38 +87,95 @@ build_example() {
     [ -e "$headers/tools/pack.h" ]
     [ ! -e "$headers/tools/array_size.h" ]
     [ ! -e "$headers/verification_text.h" ]
-    for header in "$headers"/*.h "$headers"/tools/*.h; do
+    for header in "$headers"/*.h "$headers"/tools/*.h "$headers"/testing/*.h; do
         printf '#include <%s>\n' "${header#"$headers/"}"
     done >all.cpp
     # shellcheck disable=SC2046
     "$CXX" -fsyntax-only -fPIC -Wall -Wextra -Werror all.cpp $(pkg-config --cflags s7ppi-toolkit)
+    (cd "$headers" && find simulator -name '*.h') | sed 's|.*|#include <&>|' >simulator.cpp
+    grep -q simulator/simulator.h simulator.cpp
+    # shellcheck disable=SC2046
+    "$CXX" -std=c++17 -fsyntax-only -fPIC -Wall -Wextra -Werror simulator.cpp $(pkg-config --cflags s7ppi-simulator)
 }
 
-@test "the example driver builds, passes its test, and is described" {
-    build_example weighing_terminal
+@test "a driver of one's own begins with one command: it builds, passes its test, and is described" {
+    build_driver
+    run grep -ril 'weighing.\{0,1\}terminal' "$BATS_FILE_TMPDIR/my_2nd_scale"
+    [ "$output" = "$BATS_FILE_TMPDIR/my_2nd_scale/README.md" ] # which tells of the invented terminal
     run "${CMAKE%cmake}ctest" --test-dir build
     [ "$status" -eq 0 ]
     [[ "$output" == *"100% tests passed, 0 tests failed out of 1"* ]]
 
-    run --separate-stderr s7ppi describe --plugin build/libweighing_terminal.so
+    run --separate-stderr s7ppi describe --plugin build/libmy_2nd_scale.so
     [ "$status" -eq 0 ]
-    [ "${lines[0]}" = "name                 Weighing terminal" ]
+    [ "${lines[0]}" = "name                 My 2nd scale" ]
     [[ "$output" == *"vendor               Example"* ]]
     [[ "$output" == *"serial line          19200 baud, no parity, 8 data bits, 1 stop bit"* ]]
     [[ "$output" == *"station              5"* ]]
 }
 
+@test "a new driver has a name that files and classes can have, and takes nobody's place" {
+    local name
+    for name in '' MyScale 2nd my-scale my__scale scale_ ../scale; do
+        run sh "$examples/new-driver" "$name"
+        [ "$status" -eq 2 ]
+        [[ "$output" == "new-driver: "* ]]
+    done
+    mkdir scale
+    run sh "$examples/new-driver" scale
+    [ "$status" -eq 2 ]
+    [ "$output" = "new-driver: scale is there already" ]
+    [ -z "$(ls scale)" ]
+}
+
+@test "a test with simulated controllers builds, with CMake and with pkg-config" {
+    build_example simulator_test
+    "${CMAKE%cmake}ctest" --test-dir build
+    # shellcheck disable=SC2046
+    "$CXX" -std=c++17 -fPIC "$examples/simulator_test/simulator_test.cpp" \
+        $(pkg-config --cflags --libs s7ppi-simulator) -o simulator_test
+    run ./simulator_test
+    [ "$output" = passed ]
+}
+
+@test "a test with a scripted port builds with pkg-config, and the driver's pauses take no time in it" {
+    cat >check.cpp <<'CPP'
+#include <testing/fake_sleep.h>
+#include <testing/scripted_port.h>
+#include <tools/receive.h>
+#include <tools/timing.h>
+#include <cstdio>
+int main()
+{
+    ScriptedPort port(5);
+    port.expects("05").answers("4f 4b 0d 0a");
+    const unsigned char enquiry = 5;
+    port.send(&enquiry, 1);
+    HRSleep(4000);
+    std::printf("%s, %d ms, %s\n", receiveLine(&port, 80).bytes.constData(),
+                int(FakeSleep::pauses().first() / 1000000), port.scriptIsFinished() ? "as scripted" : "otherwise");
+    std::printf("%s\n", port.events().join("; ").toLatin1().constData());
+}
+CPP
+    # shellcheck disable=SC2046
+    "$CXX" -std=c++17 -fPIC check.cpp $(pkg-config --cflags --libs s7ppi-testing s7ppi-toolkit) \
+        -Wl,-rpath,"$(pkg-config --variable=driverdir s7ppi-toolkit)" -o check
+    run ./check
+    [ "${lines[0]}" = "OK, 4000 ms, as scripted" ]
+    [ "${lines[1]}" = "send 05; pause 4000 ms; receive(1) -> 1; receive(1) -> 1; receive(1) -> 1; receive(1) -> 1" ]
+}
+
 @test "the example driver's test fails when the driver is another one" {
-    build_example weighing_terminal
-    [ -x build/test_weighing_terminal ]
-    run build/test_weighing_terminal "$drivers/libs7_200_ppi.so"
+    build_driver
+    [ -x build/test_my_2nd_scale ]
+    run build/test_my_2nd_scale "$drivers/libs7_200_ppi.so"
     [ "$status" -ne 0 ]
 }
 
 @test "an installed driver finds the toolkit beside it" {
-    build_example weighing_terminal
+    build_driver
     DESTDIR=$BATS_TEST_TMPDIR/panel "$CMAKE" --install build
-    installed=panel$drivers/libweighing_terminal.so
+    installed=panel$drivers/libmy_2nd_scale.so
     run s7ppi --plugin "$installed" describe
     [ "$status" -eq 7 ]
     cp "$drivers/libs7_200_ppi.so" "${installed%/*}"
@@ -206,5 +274,44 @@ page_tells() {
         page_tells "man1/s7ppi-$command.1" s7ppi "$command"
     done
     page_tells man1/s7ppi-sim.1 s7ppi-sim
+    [ "$(zcat "$S7PPI_PREFIX/share/man/man1/s7ppi-read.1.gz" | grep -A 1 '^s7ppi read ' | grep -cx '\.br')" -eq 3 ]
     zcat "$S7PPI_PREFIX/share/man/man5/s7ppi-trace.5.gz" | grep -q '^2026-.* < e5$'
+}
+
+@test "the shells find what completes command lines" {
+    s7ppi completion bash | cmp - "$S7PPI_PREFIX/share/bash-completion/completions/s7ppi"
+    s7ppi completion fish | cmp - "$S7PPI_PREFIX/share/fish/vendor_completions.d/s7ppi.fish"
+    s7ppi completion zsh | cmp - "$S7PPI_PREFIX"/share/zsh/*/_s7ppi
+}
+
+# unit: systemd's template, with the program where it is installed here.
+unit() {
+    unit=$BATS_TEST_TMPDIR/s7ppi-publish@press.service
+    sed "s|^ExecStart=[^ ]*|ExecStart=$S7PPI_PREFIX/bin/s7ppi|" \
+        "$S7PPI_PREFIX/lib/systemd/system/s7ppi-publish@.service" >"$unit"
+}
+
+@test "systemd takes the unit of the service, which is confined" {
+    unit
+    run systemd-analyze verify --man=no "$unit"
+    echo "$output"
+    [ "$status" -eq 0 ]
+    [ "$output" = "" ]
+    systemd-analyze security --offline=true --threshold=20 "$unit"
+}
+
+@test "the service begins with its example settings" {
+    local examples=$S7PPI_PREFIX/share/doc/s7ppi-publish/examples command
+    unit
+    cd "$examples"
+    set -a
+    # shellcheck disable=SC1091
+    . ./press.conf
+    set +a
+    command=$(sed -n 's/^ExecStart=//p' "$unit")
+    [ "${command##* }" = "\$PUBLISH" ]
+    # shellcheck disable=SC2086
+    STATE_DIRECTORY=$BATS_TEST_TMPDIR S7PPI_PORT=sim run ${command% *} ${PUBLISH//\/etc\/s7ppi/.} --count 1
+    [ "$status" -eq 0 ]
+    [ "${output##* messages left in }" = "$BATS_TEST_TMPDIR/plant_press.spool for the next start" ]
 }

@@ -23,22 +23,31 @@ struct Kind
 };
 
 const Kind kKinds[] = {
-    {"V", "", 0, 10240},   {"VB", "", 1, 10240},    {"VB", ":u32", 4, 10240}, {"VB", ":str", 1, 10240},
-    {"VW", "", 2, 10240},  {"VW", ":u8", 1, 10240}, {"VW", ":u32", 4, 10240}, {"VW", ":bcd", 2, 10240},
-    {"VD", "", 4, 10240},  {"VD", ":u8", 1, 10240}, {"VD", ":u16", 2, 10240}, {"VD", ":hex", 4, 10240},
-    {"M", "", 0, 32},      {"MB", "", 1, 32},       {"MW", ":i16", 2, 32},    {"MD", ":f32", 4, 32},
-    {"IB", ":hex", 1, 16}, {"QW", "", 2, 16},       {"SMB", "", 1, 550},      {"SMD", "", 4, 550},
-    {"SB", "", 1, 32},     {"AIW", "", 2, 64},      {"AIW", ":u16", 2, 64},   {"AQW", "", 2, 64},
-    {"T", "", 1, 256},     {"T", ":bool", 1, 256},  {"C", ":i16", 1, 256},    {"C", ":bool", 1, 256},
-    {"HC", "", 1, 6},
+    {"VB", ":u64", 8, 10240},    {"VW", ":i64", 8, 10240},
+    {"VD", ":f64", 8, 10240},    {"VD", ":u32:swap", 4, 10240},
+    {"VB", ":string", 1, 10240}, {"V", "", 0, 10240},
+    {"VB", "", 1, 10240},        {"VB", ":u32", 4, 10240},
+    {"VB", ":str", 1, 10240},    {"VW", "", 2, 10240},
+    {"VW", ":u8", 1, 10240},     {"VW", ":u32", 4, 10240},
+    {"VW", ":bcd", 2, 10240},    {"VD", "", 4, 10240},
+    {"VD", ":u8", 1, 10240},     {"VD", ":u16", 2, 10240},
+    {"VD", ":hex", 4, 10240},    {"M", "", 0, 32},
+    {"MB", "", 1, 32},           {"MW", ":i16", 2, 32},
+    {"MD", ":f32", 4, 32},       {"IB", ":hex", 1, 16},
+    {"QW", "", 2, 16},           {"SMB", "", 1, 550},
+    {"SMD", "", 4, 550},         {"SB", "", 1, 32},
+    {"AIW", "", 2, 64},          {"AIW", ":u16", 2, 64},
+    {"AQW", "", 2, 64},          {"T", "", 1, 256},
+    {"T", ":bool", 1, 256},      {"C", ":i16", 1, 256},
+    {"C", ":bool", 1, 256},      {"HC", "", 1, 6},
 };
 
 // V and the timers are where neighbours are common.
 rc::Gen<Kind> kinds()
 {
     const std::vector<Kind> all(std::begin(kKinds), std::end(kKinds));
-    const std::vector<Kind> variables(all.begin(), all.begin() + 12);
-    const std::vector<Kind> timers(all.begin() + 24, all.begin() + 27);
+    const std::vector<Kind> variables(all.begin(), all.begin() + 17);
+    const std::vector<Kind> timers(all.begin() + 29, all.begin() + 32);
     return rc::gen::weightedOneOf<Kind>(
         {{5, rc::gen::elementOf(variables)}, {2, rc::gen::elementOf(timers)}, {2, rc::gen::elementOf(all)}});
 }
@@ -71,8 +80,9 @@ QString drawnItem(const Kind &kind, int windowOfAll)
         return bitItem(kind, window);
     const QString prefix = kind.prefix;
     const int step = prefix.startsWith('A') ? 2 : 1;
-    const int number = *rc::gen::inRange(0, (window - kind.sizeOfAddress) / step + 1) * step;
-    const int count = drawnCount((kind.numberOfPlaces - number) / kind.sizeOfAddress);
+    const int lengthByte = QString(kind.type) == ":string" ? 1 : 0;
+    const int number = *rc::gen::inRange(0, (window - lengthByte - kind.sizeOfAddress) / step + 1) * step;
+    const int count = drawnCount((kind.numberOfPlaces - number - lengthByte) / kind.sizeOfAddress);
     return QString("%1%2%3*%4").arg(prefix).arg(number).arg(kind.type).arg(count);
 }
 
@@ -94,7 +104,7 @@ QString lots::textOf(const std::vector<Item> &items)
 {
     QStringList texts;
     for (const Item &item : items)
-        texts << QString("%1:%2*%3").arg(item.place(), typeName(item.type)).arg(item.count);
+        texts << QString("%1:%2*%3").arg(item.place(), item.typeText()).arg(item.count);
     return texts.join(' ');
 }
 
@@ -141,7 +151,8 @@ planned::Span planned::spanOf(const Item &item)
     const int begin = item.address.number;
     if (item.address.kind == AddressKind::Bit)
         return {begin, begin + (item.address.bit + item.count - 1) / 8 + 1};
-    return {begin, begin + item.count * placesOfValue(item)};
+    const int lengthByte = item.type == ValueType::String ? 1 : 0;
+    return {begin, begin + lengthByte + item.count * placesOfValue(item)};
 }
 
 int planned::placesOfValue(const Item &item)

@@ -31,7 +31,9 @@ void AHintLeadsToTheNextRefusal::hintsNameWhatIsTaken_data()
     refused("VB100=-129", small.arg("-129", "u8: 0 to 255"), nearest.arg("-129", "i16"));
     refused("VB100=-40000", small.arg("-40000", "u8: 0 to 255"), nearest.arg("-40000", "i32"));
     refused("VW2=-40000", small.arg("-40000", "u16: 0 to 65535"), nearest.arg("-40000", "i32"));
-    refused("VB2=-2147483649", small.arg("-2147483649", "u8: 0 to 255"), "the nearest value is 0");
+    refused("VB2=-2147483649", small.arg("-2147483649", "u8: 0 to 255"), nearest.arg("-2147483649", "i64"));
+    refused("VB2=-9223372036854775809", small.arg("-9223372036854775809", "u8: 0 to 255"),
+            "the nearest value is 0");
     refused("T38=-40000", small.arg("-40000", "u16: 0 to 65535"), "the nearest value is 0");
     refused("VB0=0b12", "\"0b12\" is not a whole number",
             "0b begins a number of 0 and 1 only, 0x one of hexadecimal digits");

@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 //
 // read VB0..VB9 was told that VB0..VB9 is not an address of the controller, which left the user to guess what
-// else to write. Ranges are for dump alone, and the text was looked at as an address only.
+// else to write. The text was looked at as an address only; it names as many values as a count would.
 
 #include "host/items/item.h"
 #include "test_class.h"
-#include "tests/host/support/refused_text.h"
 
-#include <QString>
 #include <QtTest>
 
 using namespace host;
@@ -18,19 +16,16 @@ class ARangeGivenToReadIsNoAddress : public QObject
     Q_OBJECT
 
 private slots:
-    void rangeIsToldToBeOne_data();
-    void rangeIsToldToBeOne();
+    void rangeIsReadAsItsValues();
 };
 
-void ARangeGivenToReadIsNoAddress::rangeIsToldToBeOne_data()
+void ARangeGivenToReadIsNoAddress::rangeIsReadAsItsValues()
 {
-    addRefusedTexts();
-    refused("VB0..VB9", "a range, which only dump takes", "write a count, as VB100*4");
-}
-
-void ARangeGivenToReadIsNoAddress::rangeIsToldToBeOne()
-{
-    compareRefusal([](const QString &text) { parseItem(text); });
+    const Item range = parseItem("VB0..VB9");
+    const Item counted = parseItem("VB0*10");
+    QCOMPARE(range.address.text(), counted.address.text());
+    QCOMPARE(range.count, counted.count);
+    QVERIFY(range.type == counted.type);
 }
 
 TEST_CLASS(ARangeGivenToReadIsNoAddress)

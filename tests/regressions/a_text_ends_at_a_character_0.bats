@@ -33,9 +33,9 @@ load ../host/commands/common
     run --separate-stderr s7ppi decode --trace "$BATS_TEST_TMPDIR/trace"
     [ "$status" -eq 2 ]
     printf 'name,address\nA,VB0\nB\0,VB1\nC,VB2\n' >"$BATS_TEST_TMPDIR/tags.csv"
-    run --separate-stderr s7ppi read --port sim "@$BATS_TEST_TMPDIR/tags.csv"
+    run --separate-stderr s7ppi read --port sim --timeout 60000 "@$BATS_TEST_TMPDIR/tags.csv"
     [ "${#lines[@]}" -eq 3 ]
-    s7ppi dump --port sim VB0..VB3 -o "$BATS_TEST_TMPDIR/dump" 2>/dev/null
+    s7ppi dump --port sim --timeout 60000 VB0..VB3 -o "$BATS_TEST_TMPDIR/dump" 2>/dev/null
     sed -i 's/^area VB0..VB3/&\x000/' "$BATS_TEST_TMPDIR/dump"
     run --separate-stderr s7ppi load --dry-run "$BATS_TEST_TMPDIR/dump"
     [ "$status" -eq 2 ]

@@ -142,10 +142,10 @@ refuses() {
 
 @test "a file includes what it names of the standard library and of Qt" {
     plant host/base/colour.cpp 'static std::optional<int> planted;'
-    plant host/base/colour.h 'inline QString planted(); // by way of others'
+    plant host/base/colour.h 'inline QDateTime planted(); // by way of others'
     plant tests/host/text/test_nearest_word.cpp 'static std::map<int, int> planted;'
     refused "host/base/colour.cpp: std::optional without #include <optional>" \
-        "host/base/colour.h: QString without #include <QString>" \
+        "host/base/colour.h: QDateTime without #include <QDateTime>" \
         "tests/host/text/test_nearest_word.cpp: std::map without #include <map>"
 }
 

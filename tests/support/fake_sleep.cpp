@@ -45,7 +45,9 @@ void FakeSleep::setListener(void (*listener)(qint64))
     g_listener = listener;
 }
 
-extern "C" int nanosleep(const struct timespec *requested, struct timespec *remaining)
+// Found by loaded libraries, too, however the rest of the program is compiled.
+extern "C" __attribute__((visibility("default"))) int nanosleep(const struct timespec *requested,
+                                                                struct timespec *remaining)
 {
     const qint64 nanoseconds = qint64(requested->tv_sec) * kNanosecondsPerSecond + qint64(requested->tv_nsec);
     if (g_listener)

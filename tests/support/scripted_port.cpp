@@ -69,7 +69,8 @@ ScriptedPort &ScriptedPort::answers(const char *hexText)
 
 ScriptedPort &ScriptedPort::answers(const QByteArray &received)
 {
-    script.last().answer = received;
+    if (hasFrame("answers()"))
+        script.last().answer = received;
     return *this;
 }
 
@@ -80,7 +81,8 @@ ScriptedPort &ScriptedPort::answersLate(const char *hexText)
 
 ScriptedPort &ScriptedPort::answersLate(const QByteArray &received)
 {
-    script.last().lateAnswer = received;
+    if (hasFrame("answersLate()"))
+        script.last().lateAnswer = received;
     return *this;
 }
 
@@ -207,6 +209,14 @@ ScriptedPort &ScriptedPort::addStep(Kind kind, const QByteArray &frame)
     Step step = {kind, frame, QByteArray(), QByteArray()};
     script += step;
     return *this;
+}
+
+// Whether there is a frame that something can follow; complains otherwise.
+bool ScriptedPort::hasFrame(const char *what)
+{
+    if (script.isEmpty())
+        complaints += QString::fromLatin1("%1 needs an expects() before it").arg(QLatin1String(what));
+    return !script.isEmpty();
 }
 
 QString ScriptedPort::complaintAbout(int number, const QByteArray &frame) const

@@ -509,6 +509,7 @@ void TestPack::countErrors_data()
     QTest::newRow("many digits") << "C99999999999999999999999999999999C";
     QTest::newRow("padding, one more than an int") << "C2147483648x";
     QTest::newRow("padding, 0 in 32 bits") << "C4294967296X";
+    QTest::newRow("padding, the highest int and a digit more") << "C21474836470X";
 }
 
 void TestPack::countErrors()

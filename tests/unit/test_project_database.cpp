@@ -290,6 +290,7 @@ void TestProjectDatabase::deviceStringsHavePorts_data()
     QTest::newRow("COM0") << "COM0" << 999;
     QTest::newRow("leading zero") << "COM007" << 1006;
     QTest::newRow("only the last digits count") << "RS485-2 COM3" << 1002;
+    QTest::newRow("no sign") << "COM-3" << 1002;
     QTest::newRow("path") << "/dev/ttyS1" << 1000;
     QTest::newRow("not quite Ethernet") << "ETHERNE7" << 1006;
     QTest::newRow("Ethernet not in front") << "an ETHERNET2" << 1001;

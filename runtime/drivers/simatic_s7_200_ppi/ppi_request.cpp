@@ -56,7 +56,7 @@ private:
 
 QByteArray packHeader(unsigned short &pduReference, qint64 parameterLength, qint64 dataLength)
 {
-    ++pduReference;
+    pduReference = static_cast<unsigned short>(pduReference + 1); // 0 follows 65535
     return wholeBlock(ByteArrayPack("CCnnnn", kProtocol, kJob, 0, pduReference,
                                     static_cast<int>(parameterLength), static_cast<int>(dataLength)));
 }

@@ -58,7 +58,7 @@ void TestCommandLine::whatIsNotGivenStaysEmpty()
     std::optional<QString> format;
     QStringList items;
     addText(app, "--port", port, "DEV", "a port");
-    addChoice(app, "--format", format, {"text", "json"}, "a form");
+    addChoice(app, "--format", format, {"text", "json"}, "FORM", "a form");
     addTexts(app, "items", items, "ITEM", "items");
     parse(app, {});
     QVERIFY(!port.has_value());
@@ -79,7 +79,7 @@ void TestCommandLine::aChoiceIsOneOfItsWords()
 {
     CLI::App app;
     std::optional<QString> format;
-    addChoice(app, "--format", format, {"text", "json"}, "a form");
+    addChoice(app, "--format", format, {"text", "json"}, "FORM", "a form");
     parse(app, {"--format", "json"});
     QCOMPARE(format.value_or("none"), QString("json"));
     QVERIFY_EXCEPTION_THROWN(parse(app, {"--format", "jsn"}), CLI::ValidationError);

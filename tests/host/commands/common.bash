@@ -9,8 +9,9 @@ bats_require_minimum_version 1.5.0
 setup() {
     PATH="$S7PPI_BIN_DIR:$S7PPI_TEST_DIR:$PATH"
     unset S7PPI_PLUGIN S7PPI_PORT S7PPI_STATION S7PPI_FORMAT S7PPI_VERBOSE S7PPI_QUIET NO_COLOR
-    export S7PPI_CONFIG= # not the developer's own
-    export -n S7PPI_BIN_DIR S7PPI_TEST_DIR S7PPI_PLUGIN_FILE # no options: --verbose would tell of them
+    export S7PPI_CONFIG=$BATS_FILE_TMPDIR/patient # not the developer's own; answers are late on a busy machine
+    echo "timeout = 20s" >"$S7PPI_CONFIG"
+    export -n S7PPI_BIN_DIR S7PPI_TEST_DIR S7PPI_PLUGIN_FILE S7PPI_DISSECTOR # no options: --verbose would tell of them
     background=()
 }
 
@@ -68,4 +69,9 @@ write_answer() {
 settings() {
     settings=$BATS_TEST_TMPDIR/settings
     printf '%s\n' "$@" >"$settings"
+}
+
+# timeless TEXT: records of json without what is another with every run, the time and the port, which must be there.
+timeless() {
+    sed -E 's/"time":"[-0-9]{10}T[0-9:.]{12}[^"]+","port":"(sim|\/dev\/[^"]+)",//' <<<"$1"
 }

@@ -15,6 +15,21 @@ impatient() {
     run --separate-stderr s7ppi read --port "$port" --retries 0 --timeout 200 "$@"
 }
 
+# amid_babble COMMAND...: as run, once more whenever the babbler was late: its line was silent for a moment then.
+amid_babble() {
+    local i late
+    for ((i = 0; i < 100; i++)); do
+        late=$(times_late)
+        run --separate-stderr "$@"
+        sleep 0.1
+        [ "$(times_late)" -eq "$late" ] && return
+    done
+    return 1
+}
+times_late() {
+    grep -c late "$BATS_TEST_TMPDIR/output" || true
+}
+
 @test "describe shows identity, defaults and sizes of the plug-in" {
     run --separate-stderr s7ppi describe
     [ "$status" -eq 0 ]
@@ -59,9 +74,9 @@ VB100 4386
 VW100 287454020
 VD100 4386 13124 0
 VW100 17 34 51
-VB100 11 22 33 44
-VW100 1122 3344
-VD100 11223344
+VB100 0x11 0x22 0x33 0x44
+VW100 0x1122 0x3344
+VD100 0x11223344
 VB102 \"3D\"
 VB100 11 22
 VB100 17
@@ -77,7 +92,8 @@ VD100 287454020" ]
 V101.0 0 1 0 0 0 1 0 0
 V100.4 1
 V100.4 1 0 0 0 0 1 0 0
-V100.7 0 0 1 0 0 0 1 0 0 1" ]
+V100.7 0 0 1 0 0 0 1 0
+V101.7 0 1" ]
 }
 
 @test "timers, counters and high-speed counters have values and status bits" {
@@ -85,7 +101,7 @@ V100.7 0 0 1 0 0 0 1 0 0 1" ]
     [ "$status" -eq 0 ]
     [ "$output" = "T37 300
 T37 1
-T37 012c
+T37 0x012c
 C5  5
 C5  5
 HC0 100000
@@ -96,14 +112,16 @@ T36 0 300 0" ]
 @test "an item longer than one frame is read in pieces" {
     run --separate-stderr s7ppi read --port sim VB0*500
     [ "$status" -eq 0 ]
-    [ "$(wc -w <<<"$output")" -eq 501 ]
-    [ "$(cut -d' ' -f 102-105 <<<"$output")" = "17 34 51 68" ]
+    [ "${#lines[@]}" -eq 63 ]
+    [ "$(wc -w <<<"$output")" -eq 563 ]
+    [ "${lines[12]}" = "VB96  0 0 0 0 17 34 51 68" ]
+    [ "${lines[62]}" = "VB496 0 0 0 0" ]
     run --separate-stderr s7ppi read --port sim VD0*100
-    [ "$(wc -w <<<"$output")" -eq 101 ]
-    [[ "$output" == *" 287454020 "* ]]
+    [ "$(wc -w <<<"$output")" -eq 113 ]
+    [[ "${lines[3]}" =~ ^VD96\ +0\ +287454020\ +0 ]]
     run --separate-stderr s7ppi read --port sim T0*100
-    [ "$(wc -w <<<"$output")" -eq 101 ]
-    [ "$(cut -d' ' -f 39 <<<"$output")" = 300 ]
+    [ "$(wc -w <<<"$output")" -eq 113 ]
+    [[ "${lines[4]}" =~ ^T32\ +0\ +0\ +0\ +0\ +0\ 300\  ]]
 }
 
 # A test without --port must not talk to a controller that happens to be connected to this machine.
@@ -121,7 +139,7 @@ refuse_adapters() {
     local arguments
     for arguments in "-q read VB100" "--reconnect read VB100" "read --format json VB100" "write VB100=1" \
         "write --verify VB100=1" "watch --count 1 VB100" "watch --count 1 VB100 -o log.csv" \
-        "dump VB0..VB9 -o new.dump" "load --verify press.dump" "scan --stations 2" "doctor"; do
+        "dump VB0..VB9 -o new.dump" "load --verify press.dump" "diff press.dump" "scan --stations 2" "doctor"; do
         # shellcheck disable=SC2086
         run -3 --separate-stderr s7ppi $arguments
         [[ "$output$stderr" == *"no port is named, and there is no USB serial adapter"* ]]
@@ -166,7 +184,7 @@ refuse_adapters() {
 }
 
 @test "verbose shows every frame in hex and words on stderr, and the driver's messages" {
-    run --separate-stderr s7ppi read --port sim -v VB100*4
+    S7PPI_CONFIG='' run --separate-stderr s7ppi read --port sim -v VB100*4
     [ "$status" -eq 0 ]
     [ "$output" = "VB100 17 34 51 68" ]
     [[ "${stderr_lines[0]}" == *": 9600 baud, even parity, 8 data bits, 1 stop bit" ]]
@@ -228,7 +246,7 @@ VB101   34" ]
     [ "${stderr_lines[0]}" = "s7ppi: vb100: not an address of the controller" ]
     [ "${stderr_lines[1]}" = "hint: write VB100 instead of vb100" ]
     [ "${stderr_lines[3]}" = "hint: write AIW0 instead of AI0" ]
-    [ "${stderr_lines[5]}" = "hint: write V10.7 instead of V10.9" ]
+    [ "${stderr_lines[5]}" = "hint: bits are 0 to 7: write V10.7 instead of V10.9" ]
     [ "${stderr_lines[7]}" = "hint: write i16 instead of INT" ]
     kill -0 "${background[0]}"
 }
@@ -242,17 +260,126 @@ VB101   34" ]
         [ "$status" -eq 2 ]
         [ -z "$output" ]
         [[ "${stderr_lines[0]}" == "s7ppi: "* ]]
-        [[ "${stderr_lines[1]}" == "hint: s7ppi --help lists commands and options"* ]]
+        [[ "${stderr_lines[1]}" == "hint: "* ]]
     done
     run --separate-stderr s7ppi
     [ "${stderr_lines[0]}" = "s7ppi: a command is missing" ]
     run --separate-stderr s7ppi rread
-    [ "${stderr_lines[0]}" = "s7ppi: rread is not a command or option" ]
-    [ "${stderr_lines[1]}" = "hint: s7ppi --help lists commands and options; the nearest to rread is read" ]
+    [ "${stderr_lines[0]}" = "s7ppi: rread is not a command" ]
+    [ "${stderr_lines[1]}" = "hint: s7ppi help lists commands and options; the nearest to rread is read" ]
     run --separate-stderr s7ppi read
-    [ "${stderr_lines[0]}" = "s7ppi: items is required" ]
-    [ "${stderr_lines[1]}" = \
-        "hint: s7ppi --help lists commands and options, s7ppi read --help what read takes" ]
+    [ "${stderr_lines[0]}" = "s7ppi: read needs at least one ITEM" ]
+    [[ "${stderr_lines[1]}" == "hint: ITEM: ADDRESS[:TYPE][*COUNT][@STATION], "*"; for example s7ppi read VB100 VW102:i16 T37" ]]
+}
+
+@test "2: what is wrong with a command line is told as it was typed, with what helps" {
+    local arguments text hint
+    while IFS='|' read -r arguments text hint; do
+        # shellcheck disable=SC2086
+        run --separate-stderr s7ppi $arguments
+        [ "$status" -eq 2 ]
+        [ -z "$output" ]
+        [ "${stderr_lines[0]}" = "s7ppi: $text" ]
+        # shellcheck disable=SC2053
+        [[ "${stderr_lines[1]}" == "hint: "$hint ]]
+        [ "${#stderr_lines[@]}" -eq 2 ]
+    done <<'LINES'
+-z /tmp/x read VB0|there is no option -z|s7ppi help lists commands and options
+read -z 5 VB0|read has no option -z|s7ppi help read tells what it takes
+read VB0 -xyz|read has no option -xyz|s7ppi help read tells what it takes
+--baud read VB0|--baud needs a value; read behind it is the command|write --baud N: *
+-b read VB0|-b needs a value; read behind it is the command|write -b N: *
+read VB0 --baud|--baud needs a value|write --baud N: *
+read VB0 --port --verbose|--port needs a value; --verbose behind it is an option|write --port DEV: *
+read VB0 -vp|-p needs a value|write -p DEV: *
+read VB0 --station 2 -s 3|-s is given twice: 2 and 3|leave one of the two out
+read VB0 --no-merge=3|--no-merge takes no value, and is given 3|write --no-merge alone, *
+read VB0 --json --format csv|--json and --format csv contradict each other|leave one of the two out: *
+--interval 5 watch VB0|--interval stands in front of the command|it is an option of watch and publish: *
+read --interval 5 VB0|read has no option --interval|s7ppi help read tells what it takes; watch and publish have it
+shell|shell is not a command|s7ppi help lists commands and options
+VB0 read|VB0 stands in front of the command read|only options may stand there: write VB0 behind read
+baud 9600|baud is not a command|the option is --baud, with two hyphens
+help shell|shell is not a command|s7ppi help lists commands and options
+dump VB0 VB3|VB3 is too much: dump takes one argument|s7ppi help dump tells what it takes
+scan VB0|VB0 is too much: scan takes options only|s7ppi help scan tells what it takes
+scan read VB0|there are two commands, scan and read|one command is run at a time; *
+dump|dump needs a RANGE|RANGE: FIRST..LAST, *; for example s7ppi dump VB0..VB4095 -o press.dump
+load|load needs a FILE|FILE: *; for example s7ppi load --verify press.dump
+completion|completion needs a SHELL|SHELL: The shell (bash, zsh, fish); for example *
+completion tcsh|SHELL: tcsh is not one of bash, zsh, fish|s7ppi help completion tells what it takes
+read VB0 --station 200|--station: 200 is not a whole number from 1 to 126|s7ppi help lists *
+read VB0 -t soon|--timeout: soon is not a time from 1ms to 10min, as 500ms, 1s or 2min|s7ppi help lists *
+watch VB0 --interval 0|--interval: 0 is not a time from 1ms to 1h, as 500ms, 1s or 2min|s7ppi help watch *
+watch VB0 --count 1.5|--count: 1.5 is not a whole number from 1 to 1000000000|s7ppi help watch *
+watch VB0 --keep 2|--keep requires --rotate|add --rotate, or leave --keep out
+-q -v read VB0|--quiet excludes --verbose|leave one of the two out
+read VB0 --trace=|--trace needs a value; nothing stands behind =|write --trace FILE: *
+--trace= read VB0|--trace needs a value; nothing stands behind =|write --trace FILE: *
+LINES
+    run --separate-stderr s7ppi '' read
+    [ "${stderr_lines[0]}" = 's7ppi: "" stands in front of the command read' ]
+    run --separate-stderr s7ppi read ''
+    [ "${stderr_lines[0]}" = 's7ppi: "": not an address of the controller' ]
+}
+
+@test "a hint that helps against several errors is told once" {
+    run --separate-stderr s7ppi read FOO1 V10.9 FOO2 V10.9 FOO3
+    [ "$status" -eq 2 ]
+    [ "${#stderr_lines[@]}" -eq 7 ]
+    [ "$(grep -c '^hint: areas are ' <<<"$stderr")" -eq 1 ]
+    [ "${stderr_lines[3]}" = "hint: bits are 0 to 7: write V10.7 instead of V10.9" ]
+}
+
+@test "short options stand for port, station, time-out and rate, and times have units" {
+    run --separate-stderr s7ppi read -p sim -s3 -t 1.5s -b 19200 -v VB100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17" ]
+    [[ "$stderr" == *": 19200 baud, "* ]]
+    [[ "$stderr" == *"-> poll of station 3"* ]]
+    run --separate-stderr s7ppi watch -psim --interval 1ms --for 0.01s VB100
+    [ "$status" -eq 0 ]
+    [[ "${lines[0]}" == *" VB100 17" ]]
+}
+
+@test "--json is the same as --format json" {
+    local command
+    for command in "read VB100" "describe" "check VB100" "decode 10 02 00 5c 5e 16"; do
+        # shellcheck disable=SC2086
+        [ "$(timeless "$(s7ppi -p sim $command --json)")" = "$(timeless "$(s7ppi -p sim $command --format json)")" ]
+    done
+    [ "$(S7PPI_FORMAT=csv s7ppi describe --json)" = "$(s7ppi describe --format json)" ]
+    [ "$(s7ppi describe --json --format json)" = "$(s7ppi describe --format json)" ]
+}
+
+@test "help tells of every command what --help does, with examples, and nothing of another" {
+    local command
+    [ "$(s7ppi help)" = "$(s7ppi --help)" ]
+    mapfile -t commands < <(s7ppi help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+    [ "${#commands[@]}" -ge 15 ]
+    for command in "${commands[@]}"; do
+        s7ppi help "$command" >"$BATS_TEST_TMPDIR/help"
+        s7ppi "$command" --help | cmp - "$BATS_TEST_TMPDIR/help"
+        grep -q "^Usage: s7ppi $command " "$BATS_TEST_TMPDIR/help"
+        [ "$(grep -c '^Examples:$' "$BATS_TEST_TMPDIR/help")" -eq 1 ]
+        grep -qE "^  (cat .* \\| )?s7ppi .*\b$command\b" "$BATS_TEST_TMPDIR/help"
+        # S7PPI_MQTT_USER and the like are for one command.
+        run grep -E 'Exit codes:|S7PPI_[^M]|Excludes:|Needs:|REQUIRED|, else ' "$BATS_TEST_TMPDIR/help"
+        [ -z "$output" ]
+    done
+    run grep -E 'Excludes:|Needs:|REQUIRED|, else ' <(s7ppi help; s7ppi-sim --help)
+    [ -z "$output" ]
+}
+
+@test "every example of the help is a command line that is right" {
+    cd "$BATS_TEST_TMPDIR"
+    local example
+    s7ppi help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p' >names
+    while read -r example; do
+        # Nothing is run: help tells what a command takes, once the words in front of it are right.
+        run --separate-stderr bash -c "${example%%[|>]*} --help"
+        [ "$status" -eq 0 ]
+    done < <(while read -r name; do s7ppi help "$name" | sed -n '/^Examples:/,/^$/s/^  \(s7ppi .*\)/\1/p'; done <names)
 }
 
 @test "2: what is no command, option or choice is told with the nearest that is" {
@@ -264,7 +391,7 @@ VB101   34" ]
         [[ "${stderr_lines[0]}${stderr_lines[1]}" == *"; the nearest $nearest"* ]]
     done <<'LINES'
 raed VB0|to raed is read
-help|to help is --help
+hlep|to hlep is help
 -V|to -V is -v
 read --prot sim VB0|to --prot is --port
 --prot=sim read VB0|to --prot is --port
@@ -280,7 +407,7 @@ LINES
     start fake_controller e5 681717680002083203000000010002000600000401ff0400101a3fb916
     impatient VW0:bcd
     [ "$status" -eq 2 ]
-    [ "${stderr_lines[0]}" = "s7ppi: VW0: 1a3f is not BCD" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VW0: 0x1a3f is not BCD" ]
     [ "${stderr_lines[1]}" = "hint: read it with :hex to see what it is" ]
 }
 
@@ -300,25 +427,29 @@ LINES
     eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
     impatient VB0
     [ "$status" -eq 3 ]
-    [ "${stderr_lines[1]}" = "hint: another program has the port open: end it, or use another port" ]
+    [ "${stderr_lines[1]}" = "hint: another program has the port open: end it, or use another port, or let --wait-lock 1min wait for it" ]
 }
 
 @test "5: a line that is never silent is told as such, with what babbles, and is no echo" {
     local byte
     for byte in 68 55 e5; do
         start fake_controller "babble:$byte"
-        run -5 --separate-stderr s7ppi read --port "$port" --retries 1 --timeout 300 VB0
+        amid_babble s7ppi read --port "$port" --retries 1 --timeout 300 VB0
+        [ "$status" -eq 5 ]
         [ -z "$output" ]
         [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent" ]
         [[ "${stderr_lines[1]}" =~ ^"hint: "[0-9]+" bytes in "[0-9]+" ms, as $byte".*": something keeps sending" ]]
         [ "${#stderr_lines[@]}" -eq 2 ]
+        kill %% # before the next one writes where it did
+        wait %% || true
     done
     start fake_controller babble:1005007c8116
-    impatient VB0
+    amid_babble s7ppi read --port "$port" --retries 0 --timeout 200 VB0
     [ "$status" -eq 5 ]
     [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent; on it is a poll of station 5" ]
     [[ "${stderr_lines[1]}" == "hint: "*" bytes in "*" ms, as 10 05 00 7c 81 16: something keeps sending"* ]]
-    run -5 --separate-stderr s7ppi watch --port "$port" --timeout 100 --retries 0 --interval 1 --count 3 VB0
+    amid_babble s7ppi watch --port "$port" --timeout 100 --retries 0 --interval 1 --count 3 VB0
+    [ "$status" -eq 5 ]
     [ "$(grep -c '^hint' <<<"$stderr")" -eq 1 ]
     [[ "$stderr" == *"s7ppi: 3 times: the line is never silent; on it is a poll of station 5"* ]]
 }

@@ -55,7 +55,7 @@ HC0           09 0004 000001         3 of 5'
         start fake_controller e5 "$(read_answer 1 "$kind" "$length" "$data")"
         run -5 --separate-stderr s7ppi watch --port "$port" --retries 0 --timeout 300 --count 1 --format csv "$item"
         [ "${#lines[@]}" -eq 2 ]
-        [[ "${lines[1]}" == *,,,,"the answer holds $shortage bytes" || "${lines[1]}" == *",,,,invalid response" ]]
+        [[ "${lines[1]}" == *,,,,"the answer holds $shortage bytes,$port,2" || "${lines[1]}" == *",,,,invalid response,$port,2" ]]
     done <<<"$SHORT"
 }
 

@@ -107,6 +107,24 @@ all together
     [ "$(jq -c '.items[] | [.text, .address, .valid]' <<<"$output")" = "[\"@$tags:Input\",\"AIW2\",true]" ]
 }
 
+@test "what a tag file says of writing is shown" {
+    cd "$BATS_TEST_TMPDIR"
+    printf '%s\n' name,address,unit,access,min,max Boiler,VW100,°C,rw,5.5,90.5 Status,VB1,,ro,, Level,VB2,mm,,,7.5 \
+        Plain,VB3 Input,AIW2,,ro >tags.csv
+    run --separate-stderr s7ppi check @tags.csv
+    [ "$(grep '^  write' <<<"$output")" = "  write        possible, from 5.5 to 90.5 °C
+  write        possible, but the access is ro in tags.csv:3
+  write        possible, up to 7.5 mm
+  write        possible
+  write        can not write data to AIW2" ]
+    run --separate-stderr s7ppi check --format json @tags.csv
+    [ "$(jq -c '.items[] | [.writable, .access, .min, .max]' <<<"$output")" = '[true,"rw",5.5,90.5]
+[true,"ro",null,null]
+[true,null,null,7.5]
+[true,null,null,null]
+[false,"ro",null,null]' ]
+}
+
 @test "2: what is wrong in a tag file is told, and its other tags are checked" {
     local tags=$BATS_TEST_TMPDIR/tags.csv
     printf 'name,address\nBoiler,VW100\nPump,vb1\n' >"$tags"
@@ -128,10 +146,10 @@ all together
     [ "$output" = '{
   "format": "s7ppi.check/1",
   "items": [
-    {"text":"VX10","valid":false,"error":"not an address of the controller","nearest":["VB10","V10.0"]},
-    {"text":"VW2097151","valid":false,"error":"not an address of the controller","nearest":["VW2097150"]},
-    {"text":"V10.9","valid":false,"error":"not an address of the controller","nearest":["V10.7"]},
-    {"text":"nonsense","valid":false,"error":"not an address of the controller","nearest":[]}
+    {"text":"VX10","valid":false,"error":"not an address of the controller","cause":"wrong_usage","nearest":["VB10","V10.0"]},
+    {"text":"VW2097151","valid":false,"error":"not an address of the controller","cause":"wrong_usage","nearest":["VW2097150"]},
+    {"text":"V10.9","valid":false,"error":"not an address of the controller","cause":"wrong_usage","nearest":["V10.7"]},
+    {"text":"nonsense","valid":false,"error":"not an address of the controller","cause":"wrong_usage","nearest":[]}
   ]
 }' ]
 }

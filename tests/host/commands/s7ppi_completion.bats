@@ -51,8 +51,12 @@ listed() {
     [ "$(completed --parity e)" = "even" ]
     [ "$(completed --parity even read --format n)" = "ndjson" ]
     [ "$(completed --port s)" = "sim" ]
+    [ "$(completed --port tc)" = "tcp:" ]
     [ "$(completed --trace read rea)" = "read" ]
     [ "$(completed completion z)" = "zsh" ]
+    [ "$(completed help wa)" = "watch" ]
+    [ "$(completed -b 19200 -p si)" = "sim" ]
+    [ "$(completed -t 1s wat)" = "watch" ]
 }
 
 @test "bash: files are completed where files are named, with blanks in them" {

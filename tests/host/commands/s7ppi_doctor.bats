@@ -14,6 +14,12 @@ doctor() {
     run --separate-stderr s7ppi doctor --port "$port" "$@"
 }
 
+# without_settings: takes what stands behind the checks out of the output.
+without_settings() {
+    output=${output%%$'\n\n'settings$'\n'*}
+    mapfile -t lines <<<"$output"
+}
+
 # checks: the names of the checks with their verdicts, in a line.
 checks() {
     sed -n 's/^\(ok\|warning\|failed\)  *\([a-z-]*\( errors\)\{0,1\}\)  .*/\2:\1/p' <<<"$output" | tr '\n' ' '
@@ -47,6 +53,13 @@ checks() {
     [ "$(grep -c '^-> request' <<<"$stderr")" -eq 3 ]
 }
 
+@test "the item that is named is read" {
+    start s7ppi-sim
+    doctor --reads 2 VW100:i16*2 -v
+    [ "$status" -eq 0 ]
+    [ "$(grep -c '^-> request [12] to station 2: read 2 words at V byte 100: ' <<<"$stderr")" -eq 2 ]
+}
+
 @test "checks have records" {
     start s7ppi-sim
     doctor --reads 1 --format ndjson
@@ -61,6 +74,7 @@ checks() {
     [ "$status" -eq 0 ]
     [[ "$output" == *"warning retries       1 in 5 reads
         -> answers get lost or damaged: "* ]]
+    without_settings
     [[ "${lines[-2]}" == "warning time-out      2000 ms, and answers began and ended within 1"???" ms" ]]
     [[ "${lines[-1]}" == "        -> that is close: choose --timeout "???? ]]
 }
@@ -89,6 +103,7 @@ checks() {
     [ "$status" -eq 3 ]
     [[ "$output" == *"in use by s7ppi (process ${background[1]})"* ]]
     [[ "$(checks)" == *" rights:ok lock:failed " ]]
+    without_settings
     [ "${lines[-1]}" = "        -> end the other program, or use another port" ]
 }
 
@@ -130,6 +145,46 @@ checks() {
         -> was the adapter unplugged? "* ]]
 }
 
+@test "every setting is told, and where it comes from" {
+    start s7ppi-sim --station 5
+    settings "port = /dev/no-such-port" "retries = 0" "station = 4" "verbose = off" \
+        "[press]" "station = 5" "timeout = 10s" "[mixer]" "station = 6"
+    S7PPI_PARITY=none S7PPI_PROFILE=mixer run --separate-stderr \
+        s7ppi doctor --config "$settings" --profile press --reads 1 -p "$port" --echo=false
+    [ "$status" -eq 0 ]
+    local line
+    while IFS='|' read -r line; do
+        grep -qxE " +$line" <<<"$output"
+    done <<LINES
+port +$port +command line
+station +5 +profile, $settings:6, \\[press\\]
+timeout +10s +profile, $settings:7, \\[press\\]
+gap +none +default
+retries +0 +file, $settings:2
+delay +[0-9]+m?s +plug-in
+reconnect +false +default
+wait-lock +0s +default
+baud +9600 +plug-in
+parity +none +environment, S7PPI_PARITY
+databits +8 +plug-in
+stopbits +1 +plug-in
+rs485 +false +default
+low-latency +false +default
+echo +false +command line
+format +text +default
+trace +none +default
+quiet +false +default
+verbose +off +file, $settings:4
+plugin +/.*/libs7_200_ppi.so +default
+LINES
+    [ "$(sed '1,/^settings$/d' <<<"$output" | wc -l)" -eq 21 ]
+    run --separate-stderr s7ppi doctor --port sim --plugin /no/such.so --json
+    [ "$status" -eq 7 ]
+    [ "$(jq -c '.settings[] | select(.setting == "baud" or .setting == "plugin")' <<<"$output")" = \
+        '{"setting":"baud","value":"unknown","source":"plug-in","place":""}
+{"setting":"plugin","value":"/no/such.so","source":"command line","place":""}' ]
+}
+
 @test "130: Ctrl-C keeps what was found out" {
     start fake_controller
     s7ppi doctor --port "$port" --timeout 60000 --format json >"$BATS_TEST_TMPDIR/findings" 3>&- &
@@ -146,7 +201,7 @@ checks() {
 
 @test "2: wrong command lines" {
     local arguments
-    for arguments in "--reads 0" "--reads x" "VB0" "--format raw"; do
+    for arguments in "--reads 0" "--reads x" "VB0 VB1" VX0 VB0:foo "--format raw"; do
         # shellcheck disable=SC2086
         run --separate-stderr s7ppi doctor --port /dev/no-such-port $arguments
         [ "$status" -eq 2 ]

@@ -316,7 +316,7 @@ VB106 00 00" ]
     put -q --to VB500 twenty.dump
     [ "$status" -eq 0 ]
     run s7ppi read --port "$port" VB99:hex VB118:hex VB120:hex VB500:hex VB519:hex
-    [ "$(tr -s ' ' <<<"$output" | cut -d' ' -f2 | tr '\n' ' ')" = "00 b2 00 a0 b3 " ]
+    [ "$(tr -s ' ' <<<"$output" | cut -d' ' -f2 | tr '\n' ' ')" = "0x00 0xb2 0x00 0xa0 0xb3 " ]
     [ ! -e twenty.dump.loading ]
 }
 
@@ -394,7 +394,7 @@ loading() {
     put twenty.dump
     [ "$status" -eq 0 ]
     [ "${stderr_lines[0]}" = "s7ppi: 16 of 20 bytes were written by an earlier run; --restart begins anew" ]
-    [ "${stderr_lines[1]}" = "s7ppi: VB100 reads 11 and not a0; from there on it is written anew" ]
+    [ "${stderr_lines[1]}" = "s7ppi: VB100 reads 0x11 and not 0xa0; from there on it is written anew" ]
     [[ "${stderr_lines[2]}" == "s7ppi: VB100..VB119: 20 bytes in "* ]]
     dump -q VB100..VB119 -o again.dump
     cmp twenty.dump again.dump
@@ -415,7 +415,7 @@ loading() {
     s7ppi write --port "$port" -q T0=1
     put timers.dump --trace load.trace
     [ "$status" -eq 0 ]
-    [ "${stderr_lines[1]}" = "s7ppi: T1 reads 0000 and not 0002; from there on it is written anew" ]
+    [ "${stderr_lines[1]}" = "s7ppi: T1 reads 0x0000 and not 0x0002; from there on it is written anew" ]
     [[ "${stderr_lines[2]}" == "s7ppi: T0..T3: 6 bytes in "* ]]
     dump -q T0..T3 -o again.dump
     cmp timers.dump again.dump
@@ -426,7 +426,7 @@ loading() {
     twenty_bytes
     loading twenty.dump VB100..VB119 16
     start s7ppi-sim --fault silent@1
-    put --retries 0 twenty.dump
+    put --retries 0 --timeout 2s twenty.dump
     [ "$status" -eq 4 ]
     [ "${stderr_lines[1]}" = "s7ppi: nothing more is written; the same command begins with the comparison" ]
     [ "${stderr_lines[2]}" = "s7ppi: VB100..VB115: plc no response" ]
@@ -462,7 +462,7 @@ loading() {
     start s7ppi-sim --fault ignore-writes
     put -q --verify twenty.dump
     [ "$status" -eq 8 ]
-    [ "${stderr_lines[0]}" = "s7ppi: VB100 reads 11 and not a0, and 19 more differ" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB100 reads 0x11 and not 0xa0, and 19 more differ" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
     [ ! -e twenty.dump.loading ]
 
@@ -476,7 +476,7 @@ loading() {
     enter_directory
     twenty_bytes
     start s7ppi-sim --fault silent@2
-    put --verify --retries 0 twenty.dump
+    put --verify --retries 0 --timeout 2s twenty.dump
     [ "$status" -eq 4 ]
     [ "${stderr_lines[1]}" = "s7ppi: 20 of 20 bytes are written; the same command goes on from there" ]
     put --verify twenty.dump

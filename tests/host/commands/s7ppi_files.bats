@@ -222,10 +222,22 @@ ARGUMENTS
     run -0 s7ppi load -q --port sim a.dump
 }
 
-@test "2: more frames than one document takes" {
+@test "a document of json takes any number of frames, and lists them behind their bytes" {
     enter_directory
-    yes e5 | head -n 100001 >acknowledgements
-    run -2 --separate-stderr bash -c 's7ppi decode --format json - <acknowledgements >document'
-    [ "${stderr_lines[0]}" = "s7ppi: there are more than 100000 frames" ]
-    [ "${stderr_lines[1]}" = "hint: choose --format ndjson, csv or text, which take any number" ]
+    { yes e5 | head -n 100000; echo 10; } >frames
+    run -5 --separate-stderr bash -c 's7ppi decode --format json - <frames >document'
+    [ "${stderr_lines[0]}" = "s7ppi: 1 of 100001 frames are cut, damaged or none" ]
+    [ "$(grep -c '"frame":' document)" -eq 100001 ]
+    [ "$(tail -n 2 document | grep -o '"size":1' | wc -l)" -eq 100001 ]
+    [[ "$(tail -n 2 document | tail -c 150)" == *'{"meaning":"incomplete frame","size":1,"faults":["cut: 5 of 6 bytes are missing, from \"destination\" on"]}]
+}' ]]
+}
+
+@test "74: frames that the temporary file has no room for are told" {
+    enter_directory
+    yes e5 | head -n 100000 >frames
+    run -74 --separate-stderr bash -c 'TMPDIR=/nonexistent s7ppi decode --format json - <frames >document'
+    [[ "${stderr_lines[0]}" == "s7ppi: a temporary file in /nonexistent cannot be used: "* ]]
+    [[ "${stderr_lines[1]}" == "hint: "*TMPDIR* ]]
+    TMPDIR=/nonexistent s7ppi decode --format ndjson - <frames >/dev/null
 }

@@ -49,7 +49,7 @@ recording() {
 @test "watch -o FILE.csv loses its last line at most, and goes on" {
     prepare
     local time='2[0-9]{3}-[01][0-9]-[0-3][0-9]T[0-9:]{8}\.[0-9]{3}(Z|[+-][0-9:]{5})'
-    recording csv "^(time,name,address,type,index,value,unit,ms,error|$time,,V[BW][12]00,u(8|16),[01],[0-9]+,,[0-9.]+,)\$"
+    recording csv "^(time,name,address,type,index,value,unit,ms,error,port,station|$time,,V[BW][12]00,u(8|16),[01],[0-9]+,,[0-9.]+,,[^,]+,2)\$"
     local part
     for part in run*.csv; do
         run -0 --separate-stderr s7ppi report "$part" -o page.html
@@ -59,6 +59,6 @@ recording() {
 
 @test "watch -o FILE.ndjson loses its last line at most, and goes on" {
     prepare
-    recording ndjson '^\{"format":"s7ppi.watch/1","time":"[^"]+","address":"V[BW][12]00",.*,"ms":[0-9.]+\}$'
+    recording ndjson '^\{"format":"s7ppi.watch/1","time":"[^"]+","port":"[^"]+","station":2,"address":"V[BW][12]00",.*,"ms":[0-9.]+\}$'
     cat run*.ndjson | jq -e .values >/dev/null
 }

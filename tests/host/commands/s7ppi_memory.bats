@@ -52,12 +52,14 @@ controller() {
     start s7ppi-sim
 }
 
-@test "read, write, watch and scan end in order" {
+@test "read, write, watch, scan and publish end in order" {
     controller
     without_memory true s7ppi read --port "$port" VB0 VW10*4
     without_memory true s7ppi write --port "$port" VB0=1 VW10=5
     without_memory true s7ppi watch --port "$port" --count 3 --interval 10 VB0
     without_memory true s7ppi scan --port "$port" --timeout 50 --stations 2
+    without_memory true s7ppi publish --port "$port" --broker mqtt://127.0.0.1:1 --spool "$BATS_TEST_TMPDIR/spool" --for 100ms \
+        --interval 10ms VB0
 }
 
 @test "what reads only files ends in order" {

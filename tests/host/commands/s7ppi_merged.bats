@@ -68,7 +68,7 @@ refusals() {
     get VB100 VW102:hex V103.2 VB100
     [ "$status" -eq 0 ]
     [ "$output" = "VB100  17
-VW102  3344
+VW102  0x3344
 V103.2 1
 VB100  17" ]
     [ "$(requests)" = "V100*4" ]
@@ -130,11 +130,11 @@ VB100  17" ]
         get --format "$format" "@$tags" 'V0.6*20' 'C5:bool*3'
         [ "$status" -eq 1 ]
         [[ "$stderr" == *"Q: Invalid address"* ]]
-        merged=$output
+        merged=$(timeless "$output")
         [ -n "$merged" ]
         get --no-merge --format "$format" "@$tags" 'V0.6*20' 'C5:bool*3'
         [ "$status" -eq 1 ]
-        [ "$output" = "$merged" ]
+        [ "$(timeless "$output")" = "$merged" ]
     done
 }
 
@@ -173,7 +173,7 @@ FAULTS
     get VW100 VD100:hex V100.4*4
     [ "$status" -eq 0 ]
     [ "$output" = "VW100  4386
-VD100  11223344
+VD100  0x11223344
 V100.4 1 0 0 0" ]
 }
 
@@ -303,8 +303,8 @@ VB2,,the answer holds 2 of 3 bytes" ]
     [ "$(grep -c 'station 3 does not answer: it is asked in every tenth poll only$' <<<"$stderr")" -eq 1 ]
     [ "$(grep -c 'answers again' <<<"$stderr")" -eq 0 ]
     [ "$(requests | tr ' ' '\n' | sort | uniq -c | xargs)" = "31 V100*1 5 V100*1@3" ]
-    [ "$(grep -c ',VB100,u8,,0,17,' <<<"$output")" -eq 31 ]
-    [ "$(grep -c ',VB100,u8,3,,,.*plc no response' <<<"$output")" -eq 5 ]
+    [ "$(grep -c ',VB100,u8,0,17,.*,2$' <<<"$output")" -eq 31 ]
+    [ "$(grep -c ',VB100,u8,.*plc no response,.*,3$' <<<"$output")" -eq 5 ]
 }
 
 @test "4: a station that is back is told once, and asked in every poll again" {
@@ -315,7 +315,7 @@ VB2,,the answer holds 2 of 3 bytes" ]
     [ "$(grep -c 'station 3 does not answer: it is asked in every tenth poll only$' <<<"$stderr")" -eq 1 ]
     [ "$(grep -c '^s7ppi: station 3 answers again$' <<<"$stderr")" -eq 1 ]
     [ "$(requests | tr ' ' '\n' | sort | uniq -c | xargs)" = "16 V100*1 7 V100*1@3" ]
-    [ "$(grep -c ',VB100,u8,3,0,17,' <<<"$output")" -eq 4 ]
+    [ "$(grep -c ',VB100,u8,0,17,.*,3$' <<<"$output")" -eq 4 ]
 }
 
 @test "4: one station alone is asked in every poll" {

@@ -15,7 +15,7 @@ load common
     [ "$output" = $'name,address,type,index,value,unit,error,simulated\n,VB100,u8,0,17,,,1' ]
     [ "$stderr" = "s7ppi: the controller is a simulated one, as environment or configuration file say" ]
     S7PPI_FORMAT=ndjson run --separate-stderr s7ppi read --config "$settings" VB100
-    [ "$output" = '{"format":"s7ppi.read/1","simulated":true,"address":"VB100","type":"u8","values":[17]}' ]
+    [ "$(timeless "$output")" = '{"format":"s7ppi.read/1","simulated":true,"station":2,"address":"VB100","type":"u8","values":[17]}' ]
     S7PPI_FORMAT=ndjson run --separate-stderr s7ppi read --config "$settings" --format text VB100
     [ "$output" = "VB100 17" ]
     S7PPI_CONFIG=$settings run --separate-stderr s7ppi read VB100
@@ -124,6 +124,100 @@ LINES
     [[ "${stderr_lines[0]}" == "s7ppi: /no/such/file cannot be read: "* ]]
 }
 
+@test "a profile of the file is heard before the rest of it, and behind the environment" {
+    settings "port = sim" "format = csv" "verbose = off" "[press]" "format = ndjson" "" "[mixer]" "format = tsv"
+    run --separate-stderr s7ppi read --config "$settings" --profile press VB100
+    [ "$(timeless "$output")" = '{"format":"s7ppi.read/1","simulated":true,"station":2,"address":"VB100","type":"u8","values":[17]}' ]
+    S7PPI_PROFILE=press run --separate-stderr s7ppi read --config "$settings" VB100
+    [[ "$output" == '{"format":"s7ppi.read/1"'* ]]
+    S7PPI_PROFILE=mixer run --separate-stderr s7ppi read --config "$settings" --profile press VB100
+    [[ "$output" == '{"format":"s7ppi.read/1"'* ]]
+    S7PPI_FORMAT=text run --separate-stderr s7ppi read --config "$settings" --profile press VB100
+    [ "$output" = "VB100 17" ]
+    S7PPI_PROFILE='' run --separate-stderr s7ppi read --config "$settings" VB100
+    [ "${lines[1]}" = ",VB100,u8,0,17,,,1" ]
+    S7PPI_PROFILE=press run --separate-stderr s7ppi read --config "$settings" -v VB100
+    [ "${stderr_lines[0]}" = "s7ppi: --format ndjson, as $settings:5 says" ]
+    [[ "$stderr" != *"is no option"* ]]
+}
+
+@test "2: a profile that is not there, or not as it should be, is told" {
+    local lines text hint
+    while IFS='|' read -r lines text hint; do
+        # shellcheck disable=SC2086
+        settings $lines
+        run --separate-stderr s7ppi read --config "$settings" --profile press VB100
+        [ "$status" -eq 2 ]
+        [ -z "$output" ]
+        [ "${stderr_lines[0]}" = "s7ppi: ${text//@/"$settings"}" ]
+        [ "${stderr_lines[1]}" = "hint: ${hint//@/"$settings"}" ]
+    done <<'LINES'
+[mixer] [old]|there is no profile press in @|it has mixer, old
+baud=9600|there is no profile press in @|it has no profiles: begin one with a line [press]
+[press] [mixer] [press]|@:3: the profile press stands there already|see @:1, and make one of the two
+[press|@:1: [press begins no profile|a profile begins with its name in brackets, as [press]
+[press] baud=1 baud=2|@:3: baud is set already|see @:2, and leave one of the two out
+profile=press|@:1: profile is not an option|a profile is chosen with --profile NAME, or S7PPI_PROFILE
+LINES
+    # What is wrong in a profile that is not chosen is told, too.
+    settings "[press]" "[mixer]" "speed = 1"
+    run --separate-stderr s7ppi read --config "$settings" --profile press VB100
+    [[ "${stderr_lines[0]}" == "s7ppi: $settings:3: speed is not an option" ]]
+    S7PPI_CONFIG='' S7PPI_PROFILE=press run --separate-stderr s7ppi read --port sim VB100
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: there is no profile press, as there is no configuration file" ]
+}
+
+@test "times in environment and file have units, too" {
+    settings "port = sim" "timeout = 2s" "delay = 1ms" "wait-lock = 1min"
+    S7PPI_TIMEOUT=3s run --separate-stderr s7ppi doctor --reads 1 --config "$settings"
+    [ "$status" -eq 0 ]
+    grep -q "  timeout  *3s  *environment, S7PPI_TIMEOUT" <<<"$output"
+    settings "timeout = 1y"
+    run --separate-stderr s7ppi read --config "$settings" VB100
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $settings:1: --timeout: 1y is not a time from 1ms to 10min, as 500ms, 1s or 2min" ]
+}
+
+# hold: another program has a controller's port, which is in $port; its process is $holder.
+hold() {
+    start fake_controller
+    s7ppi read --port "$port" --timeout 10min VB0 2>/dev/null 3>&- &
+    holder=$!
+    background+=("$holder")
+    eventually grep -q unanswered "$BATS_TEST_TMPDIR/output"
+}
+
+@test "a port that another program has is waited for with --wait-lock, and that is told once" {
+    hold
+    s7ppi read --port "$port" --wait-lock 1min -t 1ms --retries 0 VB0 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    local reader=$!
+    background+=("$reader")
+    eventually grep -q "waiting for it, 1min at most" "$BATS_TEST_TMPDIR/errors"
+    kill "$holder"
+    status=0
+    wait "$reader" || status=$?
+    [ "$status" -eq 4 ] # the port was opened, and nobody answers
+    [ "$(head -n 1 "$BATS_TEST_TMPDIR/errors")" = \
+        "s7ppi: $port cannot be opened: it is in use by s7ppi (process $holder); waiting for it, 1min at most" ]
+    [ "$(grep -c "waiting for it" "$BATS_TEST_TMPDIR/errors")" -eq 1 ]
+}
+
+@test "3: --wait-lock ends when its time is over; 130: and at Ctrl-C" {
+    hold
+    run --separate-stderr s7ppi read --port "$port" --wait-lock 1ms VB0
+    [ "$status" -eq 3 ]
+    [ "${stderr_lines[-2]}" = "s7ppi: $port cannot be opened: it is in use by s7ppi (process $holder)" ]
+    s7ppi read --port "$port" --wait-lock 1h VB0 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    local reader=$!
+    background+=("$reader")
+    eventually grep -q "waiting for it, 1h at most" "$BATS_TEST_TMPDIR/errors"
+    kill -INT "$reader"
+    status=0
+    wait "$reader" || status=$?
+    [ "$status" -eq 130 ]
+}
+
 @test "2: a comment behind a setting is told as one" {
     local line
     for line in "port = sim # no adapter" "reconnect # always"; do
@@ -135,7 +229,7 @@ LINES
 }
 
 @test "variables that are no options are told with -v" {
-    S7PPI_BUAD=19200 run --separate-stderr s7ppi read -v --port sim VB100
+    S7PPI_CONFIG='' S7PPI_BUAD=19200 run --separate-stderr s7ppi read -v --port sim VB100
     [ "$status" -eq 0 ]
     [ "$(grep -c "is no option" <<<"$stderr")" -eq 1 ]
     [ "${stderr_lines[0]}" = "s7ppi: S7PPI_BUAD is set, and is no option" ]
@@ -145,7 +239,7 @@ LINES
 
 @test "the line is set as the options say" {
     start s7ppi-sim
-    run --separate-stderr s7ppi read --port "$port" -v --baud 187500 --parity none --databits 8 --stopbits 2 VB100
+    S7PPI_CONFIG='' run --separate-stderr s7ppi read --port "$port" -v --baud 187500 --parity none --databits 8 --stopbits 2 VB100
     [ "$status" -eq 0 ]
     [ "${stderr_lines[0]}" = "s7ppi: $port: 187500 baud, no parity, 8 data bits, 2 stop bits" ]
 }
@@ -156,6 +250,39 @@ LINES
     [ "$status" -eq 3 ]
     [ "${stderr_lines[0]}" = "s7ppi: $port cannot be switched to RS-485: Inappropriate ioctl for device" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
+}
+
+@test "--rs485 takes pauses behind it, in the environment and in a file, too" {
+    local refused="cannot be switched to RS-485" pauses
+    start s7ppi-sim
+    for pauses in --rs485=before=1 --rs485=before=1,after=2; do
+        run --separate-stderr s7ppi read --port "$port" "$pauses" VB100
+        [ "$status" -eq 3 ]
+        [[ "${stderr_lines[0]}" == *"$refused"* ]]
+    done
+    run --separate-stderr s7ppi read --port "$port" --rs485 after=100,before=0 VB100
+    [[ "${stderr_lines[0]}" == *"$refused"* ]]
+    S7PPI_RS485=before=1,after=2 run --separate-stderr s7ppi read --port "$port" VB100
+    [[ "${stderr_lines[0]}" == *"$refused"* ]]
+    settings "rs485 = before=1,after=2" "low-latency = false" "gap = 1s"
+    run --separate-stderr s7ppi read --config "$settings" --port "$port" VB100
+    [[ "${stderr_lines[0]}" == *"$refused"* ]]
+    run --separate-stderr s7ppi read --config "$settings" --port "$port" --rs485=false VB100
+    [ "$status" -eq 0 ]
+    [ "$output" = "VB100 17" ]
+    for pauses in before=101 before=-1 before=1,before=2 before=1,aftr=2 "before=1," before; do
+        run --separate-stderr s7ppi read --port "$port" "--rs485=$pauses" VB100
+        [ "$status" -eq 2 ]
+        [ "${stderr_lines[0]}" = "s7ppi: --rs485: $pauses is not before=N,after=N, in milliseconds from 0 to 100" ]
+    done
+}
+
+@test "3: a port without a timer is refused with --low-latency" {
+    start s7ppi-sim
+    run --separate-stderr s7ppi read --port "$port" --low-latency VB100
+    [ "$status" -eq 3 ]
+    [ "${stderr_lines[0]}" = "s7ppi: $port has no latency timer that could be set" ]
+    [[ "${stderr_lines[1]}" == "hint: leave out --low-latency"* ]]
 }
 
 @test "an adapter that hears itself works with --echo, and only then" {
@@ -315,5 +442,5 @@ ticks() {
     status=0
     wait "$reader" || status=$?
     [ "$status" -eq 130 ]
-    [ "$(cat "$BATS_TEST_TMPDIR/values")" = "VB100 17" ]
+    [ "$(cat "$BATS_TEST_TMPDIR/values")" = "VB100  17" ]
 }

@@ -41,23 +41,35 @@ shows_dots() {
     screen | LC_ALL=C grep -qP '\xe2[\xa0-\xa3]'
 }
 
+fills_the_picture() {
+    screen | LC_ALL=C grep -qP '\xe2\x94\x82 ?(\xe2[\xa0-\xa3][\x80-\xbf]){60}'
+}
+
 @test "curves are drawn in dots, with the values and the time" {
     on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100 V100.4"
     eventually shows '^VW100  4386'
     eventually shows '^V100.4  1'
     eventually shows_dots
-    shows '-5 min +now$'
+    shows '-[0-9]+ s +now$'
+    shows '^ +[0-9]+ │'
+    shows '^ +└(─|┬)+┬$'
+}
+
+@test "the curves fill the picture from the beginning, and then their span" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100"
+    eventually fills_the_picture
+    eventually shows '(-2 s +-1|-4 s +-2|-10 s +-5|-20 s +-10) s +now$' # a slow machine draws some of these only
 }
 
 @test "without dots in the locale the curves are ASCII" {
     on_terminal C "s7ppi watch --port sim --plot --span 1 --interval 20 VW100"
     eventually shows '^VW100  4386'
     shows "\\|.*[.':]"
-    shows '-60 s +now$'
+    shows '-[0-9]+ s +now$'
     [ "$(screen | grep -cP '[^\x00-\x7f]')" -eq 0 ]
 }
 
-@test "the curves follow the terminal's size, and Ctrl-C leaves it as it was" {
+@test "the curves follow the terminal's size, and the last ones stay at Ctrl-C" {
     on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100"
     eventually shows 'now$'
     terminal resize-window -x 60 -y 12
@@ -65,7 +77,19 @@ shows_dots() {
     terminal send-keys C-c
     eventually shows '^s7ppi: VW100: [0-9]+ attempts, 0 errors$'
     eventually shows '^ready> *$'
-    run ! shows '│'
+    run terminal capture-pane -p -S -
+    [[ "${output//$'\n'/ }" == *" (simulated) every 20 ms, "*" polls until "20* ]] # where it breaks depends on the figures
+    [[ "$output" == *$'\nVW100  4386'* ]]
+    [ "$(grep -c 'now$' <<<"$output")" -eq 1 ]
+    [[ "${lines[-1]}" == "ready>"* ]]
+}
+
+@test "values at the same place have a curve each, called by their addresses" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100 'VW100*2' 'V100.7*2'"
+    eventually shows '^V101.0  0'
+    [ "$(screen | grep -c '^VW100  4386')" -eq 2 ]
+    shows '^VW102  13124'
+    shows '^V100.7  0'
 }
 
 @test "the items to draw can be chosen" {

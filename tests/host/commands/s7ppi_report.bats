@@ -19,8 +19,8 @@ load common
     grep -q '>Values of a simulated controller.<' page.html
     grep -q '>VW100 ' page.html
     grep -q '>VB0\[1\] ' page.html
-    [ "$(grep -c '<path d="M' page.html)" -eq 4 ]
-    grep -q '<b>Invalid address (incorrect variable address)</b> <span class="bad">3 times</span>' page.html
+    [ "$(grep -c '<path class="curve" d="M' page.html)" -eq 4 ]
+    grep -q '<b>Invalid address (incorrect variable address)</b> <span class="bad">3 times, 20 %</span>' page.html
     [ "$(tail -n 1 page.html)" = "</html>" ]
 }
 

@@ -9,15 +9,15 @@
 
 load common
 
-# scan ARGUMENT...: the line at $port.
+# scan ARGUMENT...: the line at $port, with the short time-out that scan has of its own.
 scan() {
-    run --separate-stderr s7ppi scan --port "$port" "$@"
+    S7PPI_CONFIG='' run --separate-stderr s7ppi scan --port "$port" "$@"
 }
 
 # scan_to_file ARGUMENT...: the line at $port in the background, into the files found and errors; its process is
 # in $scanner.
 scan_to_file() {
-    s7ppi scan --port "$port" "$@" >"$BATS_TEST_TMPDIR/found" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    S7PPI_CONFIG='' s7ppi scan --port "$port" "$@" >"$BATS_TEST_TMPDIR/found" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
     scanner=$!
     background+=("$scanner")
 }
@@ -54,7 +54,7 @@ await_scanner() {
     start s7ppi-sim
     scan --stations 2,3 --format ndjson
     [ "$status" -eq 0 ]
-    [[ "$output" == '{"format":"s7ppi.scan/1","baud":9600,"station":2,"answer":"data","milliseconds":'*',"text":"answers within '*'}' ]]
+    [[ "$(timeless "$output")" == '{"format":"s7ppi.scan/1","station":2,"baud":9600,"answer":"data","milliseconds":'*',"text":"answers within '*'}' ]]
     scan --stations 2 --format csv
     [ "${lines[0]}" = "baud,station,answer,milliseconds,text" ]
     [[ "${lines[1]}" == "9600,2,data,"* ]]
@@ -131,7 +131,7 @@ await_scanner() {
     kill -INT "$scanner"
     await_scanner
     [ "$status" -eq 130 ]
-    [[ "$output" == *'{"baud":9600,"station":2,"answer":"data",'*'
+    [[ "$(timeless "$output")" == *'{"station":2,"baud":9600,"answer":"data",'*'
   ]
 }' ]]
     [[ "${stderr_lines[-1]}" =~ ^"s7ppi: stopped at station "[0-9]+", 9600 baud"$ ]]
@@ -155,7 +155,7 @@ await_scanner() {
     kill "${background[0]}"
     await_scanner
     [ "$status" -eq 6 ]
-    [[ "$output" == *'{"baud":9600,"station":2,"answer":"data",'*'
+    [[ "$(timeless "$output")" == *'{"station":2,"baud":9600,"answer":"data",'*'
   ]
 }' ]]
     [ "${stderr_lines[-2]}" = "s7ppi: the port is gone" ]
@@ -218,5 +218,5 @@ await_scanner() {
 @test "help tells the defaults" {
     run --separate-stderr s7ppi scan --help
     [ "$status" -eq 0 ]
-    [[ "$output" == *"--stations"*"else 0..126"*"--baud"*"200 ms for the answer"* ]]
+    [[ "$output" == *"--stations"*"default 0..126"*"--baud"*"200 ms for the answer"* ]]
 }

@@ -47,7 +47,7 @@ digits_of_dump() {
     od -An -v -tx1 "$1" | tr -d ' \n'
 }
 digits_of_items() {
-    sed -E 's/.*VB[0-9]+ //; s/ //g' data | tr -d '\n'
+    sed -E 's/.*VB[0-9]+ //; s/0x| //g' data | tr -d '\n'
 }
 
 # Every line that a watch printed has the bytes from the address on that it names.
@@ -55,6 +55,7 @@ lines_are_right() {
     local address digits
     while read -r _ address digits; do
         digits=${digits// /}
+        digits=${digits//0x/}
         [ "$digits" = "${memory:2 * ${address#VB}:${#digits}}" ] || return 1
     done <data
 }
@@ -72,7 +73,7 @@ lines_are_right() {
         [ "$(digits_of_items)" = "$memory" ]
         under_stops 1 250 500 watch --all --count 4 --interval 1 'VB0:hex*90' 'VB90:hex*90'
         [ "$status" -eq 0 ]
-        [ "$(wc -l <data)" -eq 8 ]
+        [ "$(wc -l <data)" -eq 96 ]
         lines_are_right
     done
 }
@@ -106,14 +107,14 @@ long_answer() {
     start fake_controller e5 "$(long_answer 1 | cut -c 1-100),1300:$(long_answer 1 | cut -c 101-)" e5 "$(long_answer 2)"
     run --separate-stderr s7ppi read --port "$port" --baud 300 --timeout 1000 --retries 1 'VB0:hex*200'
     [ "$status" -eq 0 ]
-    [ "$(sed 's/^VB0//; s/ //g' <<<"$output")" = "${memory:0:400}" ]
+    [ "$(sed -E 's/^VB[0-9]+//; s/0x| //g' <<<"$output" | tr -d '\n')" = "${memory:0:400}" ]
 }
 
 @test "an answer that comes at all only after the time-out is waited for, too" {
     start fake_controller e5 "1300:$(long_answer 1)" e5 "$(long_answer 2)"
     run --separate-stderr s7ppi read --port "$port" --baud 300 --timeout 1000 --retries 1 'VB0:hex*200'
     [ "$status" -eq 0 ]
-    [ "$(sed 's/^VB0//; s/ //g' <<<"$output")" = "${memory:0:400}" ]
+    [ "$(sed -E 's/^VB[0-9]+//; s/0x| //g' <<<"$output" | tr -d '\n')" = "${memory:0:400}" ]
 }
 
 @test "the first answer may be that to an earlier program's request: what comes behind it tells" {

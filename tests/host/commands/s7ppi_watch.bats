@@ -87,12 +87,13 @@ VB0 2" ]
 @test "all kinds of items are watched side by side" {
     run --separate-stderr s7ppi watch --port sim --count 1 'VB100:hex*4' V100.4*8 T37 HC0 VB102:str*2 'VB0*300'
     [ "$status" -eq 0 ]
-    [ "$(values | head -n 5)" = "VB100 11 22 33 44
+    [ "$(values | head -n 5)" = "VB100 0x11 0x22 0x33 0x44
 V100.4 1 0 0 0 0 1 0 0
 T37 300
 HC0 100000
 VB102 \"3D\"" ]
-    [ "$(values | tail -n 1 | wc -w)" -eq 301 ]
+    [ "$(values | wc -l)" -eq 43 ]
+    [ "$(values | tail -n 1)" = "VB296 0 0 0 0" ]
     [ "${stderr_lines[-1]}" = "s7ppi: VB0: 2 attempts, 0 errors" ]
 }
 
@@ -146,7 +147,7 @@ VB0 7" ]
     kill -0 "${background[0]}"
     local arguments
     for arguments in "" "VB0 --interval 0" "VB0 --interval x" "VB0 --count 0" "VB0 --for 0" \
-        "VB0 --for 31536001" "VB0 --for 1.5" "VB0 --verify"; do
+        "VB0 --for 31536001" "VB0 --for 1.0005" "VB0 --for 366d" "VB0 --verify"; do
         # shellcheck disable=SC2086
         run --separate-stderr s7ppi watch $arguments
         [ "$status" -eq 2 ]
@@ -251,23 +252,55 @@ shows() {
     run screen
     [[ "${lines[0]}" =~ ^"/dev/pts/"[0-9]+" (simulated) every 20 ms, Ctrl-C ends, poll "[0-9]+$ ]]
     [[ "$output" != *before* ]]
-    [ "${lines[1]}" = "ADDRESS  VALUE        CHANGED  ATTEMPTS  ERRORS  LAST ERROR" ]
-    [[ "${lines[2]}" =~ ^"VB100    17 34 51 68  -         "\ +[0-9]+\ +0$ ]]
-    [[ "${lines[3]}" =~ ^"VB20000               -         "\ +[0-9]+\ +[0-9]+"  Invalid address (incorrect variable address)"$ ]]
+    [ "${lines[1]}" = "ADDRESS  VALUE        CHANGED     ATTEMPTS  ERRORS  LAST ERROR" ]
+    [[ "${lines[2]}" =~ ^"VB100    17 34 51 68  never  "\ +[0-9]+\ +0$ ]]
+    [[ "${lines[3]}" =~ ^"VB20000                        "\ +[0-9]+\ +[0-9]+"  Invalid address (incorrect variable address)"$ ]]
 
     terminal send-keys C-c
     eventually shows '^code 130'
     eventually shows '^echoes'
-    run screen
+    run terminal capture-pane -p -S -
     [ "${lines[0]}" = "before" ]
-    [[ "${lines[1]}" =~ ^"s7ppi: "[0-9]+" polls of a simulated controller, "[0-9]+" answers: " ]]
-    [[ "$output" != *ADDRESS* ]]
+    local time='[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}'
+    [[ "${lines[1]}" =~ ^/dev/pts/[0-9]+\ \(simulated\)\ every\ 20\ ms,\ [0-9]+\ polls\ until\ $time$ ]]
+    [ "${lines[2]}" = "ADDRESS  VALUE        CHANGED     ATTEMPTS  ERRORS  LAST ERROR" ]
+    [[ "${lines[3]}" == "VB100    17 34 51 68  never "* ]]
+    [[ "${lines[4]}" == "VB20000 "*" Invalid address (incorrect variable address)" ]]
+    [[ "${lines[5]}" =~ ^"s7ppi: "[0-9]+" polls of a simulated controller, "[0-9]+" answers: " ]]
+}
+
+@test "the whole table stays, with the rows that the screen had no room for" {
+    on_terminal 'echo before; s7ppi watch -q --port sim --interval 20 VB96*8 T1 T2 T3 T4 T5 T6 T7 T8 T9; echo code $?'
+    terminal resize-window -x 60 -y 6
+    eventually shows '^\.\.\. and 8 more'
+    eventually shows 'poll [1-9][0-9]'
+    terminal send-keys C-c
+    eventually shows '^code 130'
+    run terminal capture-pane -p -S -
+    [[ "$output" == *before*$'\nADDRESS  VALUE                CHANGED     ATTEMPTS  ERRORS\nVB96     0 0 0 0 17 34 51 68  never '*$'\nT9       0 '*$'\ncode 130'* ]]
+    [ "$(grep -c ADDRESS <<<"$output")" -eq 1 ]
+}
+
+@test "a terminal with one screen alone has the table once" {
+    on_terminal 'TERM=vt100 s7ppi watch -q --port sim --interval 20 VB100; echo code $?'
+    eventually shows '^VB100    17 '
+    terminal send-keys C-c
+    eventually shows '^code 130'
+    [ "$(screen | grep -c ADDRESS)" -eq 1 ]
+    shows ' polls\? until '
+}
+
+@test "the time since a change goes on while nothing is read" {
+    start_counting 1 2
+    on_terminal "s7ppi watch --port $port --interval 1500 --timeout 60000 VB0"
+    eventually shows '^VB0      1      never '
+    eventually shows '^VB0      2      1 s ago '
 }
 
 @test "the table follows values and the terminal's size" {
     start_counting 1 2
     on_terminal "s7ppi watch --port $port --interval 1 --timeout 60000 VB0; echo code \$?"
-    eventually shows '^VB0      2      \*               2       0'
+    eventually shows '^VB0      2      just now           2       0'
 
     on_terminal "s7ppi watch --port sim --interval 3600000 T1 T2 T3 T4 T5 T6 T7 T8 T9"
     eventually shows '^T9  '
@@ -284,9 +317,22 @@ shows() {
     kill "${background[0]}"
     eventually shows '^code 6'
     eventually shows '^echoes'
-    run screen
+    run terminal capture-pane -p -S -
     [ "${lines[0]}" = "before" ]
+    [[ "${lines[3]}" == "VB0      7      never "* ]]
     [[ "$output" == *"s7ppi: the port is gone"* ]]
+}
+
+@test "the table goes on, and follows the terminal, while a lost port is waited for" {
+    start fake_controller e5 "$(byte_answer 1 1)" e5 "$(byte_answer 2 2)"
+    ln -s "$port" "$BATS_TEST_TMPDIR/plc"
+    on_terminal "s7ppi watch --port $BATS_TEST_TMPDIR/plc --reconnect --interval 100 --timeout 60000 VB0"
+    eventually shows '^VB0      2      just now '
+    rm "$BATS_TEST_TMPDIR/plc" # the terminal's number may be another test's at once
+    kill "${background[0]}"
+    eventually shows 'plc is gone: waiting for it to come back'
+    terminal resize-window -x 60 -y 12
+    eventually shows '^VB0      2      [0-9]* s ago *2 *0$'
 }
 
 @test "a second signal ends it at once and gives the terminal back" {

@@ -4,6 +4,7 @@
 // docs/json.md against what the commands in it really give: the members and their types, the tables as they
 // stand there. A block of the document that is named like a file is that file.
 
+#include "host/base/cause.h"
 #include "tests/host/support/document.h"
 
 #include <nlohmann/json.hpp>
@@ -108,6 +109,7 @@ private slots:
     void everyMemberIsExplained_data();
     void everyMemberIsExplained();
     void everyCommandHasItsShape();
+    void everyCauseIsExplained();
 
 private:
     QString outputOf(const QString &commandLine) const;
@@ -209,6 +211,19 @@ void TestOutputDocument::everyCommandHasItsShape()
     QVERIFY(commands.contains("read"));
     const QString overview = document().section("\n## s7ppi.", 0, 0).section("| command |", 1);
     QCOMPARE(captured("^\\| `(\\S+)` \\|", overview), commands);
+}
+
+void TestOutputDocument::everyCauseIsExplained()
+{
+    const QString table = document().section("\n## Causes\n", 1);
+    QStringList explained = captured("^\\| (`[^|]*`) \\|", table).join(", ").split(", ");
+    explained.removeOne("`cause`"); // the head of the table
+    QStringList words = host::allCauseWords().replaceInStrings(QRegularExpression("^(.*)$"), "`\\1`");
+    explained.sort();
+    words.sort();
+    QCOMPARE(explained, words);
+    QCOMPARE(host::causeWord(host::Cause::NotString),
+             QString("not_string")); // the last: none is missing between
 }
 
 QTEST_GUILESS_MAIN(TestOutputDocument)

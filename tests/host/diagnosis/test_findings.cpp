@@ -99,6 +99,14 @@ void TestFindings::aTimeOutShouldBeTwiceTheLongestWait()
     QCOMPARE(told(judgeTimeout(trial, 499)),
              QString("warning: 499 ms, and answers began and ended within 250 ms / "
                      "that is close: choose --timeout 1000 / 0"));
+    // What is advised is a round number.
+    const auto advice = [&trial](qint64 longestWait) {
+        trial.longestWait = longestWait;
+        return judgeTimeout(trial, int(longestWait)).advice;
+    };
+    QCOMPARE(advice(31), QString("that is close: choose --timeout 200"));
+    QCOMPARE(advice(481), QString("that is close: choose --timeout 2000"));
+    QCOMPARE(advice(1101), QString("that is close: choose --timeout 4500"));
 }
 
 void TestFindings::anEchoFailsUnlessItIsTakenOut()

@@ -21,6 +21,9 @@ private slots:
     void aMissingTextIsReplaced();
     void refusedBitsAreNamedByTheirPlace_data();
     void refusedBitsAreNamedByTheirPlace();
+    void theLineIsNotToBlameForWhatWasNotSent_data();
+    void theLineIsNotToBlameForWhatWasNotSent();
+    void ofAnotherDriverOnlyItsWordsAreKnown();
 };
 
 void TestDriverFault::everyErrorTextHasItsExitCodeAndAHint_data()
@@ -75,6 +78,37 @@ void TestDriverFault::refusedBitsAreNamedByTheirPlace()
     const Failure failure = driverFailure(QTest::currentDataTag());
     QTEST(int(failure.code()), "code");
     QTEST(failure.text(), "text");
+}
+
+void TestDriverFault::theLineIsNotToBlameForWhatWasNotSent_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("a text of another driver") << "there are no scales 5 and up";
+    QTest::newRow("a text that means silence otherwise") << "plc no response";
+    QTest::newRow("a text that means a bad line otherwise") << "checksum error";
+}
+
+void TestDriverFault::theLineIsNotToBlameForWhatWasNotSent()
+{
+    QFETCH(QString, text);
+    const Failure failure = unsentFailure(text);
+    QCOMPARE(int(failure.code()), 1);
+    QCOMPARE(failure.text(), text);
+    QVERIFY(failure.hint().contains("has sent nothing"));
+    QVERIFY(!failure.hint().contains("cable"));
+    QCOMPARE(unsentFailure("can not write data to HC0").hint(),
+             driverFailure("can not write data to HC0").hint());
+}
+
+void TestDriverFault::ofAnotherDriverOnlyItsWordsAreKnown()
+{
+    const Failure silence = otherDriverFailure("no resource", false);
+    QCOMPARE(int(silence.code()), 4);
+    QCOMPARE(silence.text(), QString("no resource"));
+    const Failure answer = otherDriverFailure("no resource", true);
+    QCOMPARE(int(answer.code()), 5);
+    QVERIFY(!answer.hint().contains("controller"));
+    QCOMPARE(otherDriverFailure(QString(), true).text(), QString("the driver gives no reason"));
 }
 
 TEST_CLASS(TestDriverFault)

@@ -20,6 +20,7 @@ private slots:
     void framesAreHandedOverAndCountAsSent();
     void onlyTheAcknowledgementIsReceived();
     void nothingIsRepeatedOrWaitedFor();
+    void aDriverOfAnotherProtocolReceivesNothing();
 };
 
 void TestDryRunPort::framesAreHandedOverAndCountAsSent()
@@ -50,6 +51,14 @@ void TestDryRunPort::nothingIsRepeatedOrWaitedFor()
     QCOMPARE(port.delay(), 0);
     QCOMPARE(port.stationId(), 7);
     QVERIFY(port.setOption(kClearInput, 0));
+}
+
+void TestDryRunPort::aDriverOfAnotherProtocolReceivesNothing()
+{
+    DryRunPort port(
+        2, [](const QByteArray &) {}, false);
+    unsigned char buffer[1] = {};
+    QCOMPARE(port.receive(buffer, 1), 0);
 }
 
 TEST_CLASS(TestDryRunPort)

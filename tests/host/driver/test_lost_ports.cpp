@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <thread>
@@ -108,7 +109,7 @@ Options optionsFor(const QString &port)
     Options options;
     options.port = port;
     options.plugin = PLUGIN_FILE;
-    options.timeout = 5000;
+    options.timeout = std::chrono::milliseconds(5000);
     options.retries = 0;
     return options;
 }

@@ -6,6 +6,7 @@
 #include "host/driver/read_plan.h"
 
 #include "hex.h"
+#include "host/items/raw_item.h"
 #include "host/items/memory_range.h"
 #include "test_class.h"
 #include "tests/host/support/command_text.h"
@@ -76,6 +77,10 @@ private slots:
     void resultsComeOutInTheControllersOrder();
     void resultsOfSeveralRequestsAreJoined();
     void aResultOfAnotherLengthIsABrokenAnswer();
+    void aRawAddressIsOneRequestAsItIs_data();
+    void aRawAddressIsOneRequestAsItIs();
+    void rawAddressesStandBesideEachOtherUnmerged();
+    void rawResultsOfAnotherLengthAreRefused();
     void aBlockIsWhatOneAnswerCarries_data();
     void aBlockIsWhatOneAnswerCarries();
     void aRequestCostsItsCharactersThePausesAndTheAnswer_data();
@@ -452,6 +457,63 @@ void TestReadPlan::itemsThatShareAPlace()
     TakenPlaces turned;
     QVERIFY(turned.take(parseItem(other)));
     QCOMPARE(turned.take(parseItem(one)), !isShared);
+}
+
+void TestReadPlan::aRawAddressIsOneRequestAsItIs_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("driverResult");
+    QTest::addColumn<QString>("bytesOfItem");
+    const auto row = [](const char *item, const char *command, const char *driverResult,
+                        const char *bytesOfItem) {
+        QTest::newRow(item) << item << command << driverResult << bytesOfItem;
+    };
+    row("N1:i32", "dwords N1*1", "d2040000", "000004d2");
+    row("V9:f32*2", "dwords V9*2", "0000803f00000040", "3f80000040000000");
+    row("40001:u16*2", "words 40001*2", "01020304", "02010403");
+    row("x y:str*3", "bytes x y*3", "616263", "616263");
+    row("x y:string*3", "bytes x y*4", "02616263", "02616263");
+    row("N1:u64*2", "bytes N1*16", "000102030405060708090a0b0c0d0e0f", "000102030405060708090a0b0c0d0e0f");
+    row("N1:u32:swap", "dwords N1*1", "33441122", "22114433");
+    row("VB100:hex*300", "bytes VB100*300", QByteArray(600, 'a').constData(),
+        QByteArray(600, 'a').constData());
+    row("b:bool", "bits b*1", "01", "01");
+    row("b:bool*10", "bits b*10", "0581", "01000100000000000100"); // eight to a byte
+    row("b:bool*2", "bits b*2", "0001", "0001");                   // one to a byte
+}
+
+void TestReadPlan::aRawAddressIsOneRequestAsItIs()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, driverResult);
+    const Item raw = parseItem(item, Notation::Raw);
+    const ReadPlan plan = planRead(raw);
+    QCOMPARE(int(plan.requests.size()), 1);
+    QTEST(commandText(plan.requests.front().command), "command");
+    QCOMPARE(plan.requests.front().text(), raw.address.text());
+    QTEST(hex(placeBytes(plan.requests.front(), bytes(qPrintable(driverResult)))), "bytesOfItem");
+}
+
+void TestReadPlan::rawAddressesStandBesideEachOtherUnmerged()
+{
+    std::vector<Item> items;
+    for (const char *text : {"VB1:u8", "VB0:u8*2@5", "VB1:u8"})
+        items.push_back(parseItem(text, Notation::Raw));
+    const ReadPlan plan = planReads(items, costAt(9600));
+    QCOMPARE(int(plan.requests.size()), 3);
+    QCOMPARE(plan.requests.at(1).pool.station.value_or(-1), 5);
+    TakenPlaces taken;
+    QVERIFY(taken.take(items.at(0)));
+    QVERIFY(taken.take(items.at(1)));
+    QVERIFY(!taken.take(items.at(2)));
+}
+
+void TestReadPlan::rawResultsOfAnotherLengthAreRefused()
+{
+    const PlannedRequest request = planRead(parseItem("N1:i32*2", Notation::Raw)).requests.front();
+    QCOMPARE(failureOf([&] { placeBytes(request, bytes("d2040000")); }).left(47),
+             QString("5: the driver handed over 4 bytes instead of 8 "));
 }
 
 TEST_CLASS(TestReadPlan)

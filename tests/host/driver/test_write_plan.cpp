@@ -50,6 +50,7 @@ private slots:
     void noByteIsLostOrDoubledWhereItemsAreSplit_data();
     void noByteIsLostOrDoubledWhereItemsAreSplit();
     void bitsGoOnAcrossBytesAndRequests();
+    void aRawAddressIsWrittenInOneRequest();
 };
 
 void TestWritePlan::valuesGoInTheOrderThatTheAddressAsksFor_data()
@@ -73,6 +74,15 @@ void TestWritePlan::valuesGoInTheOrderThatTheAddressAsksFor_data()
     row("HC0=1", "dwords HC0*1 = 01000000");
     row("T37:bool=1", "bits T37*1 = 01");
     row("V10.6=1,0,1", "bits V10.6*3 = 010001");
+
+    row("VD100:u64=0x1122334455667788", "dwords VD100*2 = 4433221188776655");
+    row("VB100:u64=0x1122334455667788", "dwords VB100*2 = 1122334455667788");
+    row("VD100:u32:swap=0x11223344", "dwords VD100*1 = 22114433");
+    row("VB100:string*20=Hi", "bytes VB100*3 = 024869");
+    row("VB100:string*20=\"\"", "bytes VB100*1 = 00");
+    row("VW100:string*20=Hi", "bytes VB100*3 = 024869");
+    row("VW100:string*20=One", "bytes VW100*4 = 4f03656e");
+    row("VW0..VW2=0x1122,0x3344", "words VW0*2 = 22114433");
 
     // Not a whole number of the address's elements: nothing but the named bytes.
     row("VW100:u8=1", "bytes VB100*1 = 01");
@@ -98,6 +108,8 @@ void TestWritePlan::longItemsAreSplitIntoWhatOneFrameCarries_data()
     row("VD0*107", "dwords VD0*53, dwords VD212*53, dwords VD424*1");
     row("VD0:u8*216", "bytes VD0*212, bytes VD212*4");
     row("VB1:u32*54", "dwords VB1*53, dwords VB213*1");
+    row("VB1:u64*27", "dwords VB1*52, dwords VB209*2");
+    row("VB0:string*212", "bytes VB0*212, bytes VB212*1");
     row("AQW0*107", "words AQW0*106, words AQW212*1");
 
     // Records of 5 and 3 bytes.
@@ -120,6 +132,8 @@ void TestWritePlan::noByteIsLostOrDoubledWhereItemsAreSplit_data()
     QTest::addColumn<int>("requests");
     QTest::newRow("VB0*1000") << 5;
     QTest::newRow("VB0:u16*300") << 3;
+    QTest::newRow("VB0:u64*60") << 3;
+    QTest::newRow("VB0:string*254") << 2;
     QTest::newRow("C0*200") << 3;
     QTest::newRow("V0.0*100") << 9;
 }
@@ -146,6 +160,18 @@ void TestWritePlan::bitsGoOnAcrossBytesAndRequests()
     const Assignment assignment = parseAssignment("M0.7=1,0,0,0,0,0,0,0,0,0,0,1,1,0");
     QCOMPARE(planText(assignment.tag.item, assignment.data),
              QString("bits M0.7*12 = 010000000000000000000001, bits M2.3*2 = 0100"));
+}
+
+void TestWritePlan::aRawAddressIsWrittenInOneRequest()
+{
+    const auto plan = [](const char *text) {
+        const Assignment assignment = parseAssignment(text, Notation::Raw);
+        return planText(assignment.tag.item, assignment.data);
+    };
+    QCOMPARE(plan("T1:i32=250"), QString("dwords T1*1 = fa000000"));
+    QCOMPARE(plan("40001:u16=1,0x203"), QString("words 40001*2 = 01000302"));
+    QCOMPARE(plan("name:str=abc"), QString("bytes name*3 = 616263"));
+    QCOMPARE(plan("on:bool=1"), QString("bits on*1 = 01"));
 }
 
 TEST_CLASS(TestWritePlan)

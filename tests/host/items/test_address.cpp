@@ -81,8 +81,8 @@ void TestAddress::invalidTextsGetTheNearestValidOne_data()
     row("AI0", "AIW0");
     row("AQ4", "AQW4");
     row("AIW3", "AIW2");
-    row("V10.9", "V10.7");
-    row("V10.12", "V10.7");
+    for (const QString text : {"V10.9", "V10.12", "VB10.8"})
+        refused(text, "not an address of the controller", "bits are 0 to 7: write V10.7 instead of " + text);
     row("V10.03", "V10.3");
     row("V10", "VB10 or V10.0");
     row("sm0", "SMB0 or SM0.0");

@@ -32,6 +32,7 @@ void TestReadBack::sameBytesAreTheSame_data()
     QTest::newRow("VB0=17,34") << "1122";
     QTest::newRow("VD0:f32=nan") << "7fc00000";
     QTest::newRow("VB0:str=ab") << "6162";
+    QTest::newRow("VB0:string*9=\"\"") << "00";
     QTest::newRow("V0.0=1,0") << "0100";
 }
 
@@ -57,8 +58,14 @@ void TestReadBack::theFirstDifferenceIsNamed_data()
     row("VD0:f32=1", "3f800001", "reads 1.0000001 and not 1");
     row("VD0:f32=0", "80000000", "reads -0 and not 0");
     row("VB0:str=ab", "6163", "reads \"ac\" and not \"ab\"");
-    row("VW0:hex=1122", "1123", "reads 1123 and not 1122");
-    row("VW0:bcd=12", "001f", "reads 001f and not 0012");
+    row("VW0:hex=1122", "1123", "reads 0x1123 and not 0x1122");
+    row("VW0:bcd=12", "001f", "reads 0x001f and not 0x0012");
+    row("VD0:u64=1,9007199254740993", "00000000000000010020000000000000",
+        "value 2 of 2 is 9007199254740992 and not 9007199254740993");
+    row("VD0:f32:swap=1", "00003f81", "reads 1.0078125 and not 1");
+    row("VB0:string*9=ab", "026163", "reads \"ac\" and not \"ab\"");
+    row("VB0:string*9=ab", "016162", "reads \"a\" and not \"ab\"");
+    row("VB0:string*9=abc", "09616263", "reads 0x09616263 and not \"abc\"");
     row("V0.0=1,0", "0101", "value 2 of 2 is 1 and not 0");
     row("T37=300", "012d", "reads 301 and not 300");
 }
@@ -87,9 +94,9 @@ void TestReadBack::allDifferencesAreCounted_data()
             << QString(written) << QString(read) << count << index << QString(first);
     };
     row("VB0:hex*3", "010203", "010203", 0, 0, "");
-    row("VB0:hex*3", "01021f", "010200", 1, 2, "00 and not 1f");
-    row("VB0:hex*3", "010203", "110213", 2, 0, "11 and not 01");
-    row("VW0:hex*2", "00010002", "00010102", 1, 1, "0102 and not 0002");
+    row("VB0:hex*3", "01021f", "010200", 1, 2, "0x00 and not 0x1f");
+    row("VB0:hex*3", "010203", "110213", 2, 0, "0x11 and not 0x01");
+    row("VW0:hex*2", "00010002", "00010102", 1, 1, "0x0102 and not 0x0002");
     row("VB0:str*3", "616263", "787863", 1, 0, "\"xxc\" and not \"abc\"");
     row("VD0:f32*2", "3f8000007fc00000", "3f8000007fc00001", 1, 1, "nan and not nan");
 }

@@ -9,6 +9,7 @@
 
 #include <QtTest>
 
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -53,6 +54,8 @@ private slots:
     void aNumberHasTheDigitsOfWhatItIsMadeOf();
     void aFloatHasItsOwnDigitsToo_data();
     void aFloatHasItsOwnDigitsToo();
+    void wideNumbersHaveTheDigitsOfADouble();
+    void aDoubleIsWrittenAsItWas();
     void whatIsShownIsWrittenAsItWas();
     void aFloatIsWrittenAsItWas();
 };
@@ -112,6 +115,29 @@ void TestScaling::aFloatHasItsOwnDigitsToo()
     QFETCH(double, scale);
     QFETCH(double, offset);
     QTEST(scaledText({scale, offset}, raw), "text");
+}
+
+void TestScaling::wideNumbersHaveTheDigitsOfADouble()
+{
+    QCOMPARE(scaledText({0.001, 0}, qint64(9007199254740992)), QString("9007199254740.992"));
+    QCOMPARE(scaledText({1, 1}, std::numeric_limits<quint64>::max()), QString("1.8446744073709552e+19"));
+    QCOMPARE(scaledText({3, 0}, 0.1), QString("0.3"));
+    QCOMPARE(scaledText({60, -10}, 0.123456789012345), QString("-2.5925926592593"));
+    QCOMPARE(scaledText({2, 0}, -std::numeric_limits<double>::infinity()), QString("-inf"));
+}
+
+void TestScaling::aDoubleIsWrittenAsItWas()
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> anyDouble(-1000, 1000);
+    for (int i = 0; i < kScales; ++i) {
+        Scaling scaling = drawn(random);
+        scaling.offset = 0;
+        const double raw = anyDouble(random);
+        const double shown = scaledText(scaling, raw).toDouble();
+        const double back = unscaledFloatText(scaling, shown).toDouble();
+        QVERIFY2(std::abs(back - raw) <= std::abs(raw) * 1e-14, qPrintable(QString::number(raw, 'g', 17)));
+    }
 }
 
 void TestScaling::whatIsShownIsWrittenAsItWas()

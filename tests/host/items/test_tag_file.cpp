@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,8 @@ private slots:
     void aTagHasTheStationOfItsAddressOrOfItsColumn_data();
     void aTagHasTheStationOfItsAddressOrOfItsColumn();
     void aTagHasTheIntervalOfItsColumn();
+    void aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns_data();
+    void aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns();
     void whatIsWrongInAFileIsAUsageError_data();
     void whatIsWrongInAFileIsAUsageError();
     void oneTagOfAFileIsFound();
@@ -132,6 +135,13 @@ void TestTagFile::aTagHasTheStationOfItsAddressOrOfItsColumn_data()
     row("Boiler,VW100@3*4,i16,3", "VW100@3", "i16", 4);
     row("Boiler,VW100*4,i16,126", "VW100@126", "i16", 4);
     row("Boiler,VW100:hex*4@3,i16,", "VW100@3", "hex", 4);
+    row("Boiler,VD100*2@3,f32:swap,", "VD100@3", "f32:swap", 2);
+    row("Label,VB100*20,string,", "VB100", "string", 20);
+    row("Label,VB100,string*20,3", "VB100@3", "string", 20);
+    row("Levels,VB0..VB15,hex,3", "VB0@3", "hex", 16);
+    row("Levels,VW0..VW30@3,i16,", "VW0@3", "i16", 16);
+    row("Levels,VB0..VB7:u64:swap,i16,", "VB0", "u64:swap", 1);
+    row("Doors,V0.0..V1.7,,", "V0.0", "bool", 16);
 }
 
 void TestTagFile::aTagHasTheStationOfItsAddressOrOfItsColumn()
@@ -142,19 +152,49 @@ void TestTagFile::aTagHasTheStationOfItsAddressOrOfItsColumn()
     QCOMPARE(tags.size(), size_t(1));
     const Item &item = tags.front().item;
     QTEST(item.place(), "place");
-    QTEST(typeName(item.type), "type");
+    QTEST(item.typeText(), "type");
     QTEST(item.count, "count");
 }
 
 void TestTagFile::aTagHasTheIntervalOfItsColumn()
 {
     Outcome outcome;
-    const char file[] = "name,address,interval\nFast,VW0,1\nSlow,VW2,3600000\nUsual,VW4,\nShort,VW6\n";
+    const char file[] =
+        "name,address,interval\nFast,VW0,1\nSlow,VW2,3600000\nUnit,VW8,1.5s\nUsual,VW4,\nShort,VW6\n";
     QList<int> intervals;
     for (const Tag &tag : parseTagFile("tags.csv", file, outcome))
         intervals << tag.interval.value_or(-1);
     QVERIFY(outcome.isSuccess());
-    QCOMPARE(intervals, QList<int>({1, 3600000, -1, -1}));
+    QCOMPARE(intervals, QList<int>({1, 3600000, 1500, -1, -1}));
+}
+
+void TestTagFile::aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns_data()
+{
+    QTest::addColumn<QString>("meaning");
+    const auto row = [](const char *line, const char *meaning) { QTest::newRow(line) << meaning; };
+    row("Boiler,VW100,,ro,,,", "ro - - -");
+    row("Boiler,VW100,,rw,5,90.5,0.5", "rw 5 90.5 0.5");
+    row("Boiler,VW100,i16,,-40,,", "unsaid -40 - -");
+    row("Boiler,VD100,f32,,,1e3,0", "unsaid - 1000 0");
+    row("Boiler,VW100,bcd,,7,7,", "unsaid 7 7 -");
+    row("Pump,Q0.3,,ro,,,", "ro - - -");
+    row("Label,VB40:str*5,,rw,,,", "rw - - -");
+    row("Boiler,VW100", "unsaid - - -");
+}
+
+void TestTagFile::aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns()
+{
+    Outcome outcome;
+    const QByteArray file =
+        QByteArray("# a comment\nname,address,type,access,min,max,deadband\n") + QTest::currentDataTag();
+    const std::vector<Tag> tags = parseTagFile("tags.csv", file, outcome);
+    QCOMPARE(tags.size(), size_t(1));
+    const Tag &tag = tags.front();
+    QStringList meaning(QStringList({"unsaid", "ro", "rw"}).at(int(tag.access)));
+    for (const std::optional<double> &number : {tag.minimum, tag.maximum, tag.deadband})
+        meaning << (number ? QString::number(*number) : "-");
+    QTEST(meaning.join(' '), "meaning");
+    QCOMPARE(tag.definedAt, QString("tags.csv:3"));
 }
 
 void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
@@ -178,9 +218,14 @@ void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
         QTest::addRow("the station %s", station) << QByteArray("name,address,station\nPump,Q0.3,") + station;
     QTest::newRow("two stations") << QByteArray("name,address,station\nPump,Q0.3@3,4\n");
     QTest::newRow("a wrong station with the address") << QByteArray("name,address\nPump,Q0.3@127\n");
-    for (const char *interval : {"0", "-1", "3600001", "1.5", "1 s", "fast"})
+    for (const char *interval : {"0", "-1", "3600001", "1.5", "2h", "1 t", "fast"})
         QTest::addRow("the interval %s", interval)
             << QByteArray("name,address,interval\nPump,Q0.3,") + interval;
+    for (const char *line :
+         {"VW0,,RO", "VW0,,xy", "VW0,,,low", "VW0,,,,inf", "VW0,,,,,nan", "VW0,,,5,4.9", "VW0,,,,,-0.1",
+          "V1.0,,,0", "VB1,hex,,,5", "VB1,str,,0,5", "V1.0,,,,,0", "VB1,hex,,,,0", "VB1,str,,,,1"})
+        QTest::addRow("writing as in %s", line)
+            << QByteArray("name,address,type,access,min,max,deadband\nBoiler,") + line;
     QTest::newRow("too many cells") << QByteArray("name,address\nBoiler,VW100,i16\n");
     QTest::newRow("an open quote") << QByteArray("name,address\n\"Boiler,VW100\n");
 }
@@ -236,7 +281,8 @@ void TestTagFile::valuesAreShownScaledWithTheirUnit()
 {
     QFETCH(QString, data);
     const Tag tag = findTag(reference(QTest::currentDataTag()));
-    QTEST(shownText(tag, decodeValues(tag.item, bytes(qPrintable(data)))), "text");
+    QTEST(valueLines(tag, shownTexts(tag, decodeValues(tag.item, bytes(qPrintable(data))))).front().text,
+          "text");
 }
 
 void TestTagFile::valuesAreAssignedAsTheyAreShown_data()

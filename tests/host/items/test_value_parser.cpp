@@ -64,6 +64,14 @@ void TestValueParser::valuesBecomeBytes_data()
     row("VB0:u32", "1", "00000001");
     row("HC0", "100000", "000186a0");
 
+    row("VD0:u64", "0,18446744073709551615", "0000000000000000ffffffffffffffff");
+    row("VD0:u64", "9007199254740993,0xfedcba9876543210", "0020000000000001fedcba9876543210");
+    row("VW0:i64", "-9223372036854775808,9223372036854775807", "80000000000000007fffffffffffffff");
+    row("VB0:i64", "-1,-0", "ffffffffffffffff0000000000000000");
+    row("VD0:u32:swap", "1122867,1", "2233001100010000");
+    row("VW0:i32:swap", "-2", "fffeffff");
+    row("VD0:u64:swap", "0x0011223344556677", "6677445522330011");
+
     row("VB0:bcd", "0,99,12", "009912");
     row("VW0:bcd", "1234,7,9999", "123400079999");
     row("VD0:bcd", "99999999,0", "9999999900000000");
@@ -71,6 +79,9 @@ void TestValueParser::valuesBecomeBytes_data()
     row("VB0:hex", "00", "00");
     row("VB0:hex", "11223344", "11223344");
     row("VB0:hex", "11,22aB,FF", "1122abff");
+    row("VB0:hex", "0x11,0X22aB", "1122ab");
+    row("VW0:hex", "0x1122", "1122");
+    row("VW0:hex", "0x11223344,0001", "112233440001");
     row("VW0:hex", "11223344,0001", "112233440001");
     row("VD0:hex", "11223344", "11223344");
     row("T37:hex", "012c", "012c");
@@ -81,6 +92,10 @@ void TestValueParser::valuesBecomeBytes_data()
     row("VD0:f32", "-0,inf,-inf,nan,-nan", "800000007f800000ff8000007fc00000ffc00000");
     row("VD0:f32", "3.1415926535897932384626", "40490fdb");
     row("VD0:f32", "0.0e-99", "00000000");
+    row("VD0:f32:swap", "-1.5,1", "0000bfc000003f80");
+    row("VD0:f64", "0.1,-1.5,5e-324", "3fb999999999999abff80000000000000000000000000001");
+    row("VD0:f64", "1.7976931348623157e308,-inf", "7feffffffffffffffff0000000000000");
+    row("VB0:f64:swap", "0.1", "999a999999993fb9");
     // The largest and the smallest numbers, also when they are the nearest ones only.
     row("VD0:f32", "3.4028234663852886e38,3.40282350000000000001e38", "7f7fffff7f7fffff");
     row("VD0:f32", "1e-45,1.4e-45,1.1754944e-38", "000000010000000100800000");
@@ -95,6 +110,10 @@ void TestValueParser::valuesBecomeBytes_data()
     row("VB0:str", "say \"a\"", "73617920226122");
     row("VB0:str", "\\\"\\\\\\x00\\xe4\\xFF", "225c00e4ff");
     row("VB0:str", "\"\\x410\"", "4130");
+    row("VB0:string*20", "Hello", "0548656c6c6f");
+    row("VB0:string*5", "\"Hello\"", "0548656c6c6f");
+    row("VW0:string*20", "\"\"", "00");
+    row("VB0..VB5:string", "a, b=", "05612c20623d");
 }
 
 void TestValueParser::valuesBecomeBytes()
@@ -109,12 +128,16 @@ void TestValueParser::valuesBecomeBytes()
 void TestValueParser::whatReadPrintsCanBeWritten_data()
 {
     QTest::addColumn<QString>("data");
-    for (const char *item : {"VB0*8", "VB0:i8*8", "VW0*4", "VW0:i16*4", "VD0*2", "VD0:i32*2", "VD0:f32*2",
-                             "VB0:hex*8", "VW0:hex*4", "VD0:hex*2", "VB0:str*8", "T0*4", "HC0:i32*2"})
+    for (const char *item : {"VD0:u64",      "VW0:i64",        "VB0:f64",   "VD0:u64:swap", "VB0:i64:swap",
+                             "VW0:f64:swap", "VD0:u32:swap*2", "VB0*8",     "VB0:i8*8",     "VW0*4",
+                             "VW0:i16*4",    "VD0*2",          "VD0:i32*2", "VD0:f32*2",    "VB0:hex*8",
+                             "VW0:hex*4",    "VD0:hex*2",      "VB0:str*8", "T0*4",         "HC0:i32*2"})
         for (const char *data :
              {"00 01 7f 80 bf fe 22 5c", "3d cc cc cd ff 80 00 00", "00 00 00 01 41 42 43 44"})
             QTest::addRow("%s", item) << QString(data);
     QTest::addRow("VD0:bcd*2") << QString("12 34 56 78 00 00 00 99");
+    QTest::addRow("VW0:f32:swap*2") << QString("cc cd 3d cc 00 00 ff 80");
+    QTest::addRow("VB0:string*7") << QString("07 34 22 5c 00 ff 41 99");
     QTest::addRow("V0.0*8") << QString("01 00 00 01 01 01 00 00");
 }
 
@@ -151,6 +174,25 @@ void TestValueParser::numbersOutOfRangeAreRefusedWithTheNearestOne_data()
             "the nearest value is 2147483647");
     refused("VD0:i32=-2147483649", "-2147483649 is too small for i32: -2147483648 to 2147483647",
             "the nearest value is -2147483648");
+    refused("VD0:u64=18446744073709551616",
+            "18446744073709551616 is too large for u64: 0 to 18446744073709551615",
+            "the nearest value is 18446744073709551615");
+    refused("VD0:u64=-5", "-5 is too small for u64: 0 to 18446744073709551615",
+            "the nearest value is 0; for -5 there is i8");
+    refused("VD0:i64=9223372036854775808",
+            "9223372036854775808 is too large for i64: -9223372036854775808 to 9223372036854775807",
+            "the nearest value is 9223372036854775807");
+    refused("VD0:i64=-9223372036854775809",
+            "-9223372036854775809 is too small for i64: -9223372036854775808 to 9223372036854775807",
+            "the nearest value is -9223372036854775808");
+    refused("VD0=-2147483649", "-2147483649 is too small for u32: 0 to 4294967295",
+            "the nearest value is 0; for -2147483649 there is i64");
+    refused("VD0:f64=1e309",
+            "1e309 is too large for f64: -1.7976931348623157e+308 to 1.7976931348623157e+308",
+            "the nearest value is 1.7976931348623157e+308");
+    refused("VD0:f64=-1e-400", "-1e-400 is too near to 0 for f64", "the nearest value is 0");
+    refused("VB0:string*3=Hello", "the text has 5 characters, and the string has room for 3",
+            "shorten it; what stands behind * is the room that the program gives the string");
     refused("VB0:bcd=100", "100 is too large for bcd: 0 to 99", "the nearest value is 99");
     refused("VB0:bcd=-3", "-3 is too small for bcd: 0 to 99", "the nearest value is 0");
     refused("VW0:bcd=10000", "10000 is too large for bcd: 0 to 9999", "the nearest value is 9999");
@@ -174,7 +216,7 @@ void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
     addRefusedTexts();
     const QString wholeHint = "whole numbers are written 10, -10, 0x0a or 0b1010, with commas between";
     const QString floatHint = "numbers are written 1.5, -2e3, inf or nan";
-    const QString hexHint = "hex is 2 digits for each value of VB0, as 1a";
+    const QString hexHint = "hex is 2 digits for each value of VB0, as 0x1a";
     const QString escapeHint = "write \\\\ for \\, \\\" for \" and \\xNN for any other byte";
 
     refused("V0.0=", "\"\" is not a bit", "bits are 0 off false and 1 on true");
@@ -197,7 +239,8 @@ void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
     refused("VB0=ff", "\"ff\" is not a whole number", "write 0xff instead of ff");
     refused("VW0=16#12Ab", "\"16#12Ab\" is not a whole number", "write 0x12Ab instead of 16#12Ab");
     refused("VB0=2#101", "\"2#101\" is not a whole number", "write 0b101 instead of 2#101");
-    refused("VB0=1.5", "\"1.5\" is not a whole number", "this type holds whole numbers; fractions need f32");
+    refused("VB0=1.5", "\"1.5\" is not a whole number",
+            "this type holds whole numbers; fractions need f32 or f64");
     refused("VB0:bcd=1a", "\"1a\" is not a whole number", "write 0x1a instead of 1a");
 
     refused("VD0:f32=", "\"\" is not a number", floatHint);
@@ -211,14 +254,18 @@ void TestValueParser::garbageIsRefusedWithWhatCouldBeMeant_data()
     refused("VB0:hex=1", "\"1\" is not a row of bytes in hex", hexHint);
     refused("VB0:hex=11 22", "\"11 22\" is not a row of bytes in hex", hexHint);
     refused("VB0:hex=1g", "\"1g\" is not a row of bytes in hex", hexHint);
-    refused("VB0:hex=0x12", "\"0x12\" is not a row of bytes in hex", "write 12 instead of 0x12");
+    refused("VB0:hex=0x", "\"0x\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=0x1", "\"0x1\" is not a row of bytes in hex", hexHint);
+    refused("VB0:hex=0x0x12", "\"0x0x12\" is not a row of bytes in hex", hexHint);
     refused("VW0:hex=112233", "\"112233\" is no whole number of values",
-            "hex is 4 digits for each value of VW0, as 1a2b");
+            "hex is 4 digits for each value of VW0, as 0x1a2b");
     refused("VD0:hex=1122", "\"1122\" is no whole number of values",
-            "hex is 8 digits for each value of VD0, as 1a2b3c4d");
+            "hex is 8 digits for each value of VD0, as 0x1a2b3c4d");
 
     refused("VB0:str=", "the text is empty", "a text is one character or more; \\x00 is the character 0");
     refused("VB0:str=\"\"", "the text is empty", "a text is one character or more; \\x00 is the character 0");
+    refused("VB0:string*3=", "the text is empty",
+            "write \"\", with the quotes, for a string without a character");
     refused("VB0:str=\"", "the quotes do not stand around the whole text",
             "write \\\" for a quote within it");
     refused("VB0:str=\"ab", "the quotes do not stand around the whole text",

@@ -29,6 +29,8 @@ private slots:
     void anAnswerIsHeard();
     void theLongestWaitIsThatForTheFirstFrame();
     void requestsCountAndPollsDoNot();
+    void ofAnotherProtocolTheFirstFrameOfACallIsItsRequest();
+    void whatWasHeardBeforeARequestIsNoAnswerToIt();
 };
 
 void TestAdapterProbe::nothingIsHeardOfSilence()
@@ -74,6 +76,35 @@ void TestAdapterProbe::requestsCountAndPollsDoNot()
     probe.heardNothing(false);
     probe.sent(kRequest);
     QCOMPARE(probe.requestCount(), 2);
+}
+
+void TestAdapterProbe::ofAnotherProtocolTheFirstFrameOfACallIsItsRequest()
+{
+    const QByteArray enquiry = bytes("05");
+    const QByteArray command = bytes("02 4e 31 03");
+    AdapterProbe probe;
+    probe.beginCall();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        probe.sent(enquiry);
+        probe.sent(command);
+    }
+    QCOMPARE(probe.requestCount(), 3);
+    QCOMPARE(probe.frameCount(), 6);
+    probe.beginCall();
+    probe.sent(command);
+    QCOMPARE(probe.requestCount(), 4);
+}
+
+void TestAdapterProbe::whatWasHeardBeforeARequestIsNoAnswerToIt()
+{
+    AdapterProbe probe;
+    probe.sent(kRequest);
+    probe.received(kAcknowledgementFrame);
+    probe.sent(kPoll);
+    QVERIFY(probe.hasHeardSinceRequest());
+    probe.sent(kRequest);
+    QVERIFY(!probe.hasHeardSinceRequest());
+    QVERIFY(probe.hasHeard());
 }
 
 TEST_CLASS(TestAdapterProbe)

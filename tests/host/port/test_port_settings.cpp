@@ -10,12 +10,15 @@
 #include "tests/host/support/failure_of.h"
 #include "tests/host/support/pseudo_line.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <linux/serial.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <optional>
@@ -27,7 +30,10 @@ namespace {
 
 std::optional<unsigned> keptBaud;  // a speed that stays, whatever is asked for
 std::optional<unsigned> rs485Mask; // the flags that the driver can do; none: it has no RS-485 mode
-unsigned rs485Flags = 0;
+serial_rs485 rs485 = {};
+unsigned longestPause = 100;    // milliseconds, of which the driver keeps no more
+std::optional<int> latencyMask; // the flags that the driver can keep; none: it knows no such settings
+int latencyFlags = 0;
 
 int answerRs485(unsigned long request, serial_rs485 *mode)
 {
@@ -35,9 +41,25 @@ int answerRs485(unsigned long request, serial_rs485 *mode)
         errno = ENOTTY;
         return -1;
     }
-    if (request == TIOCSRS485)
-        rs485Flags = mode->flags & *rs485Mask;
-    mode->flags = rs485Flags;
+    if (request == TIOCSRS485) {
+        rs485 = *mode;
+        rs485.flags &= *rs485Mask;
+        rs485.delay_rts_before_send = std::min(rs485.delay_rts_before_send, longestPause);
+        rs485.delay_rts_after_send = std::min(rs485.delay_rts_after_send, longestPause);
+    }
+    *mode = rs485;
+    return 0;
+}
+
+int answerSerial(unsigned long request, serial_struct *settings)
+{
+    if (!latencyMask) {
+        errno = ENOTTY;
+        return -1;
+    }
+    if (request == TIOCSSERIAL)
+        latencyFlags = settings->flags & *latencyMask;
+    settings->flags = latencyFlags;
     return 0;
 }
 
@@ -52,6 +74,8 @@ extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept
     va_end(arguments);
     if (request == TIOCSRS485 || request == TIOCGRS485)
         return answerRs485(request, static_cast<serial_rs485 *>(argument));
+    if (request == TIOCSSERIAL || request == TIOCGSERIAL)
+        return answerSerial(request, static_cast<serial_struct *>(argument));
     const int result = int(syscall(SYS_ioctl, descriptor, request, argument));
     if (request == TCGETS2 && keptBaud)
         static_cast<termios2 *>(argument)->c_ospeed = *keptBaud;
@@ -65,9 +89,26 @@ namespace {
 const LineSettings kLine = {187500, kEvenParity, 8, 1};
 const Timing kTiming = {100, 0, 2, 0};
 
-QString failureToOpen(const PseudoLine &line, Direction direction)
+QString failureToOpen(const PseudoLine &line, const AdapterSettings &adapter = {})
 {
-    return failureOf([&] { SerialPort(line.name(), kLine, kTiming, direction); }).remove(line.name());
+    return failureOf([&] { SerialPort(line.name(), kLine, kTiming, adapter); }).remove(line.name());
+}
+
+// A file as the kernel has it for an adapter's timer.
+QString timerFile(const QTemporaryDir &directory, const QByteArray &text)
+{
+    QFile file(directory.filePath("latency_timer"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        return QString();
+    return file.fileName();
+}
+
+// A file of the kernel's with a number in it that not even root can write: 65536.
+const char kReadOnlyNumber[] = "/proc/sys/kernel/ngroups_max";
+
+QString failureToLower(const QString &timer)
+{
+    return failureOf([&] { lowerLatency(0, "PORT", timer); });
 }
 
 } // namespace
@@ -83,13 +124,24 @@ private slots:
     void theKernelSwitchesTheTransceiver();
     void aDriverThatCannotSwitchIsRefused_data();
     void aDriverThatCannotSwitchIsRefused();
+    void theKernelWaitsBeforeAndAfterSending();
+    void aDriverThatDoesNotWaitIsRefused();
+    void aDriverLowersTheLatency();
+    void aPortWithoutTimerIsRefused_data();
+    void aPortWithoutTimerIsRefused();
+    void aTimerInAFileIsSet();
+    void aTimerThatIsLowStays();
+    void aTimerThatCannotBeSetIsRefusedWithTheWayToSetIt();
 };
 
 void TestPortSettings::init()
 {
     keptBaud.reset();
     rs485Mask.reset();
-    rs485Flags = 0;
+    rs485 = {};
+    longestPause = 100;
+    latencyMask.reset();
+    latencyFlags = 0;
 }
 
 void TestPortSettings::aSpeedThatIsNotTakenIsRefusedWithTheOneThatIs()
@@ -97,7 +149,7 @@ void TestPortSettings::aSpeedThatIsNotTakenIsRefusedWithTheOneThatIs()
     const PseudoLine line;
     keptBaud = 115200;
     QCOMPARE(
-        failureToOpen(line, Direction::ByAdapter),
+        failureToOpen(line),
         QString("3:  keeps 115200 baud instead of 187500 baud / this adapter cannot do that; use another "
                 "adapter or other line settings"));
 }
@@ -106,15 +158,94 @@ void TestPortSettings::aSpeedThatIsNearEnoughIsTaken()
 {
     const PseudoLine line;
     keptBaud = 187000;
-    QCOMPARE(failureToOpen(line, Direction::ByAdapter), QString());
+    QCOMPARE(failureToOpen(line), QString());
 }
 
 void TestPortSettings::theKernelSwitchesTheTransceiver()
 {
     const PseudoLine line;
     rs485Mask = ~0U;
-    QCOMPARE(failureToOpen(line, Direction::ByKernel), QString());
-    QCOMPARE(rs485Flags, unsigned(SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND));
+    QCOMPARE(failureToOpen(line, {Rs485(), false}), QString());
+    QCOMPARE(rs485.flags, unsigned(SER_RS485_ENABLED | SER_RS485_RTS_ON_SEND));
+    QCOMPARE(rs485.delay_rts_before_send, 0U);
+    QCOMPARE(rs485.delay_rts_after_send, 0U);
+}
+
+void TestPortSettings::theKernelWaitsBeforeAndAfterSending()
+{
+    const PseudoLine line;
+    rs485Mask = ~0U;
+    QCOMPARE(failureToOpen(line, {Rs485{1, 2}, false}), QString());
+    QCOMPARE(rs485.delay_rts_before_send, 1U);
+    QCOMPARE(rs485.delay_rts_after_send, 2U);
+}
+
+void TestPortSettings::aDriverThatDoesNotWaitIsRefused()
+{
+    const PseudoLine line;
+    rs485Mask = ~0U;
+    longestPause = 1;
+    QCOMPARE(failureToOpen(line, {Rs485{1, 2}, false}),
+             QString("3:  keeps pauses of 1 ms before and 1 ms after sending instead of 1 ms before and 2 ms "
+                     "after sending / its driver cannot wait so; take the pauses that it keeps, or plain "
+                     "--rs485"));
+}
+
+void TestPortSettings::aDriverLowersTheLatency()
+{
+    const PseudoLine line;
+    latencyMask = ~0;
+    QCOMPARE(failureToOpen(line, {std::nullopt, true}), QString());
+    QCOMPARE(latencyFlags, int(ASYNC_LOW_LATENCY));
+}
+
+void TestPortSettings::aPortWithoutTimerIsRefused_data()
+{
+    QTest::addColumn<bool>("knowsTheFlag");
+    QTest::newRow("no such settings") << false;
+    QTest::newRow("the flag is dropped") << true;
+}
+
+void TestPortSettings::aPortWithoutTimerIsRefused()
+{
+    QFETCH(bool, knowsTheFlag);
+    const PseudoLine line;
+    if (knowsTheFlag)
+        latencyMask = 0;
+    QCOMPARE(failureToOpen(line, {std::nullopt, true}),
+             QString("3:  has no latency timer that could be set / leave out --low-latency: its driver hands "
+                     "over at once what it receives, or cannot be told to"));
+}
+
+void TestPortSettings::aTimerInAFileIsSet()
+{
+    const QTemporaryDir directory;
+    const QString timer = timerFile(directory, "16\n");
+    QCOMPARE(failureToLower(timer), QString());
+    QFile file(timer);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readLine(), QByteArray("1\n"));
+}
+
+void TestPortSettings::aTimerThatIsLowStays()
+{
+    const QTemporaryDir directory;
+    const QString timer = timerFile(directory, "2\n");
+    QCOMPARE(failureToLower(timer), QString());
+    QFile file(timer);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readLine(), QByteArray("2\n"));
+}
+
+void TestPortSettings::aTimerThatCannotBeSetIsRefusedWithTheWayToSetIt()
+{
+    latencyMask = ~0;
+    QCOMPARE(
+        failureToLower(kReadOnlyNumber),
+        QString("3: PORT keeps its latency timer of 65536 ms: %1 cannot be written / let a udev rule set "
+                "it, ACTION==\"add\", SUBSYSTEM==\"usb-serial\", ATTR{latency_timer}=\"1\", and plug the "
+                "adapter in again; or echo 1 | sudo tee %1")
+            .arg(kReadOnlyNumber));
 }
 
 void TestPortSettings::aDriverThatCannotSwitchIsRefused_data()
@@ -132,7 +263,7 @@ void TestPortSettings::aDriverThatCannotSwitchIsRefused()
     const PseudoLine line;
     if (knowsTheMode)
         rs485Mask = 0;
-    QCOMPARE(failureToOpen(line, Direction::ByKernel),
+    QCOMPARE(failureToOpen(line, {Rs485(), false}),
              "3:  cannot be switched to RS-485: " + reason +
                  " / its driver has no RS-485 mode; an adapter that switches by itself needs no --rs485");
 }

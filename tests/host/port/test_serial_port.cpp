@@ -112,6 +112,23 @@ private:
     std::thread thread;
 };
 
+// An answer that begins late.
+class LateByte
+{
+public:
+    explicit LateByte(const PseudoLine &line)
+        : thread([&line] {
+              std::this_thread::sleep_for(std::chrono::milliseconds(100));
+              line.write("y");
+          })
+    {
+    }
+    ~LateByte() { thread.join(); }
+
+private:
+    std::thread thread;
+};
+
 // One purge during such an answer, and what is received after both: nothing when it was in time.
 bool purgesWhatIsUnderWay(const PseudoLine &line, SerialPort &port, QString &received)
 {
@@ -134,6 +151,10 @@ private slots:
     void returnsWhatCameWhenTheTimeIsUp();
     void returnsNothingWhenNothingCame();
     void oneDeadlineHoldsForTheWholeReceive();
+    void aGapEndsAnAnswerThatBrokeOff();
+    void aGapLetsAnAnswerTakeLongerThanTheTimeout();
+    void aGapDoesNotHoldForTheFirstByteBehindAFrame();
+    void aGapDoesNotHoldBetweenEchoAndAnswer();
     void sendsWhatItIsGiven();
     void theRestOfAFrameThatDidNotGetAwayIsForgotten();
     void purgeForgetsWhatWasBufferedAndWhatIsStillInTheKernel();
@@ -157,6 +178,7 @@ private slots:
     void speedsThatAreNoneOfTheClassicOnesAreKept();
     void theKernelsSettingsAreReadBack();
     void aLinkToAPortIsAPort();
+    void anAnswerLikeItsRequestIsAnEchoOnlyWhereTheProtocolIsKnown();
     void aPortIsOpenedOnce();
     void whatIsNoPortCannotBeOpened_data();
     void whatIsNoPortCannotBeOpened();
@@ -202,6 +224,51 @@ void TestSerialPort::oneDeadlineHoldsForTheWholeReceive()
     QVERIFY2(timer.elapsed() < 1500, qPrintable(QString::number(timer.elapsed())));
     QVERIFY(!received.isEmpty());
     QVERIFY(received.size() < 200);
+}
+
+void TestSerialPort::aGapEndsAnAnswerThatBrokeOff()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, {kPatience, 0, 2, 0, 50});
+    line.write("xxx");
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(receive(port, 7), QString("787878"));
+    QCOMPARE(receive(port, 7), QString());
+    QVERIFY(timer.elapsed() < kPatience);
+}
+
+void TestSerialPort::aGapLetsAnAnswerTakeLongerThanTheTimeout()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, {20, 0, 2, 0, kPatience});
+    line.write("x");
+    const Dribble dribble(line, 50);
+    QCOMPARE(receive(port, 5), QString("7878787878"));
+    QCOMPARE(receive(port, 2), QString("7878"));
+}
+
+void TestSerialPort::aGapDoesNotHoldForTheFirstByteBehindAFrame()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, {kPatience, 0, 2, 0, 1});
+    line.write("x");
+    QCOMPARE(receive(port, 1), QString("78"));
+    QCOMPARE(send(port, "10 02 00 5c 5e 16"), 6);
+    const LateByte late(line);
+    QCOMPARE(receive(port, 1), QString("79"));
+}
+
+void TestSerialPort::aGapDoesNotHoldBetweenEchoAndAnswer()
+{
+    const PseudoLine line;
+    SerialPort port(line.name(), kLine, {kPatience, 0, 2, 0, 1});
+    port.expectEcho();
+    QCOMPARE(send(port, "10 02"), 2);
+    line.write(bytes("10 02"));
+    QCOMPARE(receive(port, 2), QString("1002"));
+    const LateByte late(line);
+    QCOMPARE(receive(port, 1), QString("79"));
 }
 
 void TestSerialPort::sendsWhatItIsGiven()
@@ -493,13 +560,28 @@ void TestSerialPort::aLinkToAPortIsAPort()
     QCOMPARE(port.lineNote(), QString("no parity instead of even parity"));
 }
 
+void TestSerialPort::anAnswerLikeItsRequestIsAnEchoOnlyWhereTheProtocolIsKnown()
+{
+    for (const bool isKnown : {true, false}) {
+        const PseudoLine line;
+        SerialPort port(line.name(), kLine, kPatient);
+        if (!isKnown)
+            port.expectUnknownProtocol();
+        QCOMPARE(send(port, "01 05 00 10 ff 00"), 6);
+        line.write(bytes("01 05 00 10 ff 00"));
+        QCOMPARE(receive(port, 6), QString("01050010ff00"));
+        QCOMPARE(port.hearsItself(), isKnown);
+    }
+}
+
 void TestSerialPort::aPortIsOpenedOnce()
 {
     const PseudoLine line;
     const SerialPort port(line.name(), kLine, kPatient);
     const QString failure = failureOf([&] { SerialPort(line.name(), kLine, kPatient); });
     QVERIFY2(failure.startsWith("3: " + line.name() + " cannot be opened: "), qPrintable(failure));
-    QVERIFY2(failure.endsWith(" / another program has the port open: end it, or use another port"),
+    QVERIFY2(failure.endsWith(" / another program has the port open: end it, or use another port, or let "
+                              "--wait-lock 1min wait for it"),
              qPrintable(failure));
 }
 

@@ -25,6 +25,7 @@ private slots:
     void anIncompleteFrameIsShownBeforeTheNextOneIsSent();
     void whatIsLeftIsShownAtTheEnd();
     void everythingIsPassedOn();
+    void anUnknownFrameEndsWhenTheDriverIsDone();
 
 private:
     static void receive(TracingPort &port, int length);
@@ -125,6 +126,20 @@ void TestTracingPort::everythingIsPassedOn()
     QCOMPARE(port.retry(), 4);
     QCOMPARE(port.stationId(), 5);
     QCOMPARE(port.delay(), 6);
+}
+
+void TestTracingPort::anUnknownFrameEndsWhenTheDriverIsDone()
+{
+    PreparedPort prepared({bytes("e5 10 68"), bytes("0d")});
+    QStringList lines;
+    TracePrinter shown([&](const QString &line) { lines << line; }, false);
+    TracingPort port(prepared, {&shown}, false);
+    send(port, "10 02 00 5c 5e 16");
+    receive(port, 3);
+    receive(port, 1);
+    QCOMPARE(lines, QStringList({"-> 10 02 00 5c 5e 16"}));
+    port.tellReceived();
+    QCOMPARE(lines.mid(1), QStringList({"<- e5 10 68 0d"}));
 }
 
 TEST_CLASS(TestTracingPort)

@@ -3,17 +3,24 @@
 //
 // Records of watch, read back, and the page that is made of them.
 
+#include "host/recording/axis.h"
 #include "host/recording/recording.h"
 #include "host/recording/report_page.h"
 #include "host/recording/statistics.h"
 #include "host/recording/trend_chart.h"
+#include "host/text/number_text.h"
 
+#include "host/base/filled.h"
 #include "tests/host/support/failure_of.h"
 
+#include <QDateTime>
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <optional>
+#include <random>
 #include <vector>
 
 using namespace host;
@@ -33,6 +40,40 @@ QByteArray pageOf(const QByteArray &rows)
     return reportPage(parsed(rows), "log.csv");
 }
 
+std::optional<Trend> trendOf(const Samples &samples, qint64 end)
+{
+    TrendCounter counter;
+    for (const RecordedSample &sample : samples)
+        counter.add(sample);
+    return counter.upTo(end);
+}
+
+AnswerCounter counterOf(const std::vector<double> &times)
+{
+    AnswerCounter counter;
+    for (const double time : times)
+        counter.add(time);
+    return counter;
+}
+
+QString textsOf(const std::vector<AxisTick> &ticks)
+{
+    QStringList texts;
+    for (const AxisTick &tick : ticks)
+        texts << tick.text;
+    return texts.join(' ');
+}
+
+QString twoDigits(int number)
+{
+    return QString::number(number).rightJustified(2, '0');
+}
+
+bool isEarlier(const RecordedSample &a, const RecordedSample &b)
+{
+    return a.time < b.time;
+}
+
 } // namespace
 
 class TestRecording : public QObject
@@ -41,6 +82,8 @@ class TestRecording : public QObject
 
 private slots:
     void everyValueIsASeries();
+    void itemsStandInTheOrderOfTheFile();
+    void portsAndStationsAreKnownWhenTheFileHasThem();
     void elementsAreNumberedAndShareOneAnswer();
     void errorsAreCountedByCauseAndLeaveGaps();
     void textsAndHexAreNoNumbers();
@@ -54,16 +97,35 @@ private slots:
     void whatIsWrongIsToldByItsLine_data();
     void whatIsWrongIsToldByItsLine();
     void meansAreOverTheTimeThatValuesHeld();
+    void figuresOfALongRecordingAreThoseOfAllItsValues();
+    void aLongRecordingKeepsItsExtremesAndItsGaps();
+    void manyValuesShareTheSamples();
+    void samplesOfALongRecordingAreEquallyFarApart();
+    void samplesOutOfOrderAreDrawnInOrder();
     void percentilesAreOfTheNearestRank();
+    void longTimesAreCountedToFourDigits();
     void theDistributionCountsEveryNumberOnce();
     void stepsAreRound_data();
     void stepsAreRound();
+    void commonCausesAreFoundAmongThousands();
+    void errorsAreCountedOverTheTime();
+    void ticksAreRoundNumbers_data();
+    void ticksAreRoundNumbers();
+    void ticksAreRoundTimes_data();
+    void ticksAreRoundTimes();
+    void curvesDoNotTouchTheFrame();
+    void aSingleSampleIsALineInTheMiddle();
     void theLineIsMadeOfSteps();
     void gapsAreLeftOpen();
+    void whatIsNotKnownIsAnArea();
+    void barsAreAsHighAsTheirCounts();
     void manySamplesAreThinnedOutAndKeepTheirPeaks();
     void thePageEscapesWhatTheFileSays();
     void thePageNeedsNothingElse();
     void thePageTellsErrorsWithAdvice();
+    void thePageTellsWhereAndWhen();
+    void bitsHaveTwoLevelsAndAShareOfTime();
+    void rareErrorsAreCountedTogether();
 };
 
 void TestRecording::everyValueIsASeries()
@@ -79,8 +141,45 @@ void TestRecording::everyValueIsASeries()
     QCOMPARE(recording.series.at(0).samples.at(1).value, 62.0);
     QCOMPARE(recording.series.at(0).samples.at(1).time - recording.begin, qint64(1500));
     QCOMPARE(recording.series.at(1).label, QString("T37"));
-    QCOMPARE(recording.answerTimes, std::vector<double>({14.2, 15, 13}));
-    QCOMPARE(recording.errorCount, 0);
+    QCOMPARE(recording.answerTimes.count(), 3);
+    QCOMPARE(recording.answerTimes.percentile(0), 13.0);
+    QCOMPARE(recording.answerTimes.percentile(50), 14.2);
+    QCOMPARE(recording.answerTimes.longest(), 15.0);
+    QCOMPARE(recording.errors.count(), 0);
+}
+
+void TestRecording::itemsStandInTheOrderOfTheFile()
+{
+    const Recording recording = parsed("2026-01-31T12:00:00.000Z,,VB8,u8,,,,,plc no response\n"
+                                       "2026-01-31T12:00:00.000Z,,VB4,u8,,,,,plc no response\n"
+                                       "2026-01-31T12:00:00.000Z,,VB6,u8,0,1,,5,\n"
+                                       "2026-01-31T12:00:01.000Z,,VB8,u8,0,1,,5,\n"
+                                       "2026-01-31T12:00:01.000Z,,VB8,u8,1,2,,5,\n");
+    QStringList labels;
+    for (const RecordedSeries &series : recording.series)
+        labels << series.label;
+    QCOMPARE(labels, QStringList({"VB8[0]", "VB8[1]", "VB4", "VB6"}));
+    QCOMPARE(recording.series.at(1).errors, 1);
+    QVERIFY(recording.series.at(1).samples.at(0).isGap);
+    QCOMPARE(recording.series.at(2).answers, 0);
+    QCOMPARE(recording.series.at(2).errors, 1);
+    QCOMPARE(recording.answers, 2);
+}
+
+void TestRecording::portsAndStationsAreKnownWhenTheFileHasThem()
+{
+    const QByteArray head = "time,port,address,type,station,value,error\n";
+    const Recording one =
+        parseRecording("log.csv", head + "2026-01-31T12:00:00.000Z,/dev/ttyUSB0,VB0,u8,3,1,\n");
+    QCOMPARE(one.ports, QStringList("/dev/ttyUSB0"));
+    QCOMPARE(one.stations, QStringList("3"));
+    QCOMPARE(one.series.at(0).label, QString("VB0"));
+    const Recording two = parseRecording("log.csv", head + "2026-01-31T12:00:00.000Z,COM1,VB0,u8,3,1,\n"
+                                                           "2026-01-31T12:00:00.000Z,COM1,VB0,u8,4,1,\n");
+    QCOMPARE(two.ports, QStringList("COM1"));
+    QCOMPARE(two.stations, QStringList({"3", "4"}));
+    QCOMPARE(two.items, QStringList({"VB0@3", "VB0@4"}));
+    QVERIFY(parsed(kRecord).ports.isEmpty());
 }
 
 void TestRecording::elementsAreNumberedAndShareOneAnswer()
@@ -89,7 +188,9 @@ void TestRecording::elementsAreNumberedAndShareOneAnswer()
                                        "2026-01-31T12:00:00.000Z,,VB0,u8,1,2,,5,\n");
     QCOMPARE(recording.series.at(0).label, QString("VB0[0]"));
     QCOMPARE(recording.series.at(1).label, QString("VB0[1]"));
-    QCOMPARE(recording.answerTimes, std::vector<double>({5}));
+    QCOMPARE(recording.answers, 1);
+    QCOMPARE(recording.answerTimes.count(), 1);
+    QCOMPARE(recording.answerTimes.longest(), 5.0);
 }
 
 void TestRecording::errorsAreCountedByCauseAndLeaveGaps()
@@ -98,13 +199,17 @@ void TestRecording::errorsAreCountedByCauseAndLeaveGaps()
                                        "2026-01-31T12:00:01.000Z,,VB0,u8,,,,,plc no response\n"
                                        "2026-01-31T12:00:02.000Z,,VB1,u8,,,,,plc no response\n"
                                        "2026-01-31T12:00:03.000Z,,VB1,u8,,,,,checksum error\n");
-    QCOMPARE(recording.errorCount, 3);
-    QCOMPARE(int(recording.errors.size()), 2);
-    QCOMPARE(recording.errors.at(0).cause, QString("plc no response"));
-    QCOMPARE(recording.errors.at(0).count, 2);
-    QCOMPARE(recording.errors.at(0).labels, QStringList({"VB0", "VB1"}));
+    QCOMPARE(recording.errors.count(), 3);
+    const std::vector<ErrorCause> causes = recording.errors.commonest(10);
+    QCOMPARE(int(causes.size()), 2);
+    QCOMPARE(causes.at(0).text, QString("plc no response"));
+    QCOMPARE(causes.at(0).count, 2);
+    QCOMPARE(causes.at(0).items, std::vector<int>({0, 1}));
+    QVERIFY(!causes.at(0).hasMoreItems);
+    QCOMPARE(recording.items, QStringList({"VB0", "VB1"}));
     QVERIFY(recording.series.at(0).samples.at(1).isGap);
-    QCOMPARE(int(recording.series.size()), 1);
+    QCOMPARE(int(recording.series.size()), 2);
+    QCOMPARE(recording.series.at(1).answers, 0);
 }
 
 void TestRecording::textsAndHexAreNoNumbers()
@@ -146,7 +251,7 @@ void TestRecording::anErrorWhoseTextMayHaveGoneOnIsLeftOut()
     const Recording recording = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
                                        "2026-01-31T12:00:01.000Z,,VB0,u8,,,,,plc no resp");
     QCOMPARE(recording.leftOut, 1);
-    QCOMPARE(recording.errorCount, 0);
+    QCOMPARE(recording.errors.count(), 0);
 }
 
 void TestRecording::aTextThatWasCutBehindItsLineEndIsLeftOut()
@@ -187,7 +292,7 @@ void TestRecording::recordingsMayBeAppended()
     const Recording other = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
                                    "time,address,type,value,error\n2026-01-31T12:00:01.000Z,VB0,u8,2,\n");
     QCOMPARE(other.leftOut, 1);
-    QCOMPARE(other.errorCount, 0);
+    QCOMPARE(other.errors.count(), 0);
 }
 
 void TestRecording::whatIsWrongIsToldByItsLine_data()
@@ -227,18 +332,146 @@ void TestRecording::meansAreOverTheTimeThatValuesHeld()
     QCOMPARE(trend->least, 10.0);
     QCOMPARE(trend->most, 20.0);
     QCOMPARE(trend->last, 20.0);
+    QVERIFY(trend->isWhole);
+    QVERIFY(!trendOf({{0, 0.5, false}}, 1)->isWhole);
     QCOMPARE(trendOf({{5, 7, false}}, 5)->mean, 7.0);
+    QCOMPARE(trendOf({{0, 1e300, false}, {1000, -1e300, false}}, 2000)->mean, 0.0);
     QVERIFY(!trendOf({{0, 0, true}}, 9000));
+}
+
+// The simple computation keeps all the numbers.
+void TestRecording::figuresOfALongRecordingAreThoseOfAllItsValues()
+{
+    constexpr int kRows = 20000;
+    std::mt19937 random(1);
+    QByteArray rows;
+    std::vector<double> times;
+    double sum = 0;
+    double least = 30000;
+    double most = -30000;
+    int last = 0;
+    for (int i = 0; i < kRows; ++i) {
+        last = int(random() % 60001) - 30000;
+        times.push_back(double(random() % 20000) / 10);
+        sum += last;
+        least = std::min(least, double(last));
+        most = std::max(most, double(last));
+        rows += filled("2026-01-31T%1:%2:%3.000Z,,VW0,i16,0,%4,,%5,\n", twoDigits(i / 3600),
+                       twoDigits(i / 60 % 60), twoDigits(i % 60), last, QString::number(times.back(), 'f', 1))
+                    .toUtf8();
+    }
+    const Recording recording = parsed(rows);
+    const std::optional<Trend> trend = recording.series.at(0).trend.upTo(recording.end);
+    QCOMPARE(trend->least, least);
+    QCOMPARE(trend->most, most);
+    QCOMPARE(trend->last, double(last));
+    QVERIFY(std::abs(trend->mean - (sum - last) / (kRows - 1)) < 1e-6); // the last one held no time
+    std::sort(times.begin(), times.end());
+    QCOMPARE(recording.answerTimes.count(), kRows);
+    QCOMPARE(recording.answerTimes.longest(), times.back());
+    for (const int percent : {0, 5, 40, 50})
+        QCOMPARE(recording.answerTimes.percentile(percent),
+                 times.at(size_t(std::max(kRows * percent / 100, 1) - 1)));
+    for (const int percent : {50, 95, 100}) {
+        const double right = times.at(size_t(kRows * percent / 100 - 1));
+        QVERIFY(std::abs(recording.answerTimes.percentile(percent) - right) <= right / 1000);
+    }
+}
+
+void TestRecording::aLongRecordingKeepsItsExtremesAndItsGaps()
+{
+    Samples samples;
+    for (int i = 0; i < 100000; ++i) {
+        addSample(samples, {i, i == 1234 ? 1000.0 : i == 77777 ? -1000.0 : double(i % 7), false}, 4096);
+        if (i == 50000)
+            addSample(samples, {i, 0, true}, 4096);
+    }
+    QVERIFY(samples.size() <= 4096);
+    QVERIFY(samples.size() > 1000);
+    QVERIFY(std::is_sorted(samples.begin(), samples.end(), isEarlier));
+    const auto isAt = [&](qint64 time, double value, bool isGap) {
+        return std::any_of(samples.begin(), samples.end(), [&](const RecordedSample &sample) {
+            return sample.time == time && sample.value == value && sample.isGap == isGap;
+        });
+    };
+    QVERIFY(isAt(0, 0, false));
+    QVERIFY(isAt(1234, 1000, false));
+    QVERIFY(isAt(77777, -1000, false));
+    QVERIFY(isAt(50000, 0, true));
+    QVERIFY(isAt(99999, 99999 % 7, false));
+}
+
+void TestRecording::manyValuesShareTheSamples()
+{
+    constexpr int kItems = 1000;
+    constexpr int kRounds = 12;
+    QByteArray rows;
+    for (int i = 0; i < kItems * kRounds; ++i)
+        rows += filled("2026-01-31T12:00:%1.000Z,,VW%2,i16,0,%3,,5,\n", twoDigits(i / kItems), i % kItems, i)
+                    .toUtf8();
+    const Recording few = parsed(rows);
+    QCOMPARE(int(few.series.size()), kItems);
+    for (const RecordedSeries &series : few.series)
+        QCOMPARE(int(series.samples.size()), kRounds);
+    Samples samples;
+    for (int i = 0; i < 10000; ++i)
+        addSample(samples, {i, double(i), false}, 4096);
+    limitSamples(samples, 64);
+    QVERIFY(samples.size() <= 64);
+    QCOMPARE(samples.front().time, qint64(0));
+    QCOMPARE(samples.back().time, qint64(9999));
+}
+
+// Of a value that goes up and down every second of nearly three hours.
+void TestRecording::samplesOfALongRecordingAreEquallyFarApart()
+{
+    QByteArray rows;
+    for (int i = 0; i < 10000; ++i)
+        rows += filled("2026-01-31T%1:%2:%3.000Z,,VW0,i16,0,%4,,5,\n", twoDigits(i / 3600),
+                       twoDigits(i / 60 % 60), twoDigits(i % 60), i % 2)
+                    .toUtf8();
+    const Recording recording = parsed(rows);
+    const Samples &samples = recording.series.at(0).samples;
+    const qint64 middle = (recording.begin + recording.end) / 2;
+    const auto early = std::count_if(samples.begin(), samples.end(),
+                                     [&](const RecordedSample &sample) { return sample.time < middle; });
+    const auto late = qint64(samples.size()) - early;
+    QVERIFY2(std::abs(early - late) < early / 10,
+             qPrintable(filled("%1 and %2", qint64(early), qint64(late))));
+    QCOMPARE(recording.series.at(0).answers, 10000);
+}
+
+void TestRecording::samplesOutOfOrderAreDrawnInOrder()
+{
+    const Recording recording = parsed("2026-01-31T12:00:02.000Z,,VB0,u8,0,3,,5,\n"
+                                       "2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
+                                       "2026-01-31T12:00:01.000Z,,VB0,u8,0,2,,5,\n");
+    const Samples &samples = recording.series.at(0).samples;
+    QVERIFY(std::is_sorted(samples.begin(), samples.end(), isEarlier));
+    QCOMPARE(recording.end - recording.begin, qint64(2000));
+    Samples bouncing;
+    for (int i = 0; i < 20000; ++i)
+        addSample(bouncing, {i % 2 ? 20000 - i : i, double(i), false}, 256);
+    QVERIFY(bouncing.size() <= 256);
 }
 
 void TestRecording::percentilesAreOfTheNearestRank()
 {
-    const std::vector<double> numbers = {15, 20, 35, 40, 50};
-    QCOMPARE(percentile(numbers, 30), 20.0);
-    QCOMPARE(percentile(numbers, 40), 20.0);
-    QCOMPARE(percentile(numbers, 50), 35.0);
-    QCOMPARE(percentile(numbers, 100), 50.0);
-    QCOMPARE(percentile(numbers, 0), 15.0);
+    const AnswerCounter times = counterOf({50, 15, 20, 40, 35});
+    QCOMPARE(times.percentile(30), 20.0);
+    QCOMPARE(times.percentile(40), 20.0);
+    QCOMPARE(times.percentile(50), 35.0);
+    QCOMPARE(times.percentile(100), 50.0);
+    QCOMPARE(times.percentile(0), 15.0);
+}
+
+void TestRecording::longTimesAreCountedToFourDigits()
+{
+    const AnswerCounter times = counterOf({999.9, 1000.4, 12344, 1e300});
+    QCOMPARE(times.percentile(25), 999.9);
+    QCOMPARE(times.percentile(50), 1000.0);
+    QCOMPARE(times.percentile(75), 12340.0);
+    QCOMPARE(times.longest(), 1e300);
 }
 
 void TestRecording::theDistributionCountsEveryNumberOnce()
@@ -246,12 +479,12 @@ void TestRecording::theDistributionCountsEveryNumberOnce()
     for (const std::vector<double> &numbers :
          {std::vector<double>({0}), std::vector<double>({1, 2, 3, 4, 5, 6, 7, 8, 9, 1e6}),
           std::vector<double>(1000, 12.5), std::vector<double>({0, 0, 0, 1e300})}) {
-        const std::vector<TimeBin> bins = distributionOf(numbers);
+        const std::vector<TimeBin> bins = counterOf(numbers).bins();
         const int counted = std::accumulate(bins.begin(), bins.end(), 0,
                                             [](int sum, const TimeBin &bin) { return sum + bin.count; });
         QCOMPARE(counted, int(numbers.size()));
     }
-    QVERIFY(distributionOf({}).empty());
+    QVERIFY(AnswerCounter().bins().empty());
 }
 
 void TestRecording::stepsAreRound_data()
@@ -271,6 +504,126 @@ void TestRecording::stepsAreRound()
     QTEST(roundStep(number), "step");
 }
 
+// 30,000 texts that come once, and two that come again and again, one of them from the middle on.
+void TestRecording::commonCausesAreFoundAmongThousands()
+{
+    ErrorCauses causes;
+    for (int i = 0; i < 30000; ++i) {
+        causes.add(filled("error number %1", i), i);
+        if (i % 10 == 0)
+            causes.add("plc no response", i % 50);
+        if (i > 15000 && i % 20 == 0)
+            causes.add("checksum error", 7);
+    }
+    QCOMPARE(causes.count(), 33749);
+    const std::vector<ErrorCause> common = causes.commonest(2);
+    QCOMPARE(common.at(0).text, QString("plc no response"));
+    QCOMPARE(common.at(0).count, 3000);
+    QCOMPARE(common.at(0).items, std::vector<int>({0, 10, 20, 30, 40}));
+    QCOMPARE(common.at(1).text, QString("checksum error"));
+    QCOMPARE(common.at(1).count, 749);
+    QVERIFY(causes.commonest(100000).size() < 1000);
+    ErrorCauses everywhere;
+    for (int item = 0; item < 100; ++item)
+        everywhere.add(QString(2 << 20, 'x'), item);
+    QVERIFY(everywhere.commonest(1).at(0).hasMoreItems);
+    QCOMPARE(int(everywhere.commonest(1).at(0).items.size()), 20);
+    QVERIFY(everywhere.commonest(1).at(0).text.size() < 1000);
+}
+
+void TestRecording::errorsAreCountedOverTheTime()
+{
+    TimeCounter few;
+    for (const qint64 time : {1000, 1000, 1999, 3500})
+        few.add(time);
+    QCOMPARE(few.columns(1000, 4999, 4), std::vector<int>({3, 0, 1, 0}));
+    TimeCounter many;
+    constexpr qint64 kMinute = 60000;
+    for (qint64 i = -100000; i < 100000; ++i)
+        many.add(i * kMinute);
+    const std::vector<int> columns = many.columns(-100000 * kMinute, 100000 * kMinute - 1, 10);
+    QCOMPARE(std::accumulate(columns.begin(), columns.end(), 0), 200000);
+    for (const int count : columns)
+        QVERIFY2(count > 19900 && count < 20100, qPrintable(QString::number(count)));
+}
+
+void TestRecording::ticksAreRoundNumbers_data()
+{
+    QTest::addColumn<double>("bottom");
+    QTest::addColumn<double>("top");
+    QTest::addColumn<bool>("isWhole");
+    QTest::addColumn<QString>("ticks");
+    QTest::newRow("a bit") << -0.08 << 1.08 << true << "0 1";
+    QTest::newRow("small counts") << 0.0 << 2.2 << true << "0 1 2";
+    QTest::newRow("not whole") << 0.9 << 2.1 << false << "1.0 1.5 2.0";
+    QTest::newRow("below 0") << -12.0 << 7.0 << true << "-10 -5 0 5";
+    QTest::newRow("thousandths") << 0.0101 << 0.0142 << false << "0.011 0.012 0.013 0.014";
+    QTest::newRow("near each other") << 1234567890.0 << 1234567910.0 << true
+                                     << "1234567890 1234567895 1234567900 1234567905 1234567910";
+    QTest::newRow("huge") << -1e300 << 1e300 << false << "-1e+300 -5e+299 0 5e+299 1e+300";
+}
+
+void TestRecording::ticksAreRoundNumbers()
+{
+    QFETCH(double, bottom);
+    QFETCH(double, top);
+    QFETCH(bool, isWhole);
+    const std::vector<AxisTick> ticks = numberTicks(bottom, top, isWhole);
+    QTEST(textsOf(ticks), "ticks");
+    for (const AxisTick &tick : ticks)
+        QVERIFY(tick.place >= 0 && tick.place <= 1);
+}
+
+void TestRecording::ticksAreRoundTimes_data()
+{
+    QTest::addColumn<QString>("begin");
+    QTest::addColumn<qint64>("span");
+    QTest::addColumn<QString>("ticks");
+    const qint64 day = 86400000;
+    QTest::newRow("a moment") << "2026-01-31T12:00:07.000+01:00" << qint64(0) << "";
+    QTest::newRow("a second") << "2026-01-31T12:00:07.100+01:00" << qint64(1000) << "00:07.500 00:08.000";
+    QTest::newRow("a minute") << "2026-01-31T12:00:07.000+01:00" << qint64(60000)
+                              << "12:00:20 12:00:40 12:01:00";
+    QTest::newRow("ten minutes") << "2026-01-31T12:00:07.000+01:00" << qint64(600000)
+                                 << "12:02 12:04 12:06 12:08 12:10";
+    QTest::newRow("over midnight") << "2026-01-31T22:50:00.000+01:00" << qint64(7200000)
+                                   << "23:00 23:30 02-01 00:30";
+    QTest::newRow("half hours off") << "2026-01-31T12:10:00.000+05:30" << qint64(7200000)
+                                    << "12:30 13:00 13:30 14:00";
+    QTest::newRow("days") << "2026-01-31T12:00:00.000+01:00" << 9 * day << "02-02 02-04 02-06 02-08";
+    QTest::newRow("years") << "2026-01-31T12:00:00.000+01:00" << 1500 * day
+                           << "2027-01 2028-01 2029-01 2030-01";
+}
+
+void TestRecording::ticksAreRoundTimes()
+{
+    QFETCH(QString, begin);
+    QFETCH(qint64, span);
+    const QDateTime time = QDateTime::fromString(begin, Qt::ISODateWithMs);
+    const qint64 first = time.toMSecsSinceEpoch();
+    QTEST(textsOf(timeTicks(first, first + span, time.offsetFromUtc())), "ticks");
+}
+
+void TestRecording::curvesDoNotTouchTheFrame()
+{
+    const Recording recording = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,0,,5,\n"
+                                       "2026-01-31T12:00:10.000Z,,VB0,u8,0,100,,5,\n");
+    const ChartFrame frame = chartFrame(recording, *recording.series.at(0).trend.upTo(recording.end), false);
+    QVERIFY(xOf(recording.begin, frame) > 0);
+    QVERIFY(xOf(recording.end, frame) < frame.width);
+    QVERIFY(yOf(100, frame) > 0);
+    QVERIFY(yOf(0, frame) < frame.height);
+}
+
+void TestRecording::aSingleSampleIsALineInTheMiddle()
+{
+    const Recording recording = parsed("2026-01-31T12:00:00.000Z,,VB0,u8,0,0,,5,\n");
+    const RecordedSeries &series = recording.series.at(0);
+    const ChartFrame frame = chartFrame(recording, *series.trend.upTo(recording.end), false);
+    QCOMPARE(trendPath(series.samples, frame), QString("M15 120H985"));
+    QCOMPARE(textsOf(numberTicks(frame.bottom, frame.top, true)), QString("0"));
+}
+
 void TestRecording::theLineIsMadeOfSteps()
 {
     const ChartFrame frame = {0, 1000, 0, 10, 100, 50};
@@ -283,6 +636,20 @@ void TestRecording::gapsAreLeftOpen()
     QCOMPARE(trendPath({{0, 5, false}, {200, 0, true}, {500, 10, false}, {900, 0, true}}, frame),
              QString("M0 25H20M50 0H90"));
     QCOMPARE(trendPath({{0, 0, true}}, frame), QString());
+}
+
+void TestRecording::whatIsNotKnownIsAnArea()
+{
+    const ChartFrame frame = {0, 1000, 0, 10, 100, 50};
+    QCOMPARE(gapPath({{0, 5, false}, {200, 0, true}, {500, 10, false}, {900, 0, true}}, frame),
+             QString("M20 0H50V50H20ZM90 0H100V50H90Z"));
+    QCOMPARE(gapPath({{0, 5, false}}, frame), QString());
+}
+
+void TestRecording::barsAreAsHighAsTheirCounts()
+{
+    const ChartFrame frame = {0, 1000, 0, 10, 100, 50};
+    QCOMPARE(barPath({0, 10, 0, 5}, frame), QString("M25 0H45V50H25ZM75 25H95V50H75Z"));
 }
 
 void TestRecording::manySamplesAreThinnedOutAndKeepTheirPeaks()
@@ -319,9 +686,50 @@ void TestRecording::thePageTellsErrorsWithAdvice()
 {
     const QByteArray page = pageOf("2026-01-31T12:00:00.000Z,,VB0,u8,,,,,plc no response\n"
                                    "2026-01-31T12:00:01.000Z,,VB0,u8,,,,,plc no response\n");
-    QVERIFY(page.contains("<b>plc no response</b> <span class=\"bad\">2 times</span>"));
+    QVERIFY(page.contains("<b>plc no response</b> <span class=\"bad\">2 times, 100 %</span>"));
     QVERIFY(page.contains("check cable, power, --station and --baud"));
     QVERIFY(!pageOf("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n").contains("plc no response"));
+}
+
+void TestRecording::thePageTellsWhereAndWhen()
+{
+    const QByteArray page = reportPage(
+        parseRecording("log.csv", "time,port,address,type,station,value,error\n"
+                                  "2026-01-31T23:59:00.000+01:00,/dev/ttyUSB0,VB0,u8,3,1,\n"
+                                  "2026-02-01T00:01:00.000+01:00,/dev/ttyUSB0,VB0,u8,3,,plc no response\n"),
+        "log.csv");
+    QVERIFY(page.contains("<dt>Port</dt><dd>/dev/ttyUSB0</dd>"));
+    QVERIFY(page.contains("<dt>Station</dt><dd>3</dd>"));
+    QVERIFY(page.contains("<dt>Period</dt><dd>2026-01-31 23:59:00 to 2026-02-01 00:01:00</dd>"));
+    QVERIFY(page.contains("<dt>Times</dt><dd>local time, UTC+01:00</dd>"));
+    QVERIFY(page.contains("error, 50 % of the readings"));
+    QVERIFY(page.contains("1 sample, <span class=\"bad\">1 error (50 %)</span>"));
+    const QByteArray other = pageOf(kRecord);
+    QVERIFY(!other.contains("<dt>Port") && !other.contains("<dt>Station"));
+    QVERIFY(other.contains("<dt>Times</dt><dd>UTC</dd>"));
+    QVERIFY(other.contains("<dt>Period</dt><dd>2026-01-31 12:00:02 to 12:00:02</dd>"));
+}
+
+void TestRecording::bitsHaveTwoLevelsAndAShareOfTime()
+{
+    const QByteArray page = pageOf("2026-01-31T12:00:00.000Z,,V0.0,bool,0,0,,5,\n"
+                                   "2026-01-31T12:00:30.000Z,,V0.0,bool,0,1,,5,\n"
+                                   "2026-01-31T12:00:40.000Z,,V0.0,bool,0,0,,5,\n");
+    QVERIFY(page.contains(">1</span>"));
+    QVERIFY(page.contains(">0</span>"));
+    QVERIFY(!page.contains(">0.5</span>"));
+    QVERIFY(page.contains("<dt>on</dt><dd>25.0 % of the time</dd>"));
+}
+
+void TestRecording::rareErrorsAreCountedTogether()
+{
+    QByteArray rows;
+    for (int i = 0; i < 5000; ++i)
+        rows += filled("2026-01-31T12:00:00.000Z,,VB0,u8,,,,,error number %1\n", i).toUtf8();
+    const QByteArray page = pageOf(rows);
+    QCOMPARE(page.count("<li class=\"card\"><b>"), 20);
+    QVERIFY(page.contains("And 4980 errors of other causes."));
+    QVERIFY(page.contains("<b class=\"bad\">5000</b>"));
 }
 
 QTEST_APPLESS_MAIN(TestRecording)

@@ -48,6 +48,7 @@ void TestHexText::whatIsNoHexIsRefused_data()
     refused("10 zz", "\"zz\" is not hexadecimal", hint);
     refused("10 025", "\"025\" is an odd number of digits", hint);
     refused("0x", "\"0x\" is not hexadecimal", hint);
+    refused("10 1g", "\"1g\" is not hexadecimal", hint);
     refused("１０", "\"１０\" is not hexadecimal", hint);
 }
 

@@ -21,6 +21,7 @@ class TestNumberText : public QObject
 private slots:
     void floatsAreAsShortAsTellsThemApart_data();
     void floatsAreAsShortAsTellsThemApart();
+    void doublesAreAsShortAsTellsThemApart();
     void durationsAreAsLongAsNeeded_data();
     void durationsAreAsLongAsNeeded();
     void whatLastedIsToldInWhatIsOver_data();
@@ -47,6 +48,14 @@ void TestNumberText::floatsAreAsShortAsTellsThemApart()
 {
     QFETCH(float, number);
     QTEST(shortestText(number), "text");
+}
+
+void TestNumberText::doublesAreAsShortAsTellsThemApart()
+{
+    QCOMPARE(shortestText(0.1), QString("0.1"));
+    QCOMPARE(shortestText(std::nextafter(1.0, 2.0)), QString("1.0000000000000002"));
+    QCOMPARE(shortestText(-0.0), QString("-0"));
+    QCOMPARE(shortestText(-std::numeric_limits<double>::infinity()), QString("-inf"));
 }
 
 void TestNumberText::durationsAreAsLongAsNeeded_data()

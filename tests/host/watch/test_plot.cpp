@@ -43,9 +43,15 @@ private slots:
     void whatHeldBeforeTheBeginningIsDrawn();
     void severalCurvesShareTheRows();
     void curvesWithoutRoomAreCounted();
+    void valuesAndTimesOnTheAxesAreRound();
+    void aBitIsDrawnBetweenItsTwoValues();
+    void longNumbersOfTheScaleAreWhole();
+    void titlesGiveWayFromTheirEnd();
     void noSizeIsTooSmallOrTooLarge();
     void historyKeepsTheSpanAndWhatHeldBefore();
     void historyKeepsPeaksOfCrowdedSamples();
+    void historyIsFineAsLongAsItIsShort();
+    void historyStaysShortWithGapsAndValuesByTurns();
 };
 
 void TestPlot::aStepIsDrawnInAscii()
@@ -110,6 +116,54 @@ void TestPlot::curvesWithoutRoomAreCounted()
     QCOMPARE(lines.last(), QString("... and 2 more"));
 }
 
+void TestPlot::valuesAndTimesOnTheAxesAreRound()
+{
+    const Samples samples = {sample(0, 12), sample(50, 93)};
+    const QStringList lines = plotLines({{"VB0", "93", samples}}, 100, 73, 60, 13, PlotGlyphs::Ascii);
+    QCOMPARE(lines, QStringList(
+                        {"VB0  93   12 to 93", "       100 |               .................................",
+                         "           |               :", "        80 |               :",
+                         "           |               :", "        60 |               :",
+                         "        40 |               :", "           |               :",
+                         "        20 |               :", "           |...............:", "         0 |",
+                         "           +--------+------------+------------+------------+",
+                         "                  -60 s        -40 s        -20 s        now"}));
+}
+
+void TestPlot::aBitIsDrawnBetweenItsTwoValues()
+{
+    const Samples samples = {sample(0, 1)};
+    const PlotCurve bit = {"V0.0", "1", samples, true};
+    const QStringList lines = plotLines({bit}, 10, 10, 27, 7, PlotGlyphs::Ascii);
+    QCOMPARE(lines.at(1), QString("         1 |'''''''''''''''"));
+    QCOMPARE(lines.at(3), QString("           |"));
+    QCOMPARE(lines.at(5), QString("         0 |"));
+}
+
+void TestPlot::longNumbersOfTheScaleAreWhole()
+{
+    const Samples samples = {sample(0, -1.5e10), sample(5, 123456789012.5)};
+    const QStringList lines = plotted(samples, 40, 5);
+    QCOMPARE(lines.at(0), QString("VB0  7   -1.5e+10 to 123456789012.5"));
+    QCOMPARE(lines.at(1).section('|', 0, 0), QString("   1.5e+11 "));
+    QCOMPARE(lines.at(3).section('|', 0, 0), QString("    -5e+10 "));
+    const Samples close = {sample(0, -123456789012), sample(5, -123456789000)};
+    QCOMPARE(plotted(close, 60, 5).at(1).section('|', 0, 0), QString("-1.23456789e+11 "));
+}
+
+void TestPlot::titlesGiveWayFromTheirEnd()
+{
+    const Samples samples = {sample(0, 12.25), sample(5, 93.5)};
+    const auto titleIn = [&](int columns) {
+        return plotLines({{"Line3.Press.Pressure", "93.5 bar", samples}}, 10, 10, columns, 5,
+                         PlotGlyphs::Ascii)
+            .front();
+    };
+    QCOMPARE(titleIn(60), QString("Line3.Press.Pressure  93.5 bar   12.25 to 93.5"));
+    QCOMPARE(titleIn(45), QString("Line3.Press.Pressure  93.5 bar"));
+    QCOMPARE(titleIn(25), QString("Line3....essure  93.5 bar"));
+}
+
 void TestPlot::noSizeIsTooSmallOrTooLarge()
 {
     const Samples samples = {sample(0, -1e300), sample(3, 1e300), {4, 0, 0, 0, true}, sample(9, 1e-300)};
@@ -145,6 +199,36 @@ void TestPlot::historyKeepsPeaksOfCrowdedSamples()
         peak = std::max(peak, sample.high);
     QCOMPARE(peak, 9.0);
     QVERIFY(history.samples().back().isGap);
+}
+
+void TestPlot::historyIsFineAsLongAsItIsShort()
+{
+    PlotHistory history(86400);
+    for (int i = 0; i < 500; ++i)
+        history.add(i * 0.01, i);
+    QCOMPARE(int(history.samples().size()), 500);
+    for (int i = 500; i < 100000; ++i)
+        history.add(i * 0.01, i);
+    const auto kept = history.samples().size();
+    QVERIFY2(kept >= 400 && kept <= 1000, qPrintable(QString::number(kept)));
+    QCOMPARE(history.samples().back().last, 99999.0);
+}
+
+void TestPlot::historyStaysShortWithGapsAndValuesByTurns()
+{
+    PlotHistory history(100);
+    for (int i = 0; i < 10000; ++i) {
+        history.add(i / 100.0, i);
+        history.addGap(i / 100.0);
+    }
+    QVERIFY(history.samples().size() <= 1000);
+    QVERIFY(history.samples().back().isGap);
+    for (size_t i = 1; i < history.samples().size(); ++i)
+        QVERIFY(history.samples().at(i - 1).time <= history.samples().at(i).time);
+    double last = 0;
+    for (const PlotSample &sample : history.samples())
+        last = sample.isGap ? last : sample.last;
+    QCOMPARE(last, 9999.0);
 }
 
 TEST_CLASS(TestPlot)

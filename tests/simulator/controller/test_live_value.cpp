@@ -180,8 +180,10 @@ void TestSimulatorLiveValue::badTextIsRefused_data()
     row("AIW1=clock", "\"AIW1\" does not begin at an even byte");
 
     row("VW0", "\"VW0\" is neither PLACE=KIND:ARGUMENTS, as VW100=ramp:0..1000/10s, nor demo");
-    row("VW0=", "\"\" is no kind of live value; the nearest is ramp");
-    row("VW0=sinus:1+-1/1s", "\"sinus\" is no kind of live value; the nearest is sine");
+    row("VW0=", "\"\" is no kind of live value; there are ramp, sine, clock, counter, blink");
+    row("VW0=sinus:1+-1/1s",
+        "\"sinus\" is no kind of live value; there are ramp, sine, clock, counter, blink");
+    row("VW0=sin:1+-1/1s", "\"sin\" is no kind of live value; the nearest is sine");
     row("VW0=ramp", "\"ramp\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
     row("VW0=ramp:0..5", "\"ramp:0..5\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");
     row("VW0=ramp:0..5/10", "\"ramp:0..5/10\": give ramp:FROM..TO/TIME, as ramp:0..1000/10s");

@@ -59,6 +59,7 @@ void TestSimulatorFault::textIsRead_data()
     QTest::newRow("late") << int(sim::FaultKind::Late) << 1000 << 0 << 100.0;
     QTest::newRow("late=300") << int(sim::FaultKind::Late) << 300 << 0 << 100.0;
     QTest::newRow("late=300@2") << int(sim::FaultKind::Late) << 300 << 2 << 100.0;
+    QTest::newRow("late=1.5s@2") << int(sim::FaultKind::Late) << 1500 << 2 << 100.0;
     QTest::newRow("late@2") << int(sim::FaultKind::Late) << 1000 << 2 << 100.0;
     QTest::newRow("short=1%10") << int(sim::FaultKind::Short) << 1 << 0 << 10.0;
     QTest::newRow("corrupt") << int(sim::FaultKind::Corrupt) << -1 << 0 << 100.0;
@@ -91,15 +92,24 @@ void TestSimulatorFault::badTextIsRefused_data()
     const auto row = [](const char *name, const QString &error) { QTest::newRow(name) << error; };
     row("silemt", "\"silemt\" is no kind of fault; the nearest is silent");
     row("silent ", "\"silent \" is no kind of fault; the nearest is silent");
-    row("bad-crc@1", "\"bad-crc\" is no kind of fault; the nearest is bad-end");
+    row("bad-ends@1", "\"bad-ends\" is no kind of fault; the nearest is bad-end");
+    // Nothing is near: all there are.
+    row("bad-crc@1",
+        "\"bad-crc\" is no kind of fault; there are no-resource, not-active, silent, wrong-ack, late-ack, "
+        "noise-ack, no-answer, not-ready, late, truncated, short, corrupt, noise, noise-inside, "
+        "bad-checksum, "
+        "bad-end, wrong-source, wrong-destination, stale-reference, error-class, hardware-fault, "
+        "item-refused, "
+        "ignore-writes, echo");
     row("wrong-station", "\"wrong-station\" is no kind of fault; the nearest is wrong-destination");
     row("silent=1", "silent takes no argument, it is given \"1\"");
     row("silent=", "silent takes no argument, it is given \"\"");
-    row("late=", "late=MS: \"\" is not a number from 1 to 600000");
-    row("late=0", "late=MS: \"0\" is not a number from 1 to 600000");
-    row("late=-1", "late=MS: \"-1\" is not a number from 1 to 600000");
-    row("late=1s", "late=MS: \"1s\" is not a number from 1 to 600000");
-    row("late=600001", "late=MS: \"600001\" is not a number from 1 to 600000");
+    row("late=", "late=TIME: \"\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("late=0", "late=TIME: \"0\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("late=-1", "late=TIME: \"-1\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("late=1t", "late=TIME: \"1t\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("late=11min", "late=TIME: \"11min\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("late=600001", "late=TIME: \"600001\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
     row("short=261", "short=BYTES: \"261\" is not a number from 1 to 260");
     row("corrupt=261", "corrupt=POSITION: \"261\" is not a number from 0 to 260");
     row("wrong-source=256", "wrong-source=STATION: \"256\" is not a number from 0 to 255");

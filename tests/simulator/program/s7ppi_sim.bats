@@ -117,8 +117,8 @@ load common
 
 @test "--help lists every kind of fault on a line of its own" {
     run -0 s7ppi-sim --help
-    for kind in no-resource not-active silent wrong-ack 'late-ack[=MS]' 'noise-ack[=BYTES]' no-answer not-ready \
-        'late[=MS]' 'truncated[=BYTES]' 'short[=BYTES]' 'corrupt[=POSITION]' 'noise[=BYTES]' \
+    for kind in no-resource not-active silent wrong-ack 'late-ack[=TIME]' 'noise-ack[=BYTES]' no-answer not-ready \
+        'late[=TIME]' 'truncated[=BYTES]' 'short[=BYTES]' 'corrupt[=POSITION]' 'noise[=BYTES]' \
         'noise-inside[=BYTES]' bad-checksum bad-end 'wrong-source[=STATION]' 'wrong-destination[=STATION]' \
         stale-reference error-class hardware-fault 'item-refused[=CODE]' ignore-writes echo; do
         grep -qF "  $kind  " <<<"$output"
@@ -154,7 +154,7 @@ load common
     usage_error --fault bad-checksun
     [[ $output == *'--fault: "bad-checksun" is no kind of fault; the nearest is bad-checksum'* ]]
     usage_error --fault late=soon
-    [[ $output == *'late=MS: "soon" is not a number from 1 to 600000'* ]]
+    [[ $output == *'late=TIME: "soon" is not a time from 1ms to 10min'* ]]
     usage_error --fault silent=1
     [[ $output == *'silent takes no argument'* ]]
     usage_error --fault silent@0
@@ -388,7 +388,7 @@ load common
 @test "the example of the page is the one that is built" {
     local top=$BATS_TEST_DIRNAME/../../..
     sed -n '/^.\{3\}cpp$/,/^.\{3\}$/p' "$top/docs/simulator.md" | sed '1d;$d' >shown
-    sed -n '/^#include/,$p' "$top/tests/simulator/simulator_example.cpp" >built
+    sed -n '/^#include/,$p' "$top/examples/simulator_test/simulator_test.cpp" >built
     [ -s built ]
     diff shown built
 }
