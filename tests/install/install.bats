@@ -13,6 +13,8 @@
 
 bats_require_minimum_version 1.5.0
 
+load ../support/jobs
+
 setup_file() {
     if [ -z "${S7PPI_PREFIX:-}" ]; then
         "$CMAKE" --install "$S7PPI_BUILD_DIR" --prefix "$BATS_FILE_TMPDIR/before" >"$BATS_FILE_TMPDIR/log"
@@ -32,9 +34,7 @@ setup() {
 }
 
 teardown() {
-    if [ -n "${simulator:-}" ]; then
-        kill "$simulator"
-    fi
+    end_jobs
 }
 
 # start_simulator: in the background; its port is then in $port.
@@ -42,7 +42,6 @@ start_simulator() {
     local i
     : >port
     s7ppi-sim >>port 3>&- &
-    simulator=$!
     for ((i = 0; i < 100; i++)); do
         port=$(head -n 1 port)
         [ -n "$port" ] && return

@@ -6,6 +6,8 @@
 
 bats_require_minimum_version 1.5.0
 
+load "${BASH_SOURCE[0]%/*}/../../support/jobs"
+
 setup() {
     PATH="$S7PPI_BIN_DIR:$S7PPI_TEST_DIR:$PATH"
     unset S7PPI_PLUGIN S7PPI_PORT S7PPI_STATION S7PPI_FORMAT S7PPI_VERBOSE S7PPI_QUIET NO_COLOR
@@ -16,10 +18,7 @@ setup() {
 }
 
 teardown() {
-    local process
-    for process in "${background[@]}"; do
-        kill "$process" 2>/dev/null || true
-    done
+    end_jobs
 }
 
 # start COMMAND...: in the background; its first line of output, a port's name, is then in $port.

@@ -10,10 +10,7 @@
 load common
 
 teardown() {
-    local process
-    for process in "${background[@]}"; do
-        kill "$process" 2>/dev/null || true
-    done
+    end_jobs
     rm -f "$lock"
 }
 

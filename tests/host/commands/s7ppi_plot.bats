@@ -19,6 +19,7 @@ terminal() {
 
 teardown() {
     terminal kill-server 2>/dev/null || true
+    end_jobs
 }
 
 # on_terminal LOCALE COMMAND: in a terminal of 80 columns and 24 rows.

@@ -13,10 +13,7 @@ teardown() {
     for ((; terminals > 0; terminals--)); do
         terminal kill-server 2>/dev/null || true
     done
-    local process
-    for process in "${background[@]}"; do
-        kill "$process" 2>/dev/null || true
-    done
+    end_jobs
 }
 
 # The lines without their times, after a look at the times.

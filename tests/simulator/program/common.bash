@@ -8,6 +8,8 @@
 
 bats_require_minimum_version 1.5.0
 
+load "${BASH_SOURCE[0]%/*}/../../support/jobs"
+
 read_vb100=681b1b6802006c320100000001000e00000401120a10020001000184000320
 request=${read_vb100}8c16
 poll=1002005c5e16
@@ -20,7 +22,7 @@ setup() {
 }
 
 teardown() {
-    [ -z "$simulator" ] || kill "$simulator" 2>/dev/null || true
+    end_jobs
 }
 
 # start OPTION...: a simulator in the background; its port is then open as $line, its messages are in the
