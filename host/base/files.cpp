@@ -7,6 +7,8 @@
 #include "host/base/line_reader.h"
 #include "host/base/system_reason.h"
 
+#include <QFile>
+
 #include <cerrno>
 
 #include <sys/file.h>
@@ -54,6 +56,12 @@ bool lockForWriting(const QFileDevice &file)
 {
     const bool isLocked = flock(file.handle(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     return !isLocked && !isRemoved(file.handle());
+}
+
+QString firstLine(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readLine()).trimmed() : QString();
 }
 
 QByteArray withoutByteOrderMark(const QByteArray &text)

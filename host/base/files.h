@@ -28,6 +28,10 @@ QByteArray readTextFile(const QString &name, const QString &hint, qint64 largest
 // read, or when it is larger than the limit.
 QByteArray readInput(const QString &fileName, qint64 largest);
 
+// Returns the first line of a file that the system provides, without blanks around it; nothing when it cannot
+// be read.
+QString firstLine(const QString &name);
+
 // Locks an open file for this process alone; the system gives the lock back when the process ends, however
 // that happens. False when another one has it, or has removed the file meanwhile. On a file system without
 // locks there are none.

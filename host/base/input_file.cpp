@@ -12,7 +12,6 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,9 +22,6 @@ namespace {
 const char kHint[] = "check the file's name and rights";
 const char kStdinHint[] = "check where stdin comes from";
 const char kTooLargeHint[] = "check the name: it may be another file, or a device";
-
-// Waits are cut into slices so that a signal is seen soon even if it arrives just before one; milliseconds.
-constexpr int kSlice = 50;
 
 // Without O_NONBLOCK a pipe that nobody writes to would be waited for here, where no signal ends it for good.
 int openForReading(const QString &name)
@@ -68,7 +64,8 @@ QByteArray InputFile::readSome()
 {
     char buffer[65536];
     while (true) {
-        awaitBytes();
+        awaitReadable(
+            descriptor); // a pipe has bytes, or has come to its end, only when somebody has written to it
         const ssize_t count = read(descriptor, buffer, sizeof buffer);
         if (count < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
@@ -87,16 +84,6 @@ void InputFile::checkKind() const
     struct stat state = {};
     if (fstat(descriptor, &state) == 0 && S_ISDIR(state.st_mode))
         throw unreadable("it is a directory");
-}
-
-// A pipe has bytes, or has come to its end, only when somebody has written to it.
-void InputFile::awaitBytes() const
-{
-    pollfd readable = {descriptor, POLLIN, 0};
-    do {
-        if (interruptingSignal() != 0)
-            throw Interrupted();
-    } while (poll(&readable, 1, kSlice) <= 0);
 }
 
 Failure InputFile::unreadable(const QString &reason) const

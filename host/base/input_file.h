@@ -36,7 +36,6 @@ public:
 
 private:
     void checkKind() const;
-    void awaitBytes() const;
     Failure unreadable(const QString &reason) const;
 
     QString name;

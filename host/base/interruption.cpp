@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <initializer_list>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace host {
@@ -55,6 +56,15 @@ void catchInterruptions()
 int interruptingSignal()
 {
     return arrivedSignal;
+}
+
+void awaitReadable(int descriptor)
+{
+    pollfd readable = {descriptor, POLLIN, 0};
+    do {
+        if (interruptingSignal() != 0)
+            throw Interrupted();
+    } while (poll(&readable, 1, kInterruptionSlice) <= 0);
 }
 
 void setLastResort(void (*action)())

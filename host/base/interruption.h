@@ -23,6 +23,14 @@ void catchInterruptions();
 // The signal that arrived, or 0.
 int interruptingSignal();
 
+// Waits are cut into slices of so many milliseconds, so that a signal is seen soon even if it arrives just
+// before one.
+constexpr int kInterruptionSlice = 50;
+
+// Returns when the descriptor has bytes or has come to its end; throws Interrupted when a signal arrives
+// first.
+void awaitReadable(int descriptor);
+
 // Sets what a second signal does before it ends the program; null for nothing. The action runs in the signal
 // handler and may make no calls but async-signal-safe ones.
 void setLastResort(void (*action)());

@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <iostream>
 
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -21,23 +20,11 @@ namespace host {
 
 namespace {
 
-// Waits are cut into slices so that a signal is seen soon even if it arrives just before one; milliseconds.
-constexpr int kSlice = 50;
-
-void awaitInput()
-{
-    pollfd readable = {STDIN_FILENO, POLLIN, 0};
-    do {
-        if (interruptingSignal() != 0)
-            throw Interrupted();
-    } while (poll(&readable, 1, kSlice) <= 0);
-}
-
 // The terminal gives whole lines, and nothing at the end of the input.
 QByteArray readLine()
 {
     while (true) {
-        awaitInput();
+        awaitReadable(STDIN_FILENO);
         char buffer[256];
         const ssize_t count = read(STDIN_FILENO, buffer, sizeof buffer);
         if (count >= 0 || (errno != EINTR && errno != EAGAIN))

@@ -14,7 +14,7 @@ namespace host {
 namespace {
 
 // Tenths of milliseconds are as much as a serial line can tell.
-double milliseconds(Health::Duration duration)
+double inMilliseconds(Health::Duration duration)
 {
     return std::round(std::chrono::duration<double, std::milli>(duration).count() * 10) / 10;
 }
@@ -32,9 +32,9 @@ QByteArray healthText(const Health &health)
         {"answers", health.answers},
         {"errors", std::move(errors)},
         {"answerTimes",
-         {{"p50", milliseconds(health.usualAnswerTime)},
-          {"p90", milliseconds(health.longAnswerTime)},
-          {"longest", milliseconds(health.longestAnswerTime)}}},
+         {{"p50", inMilliseconds(health.usualAnswerTime)},
+          {"p90", inMilliseconds(health.longAnswerTime)},
+          {"longest", inMilliseconds(health.longestAnswerTime)}}},
         {"polls", health.polls},
         {"latePolls", health.latePolls},
         {"queued", health.queued},

@@ -16,7 +16,7 @@ namespace host {
 namespace {
 
 // Between two looks for heartbeats, so that thousands of items are not looked at after every request.
-constexpr std::chrono::milliseconds kLookInterval(250);
+constexpr std::chrono::milliseconds kHeartbeatLookInterval(250);
 
 std::vector<std::optional<double>> numbersOf(const Tag &tag, const QByteArray &data)
 {
@@ -192,7 +192,7 @@ void ItemMessages::endPoll(Time now)
 {
     const bool looks = now >= nextLook;
     if (looks)
-        nextLook = now + kLookInterval;
+        nextLook = now + kHeartbeatLookInterval;
     if (form == PayloadForm::Group) {
         for (Group &group : groups) {
             const auto isKnown = [this](int item) { return states[size_t(item)].isKnown(); };

@@ -16,10 +16,10 @@ namespace {
 constexpr qint64 kMostInMemory = 8 << 20;
 
 // Messages that are too old are looked for so often, and so many of them removed at a time.
-constexpr std::chrono::seconds kLookInterval(10);
+constexpr std::chrono::seconds kAgeLookInterval(10);
 constexpr int kRemovedAtOnce = 1000;
 
-qint64 milliseconds(MessageQueue::Time time)
+qint64 millisecondsOf(MessageQueue::Time time)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
@@ -83,7 +83,7 @@ void MessageQueue::tellOnce(const QString &text)
 void MessageQueue::put(const std::vector<Message> &messages, Time now)
 {
     for (const Message &message : messages) {
-        recent.emplace(++lastId, WaitingMessage{message, milliseconds(now)});
+        recent.emplace(++lastId, WaitingMessage{message, millisecondsOf(now)});
         recentBytes += sizeOf(message);
     }
     keepToSize();
@@ -153,10 +153,10 @@ void MessageQueue::keepToSize()
 
 void MessageQueue::dropOld(Time now)
 {
-    if (now < nextLook && now + kLookInterval >= nextLook)
+    if (now < nextLook && now + kAgeLookInterval >= nextLook)
         return;
-    nextLook = now + kLookInterval;
-    const qint64 oldest = milliseconds(now - limits.age);
+    nextLook = now + kAgeLookInterval;
+    const qint64 oldest = millisecondsOf(now - limits.age);
     if (file && file->count() > 0)
         withFile([&] {
             int removed = 0;

@@ -22,7 +22,7 @@ namespace {
 
 constexpr char kEnding[] = ".prom";
 
-double seconds(std::chrono::duration<double> duration)
+double inSeconds(std::chrono::duration<double> duration)
 {
     return duration.count();
 }
@@ -99,10 +99,10 @@ void addAnswerTimes(MetricsWriter &writer, const Metrics &metrics)
 {
     const Health &health = metrics.health;
     writer.begin("answer_seconds", "summary", "From a request to its answer.");
-    writer.sample(seconds(health.usualAnswerTime), labelText("quantile", "0.5"));
-    writer.sample(seconds(health.longAnswerTime), labelText("quantile", "0.9"));
-    writer.sample(seconds(health.longestAnswerTime), labelText("quantile", "1"));
-    writer.sample(seconds(metrics.answerSum), QByteArray(), "_sum");
+    writer.sample(inSeconds(health.usualAnswerTime), labelText("quantile", "0.5"));
+    writer.sample(inSeconds(health.longAnswerTime), labelText("quantile", "0.9"));
+    writer.sample(inSeconds(health.longestAnswerTime), labelText("quantile", "1"));
+    writer.sample(inSeconds(metrics.answerSum), QByteArray(), "_sum");
     writer.sample(double(metrics.answerCount), QByteArray(), "_count");
 }
 

@@ -30,7 +30,7 @@ namespace host {
 
 namespace {
 
-constexpr int kLabelWidth = 12;
+constexpr int kCheckLabelWidth = 12;
 
 struct CheckOptions
 {
@@ -38,13 +38,14 @@ struct CheckOptions
     PlanOptions plan;
 };
 
-const Schema kSchema = {"check",
-                        1,
-                        "items",
-                        {"text", "valid", "address", "area", "type", "count", "first", "last", "requests",
-                         "frame", "writable", "writeError", "access", "min", "max", "error", "nearest"}};
+const Schema kCheckSchema = {"check",
+                             1,
+                             "items",
+                             {"text", "valid", "address", "area", "type", "count", "first", "last",
+                              "requests", "frame", "writable", "writeError", "access", "min", "max", "error",
+                              "nearest"}};
 
-const char kFooter[] = R"(
+const char kCheckFooter[] = R"(
 
 Nothing is sent and no port is opened: the plug-in shows what it would send. How much memory there is
 depends on the controller's model, which answers to an address beyond it with a refusal.
@@ -113,7 +114,7 @@ Json validRecord(const QString &text, const Tag &tag, const ItemCheck &found)
 
 QString labelled(const QString &label, const QString &text)
 {
-    return "  " + label.leftJustified(kLabelWidth) + ' ' + text;
+    return "  " + label.leftJustified(kCheckLabelWidth) + ' ' + text;
 }
 
 // Whether the item can be written: as the driver has it, then as the tag's file does.
@@ -168,7 +169,7 @@ class CheckCommand
 {
 public:
     CheckCommand(const Options &options, const PlanLimits &limits_)
-        : frames(options), limits(limits_), output(options, kSchema)
+        : frames(options), limits(limits_), output(options, kCheckSchema)
     {
     }
 
@@ -276,7 +277,7 @@ void declareCheck(CLI::App &app, CommandLine &line)
                    [own](const Options &options) { return checkAll(options, *own); });
     addItems(*check, own->items, "ADDRESS[:TYPE][*COUNT][@STATION] or @FILE[:NAME], as for read");
     addPlanOptions(*check, own->plan);
-    setFooter(*check, QString(kTypesFooter) + kFooter,
+    setFooter(*check, QString(kTypesFooter) + kCheckFooter,
               {"s7ppi check VW100*2 VW110:i16", "s7ppi check @press-tags.csv"});
 }
 

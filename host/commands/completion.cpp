@@ -17,7 +17,7 @@ namespace host {
 
 namespace {
 
-const char kFooter[] = "The script for zsh is a file _s7ppi in a directory of $fpath.";
+const char kCompletionFooter[] = "The script for zsh is a file _s7ppi in a directory of $fpath.";
 
 QString scriptFor(const QString &shell, const Completion &completion)
 {
@@ -45,7 +45,7 @@ void declareCompletion(CLI::App &app, CommandLine &line)
                        return writeScript(options, shell->value(), completionOf(app));
                    });
     require(*addChoice(*completion, "SHELL", *shell, {"bash", "zsh", "fish"}, "SHELL", "The shell"));
-    setFooter(*completion, kFooter,
+    setFooter(*completion, kCompletionFooter,
               {"s7ppi completion bash >~/.local/share/bash-completion/completions/s7ppi",
                "s7ppi completion zsh >~/.zsh/completions/_s7ppi",
                "s7ppi completion fish >~/.config/fish/completions/s7ppi.fish"});

@@ -39,10 +39,10 @@ struct DecodeOptions
     std::optional<QString> trace;
 };
 
-const Schema kSchema = {"decode", 1,     "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"},
-                        false,    false, "frames"};
+const Schema kDecodeSchema = {
+    "decode", 1, "bytes", {"frame", "offset", "byte", "field", "meaning", "fault"}, false, false, "frames"};
 
-const char kFooter[] = R"(
+const char kDecodeFooter[] = R"(
 Frames may follow each other; bytes that make none are told as such. ! marks a byte that is
 not what it should be; what is missing of a cut frame stands behind its last byte. In a trace
 the data of an answer have the addresses that the request before it named.
@@ -74,7 +74,7 @@ public:
 
 private:
     DecodeCommand(const OutputOptions &options, const QString &source_, std::unique_ptr<BatchSink> sink)
-        : batch(*sink), output(options, kSchema, std::move(sink)), source(source_)
+        : batch(*sink), output(options, kDecodeSchema, std::move(sink)), source(source_)
     {
     }
 
@@ -288,7 +288,7 @@ void declareDecode(CLI::App &app, CommandLine &line)
     addText(*decoding, "--trace", own->trace, "FILE",
             "The frames of a trace or capture, as --trace of other commands writes it; with -o\n"
             "NEW.pcapng it becomes a capture for Wireshark");
-    setFooter(*decoding, kFooter,
+    setFooter(*decoding, kDecodeFooter,
               {"s7ppi decode 10 02 00 5c 5e 16", "s7ppi write --dry-run VW10=300 | s7ppi decode -",
                "s7ppi decode --trace line.txt --format csv", "s7ppi decode --trace line.txt -o line.pcapng"});
 }

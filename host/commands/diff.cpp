@@ -38,12 +38,13 @@ namespace host {
 
 namespace {
 
-const Schema kSchema = {"diff",
-                        1,
-                        "differences",
-                        {"name", "address", "last", "type", "index", "old", "new", "unit", "only", "error"}};
+const Schema kDiffSchema = {
+    "diff",
+    1,
+    "differences",
+    {"name", "address", "last", "type", "index", "old", "new", "unit", "only", "error"}};
 
-const char kFooter[] = R"(
+const char kDiffFooter[] = R"(
 Two dumps are compared with each other, the first one as the old one; one is compared with the
 controller, of which no more is read than the dump holds, and to which nothing is written.
 
@@ -71,7 +72,7 @@ struct Side
 };
 
 // What was read of the controller, and what stopped that before all was.
-struct Reading
+struct ControllerReading
 {
     Dump dump; // of the whole range; bytes that were not read are 0
     std::vector<Item> blocks;
@@ -159,9 +160,9 @@ void conclude(const DumpDifferences &found, const Side &before, const Side &afte
 }
 
 // The members with which the record of a difference begins.
-using OriginOf = std::function<Json(const Difference &)>;
+using JsonOriginOf = std::function<Json(const Difference &)>;
 
-void putDifferences(Output &output, const DumpDifferences &found, const OriginOf &originOf)
+void putDifferences(Output &output, const DumpDifferences &found, const JsonOriginOf &originOf)
 {
     output.setField("bytes", found.comparedSize);
     output.setField("different", found.differentSize);
@@ -197,10 +198,10 @@ public:
 
 private:
     Schema schemaFor(bool isSimulated) const;
-    Reading read(Connection &connection) const;
-    void readParts(Connection &connection, Reading &reading) const;
+    ControllerReading read(Connection &connection) const;
+    void readParts(Connection &connection, ControllerReading &reading) const;
     DumpDifferences compare(const Side &after, const std::vector<Item> &unread) const;
-    void putUnread(Output &output, const Origin &origin, const Reading &reading) const;
+    void putUnread(Output &output, const Origin &origin, const ControllerReading &reading) const;
 
     const Options &options;
     const DiffOptions &own;
@@ -211,7 +212,7 @@ private:
 
 Schema DiffCommand::schemaFor(bool isSimulated) const
 {
-    Schema schema = kSchema;
+    Schema schema = kDiffSchema;
     schema.isSimulated = isSimulated || before.dump.isSimulated;
     return schema;
 }
@@ -245,7 +246,7 @@ void DiffCommand::compareWith(const Side &after)
     conclude(found, before, after);
 }
 
-void DiffCommand::readParts(Connection &connection, Reading &reading) const
+void DiffCommand::readParts(Connection &connection, ControllerReading &reading) const
 {
     const Item &range = before.dump.range;
     const std::vector<Item> parts = partsWithout(range, rules.ignored);
@@ -266,9 +267,9 @@ void DiffCommand::readParts(Connection &connection, Reading &reading) const
 }
 
 // What stops the reading is kept: what was read until then is compared all the same.
-Reading DiffCommand::read(Connection &connection) const
+ControllerReading DiffCommand::read(Connection &connection) const
 {
-    Reading reading;
+    ControllerReading reading;
     reading.dump = before.dump;
     reading.dump.station = connection.stationId();
     reading.dump.data.fill(0);
@@ -284,7 +285,7 @@ Reading DiffCommand::read(Connection &connection) const
 }
 
 // Tells what is not compared; programs get a record for it when there is a failure to name.
-void DiffCommand::putUnread(Output &output, const Origin &origin, const Reading &reading) const
+void DiffCommand::putUnread(Output &output, const Origin &origin, const ControllerReading &reading) const
 {
     const std::vector<Item> parts = partsWithout(before.dump.range, rules.ignored);
     reportNote(filled("%1 of %2 bytes were read and compared", totalSize(reading.blocks), totalSize(parts)));
@@ -310,7 +311,7 @@ void DiffCommand::compareWithController()
     if (before.dump.station != connection.stationId())
         reportNote(filled("%1 is of station %2, it is compared with station %3", before.name,
                           before.dump.station, connection.stationId()));
-    const Reading reading = read(connection);
+    const ControllerReading reading = read(connection);
     const Side after = {connection.marked("the controller"), reading.dump};
     const DumpDifferences found = compare(after, partsWithout(before.dump.range, reading.blocks));
     output.setField("oldFile", jsonText(before.name));
@@ -370,7 +371,7 @@ void declareDiff(CLI::App &app, CommandLine &line)
     addTexts(*command, "--ignore", own->ignored, "RANGE", "Leave out memory that may differ, as VB0..VB9");
     addFlag(*command, "--hex", own->hex, "Show hexadecimal digits where no tag names the memory");
     addBlockOption(*command, own->plan);
-    setFooter(*command, kFooter,
+    setFooter(*command, kDiffFooter,
               {"s7ppi diff press.dump", "s7ppi diff monday.dump friday.dump @press-tags.csv",
                "s7ppi diff press.dump --ignore VB0..VB9 --ignore VD200"});
 }

@@ -45,7 +45,7 @@ const char kUsualItem[] = "MB0";
 // A controller that has not answered so often at the beginning is not asked on.
 constexpr int kPatience = 3;
 
-const char kFooter[] = R"(
+const char kDoctorFooter[] = R"(
 The checks go from the ground up: plug-in, port, rights, lock, adapter, line, and then reads
 of one byte, MB0, or of the item that is named. Nothing is written. Each has a line: ok,
 warning or failed, and advice below it. Of a serial server, tcp:HOST:PORT, address and
@@ -371,7 +371,7 @@ void declareDoctor(CLI::App &app, CommandLine &line)
     addText(*doctor, "item", own->item, "ITEM", "What to read, as for read (default MB0)");
     addNumber(*doctor, "--reads", own->reads, 1, 100000, "How many reads to measure",
               std::to_string(kDefaultReads));
-    setFooter(*doctor, kFooter, {"s7ppi doctor", "s7ppi doctor -p /dev/ttyUSB0 --profile press"});
+    setFooter(*doctor, kDoctorFooter, {"s7ppi doctor", "s7ppi doctor -p /dev/ttyUSB0 --profile press"});
 }
 
 } // namespace host

@@ -35,7 +35,7 @@ struct DumpOptions
     PlanOptions plan;
 };
 
-const char kFooter[] = R"(
+const char kDumpFooter[] = R"(
 FIRST and LAST are addresses of one area, LAST or its number alone: VB0..VB4095  MB0..31
 VW0..VW98  AIW0..62  T0..T255. Both are read.
 
@@ -161,7 +161,7 @@ void declareDump(CLI::App &app, CommandLine &line)
     addText(*dump, "range", own->range, "RANGE", "FIRST..LAST, as VB0..VB4095 or MB0..31; -o names the file");
     addFlag(*dump, "--restart", own->restart, "Begin anew, whatever an earlier run has read");
     addBlockOption(*dump, own->plan);
-    setFooter(*dump, kFooter,
+    setFooter(*dump, kDumpFooter,
               {"s7ppi dump VB0..VB4095 -o press.dump", "s7ppi dump MB0..31 --format raw -o flags.bin"});
 }
 

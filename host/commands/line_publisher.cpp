@@ -19,9 +19,7 @@ namespace host {
 
 namespace {
 
-// Milliseconds; pauses are cut into slices so that signals, commands and what the broker took are seen soon.
-constexpr qint64 kSlice = 50;
-constexpr int kDrainSlice = 5;
+constexpr int kDrainSlice = 5; // milliseconds, at the end
 
 constexpr std::chrono::seconds kHealthInterval(30);
 
@@ -29,7 +27,7 @@ constexpr std::chrono::seconds kHealthInterval(30);
 constexpr std::chrono::seconds kMetricsInterval(15);
 
 // How long a broker that is there may take for messages before they are written to the spool.
-constexpr std::chrono::milliseconds kPatience(200);
+constexpr std::chrono::milliseconds kBrokerPatience(200);
 
 // How long what is left may take at the end.
 constexpr std::chrono::seconds kDrainTime(2);
@@ -167,7 +165,7 @@ void LinePublisher::run()
 void LinePublisher::pauseUntil(const QDeadlineTimer &end)
 {
     while (!end.hasExpired()) {
-        connection.idle(int(std::min(end.remainingTime(), kSlice)));
+        connection.idle(int(std::min<qint64>(end.remainingTime(), kInterruptionSlice)));
         exchange();
         writeNext();
     }
@@ -188,7 +186,7 @@ void LinePublisher::exchange()
         queue.put(fresh, WallClock::now());
         lastPut = now;
     }
-    if (brokerConnection == 0 || now - lastPut > kPatience)
+    if (brokerConnection == 0 || now - lastPut > kBrokerPatience)
         queue.store(WallClock::now());
     handOver();
     if (brokerConnection != 0 && now >= nextHealth)

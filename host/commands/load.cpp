@@ -51,7 +51,7 @@ struct LoadOptions
     PlanOptions plan;              // of what is read
 };
 
-const char kFooter[] = R"(
+const char kLoadFooter[] = R"(
 FILE is what s7ppi dump makes, or with --format raw and --to plain bytes. It is checked as a
 whole before anything is sent.
 
@@ -406,7 +406,7 @@ void declareLoad(CLI::App &app, CommandLine &line)
     addFlag(*load, "--restart", own->restart, "Begin anew, however far an earlier run came");
     addConfirmOption(*load, own->confirm);
     addBlockOption(*load, own->plan);
-    setFooter(*load, kFooter,
+    setFooter(*load, kLoadFooter,
               {"s7ppi load --verify press.dump", "s7ppi load --format raw --to MB0 flags.bin",
                "s7ppi load --dry-run press.dump", "s7ppi load --confirm press.dump @press-tags.csv"});
 }

@@ -17,9 +17,9 @@ namespace host {
 
 namespace {
 
-const Schema kSchema = {"plugin", 1, "findings", {"what", "good", "text"}};
+const Schema kPluginSchema = {"plugin", 1, "findings", {"what", "good", "text"}};
 
-const char kFooter[] = R"(
+const char kPluginFooter[] = R"(
 The file is read first: machine, entry points, verification text. Then it is loaded in a process of its
 own, so that a library that crashes takes nothing with it. One for another machine is only read.
 
@@ -38,7 +38,7 @@ QString findingLine(const Finding &finding)
 
 int examine(const OutputOptions &options, const QString &fileName)
 {
-    Output output(options, kSchema);
+    Output output(options, kPluginSchema);
     const Examination examination = examinePlugin(fileName);
     QStringList bad;
     for (const Finding &finding : examination.findings) {
@@ -68,7 +68,7 @@ void declarePlugin(CLI::App &app, CommandLine &line)
     CLI::App *plugin = addCommand(app, line, "plugin", "Examine a library: is it a plug-in for a panel?",
                                   [file](const Options &options) { return examine(options, *file); });
     addText(*plugin, "file", *file, "FILE", "The library, for this machine or another");
-    setFooter(*plugin, kFooter,
+    setFooter(*plugin, kPluginFooter,
               {"s7ppi plugin ./libs7_200_ppi.so", "s7ppi plugin --json build/arm/lib/libs7_200_ppi.so"});
 }
 

@@ -20,11 +20,12 @@ namespace host {
 
 namespace {
 
-constexpr int kLabelWidth = 10;
+constexpr int kPortLabelWidth = 10;
 
 QString line(const char *label, const QString &text)
 {
-    return text.isEmpty() ? QString() : filled("  %1 %2", QString(label).leftJustified(kLabelWidth), text);
+    return text.isEmpty() ? QString()
+                          : filled("  %1 %2", QString(label).leftJustified(kPortLabelWidth), text);
 }
 
 QString latencyText(const PortDetails &port)

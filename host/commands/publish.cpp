@@ -59,7 +59,7 @@ struct PublishOptions
     PlanOptions plan;
 };
 
-const char kFooter[] = R"(
+const char kPublishFooter[] = R"(
 
 Each item has a topic of its own below the prefix, PREFIX/NAME, with the value as JSON; it is
 published on change, by more than the deadband that a tag file gives, and at every heartbeat.
@@ -300,7 +300,7 @@ void declarePublish(CLI::App &app, CommandLine &line)
                 "End after this time");
     addPlanOptions(*publish, own->plan);
     setFooter(
-        *publish, QString(kTypesFooter) + kFooter + kRawFooter,
+        *publish, QString(kTypesFooter) + kPublishFooter + kRawFooter,
         {"s7ppi publish --broker mqtt://localhost @press-tags.csv",
          "s7ppi publish @press-tags.csv --broker mqtts://broker.example --topic plant/press3 --discovery",
          "s7ppi publish --broker mqtt://localhost --payload plain --interval 1s VW100 T37"});

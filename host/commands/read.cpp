@@ -25,10 +25,10 @@ namespace host {
 
 namespace {
 
-const Schema kSchema = {
+const Schema kReadSchema = {
     "read", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}, true};
 
-const char kFooter[] = R"(
+const char kReadFooter[] = R"(
 
 FIRST..LAST, as VB0..VB15, stands for all from the first address to the last.
 
@@ -53,7 +53,7 @@ class ReadCommand
 {
 public:
     ReadCommand(const Options &options, const std::vector<Tag> &tags_, const PlanLimits &limits)
-        : tags(tags_), output(options, withSource(withStation(kSchema, hasStations(tags)), options)),
+        : tags(tags_), output(options, withSource(withStation(kReadSchema, hasStations(tags)), options)),
           lines(tags), connection(options), reader(connection, itemsOf(tags), limits)
     {
     }
@@ -110,7 +110,7 @@ void declareRead(CLI::App &app, CommandLine &line)
     addItems(*read, own->items,
              "ADDRESS[:TYPE][*COUNT][@STATION], as VB100 VB0..VB15 VW10:i16*4 V10.3*8, or @FILE[:NAME]");
     addPlanOptions(*read, own->plan);
-    setFooter(*read, QString(kTypesFooter) + kFooter + kRawFooter,
+    setFooter(*read, QString(kTypesFooter) + kReadFooter + kRawFooter,
               {"s7ppi read VB100 VW102:i16 T37", "s7ppi read V10.3*8 VB20:str*16 VD4:f32@3",
                "s7ppi read --json @press-tags.csv"});
 }

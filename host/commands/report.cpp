@@ -19,7 +19,7 @@ namespace host {
 
 namespace {
 
-const char kFooter[] = R"(
+const char kReportFooter[] = R"(
 One page with a curve of every value, answer times, and errors over time and by their cause.
 It needs no script and no network, and goes to stdout without -o.)";
 
@@ -44,7 +44,7 @@ void declareReport(CLI::App &app, CommandLine &line)
                                    [file](const Options &options) { return report(options, *file); });
     addText(*command, "file", *file, "FILE", "The record, as watch writes it; - reads it from stdin");
     setFooter(
-        *command, kFooter,
+        *command, kReportFooter,
         {"s7ppi report press.csv -o press.html", "cat press.*.csv press.csv | s7ppi report - -o all.html"});
 }
 

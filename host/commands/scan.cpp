@@ -38,7 +38,7 @@ struct ScanOptions
     std::optional<QString> bauds;
 };
 
-const char kFooter[] = R"(
+const char kScanFooter[] = R"(
 Every station is asked for one byte, MB0; nothing is written. Unless --timeout and --retries
 say otherwise, it has 200 ms for the answer and is asked once. Without --baud the line keeps
 its rate; --baud all tries 9600, 19200 and 187500. Rates that the adapter cannot do are left
@@ -84,16 +84,16 @@ struct Answer
 };
 
 // Returns what a failure says of the station: only silence is no answer at all. A failure that has nothing to
-// do with the station is thrown on.
-std::optional<Answer> answerOf(const Failure &failure, qint64 milliseconds)
+// do with the station is thrown on. It took so many milliseconds.
+std::optional<Answer> answerOf(const Failure &failure, qint64 passed)
 {
     switch (failure.code()) {
     case ExitCode::NoAnswer:
         return std::nullopt;
     case ExitCode::Refused:
-        return Answer{"refused", "answers, but refuses: " + failure.text(), milliseconds, failure.cause()};
+        return Answer{"refused", "answers, but refuses: " + failure.text(), passed, failure.cause()};
     case ExitCode::BrokenAnswer:
-        return Answer{"broken", "something came that is no answer: " + failure.text(), milliseconds,
+        return Answer{"broken", "something came that is no answer: " + failure.text(), passed,
                       failure.cause()};
     default:
         throw Failure(failure);
@@ -285,7 +285,8 @@ void declareScan(CLI::App &app, CommandLine &line)
             "Which, as 2 or 2,5..9 (default " + kAllStations.toStdString() + ')');
     addText(*command, "-b,--baud", own->bauds, "LIST",
             std::string("At which rates, as 9600,19200 or all (default ") + kOfPlugin + ')');
-    setFooter(*command, kFooter, {"s7ppi scan -p /dev/ttyUSB0", "s7ppi scan --stations 2,5..9 --baud all"});
+    setFooter(*command, kScanFooter,
+              {"s7ppi scan -p /dev/ttyUSB0", "s7ppi scan --stations 2,5..9 --baud all"});
 }
 
 } // namespace host

@@ -49,7 +49,7 @@ struct WatchOptions
     PlanOptions plan;
 };
 
-const char kFooter[] = R"(
+const char kWatchFooter[] = R"(
 
 On a terminal: a table in place, whose last state stays. CHANGED tells when an answer brought
 another value. Values in parentheses are old: the last poll failed. ~ marks a number that a
@@ -74,8 +74,6 @@ that is under way when the time is over goes on to its end.)";
 
 using Clock = std::chrono::steady_clock;
 
-// Milliseconds; pauses are cut into slices so that signals and new terminal sizes are seen soon.
-constexpr qint64 kSlice = 50;
 constexpr std::chrono::minutes kDefaultSpan(5);
 
 using Views = std::vector<View *>;
@@ -186,7 +184,7 @@ void WatchCommand::takeFigures()
 void WatchCommand::pauseUntil(const QDeadlineTimer &end)
 {
     while (!end.hasExpired()) {
-        connection.idle(int(std::min(end.remainingTime(), kSlice)));
+        connection.idle(int(std::min<qint64>(end.remainingTime(), kInterruptionSlice)));
         idle();
     }
 }
@@ -362,7 +360,7 @@ void declareWatch(CLI::App &app, CommandLine &line)
     tie(*select, *plot);
     tie(*span, *plot);
     addPlanOptions(*watch, own->plan);
-    setFooter(*watch, QString(kTypesFooter) + kFooter + kRawFooter,
+    setFooter(*watch, QString(kTypesFooter) + kWatchFooter + kRawFooter,
               {"s7ppi watch --interval 200ms VW100 T37", "s7ppi watch --for 1h -o press.csv @press-tags.csv",
                "s7ppi watch --plot --span 10min VW100 V100.4"});
 }

@@ -55,9 +55,10 @@ struct WriteWork
 };
 
 // The form of the data: what was written, or with --verify what was read back.
-const Schema kSchema = {"write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
+const Schema kWriteSchema = {
+    "write", 1, "items", {"name", "address", "type", "index", "value", "unit", "error"}};
 
-const char kFooter[] = R"(
+const char kWriteFooter[] = R"(
 
 Values
   bool             0 1 off on false true
@@ -150,7 +151,7 @@ public:
     WriteCommand(const Options &options_, const WriteWork &work, const WriteOptions &own_)
         : options(options_), own(own_), assignments(work.assignments), expected(work.expected),
           tags(tagsOf(assignments)), items(itemsOf(tags)),
-          output(options, withSource(withStation(kSchema, hasStations(tags)), options)), lines(tags),
+          output(options, withSource(withStation(kWriteSchema, hasStations(tags)), options)), lines(tags),
           connection(options)
     {
     }
@@ -399,7 +400,7 @@ void declareWrite(CLI::App &app, CommandLine &line)
              "Write only if this is there now; exit with 8 when it is not; can be repeated");
     addConfirmOption(*write, own->confirm);
     addPlanOptions(*write, own->plan);
-    setFooter(*write, QString(kTypesFooter) + kFooter + kRawFooter,
+    setFooter(*write, QString(kTypesFooter) + kWriteFooter + kRawFooter,
               {"s7ppi write VB100=17 VW10:i16=-1,0x7f V10.3=on",
                "s7ppi write --verify VD20:f32=21.5 VB100@3=17",
                "s7ppi write --dry-run @press-tags.csv:Boiler=21.5",

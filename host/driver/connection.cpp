@@ -41,14 +41,11 @@ constexpr int kLockPause = 200;
 // How often the first answer is asked for anew when it may be that to an earlier program.
 constexpr int kMostDoubts = 2;
 
-// Pauses are cut into slices so that a signal is seen soon; milliseconds.
-constexpr int kSlice = 50;
-
 void pauseFor(int milliseconds, const std::function<void()> &meanwhile = {})
 {
     const QDeadlineTimer end(milliseconds);
     while (!end.hasExpired() && interruptingSignal() == 0) {
-        poll(nullptr, 0, int(std::min<qint64>(end.remainingTime(), kSlice)));
+        poll(nullptr, 0, int(std::min<qint64>(end.remainingTime(), kInterruptionSlice)));
         if (meanwhile)
             meanwhile();
     }

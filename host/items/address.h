@@ -18,9 +18,11 @@
 
 namespace host {
 
-// The address field of a request has 24 bits. It holds the number of a bit, eight to each byte, or an
-// object's number, for which 16 bits are plenty.
-constexpr int kMaxByteNumber = (1 << 24) / 8 - 1;
+constexpr int kBitsOfByte = 8;
+
+// The address field of a request has 24 bits. It holds the number of a bit, or an object's number, for which
+// 16 bits are plenty.
+constexpr int kMaxByteNumber = (1 << 24) / kBitsOfByte - 1;
 constexpr int kMaxObjectNumber = 0xffff;
 
 // Counts of more than 16 bits are no driver's: requests carry no more on the line.

@@ -13,8 +13,6 @@ namespace host {
 namespace {
 
 const char kDots[] = "..";
-constexpr int kBitsOfByte = 8;
-
 // How far the next element is away, in the numbers of placeOf().
 int stepOf(const Address &address)
 {

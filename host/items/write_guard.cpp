@@ -22,8 +22,6 @@ namespace {
 // As many digits as every decimal number keeps that a double was made of.
 constexpr int kDigits = 15;
 
-constexpr int kBitsOfByte = 8;
-
 QString withUnit(const Tag &tag, const QString &number)
 {
     return tag.unit.isEmpty() ? number : number + ' ' + tag.unit;

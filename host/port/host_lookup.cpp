@@ -21,9 +21,6 @@ namespace host {
 
 namespace {
 
-// Waits are cut into slices so that a signal is seen soon; milliseconds.
-constexpr int kSlice = 50;
-
 struct Found
 {
     int error = 0; // of getaddrinfo()
@@ -71,7 +68,7 @@ QList<QHostAddress> addressesOf(const QString &host, const QDeadlineTimer &deadl
     if (!address.isNull())
         return {address};
     std::future<Found> result = beginLookUp(host.toStdString());
-    while (result.wait_for(std::chrono::milliseconds(kSlice)) != std::future_status::ready) {
+    while (result.wait_for(std::chrono::milliseconds(kInterruptionSlice)) != std::future_status::ready) {
         if (interruptingSignal() != 0)
             throw Interrupted();
         if (deadline.hasExpired())

@@ -18,9 +18,6 @@ namespace host {
 
 namespace {
 
-// Waits are cut into slices so that a signal is seen soon; milliseconds.
-constexpr int kSlice = 50;
-
 // What ends a stretch of bytes that nobody asked for: adapters hand over what they received up to 16 ms late.
 constexpr int kSilence = 20;
 
@@ -37,7 +34,7 @@ constexpr int kKeptNoise = 300;
 
 int slice(const QDeadlineTimer &deadline)
 {
-    return int(std::min<qint64>(deadline.remainingTime(), kSlice));
+    return int(std::min<qint64>(deadline.remainingTime(), kInterruptionSlice));
 }
 
 } // namespace
@@ -185,7 +182,8 @@ void Port::clearUntilSilent()
     const auto needed = [&] { return time.elapsed() < limit * 3 / 4 ? neededSilence() : kSilence; };
     const auto isSilent = [&] { return silence.elapsed() >= needed() && !hasReceived(); };
     while (goesOn() && time.elapsed() < limit && !isSilent()) {
-        const QByteArray bytes = takeReceived(std::min(kSlice, needed() - int(silence.elapsed())));
+        const QByteArray bytes =
+            takeReceived(std::min(kInterruptionSlice, needed() - int(silence.elapsed())));
         if (bytes.isEmpty())
             continue;
         pending.received(bytes);

@@ -4,6 +4,7 @@
 #include "host/port/port_details.h"
 
 #include "host/base/failure.h"
+#include "host/base/files.h"
 #include "host/base/options.h"
 
 #include <QDir>
@@ -21,12 +22,6 @@ QString withDirectory(const QString &name, const QString &root)
 {
     const QString below = "/dev/" + name;
     return QFileInfo::exists(root + name) || !QFileInfo::exists(root + below) ? name : below;
-}
-
-QString firstLine(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readLine()).trimmed() : QString();
 }
 
 // Goes up from a device's directory, to that of the bus that the device is on and so forth, and returns the

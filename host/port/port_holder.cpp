@@ -3,6 +3,7 @@
 
 #include "host/port/port_holder.h"
 
+#include "host/base/files.h"
 #include "host/base/filled.h"
 
 #include <QDir>
@@ -15,12 +16,6 @@
 namespace host {
 
 namespace {
-
-QString firstLine(const QString &file)
-{
-    QFile text(file);
-    return text.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(text.readLine()).trimmed() : QString();
-}
 
 // Returns the names of the files that a process has open, one for each descriptor.
 QStringList openFiles(const QString &process)

@@ -24,9 +24,6 @@ namespace host {
 
 namespace {
 
-// Waits are cut into slices so that a signal is seen soon; milliseconds.
-constexpr int kSlice = 50;
-
 constexpr int kConnectTime = 5000; // milliseconds
 
 // A server that lost its supply says nothing. It is asked after 10 s in which nothing came, and given up when
@@ -82,7 +79,7 @@ void TcpPort::connectTo(const QHostAddress &address, const QDeadlineTimer &deadl
     QTimer look;
     QObject::connect(&socket, &QAbstractSocket::stateChanged, &loop, &QEventLoop::quit);
     QObject::connect(&look, &QTimer::timeout, &loop, &QEventLoop::quit);
-    look.start(kSlice);
+    look.start(kInterruptionSlice);
     socket.abort();
     socket.connectToHost(address, place.port);
     while (socket.state() == QAbstractSocket::ConnectingState && !deadline.hasExpired()) {

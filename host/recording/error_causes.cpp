@@ -14,14 +14,18 @@ constexpr size_t kKeptCauses = 500;
 
 constexpr size_t kKeptItems = 20;
 
-// A page has no room for more of a text.
 constexpr int kLongestText = 500;
 
 } // namespace
 
+QString shortened(const QString &text)
+{
+    return text.size() > kLongestText ? text.left(kLongestText) + " ..." : text;
+}
+
 void ErrorCauses::add(const QString &text, int item)
 {
-    const QString shown = text.size() > kLongestText ? text.left(kLongestText) + " ..." : text;
+    const QString shown = shortened(text);
     const auto found = places.constFind(shown);
     const size_t place = found == places.constEnd() ? causes.size() : size_t(*found);
     if (place == causes.size()) {

@@ -22,6 +22,9 @@ struct ErrorCause
     bool hasMoreItems;
 };
 
+// Returns as much of a text as a page has room for.
+QString shortened(const QString &text);
+
 class ErrorCauses
 {
 public:

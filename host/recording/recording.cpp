@@ -33,8 +33,7 @@ constexpr size_t kAllSamples = 1 << 19;
 constexpr size_t kMostSamples = 4096;
 constexpr size_t kLeastSamples = 64;
 
-// A page has no room for more of a text, a port's name or a station.
-constexpr int kLongestText = 500;
+// A page has no room for more ports and stations.
 constexpr int kMostPlaces = 20;
 
 // A power of two, which is what a list takes memory for anyway.
@@ -297,7 +296,7 @@ void RecordingParser::takeValue(qint64 time)
     if (series.isNumber)
         addTo(series, {time, value, !(std::abs(value) <= kLargest)});
     else
-        series.lastText = text.size() > kLongestText ? text.left(kLongestText) + " ..." : text;
+        series.lastText = shortened(text);
 }
 
 // One answer brings all the elements of an item, so that its time counts once.

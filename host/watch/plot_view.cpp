@@ -22,8 +22,8 @@ constexpr double kLeastSpan = 1; // seconds; the picture grows from there to its
 
 // Seconds from one picture to the next: answers come faster than anyone can see, and without any the
 // curves go on all the same.
-constexpr double kLeastPause = 0.1;
-constexpr double kLongestPause = 0.5;
+constexpr double kLeastPlotPause = 0.1;
+constexpr double kLongestPlotPause = 0.5;
 
 bool isDrawable(const Tag &tag)
 {
@@ -122,7 +122,7 @@ void PlotView::failed(const Watch & /*watch*/, const WatchedItem &item, const Fa
 
 void PlotView::idle(const Watch & /*watch*/)
 {
-    if (screen.takeResize() || now() - drawnAt > kLongestPause)
+    if (screen.takeResize() || now() - drawnAt > kLongestPlotPause)
         draw();
 }
 
@@ -139,7 +139,7 @@ void PlotView::leave(const Watch &watch)
 
 void PlotView::drawSometimes()
 {
-    if (drawnAt < 0 || now() - drawnAt > kLeastPause)
+    if (drawnAt < 0 || now() - drawnAt > kLeastPlotPause)
         draw();
 }
 

@@ -22,11 +22,11 @@ namespace host {
 namespace {
 
 constexpr int kHeadRows = 1;
-constexpr int kGap = 2;                // columns between two cells
-constexpr int kIndent = 2;             // of an error below its item
-constexpr int kLeastText = 16;         // of a text in quotes, for which nothing else is left out
-constexpr int kAge = 10;               // the longest age of a day: a column that breathes is hard to read
-constexpr qint64 kLongestPause = 1000; // ms from one picture to the next, for the ages
+constexpr int kGap = 2;        // columns between two cells
+constexpr int kIndent = 2;     // of an error below its item
+constexpr int kLeastText = 16; // of a text in quotes, for which nothing else is left out
+constexpr int kAge = 10;       // the longest age of a day: a column that breathes is hard to read
+constexpr qint64 kLongestTablePause = 1000; // ms from one picture to the next, for the ages
 
 enum Column { kLabel, kValue, kChanged, kAttempts, kErrors, kLastError, kColumnCount };
 const QStringList kHead = {"ADDRESS", "VALUE", "CHANGED", "ATTEMPTS", "ERRORS", "LAST ERROR"};
@@ -324,7 +324,7 @@ void TableView::failed(const Watch & /*watch*/, const WatchedItem & /*item*/, co
 
 void TableView::idle(const Watch &watch)
 {
-    if (screen.takeResize() || hasNews || sinceDrawn.hasExpired(kLongestPause))
+    if (screen.takeResize() || hasNews || sinceDrawn.hasExpired(kLongestTablePause))
         draw(watch);
 }
 

@@ -115,6 +115,18 @@ QByteArray Sample::replyBytes(int number) const
     return number == 1 ? bytes("e5") : answerFrame(PortSettings().station, 1, bytes(item), errors);
 }
 
+QString complaintAbout(const Sample &sample, const Scene &scene, const Comparison &comparison)
+{
+    if (!comparison.difference.isEmpty())
+        return comparison.difference;
+    const Outcome &disturbed = comparison.driver.outcomes.at(0);
+    if (!disturbed.failed && !sample.isMetBy(disturbed))
+        return QLatin1String("a wrong value was taken: ") + toString(disturbed) + toString(scene);
+    const Outcome &next = comparison.driver.outcomes.at(1);
+    return sample.isMetBy(next) ? QString()
+                                : QLatin1String("next request: ") + toString(next) + toString(scene);
+}
+
 QList<Sample> samples()
 {
     QList<Sample> all;

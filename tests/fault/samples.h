@@ -38,6 +38,10 @@ struct Sample
     QByteArray replyBytes(int number) const;
 };
 
+// What is wrong with the outcome of a scene of two requests, the first of them disturbed: it must be as
+// the model says and fail or be right, and the second must not notice. Empty when nothing is.
+QString complaintAbout(const Sample &sample, const Scene &scene, const Comparison &comparison);
+
 QList<Sample> samples();
 Sample sample(const char *name);
 

@@ -36,16 +36,9 @@ const int kSendsOfAttempt = 2;
 QString complaint(const Sample &sample, const Scene &scene)
 {
     const Comparison comparison = compared(scene);
-    if (!comparison.difference.isEmpty())
-        return comparison.difference;
-    const Outcome &disturbed = comparison.driver.outcomes.at(0);
-    if (disturbed.sends > kSendsOfAttempt * (scene.port.retries + 1))
+    if (comparison.driver.outcomes.at(0).sends > kSendsOfAttempt * (scene.port.retries + 1))
         return QLatin1String("too many sends: ") + toString(scene);
-    if (!disturbed.failed && !sample.isMetBy(disturbed))
-        return QLatin1String("a wrong value was taken: ") + toString(disturbed) + toString(scene);
-    const Outcome &next = comparison.driver.outcomes.at(1);
-    return sample.isMetBy(next) ? QString()
-                                : QLatin1String("next request: ") + toString(next) + toString(scene);
+    return complaintAbout(sample, scene, comparison);
 }
 
 QString complaintAboutCall(const Sample &sample, Call call, int number)

@@ -46,21 +46,6 @@ const int kBeyondTimeout = 600;
 
 const int kDeliveries = 400; // drawn by lot, of each reply
 
-// What is wrong with the outcome of a scene of two requests, the first of them disturbed: it must be as
-// the model says and fail or be right, and the second must not notice. Empty when nothing is.
-QString complaint(const Sample &sample, const Scene &scene)
-{
-    const Comparison comparison = compared(scene);
-    if (!comparison.difference.isEmpty())
-        return comparison.difference;
-    const Outcome &disturbed = comparison.driver.outcomes.at(0);
-    if (!disturbed.failed && !sample.isMetBy(disturbed))
-        return QLatin1String("a wrong value was taken: ") + toString(disturbed) + toString(scene);
-    const Outcome &next = comparison.driver.outcomes.at(1);
-    return sample.isMetBy(next) ? QString()
-                                : QLatin1String("next request: ") + toString(next) + toString(scene);
-}
-
 // The damage at every place of every reply, the end included; with one attempt and with two.
 QString complaintAboutEverywhere(const Sample &sample, Damage damage, int value = 0)
 {
@@ -70,9 +55,9 @@ QString complaintAboutEverywhere(const Sample &sample, Damage damage, int value 
         for (int place = 0; text.isEmpty() && place <= int(sample.replyBytes(reply).size()); ++place) {
             scene.lineFaults = QList<LineFault>() << lineFault(reply, damage, place, value);
             scene.port.retries = 0;
-            text = complaint(sample, scene);
+            text = complaintAbout(sample, scene, compared(scene));
             scene.port.retries = 1;
-            text += complaint(sample, scene);
+            text += complaintAbout(sample, scene, compared(scene));
         }
     }
     return text;

@@ -19,19 +19,19 @@ using namespace host;
 
 namespace {
 
-const char kTags[] = "name,address,type,scale,access,min,max\n"
-                     "Level,VW0,i16,0.1,rw,5,90.5\n"
-                     "Pump,V2.0,,,rw\n"
-                     "Speeds,VB3*3,,,rw\n"
-                     "Flows,VD6*2,f32,,rw\n"
-                     "Label,VB20:str*4,,,rw\n"
-                     "Seen,VB9,,,ro\n"
-                     "Other,VB10\n";
+const char kWritableTags[] = "name,address,type,scale,access,min,max\n"
+                             "Level,VW0,i16,0.1,rw,5,90.5\n"
+                             "Pump,V2.0,,,rw\n"
+                             "Speeds,VB3*3,,,rw\n"
+                             "Flows,VD6*2,f32,,rw\n"
+                             "Label,VB20:str*4,,,rw\n"
+                             "Seen,VB9,,,ro\n"
+                             "Other,VB10\n";
 
 Tag tagNamed(const QString &name)
 {
     Outcome outcome;
-    for (const Tag &tag : parseTagFile("tags.csv", kTags, outcome))
+    for (const Tag &tag : parseTagFile("tags.csv", kWritableTags, outcome))
         if (tag.name == name)
             return tag;
     return parseItem("VB0");

@@ -19,14 +19,14 @@ using namespace host;
 
 namespace {
 
-const char kTags[] = "name,address,type,scale,offset,unit,access,min,max\n"
-                     "Boiler,VW100,i16,0.1,-40,°C,rw,5,90\n"
-                     "Setting,VD20,f32,,,,,0.1,0.3\n"
-                     "Speeds,VW10*3,,,,1/min,,,1500\n"
-                     "Drop,VW30,i16,,,,,-3,\n"
-                     "Hours,VW40,bcd,,,h,,0,24\n"
-                     "Total,VD50,i32,,,,ro,0,10\n"
-                     "Free,VW60,i16\n";
+const char kGuardedTags[] = "name,address,type,scale,offset,unit,access,min,max\n"
+                            "Boiler,VW100,i16,0.1,-40,°C,rw,5,90\n"
+                            "Setting,VD20,f32,,,,,0.1,0.3\n"
+                            "Speeds,VW10*3,,,,1/min,,,1500\n"
+                            "Drop,VW30,i16,,,,,-3,\n"
+                            "Hours,VW40,bcd,,,h,,0,24\n"
+                            "Total,VD50,i32,,,,ro,0,10\n"
+                            "Free,VW60,i16\n";
 
 // Tags that lie in the same memory as others, and in other memory that has the same numbers.
 const char kOverlapping[] = "name,address,type,access,min,max\n"
@@ -69,7 +69,7 @@ void TestWriteGuard::initTestCase()
     QVERIFY(QDir::setCurrent(directory.path()));
     QFile file("plant.csv");
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(kTags);
+    file.write(kGuardedTags);
 }
 
 void TestWriteGuard::check(const QString &text) const

@@ -14,8 +14,8 @@ using namespace host;
 
 namespace {
 
-const QByteArray kRequest = bytes("681b1b6802006c320100000001000e00000401120a10020001000183000000e316");
-const QByteArray kPoll = bytes("1002005c5e16");
+const QByteArray kSentRequest = bytes("681b1b6802006c320100000001000e00000401120a10020001000183000000e316");
+const QByteArray kSentPoll = bytes("1002005c5e16");
 const QByteArray kAcknowledgementFrame = bytes("e5");
 
 } // namespace
@@ -36,7 +36,7 @@ private slots:
 void TestAdapterProbe::nothingIsHeardOfSilence()
 {
     AdapterProbe probe;
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     probe.heardNothing(false);
     QVERIFY(!probe.hasHeard());
 }
@@ -44,7 +44,7 @@ void TestAdapterProbe::nothingIsHeardOfSilence()
 void TestAdapterProbe::anAnswerIsHeard()
 {
     AdapterProbe probe;
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     probe.received(kAcknowledgementFrame);
     QVERIFY(probe.hasHeard());
 }
@@ -52,13 +52,13 @@ void TestAdapterProbe::anAnswerIsHeard()
 void TestAdapterProbe::theLongestWaitIsThatForTheFirstFrame()
 {
     AdapterProbe probe;
-    probe.sent(kPoll);
+    probe.sent(kSentPoll);
     probe.received(kAcknowledgementFrame);
     const qint64 wait = probe.longestWait();
     QTest::qSleep(50);
     probe.received(kAcknowledgementFrame);
     QCOMPARE(probe.longestWait(), wait);
-    probe.sent(kPoll);
+    probe.sent(kSentPoll);
     QTest::qSleep(50);
     probe.received(kAcknowledgementFrame);
     QVERIFY(probe.longestWait() >= 50);
@@ -68,13 +68,13 @@ void TestAdapterProbe::requestsCountAndPollsDoNot()
 {
     AdapterProbe probe;
     QCOMPARE(probe.requestCount(), 0);
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     QCOMPARE(probe.requestCount(), 1);
     probe.received(kAcknowledgementFrame);
-    probe.sent(kPoll);
+    probe.sent(kSentPoll);
     QCOMPARE(probe.requestCount(), 1);
     probe.heardNothing(false);
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     QCOMPARE(probe.requestCount(), 2);
 }
 
@@ -98,11 +98,11 @@ void TestAdapterProbe::ofAnotherProtocolTheFirstFrameOfACallIsItsRequest()
 void TestAdapterProbe::whatWasHeardBeforeARequestIsNoAnswerToIt()
 {
     AdapterProbe probe;
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     probe.received(kAcknowledgementFrame);
-    probe.sent(kPoll);
+    probe.sent(kSentPoll);
     QVERIFY(probe.hasHeardSinceRequest());
-    probe.sent(kRequest);
+    probe.sent(kSentRequest);
     QVERIFY(!probe.hasHeardSinceRequest());
     QVERIFY(probe.hasHeard());
 }

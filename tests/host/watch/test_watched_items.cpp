@@ -36,7 +36,7 @@ private slots:
 
 namespace {
 
-const WatchTime kStart;
+const WatchTime kBeginning;
 
 WatchedItem watchedItem()
 {
@@ -48,22 +48,22 @@ WatchedItem watchedItem()
 void TestWatchedItems::firstAndOtherValuesAreNews()
 {
     WatchedItem item = watchedItem();
-    QVERIFY(item.answered({"1"}, kStart) == WatchNews::Changed);
-    QVERIFY(item.answered({"1"}, kStart) == WatchNews::None);
-    QVERIFY(item.answered({"2"}, kStart) == WatchNews::Changed);
-    QVERIFY(item.answered({"2"}, kStart) == WatchNews::None);
+    QVERIFY(item.answered({"1"}, kBeginning) == WatchNews::Changed);
+    QVERIFY(item.answered({"1"}, kBeginning) == WatchNews::None);
+    QVERIFY(item.answered({"2"}, kBeginning) == WatchNews::Changed);
+    QVERIFY(item.answered({"2"}, kBeginning) == WatchNews::None);
     QCOMPARE(item.values, QStringList({"2"}));
 }
 
 void TestWatchedItems::onlyOtherValuesAreAChange()
 {
     WatchedItem item = watchedItem();
-    item.answered({"1"}, kStart + seconds(1));
+    item.answered({"1"}, kBeginning + seconds(1));
     QVERIFY(!item.changedAt);
-    item.answered({"2"}, kStart + seconds(2));
-    QVERIFY(item.changedAt == kStart + seconds(2));
-    item.answered({"2"}, kStart + seconds(3));
-    QVERIFY(item.changedAt == kStart + seconds(2));
+    item.answered({"2"}, kBeginning + seconds(2));
+    QVERIFY(item.changedAt == kBeginning + seconds(2));
+    item.answered({"2"}, kBeginning + seconds(3));
+    QVERIFY(item.changedAt == kBeginning + seconds(2));
 }
 
 void TestWatchedItems::anErrorIsNewsOnce()
@@ -72,7 +72,7 @@ void TestWatchedItems::anErrorIsNewsOnce()
     QVERIFY(item.failed("plc no response"));
     QVERIFY(!item.failed("plc no response"));
     QVERIFY(item.failed("packet loss"));
-    item.answered({"1"}, kStart);
+    item.answered({"1"}, kBeginning);
     QVERIFY(item.failed("packet loss"));
     QCOMPARE(item.errors, 4);
 }
@@ -80,23 +80,23 @@ void TestWatchedItems::anErrorIsNewsOnce()
 void TestWatchedItems::recoveringIsNews()
 {
     WatchedItem item = watchedItem();
-    item.answered({"1"}, kStart);
+    item.answered({"1"}, kBeginning);
     item.failed("packet loss");
     QVERIFY(item.isFailing);
-    QVERIFY(item.answered({"1"}, kStart) == WatchNews::Recovered);
+    QVERIFY(item.answered({"1"}, kBeginning) == WatchNews::Recovered);
     QVERIFY(!item.isFailing);
-    QVERIFY(item.answered({"1"}, kStart) == WatchNews::None);
+    QVERIFY(item.answered({"1"}, kBeginning) == WatchNews::None);
     item.failed("packet loss");
-    QVERIFY(item.answered({"2"}, kStart) == WatchNews::Changed);
+    QVERIFY(item.answered({"2"}, kBeginning) == WatchNews::Changed);
 }
 
 void TestWatchedItems::theLastErrorStays()
 {
     WatchedItem item = watchedItem();
-    item.answered({"1"}, kStart);
+    item.answered({"1"}, kBeginning);
     item.failed("packet loss");
     QCOMPARE(item.values, QStringList({"1"}));
-    item.answered({"1"}, kStart);
+    item.answered({"1"}, kBeginning);
     QCOMPARE(item.lastError, QString("packet loss"));
 }
 
