@@ -64,4 +64,8 @@ private:
     QByteArray frame;
 };
 
+// Items of the answers that are needed most: four bytes that were read, one write that was done.
+const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
+const char kAccepted[] = "05 01 ff";
+
 #endif

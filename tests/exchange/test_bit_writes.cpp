@@ -14,12 +14,6 @@
 
 #include <QtTest>
 
-namespace {
-
-const char kAccepted[] = "05 01 ff";
-
-} // namespace
-
 class TestBitWrites : public QObject
 {
     Q_OBJECT

@@ -11,11 +11,6 @@
 
 namespace {
 
-const unsigned char *start(const QByteArray &received)
-{
-    return reinterpret_cast<const unsigned char *>(received.constData());
-}
-
 typedef bool (*RecordDecoder)(const unsigned char *, std::vector<S7_200_PPI_Timer> &, unsigned char &);
 
 // "value/status value/status", the value in hex; "refused" when the decoder returns false.
@@ -23,7 +18,7 @@ QString records(RecordDecoder decode, const QByteArray &received)
 {
     std::vector<S7_200_PPI_Timer> list;
     unsigned char code = 0;
-    if (!decode(start(received), list, code))
+    if (!decode(unsignedBytes(received), list, code))
         return list.empty() ? QString("refused") : QString("refused, but with records");
     QStringList texts;
     for (const S7_200_PPI_Timer &record : list)
@@ -45,8 +40,8 @@ Header unpacked(const QByteArray &bytes, int reference)
 {
     Header header = {0, 0, 0, 0, 0};
     header.size = S7_200_PPILayer2UnpackSD2ReadWriteRspHeader(
-        start(bytes), static_cast<unsigned short>(reference), header.parameterLength, header.dataLength,
-        header.errorClass, header.errorCode);
+        unsignedBytes(bytes), static_cast<unsigned short>(reference), header.parameterLength,
+        header.dataLength, header.errorClass, header.errorCode);
     return header;
 }
 
@@ -196,7 +191,7 @@ void TestDecoders::bytesFollowThePrefix()
     QFETCH(QByteArray, parameters);
     QFETCH(QString, data);
     unsigned char code = 0;
-    QCOMPARE(hex(S7_200_PPIGetRspBytes(start(parameters), prefix, code)), data);
+    QCOMPARE(hex(S7_200_PPIGetRspBytes(unsignedBytes(parameters), prefix, code)), data);
     QCOMPARE(int(code), 0xff);
 }
 
@@ -215,17 +210,17 @@ void TestDecoders::bytesOfARefusedItemAreEmpty()
 {
     QFETCH(QByteArray, parameters);
     unsigned char code = 0;
-    QCOMPARE(hex(S7_200_PPIGetRspBytes(start(parameters), "VB", code)), QString(""));
+    QCOMPARE(hex(S7_200_PPIGetRspBytes(unsignedBytes(parameters), "VB", code)), QString(""));
 }
 
 void TestDecoders::returnCodeOfBytesIsHandedOut()
 {
     unsigned char code = 0;
-    S7_200_PPIGetRspBytes(start(bytes("04 01 05 00 0000")), "VB", code);
+    S7_200_PPIGetRspBytes(unsignedBytes(bytes("04 01 05 00 0000")), "VB", code);
     QCOMPARE(int(code), 0x05);
-    S7_200_PPIGetRspBytes(start(bytes("05 02 0a 00 0000")), "VB", code);
+    S7_200_PPIGetRspBytes(unsignedBytes(bytes("05 02 0a 00 0000")), "VB", code);
     QCOMPARE(int(code), 0x0a);
-    S7_200_PPIGetRspBytes(start(bytes("04 01 ff 09 0000")), "VB", code);
+    S7_200_PPIGetRspBytes(unsignedBytes(bytes("04 01 ff 09 0000")), "VB", code);
     QCOMPARE(int(code), 0xff);
 }
 
@@ -252,15 +247,15 @@ void TestDecoders::highSpeedCounters()
     QFETCH(QByteArray, parameters);
     QFETCH(QString, data);
     unsigned char code = 0;
-    QCOMPARE(hex(S7_200_PPIGetRspHSC(start(parameters), code)), data);
+    QCOMPARE(hex(S7_200_PPIGetRspHSC(unsignedBytes(parameters), code)), data);
 }
 
 void TestDecoders::returnCodeOfHighSpeedCountersIsHandedOut()
 {
     unsigned char code = 0;
-    S7_200_PPIGetRspHSC(start(bytes("04 01 0a 00 0000")), code);
+    S7_200_PPIGetRspHSC(unsignedBytes(bytes("04 01 0a 00 0000")), code);
     QCOMPARE(int(code), 0x0a);
-    S7_200_PPIGetRspHSC(start(bytes("04 01 ff 04 0000")), code);
+    S7_200_PPIGetRspHSC(unsignedBytes(bytes("04 01 ff 04 0000")), code);
     QCOMPARE(int(code), 0xff);
 }
 
@@ -323,8 +318,8 @@ void TestDecoders::recordsAreAppended()
 {
     std::vector<S7_200_PPI_Timer> list;
     unsigned char code = 0;
-    S7_200_PPIGetRspTimers(start(bytes("04 01 ff 09 0005 02 00001234")), list, code);
-    S7_200_PPIGetRspCounters(start(bytes("04 01 ff 09 0003 00 5678")), list, code);
+    S7_200_PPIGetRspTimers(unsignedBytes(bytes("04 01 ff 09 0005 02 00001234")), list, code);
+    S7_200_PPIGetRspCounters(unsignedBytes(bytes("04 01 ff 09 0003 00 5678")), list, code);
     QCOMPARE(int(list.size()), 2);
     QCOMPARE(int(list.at(0).value), 0x1234);
     QCOMPARE(int(list.at(1).value), 0x5678);
@@ -334,9 +329,9 @@ void TestDecoders::returnCodeOfTimersAndCountersIsHandedOut()
 {
     std::vector<S7_200_PPI_Timer> list;
     unsigned char code = 0;
-    S7_200_PPIGetRspTimers(start(bytes("04 01 03 00 0000")), list, code);
+    S7_200_PPIGetRspTimers(unsignedBytes(bytes("04 01 03 00 0000")), list, code);
     QCOMPARE(int(code), 0x03);
-    S7_200_PPIGetRspCounters(start(bytes("04 01 06 00 0000")), list, code);
+    S7_200_PPIGetRspCounters(unsignedBytes(bytes("04 01 06 00 0000")), list, code);
     QCOMPARE(int(code), 0x06);
 }
 

@@ -22,7 +22,6 @@
 namespace {
 
 const char kPoll[] = "10 02 00 5c 5e 16";
-const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
 
 QByteArray requestToStation2(const Sample &sample)
 {

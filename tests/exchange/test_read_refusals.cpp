@@ -114,7 +114,7 @@ const Item kWrongFastCounter[] = {
     {"transport size 4", "04 01 ff 04 00 05 00 01 02 03 04"},
 };
 
-const Item kEmptyMemory[] = {
+const Item kEmptyItems[] = {
     {"no data",          "04 01 ff 04 00 00"},
     {"7 bits",           "04 01 ff 04 00 07 11"},
 };
@@ -222,7 +222,7 @@ void TestReadRefusals::refusedItemHasItsReason()
 void TestReadRefusals::itemThatDoesNotDecodeHasItsReason_data()
 {
     addItemColumns();
-    addItems(kMemoryReads, kWrongMemory, kEmptyMemory);
+    addItems(kMemoryReads, kWrongMemory, kEmptyItems);
     addItems(kTimerReads, kWrongTimer, kEmptyObjects);
     addItems(kCounterReads, kWrongCounter, kEmptyObjects);
     addItems(kFastCounterReads, kWrongFastCounter, kEmptyObjects);

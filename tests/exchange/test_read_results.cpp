@@ -17,7 +17,6 @@
 namespace {
 
 const char kOneByte[] = "04 01 ff 04 00 08 a5";
-const char kFourBytes[] = "04 01 ff 04 00 20 11 22 33 44";
 const char kEightBytes[] = "04 01 ff 04 00 40 11 22 33 44 55 66 77 88";
 const char kOneTimer[] = "04 01 ff 09 00 05 02 00 00 12 34";
 const char kTwoTimers[] = "04 01 ff 09 00 0a 02 00 00 12 34 00 00 00 56 78";

@@ -18,11 +18,6 @@
 
 namespace {
 
-const unsigned char *start(const QByteArray &received)
-{
-    return reinterpret_cast<const unsigned char *>(received.constData());
-}
-
 bool canBeFitted(const CommunicatorCommand &command)
 {
     try {
@@ -81,7 +76,7 @@ void TestWriteDecoders::writeAnswerIsTakenOrRefused()
     QFETCH(bool, taken);
     QFETCH(int, returnCode);
     unsigned char code = 0x77;
-    QCOMPARE(S7_200_PPICheckWriteRspParamData(start(parameters), code), taken);
+    QCOMPARE(S7_200_PPICheckWriteRspParamData(unsignedBytes(parameters), code), taken);
     QCOMPARE(int(code), returnCode);
 }
 
@@ -91,7 +86,7 @@ void TestWriteDecoders::onlyReturnCodeFFIsSuccess()
         QByteArray parameters = bytes("05 01 00");
         parameters[2] = char(returnCode);
         unsigned char code = 0x77;
-        QCOMPARE(S7_200_PPICheckWriteRspParamData(start(parameters), code), returnCode == 0xff);
+        QCOMPARE(S7_200_PPICheckWriteRspParamData(unsignedBytes(parameters), code), returnCode == 0xff);
         QCOMPARE(int(code), returnCode);
     }
 }
@@ -113,7 +108,7 @@ void TestWriteDecoders::everyItemHasAReturnCode()
 {
     QFETCH(QByteArray, parameters);
     QFETCH(QString, codes);
-    QCOMPARE(hex(S7_200_PPIGetWriteRspCodes(start(parameters), int(parameters.size()))), codes);
+    QCOMPARE(hex(S7_200_PPIGetWriteRspCodes(unsignedBytes(parameters), int(parameters.size()))), codes);
 }
 
 // What stands in the buffer behind the bytes that are held is ff, the code of success.
@@ -132,7 +127,7 @@ void TestWriteDecoders::returnCodesBeyondTheFrameAre00()
     QFETCH(QByteArray, parameters);
     QFETCH(int, held);
     QFETCH(QString, codes);
-    QCOMPARE(hex(S7_200_PPIGetWriteRspCodes(start(parameters), held)), codes);
+    QCOMPARE(hex(S7_200_PPIGetWriteRspCodes(unsignedBytes(parameters), held)), codes);
 }
 
 void TestWriteDecoders::returnCodesHaveTheirMessagesInOrder_data()

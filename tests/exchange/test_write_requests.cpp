@@ -5,6 +5,7 @@
 
 #include "frame_vectors.h"
 #include "hex.h"
+#include "request_layout.h"
 #include "simatic_s7_200_ppi/ppi_request.h"
 #include "test_class.h"
 
@@ -12,10 +13,7 @@
 
 namespace {
 
-const int kPDUStart = 7;
-const int kBlockStart = 17;
 const int kBlockSize = 14;
-const int kFrameEnd = 2; // check sum and end delimiter
 
 typedef QByteArray (*ObjectsRequest)(unsigned short &, unsigned char, unsigned char, unsigned int,
                                      const QByteArray &);

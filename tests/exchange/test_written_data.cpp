@@ -10,6 +10,7 @@
 #include "hex.h"
 #include "log_capture.h"
 #include "outcome.h"
+#include "request_layout.h"
 #include "scripted_port.h"
 #include "simatic_s7_200_ppi/s7_200_ppi.h"
 #include "test_class.h"
@@ -111,10 +112,7 @@ QByteArray requestFrame(const Write &row)
            bytes(row.payload) + bytes(row.sum) + bytes("16");
 }
 
-const char kAccepted[] = "05 01 ff";
-const int kBlockStart = 17;
 const int kDataStart = 31;
-const int kFrameEnd = 2; // check sum and end delimiter
 
 typedef bool (DriverS7_200_PPI::*Handler)(AbstractDeviceInterface *, const CommunicatorCommand &,
                                           const QByteArray &);

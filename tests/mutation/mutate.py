@@ -20,7 +20,8 @@ from pathlib import Path
 
 import points
 from build_plan import BuildPlan
-from trial import SCRIPT_COST, SCRIPTS_AT_ONCE, Order, Outcome, Worker, adopt_orphans, run_limited, run_script
+from trial import (SCRIPT_COST, SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited,
+                   run_script)
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutate"
@@ -33,6 +34,7 @@ PARTS = {
     "host": (["host"], ["tests/host", "tests/property", "tests/system", "tests/regressions"], 85),
     "simulator": (["simulator"], ["tests/simulator", "tests/property", "tests/system", "tests/regressions"], 85),
 }
+FOLDERS = ["runtime", "host", "simulator", "common", "tests"]  # what is compiled
 LIVING = ("survived", "open")
 COUNTED = ("killed", *LIVING)
 
@@ -42,6 +44,8 @@ def main():
     folders, test_folders, goal = PARTS[options.part]
     plan = BuildPlan(ROOT, BUILD)
     mutants = drawn(all_mutants(plan, folders), options)
+    if not mutants:
+        sys.exit("mutate: nothing there can be changed")
     if options.list:
         for m in mutants:
             print(f"{m.file}:{m.line}:{m.column}: {m.kind}: {m.function}: {m.change}")
@@ -56,6 +60,7 @@ def main():
             sys.exit("mutate: another run is at work in build/mutate; wait for it, or use its --jobs")
         adopt_orphans()
         costs = costs_of(plan, tests)
+        prove(plan, tests, costs, mutants[0].file)
         Session(plan, tests, costs, results, options).run(mutants)
     return summary(mutants, results, options, goal)
 
@@ -147,6 +152,25 @@ def costs_of(plan, tests):
     return {test.name: known[key(test)] for test in tests}
 
 
+def prove(plan, tests, costs, file):
+    """A file that is compiled and linked as a mutant, but without a change, must pass all tests: whatever fails then
+    would count as having killed. Kept while the programs stay the same."""
+    proof = hashlib.sha256((ROOT / file).read_bytes())
+    for program in sorted({program for test in tests for program in test.programs}):
+        proof.update(f"{program} {(BUILD / program).stat().st_mtime_ns}".encode())
+    proved = BUILD / f"proved-{proof.hexdigest()[:16]}"
+    if proved.exists():
+        return
+    worker = Worker(plan, BUILD / "work/proof", FOLDERS)
+    try:
+        killer = worker.killer_of_nothing(file, tests, costs)
+    except DoesNotLink:
+        killer = "(the linker)"
+    if killer:
+        sys.exit(f"mutate: {file} fails without a change, in {killer}\nagain: scripts/mutate {file.split('/')[0]} {file}")
+    proved.touch()
+
+
 def write_whole(path, text):
     """Whole or not at all, whenever the machine goes down."""
     new = path.with_suffix(".new")
@@ -231,7 +255,7 @@ class Session:
             self.fault = fault
 
     def try_all(self, number):
-        worker = Worker(self.plan, BUILD / f"work/{number}", ["runtime", "host", "simulator", "common", "tests"])
+        worker = Worker(self.plan, BUILD / f"work/{number}", FOLDERS)
         while mutant := self.next():
             outcome = worker.try_mutant(mutant, self.tests, self.order, self.options.short)
             with self.lock:

@@ -96,14 +96,10 @@ class Worker:
         return Outcome(outcome.word, outcome.killer, time.monotonic() - begin)
 
     def outcome_of(self, mutant, source, tests, order, only_short):
-        made = {}
-        for targets in self.plan.affected_objects(mutant.file):
-            output = self.place / "objects" / targets[0]
-            if not self.compile(targets[0], output):
-                return Outcome("broken")
-            made.update(dict.fromkeys(targets, output))
-        linked = Linker(self, made)
-        concerned = [test for test in tests if any(map(linked.concerns, test.programs))]
+        linked = self.linked(mutant.file)
+        if not linked:
+            return Outcome("broken")
+        concerned = linked.concerned(tests)
         for test, function in order.quick(mutant.file, concerned):
             if only_short and order.costs[test.name] >= LONG:
                 continue
@@ -112,20 +108,38 @@ class Worker:
                 return Outcome("killed", killer)
         whole = order.whole(mutant.file, concerned)
         short = [test for test in whole if order.costs[test.name] < LONG]
-        for test in short:
-            killer = self.run(test, linked, order.costs[test.name])
-            if killer:
-                return Outcome("killed", killer)
+        killer = self.first_killer(short, linked, order.costs)
+        if killer:
+            return Outcome("killed", killer)
         if self.is_same_code(mutant, source):
             return Outcome("same")
         if only_short:
             return Outcome("open")
-        for test in (test for test in whole if test not in short and not test.is_script):
-            killer = self.run(test, linked, order.costs[test.name])
-            if killer:
-                return Outcome("killed", killer)
-        killer = self.run_scripts([test for test in whole if test.is_script], linked)
+        killer = self.first_killer([test for test in whole if test not in short], linked, order.costs)
         return Outcome("killed", killer) if killer else Outcome("survived")
+
+    def killer_of_nothing(self, file, tests, costs):
+        """What fails when the file is compiled and linked anew as it is; then no mutant of it was killed for sure."""
+        linked = self.linked(file)
+        return self.first_killer(linked.concerned(tests), linked, costs) if linked else "(the compiler)"
+
+    def linked(self, file):
+        """The programs with what the worker's copy of the file makes of them; nothing when it does not compile."""
+        made = {}
+        for targets in self.plan.affected_objects(file):
+            output = self.place / "objects" / targets[0]
+            if not self.compile(targets[0], output):
+                return None
+            made.update(dict.fromkeys(targets, output))
+        return Linker(self, made)
+
+    def first_killer(self, tests, linked, costs):
+        """Or nothing when all pass. The scripts are run last, together."""
+        for test in (test for test in tests if not test.is_script):
+            killer = self.run(test, linked, costs[test.name])
+            if killer:
+                return killer
+        return self.run_scripts([test for test in tests if test.is_script], linked)
 
     def compile(self, target, output):
         """From the worker's copy, as quickly as the compiler can; false where it does not compile."""
@@ -238,6 +252,9 @@ class Linker:
         link = self.plan.link(program)
         return (any(o in self.made for o in link.objects) or any(self.concerns(p) for p in link.libraries)
                 or any(self.concerns(p) for p in link.named_outputs() if p != program))
+
+    def concerned(self, tests):
+        return [test for test in tests if any(map(self.concerns, test.programs))]
 
     def program(self, program):
         if program not in self.ready:

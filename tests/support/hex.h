@@ -19,4 +19,10 @@ inline QString hex(const QByteArray &data)
     return QString::fromLatin1(data.toHex());
 }
 
+// The library's decoders take their bytes so.
+inline const unsigned char *unsignedBytes(const QByteArray &data)
+{
+    return reinterpret_cast<const unsigned char *>(data.constData());
+}
+
 #endif
