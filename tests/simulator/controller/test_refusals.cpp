@@ -177,6 +177,7 @@ void TestSimulatorRefusals::jobIsRefused_data()
     row("item specifier", "32 01 0000 1234 000e 0000 04 01 13 0a 10 02 0001 0001 84 000320", inconsistent);
     row("address length", "32 01 0000 1234 000e 0000 04 01 12 0b 10 02 0001 0001 84 000320", inconsistent);
     row("syntax", "32 01 0000 1234 000e 0000 04 01 12 0a 11 02 0001 0001 84 000320", inconsistent);
+    row("item cut", "32 01 0000 1234 0008 0000 04 01 12 0a 10 02 0001", inconsistent);
     row("read with data", "32 01 0000 1234 000e 0005 04 01" + item + "00 04 0008 01", inconsistent);
     row("write without data", "32 01 0000 1234 000e 0000 05 01" + item, inconsistent);
     row("write, half a data head", "32 01 0000 1234 000e 0003 05 01" + item + "00 04 00", inconsistent);

@@ -61,6 +61,11 @@ void TestSimulatorFault::textIsRead_data()
     QTest::newRow("late=300@2") << int(sim::FaultKind::Late) << 300 << 2 << 100.0;
     QTest::newRow("late=1.5s@2") << int(sim::FaultKind::Late) << 1500 << 2 << 100.0;
     QTest::newRow("late@2") << int(sim::FaultKind::Late) << 1000 << 2 << 100.0;
+    QTest::newRow("late=1") << int(sim::FaultKind::Late) << 1 << 0 << 100.0;
+    QTest::newRow("late=10min") << int(sim::FaultKind::Late) << 600000 << 0 << 100.0;
+    QTest::newRow("short=260") << int(sim::FaultKind::Short) << 260 << 0 << 100.0;
+    QTest::newRow("noise=200") << int(sim::FaultKind::Noise) << 200 << 0 << 100.0;
+    QTest::newRow("wrong-source=255") << int(sim::FaultKind::WrongSource) << 255 << 0 << 100.0;
     QTest::newRow("short=1%10") << int(sim::FaultKind::Short) << 1 << 0 << 10.0;
     QTest::newRow("corrupt") << int(sim::FaultKind::Corrupt) << -1 << 0 << 100.0;
     QTest::newRow("corrupt=0") << int(sim::FaultKind::Corrupt) << 0 << 0 << 100.0;

@@ -65,6 +65,7 @@ private slots:
     void noiseStandsInFrontOfTheAnswer();
     void noiseStandsInFrontOfTheAcknowledgement();
     void noiseStandsWithinTheAnswer();
+    void noiseStandsWithinTwoBytes();
     void corruptAnswerDiffersInOneByte();
     void faultConcernsTheNumberedRequestOnly();
     void onlyRequestsForTheStationsCount();
@@ -228,6 +229,14 @@ void TestSimulatorFaults::noiseStandsWithinTheAnswer()
         places.insert(place);
     }
     QVERIFY2(places.size() > 20, qPrintable(QString::number(places.size())));
+}
+
+void TestSimulatorFaults::noiseStandsWithinTwoBytes()
+{
+    sim::Simulator line = lineWith({"short=2", "noise-inside=1"});
+    say(line, kReadVB100);
+    const QString heard = say(line, kPoll);
+    QCOMPARE(heard.left(2) + heard.mid(4), plain(kAnswerVB100).left(4));
 }
 
 void TestSimulatorFaults::corruptAnswerDiffersInOneByte()

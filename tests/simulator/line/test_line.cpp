@@ -42,6 +42,7 @@ private slots:
     void withoutAPaceNothingIsEverDue();
     void everyByteTakesItsTime();
     void requestTakesItsTimeToo();
+    void everythingPassesTheLineOneAfterTheOther();
     void turnaroundComesBeforeEveryReply();
     void silenceEndsABegunFrame();
     void wholeFramesMayFollowAfterAnySilence();
@@ -129,6 +130,20 @@ void TestSimulatorLine::requestTakesItsTimeToo()
     QCOMPARE(say(line, kReadVB100), QString());
     QCOMPARE(hex(line.advance(38957us)), QString());
     QCOMPARE(hex(line.advance(2us)), plain("e5"));
+}
+
+// 10 ms a byte: 33 bytes of request, 1 of acknowledgement, 6 of the poll that was sent before it came, the
+// answer.
+void TestSimulatorLine::everythingPassesTheLineOneAfterTheOther()
+{
+    sim::Simulator line = lineWithStation2();
+    line.setPace(1100);
+    QCOMPARE(say(line, kReadVB100), QString());
+    QCOMPARE(say(line, kPoll), QString());
+    QCOMPARE(hex(line.advance(339ms)), QString());
+    QCOMPARE(hex(line.advance(1ms)), plain("e5"));
+    QCOMPARE(hex(line.advance(69ms)), QString());
+    QCOMPARE(hex(line.advance(1ms)), plain("68"));
 }
 
 void TestSimulatorLine::turnaroundComesBeforeEveryReply()

@@ -122,6 +122,27 @@ load common
         'noise-inside[=BYTES]' bad-checksum bad-end 'wrong-source[=STATION]' 'wrong-destination[=STATION]' \
         stale-reference error-class hardware-fault 'item-refused[=CODE]' ignore-writes echo; do
         grep -qF "  $kind  " <<<"$output"
+        [ "$(grep -F "  $kind  " <<<"$output" | wc -w)" -ge 3 ]
+    done
+}
+
+@test "--help names what an option takes, and tells all options in one column" {
+    run -0 s7ppi-sim --help
+    grep -qE '^  -p,--port DEV +[A-Z]' <<<"$output"
+    local columns
+    columns=$(sed -nE 's/^(  -.*[^ ] {2,})[A-Z].*/\1/p' <<<"$output" | awk '{ print length($0) }' | sort -u)
+    [ "$columns" = 31 ]
+}
+
+@test "a replay is as fast as one says, within limits" {
+    local speed
+    for speed in 0 0.001 1 1000; do
+        run -2 s7ppi-sim --replay none.txt --replay-speed "$speed"
+        [[ "$output" == *"none.txt: cannot be read"* ]]
+    done
+    for speed in -1 0.0009 1000.1 fast 1x ''; do
+        run -2 s7ppi-sim --replay none.txt --replay-speed "$speed"
+        [[ "$output" == *"is neither 0 nor a number from 0.001 to 1000"* ]]
     done
 }
 

@@ -73,6 +73,7 @@ private slots:
     void somethingElseIsToldAndNotAnswered();
     void somethingThatStandsElsewhereIsToldAndAnswered();
     void aFrameThatBreaksOffIsGivenUp();
+    void aFrameMayComeInPieces();
     void theRecordingBeginsAnewBehindItsEnd();
 
 private:
@@ -151,6 +152,8 @@ void TestSimulatorReplay::whatIsNoRecordingIsTold_data()
                              << "line 2 is no record of a trace";
     QTest::newRow("a time that cannot be counted") << record + "9999-01-31T12:00:00.000Z > e5\n"
                                                    << "line 2 is no record of a trace";
+    QTest::newRow("a time behind all others") << record + "2100-01-01T00:00:00.000Z > e5\n"
+                                              << "line 2 is no record of a trace";
     QTest::newRow("a time before all others") << record + "0001-01-31T12:00:00.000Z > e5\n"
                                               << "line 2 is no record of a trace";
     QTest::newRow("no bytes") << record + "2026-01-31T12:00:00.000Z > \n"
@@ -285,6 +288,16 @@ void TestSimulatorReplay::aFrameThatBreaksOffIsGivenUp()
     QVERIFY(!replay.nextDue());
     QCOMPARE(hexText(ask(replay, kRequest)), std::string("e5"));
     QCOMPARE(replay.differenceCount(), 0);
+}
+
+void TestSimulatorReplay::aFrameMayComeInPieces()
+{
+    Replay replay(recordingOf(kTrace).records, 0, Time());
+    const Bytes frame = bytes(kRequest);
+    Bytes answer;
+    for (const uint8_t &byte : frame)
+        answer = replay.feed(&byte, 1);
+    QCOMPARE(hexText(answer), std::string("e5"));
 }
 
 void TestSimulatorReplay::theRecordingBeginsAnewBehindItsEnd()
