@@ -80,6 +80,7 @@ class TestSimulatorMemoryFile : public QObject
 
 private slots:
     void everyAreaIsRead();
+    void anyFieldMakesMemoriesDiffer();
     void whatTheFileLeavesOutIsZero();
     void exampleIsWrittenAsPeopleWouldWriteIt();
     void emptyMemoryIsAnEmptyObject();
@@ -126,6 +127,28 @@ void TestSimulatorMemoryFile::everyAreaIsRead()
     QVERIFY((memory.counters[5] == sim::TimerOrCounter{7, 0, false}));
     QCOMPARE(memory.highSpeedCounters[0], 100000u);
     QCOMPARE(memory.highSpeedCounters[5], 4294967295u);
+}
+
+void TestSimulatorMemoryFile::anyFieldMakesMemoriesDiffer()
+{
+    const sim::Memory memory;
+    for (const sim::TimerOrCounter &object :
+         {sim::TimerOrCounter{1, 0, false}, sim::TimerOrCounter{0, 1, false},
+          sim::TimerOrCounter{0, 0, true}}) {
+        sim::Memory timer;
+        timer.timers[3] = object;
+        QVERIFY(!(timer == memory));
+        sim::Memory counter;
+        counter.counters[3] = object;
+        QVERIFY(!(counter == memory));
+    }
+    sim::Memory fast;
+    fast.highSpeedCounters[0] = 1;
+    QVERIFY(!(fast == memory));
+    sim::Memory bytes;
+    bytes.bytes(sim::kAreaM)[0] = 1;
+    QVERIFY(!(bytes == memory));
+    QVERIFY(sim::Memory() == memory);
 }
 
 void TestSimulatorMemoryFile::whatTheFileLeavesOutIsZero()
@@ -223,6 +246,7 @@ void TestSimulatorMemoryFile::badTextIsRefusedWithItsPlace_data()
         "M0: \"1 23 4\" is not a text of hexadecimal bytes");
     row("no hexadecimal digit", R"({ "M": { "0": "0g" } })", "M0: \"0g\" is not a text of hexadecimal bytes");
     row("overlap", R"({ "M": { "1": "0102", "2": "03" } })", "M2: M2 was given before");
+    row("overlap within", R"({ "M": { "10": "03", "9": "0102" } })", "M9: M10 was given before");
     row("overlap by another spelling", R"({ "M": { "1": "01", "01": "03" } })", "M1: M1 was given before");
     row("timer behind the last", R"({ "T": { "256": {} } })", "T: \"256\" is too large, the last one is 255");
     row("timer by another spelling", R"({ "T": { "1": {}, "01": {} } })", "T1: was given before");

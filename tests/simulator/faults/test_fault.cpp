@@ -60,6 +60,7 @@ void TestSimulatorFault::textIsRead_data()
     QTest::newRow("late=300") << int(sim::FaultKind::Late) << 300 << 0 << 100.0;
     QTest::newRow("late=300@2") << int(sim::FaultKind::Late) << 300 << 2 << 100.0;
     QTest::newRow("late=1.5s@2") << int(sim::FaultKind::Late) << 1500 << 2 << 100.0;
+    QTest::newRow("silent@1000000000") << int(sim::FaultKind::Silent) << -1 << 1000000000 << 100.0;
     QTest::newRow("late@2") << int(sim::FaultKind::Late) << 1000 << 2 << 100.0;
     QTest::newRow("late=1") << int(sim::FaultKind::Late) << 1 << 0 << 100.0;
     QTest::newRow("late=10min") << int(sim::FaultKind::Late) << 600000 << 0 << 100.0;

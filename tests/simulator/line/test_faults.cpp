@@ -72,6 +72,7 @@ private slots:
     void faultsOfARequestAddUp();
     void firstOfExclusiveFaultsWins();
     void percentageIsKept();
+    void whatIsNearlyCertainFailsToHappenSometimes();
     void sameSeedGivesTheSameRun_data();
     void sameSeedGivesTheSameRun();
 };
@@ -304,6 +305,15 @@ void TestSimulatorFaults::percentageIsKept()
     for (int i = 0; i < 4000; ++i)
         silent += say(line, kReadVB100).isEmpty() ? 1 : 0;
     QVERIFY2(silent > 850 && silent < 1150, qPrintable(QString::number(silent)));
+}
+
+void TestSimulatorFaults::whatIsNearlyCertainFailsToHappenSometimes()
+{
+    sim::Simulator line = lineWith({"silent%99.99"});
+    int answered = 0;
+    for (int i = 0; i < 100000; ++i)
+        answered += say(line, kReadVB100).isEmpty() ? 0 : 1;
+    QVERIFY2(answered > 2 && answered < 30, qPrintable(QString::number(answered)));
 }
 
 void TestSimulatorFaults::sameSeedGivesTheSameRun_data()

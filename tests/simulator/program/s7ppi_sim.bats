@@ -73,6 +73,8 @@ load common
 
 @test "a broken memory file is told with its line" {
     printf '{\n  "V": {\n    "0": "00",\n    "10240": "00"\n  }\n}\n' >memory.json
+    usage_error --memory /proc/self/mem
+    [[ $output == 's7ppi-sim: /proc/self/mem: cannot read: '* ]]
     usage_error --memory memory.json
     [ "$output" = 's7ppi-sim: memory.json: line 4: V: "10240" is too large, the last one is 10239' ]
     printf '{\n  "V": {\n}\n' >memory.json
@@ -130,6 +132,12 @@ load common
     run -0 s7ppi-sim --help
     grep -qE '^  -p,--port DEV +[A-Z]' <<<"$output"
     local columns
+    [ "$(grep -E '^  -' <<<"$output" | grep -cE '[^ ] +[A-Z][a-z]*( [^ ]+){2,}')" -eq "$(grep -cE '^  -' <<<"$output")" ]
+    local option
+    for option in 'station N[:FILE.json]' 'memory FILE.json' 'save [FILE.json]' 'pace [BAUD]' 'turnaround TIME' \
+        'replay FILE' 'replay-speed FACTOR' 'trace FILE' 'link PATH' 'baud N' 'parity PARITY' 'seed N'; do
+        grep -qF -- "--$option  " <<<"$output"
+    done
     columns=$(sed -nE 's/^(  -.*[^ ] {2,})[A-Z].*/\1/p' <<<"$output" | awk '{ print length($0) }' | sort -u)
     [ "$columns" = 31 ]
 }
@@ -268,8 +276,11 @@ load common
     [ "$(exchange)" = "e5$answer" ]
     (($(milliseconds) - before >= 77)) # at 9600
     usage_error --pace fast
-    usage_error --pace 1
-    [[ $output == *--pace* ]]
+    local rate
+    for rate in 1 49 4000001; do
+        usage_error --pace "$rate"
+        [[ $output == *--pace* ]]
+    done
 }
 
 @test "--turnaround comes before every reply" {

@@ -265,6 +265,8 @@ void TestSimulatorReplay::somethingElseIsToldAndNotAnswered()
         std::string("0 to 3: poll: at line 2 of the recording stands 0 to 2: request 7: read V100 (1 bytes); "
                     "it is nowhere in the recording, and not answered"));
     QCOMPARE(replay.differenceCount(), 2);
+    QVERIFY(ask(replay, "10 04 00 5c 60 16").empty());
+    QCOMPARE(told.size(), size_t(2));
     QCOMPARE(hexText(ask(replay, kRequest)), std::string("e5"));
 }
 

@@ -52,6 +52,7 @@ private slots:
     void recordIsTimeDirectionAndBytes_data();
     void recordIsTimeDirectionAndBytes();
     void fileBeginsAnewAndGrowsAtOnce();
+    void captureHasThePduByItself();
     void fileThatCannotBeOpenedIsTold();
     void fullDiskIsTold();
     void fileThatTakesNoMoreIsToldOnce();
@@ -101,6 +102,24 @@ void TestSimulatorTraceFile::fileBeginsAnewAndGrowsAtOnce()
     QCOMPARE(QString::fromLatin1(file.readAll()), QString("# a heading\n"
                                                           "1970-01-01T00:00:00.000Z > 10\n"
                                                           "1970-01-01T00:00:01.000Z < e5\n"));
+}
+
+// Once within the frame of the line, and once in a packet that other dissectors read.
+void TestSimulatorTraceFile::captureHasThePduByItself()
+{
+    const QTemporaryDir directory;
+    const QString name = directory.filePath("line.pcapng");
+    const QByteArray request = QByteArray::fromHex(kReadVB100.toLatin1());
+    const QByteArray poll = QByteArray::fromHex(kPoll.toLatin1());
+    sim::TraceFile file(name.toStdString(), "a line");
+    QVERIFY(file.write(sim::Time(1s), sim::Traffic::Received, sim::Bytes(request.begin(), request.end())));
+    QVERIFY(file.write(sim::Time(2s), sim::Traffic::Received, sim::Bytes(poll.begin(), poll.end())));
+    QFile capture(name);
+    QVERIFY(capture.open(QIODevice::ReadOnly));
+    const QByteArray packets = capture.readAll();
+    QCOMPARE(packets.count(request), 1);
+    QCOMPARE(packets.count(request.mid(7, request.size() - 9)), 2);
+    QCOMPARE(packets.count(poll), 1);
 }
 
 void TestSimulatorTraceFile::fileThatCannotBeOpenedIsTold()
