@@ -195,10 +195,13 @@ class Worker:
         return self.run_compiler(target, output) and output.read_bytes() == self.originals[target]
 
     def run(self, test, linked, cost, function=None):
-        """The killer, or nothing when the test passes."""
+        """The killer, or nothing when the test passes. It has to fail twice: once may be by chance."""
         arguments = [str(linked.program(test.programs[0])), *test.command[1:]] + ([function] if function else [])
-        reason = run_limited(arguments, test.directory, test.environment, cost)
-        return f"{test.name}::{reason}" if reason else None
+        for _ in range(2):
+            reason = run_limited(arguments, test.directory, test.environment, cost)
+            if not reason:
+                return None
+        return f"{test.name}::{reason}"
 
     def run_scripts(self, scripts, linked):
         """The first killer, with which the others end, or nothing when all pass. One that fails beside the others

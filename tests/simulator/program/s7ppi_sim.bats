@@ -138,6 +138,7 @@ load common
         'replay FILE' 'replay-speed FACTOR' 'trace FILE' 'link PATH' 'baud N' 'parity PARITY' 'seed N'; do
         grep -qF -- "--$option  " <<<"$output"
     done
+    [ "$(grep -cE '^  s7ppi-sim -' <<<"$output")" -eq 4 ]
     columns=$(sed -nE 's/^(  -.*[^ ] {2,})[A-Z].*/\1/p' <<<"$output" | awk '{ print length($0) }' | sort -u)
     [ "$columns" = 31 ]
 }
