@@ -64,8 +64,8 @@ QByteArray InputFile::readSome()
 {
     char buffer[65536];
     while (true) {
-        awaitReadable(
-            descriptor); // a pipe has bytes, or has come to its end, only when somebody has written to it
+        // A pipe has bytes, or has come to its end, only when somebody has written to it.
+        awaitReadable(descriptor);
         const ssize_t count = read(descriptor, buffer, sizeof buffer);
         if (count < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
