@@ -16,7 +16,6 @@ interrupt_while_answered() {
     rm -f "$trace"
     s7ppi dump --port "$port" -q --trace "$trace" -o "$BATS_TEST_TMPDIR/dump" VB0..VB999 3>&- &
     local dump=$!
-    background+=("$dump")
     eventually grep -qs " > 10 02 " "$trace"
     kill -INT "$dump"
     status=0

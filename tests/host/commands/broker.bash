@@ -22,7 +22,6 @@ broker() {
             >"$BATS_TEST_TMPDIR/broker.conf"
         "$MOSQUITTO" -c "$BATS_TEST_TMPDIR/broker.conf" >>"$BATS_TEST_TMPDIR/broker.log" 2>&1 3>&- &
         broker=$!
-        background+=("$broker")
         for ((i = 0; i < 200; i++)); do
             kill -0 "$broker" 2>/dev/null || break
             if (exec 9<>"/dev/tcp/127.0.0.1/$broker_port") 2>/dev/null; then
@@ -47,7 +46,6 @@ got() {
 }
 subscribe() {
     mosquitto_sub -p "$broker_port" -q 1 -t "$1" -t probe -F '%t %r %p' "${@:2}" >>"$BATS_TEST_TMPDIR/got" 3>&- 2>/dev/null &
-    background+=($!)
     eventually hears
 }
 hears() {
@@ -71,7 +69,6 @@ publish() {
     s7ppi publish --broker "$url" --topic t --spool "$BATS_TEST_TMPDIR/spool" --interval 20 "$@" \
         >"$BATS_TEST_TMPDIR/out" 2>>"$BATS_TEST_TMPDIR/told" 3>&- &
     publisher=$!
-    background+=("$publisher")
 }
 told() {
     grep -qF -- "$1" "$BATS_TEST_TMPDIR/told"

@@ -14,7 +14,7 @@ setup() {
     export S7PPI_CONFIG=$BATS_FILE_TMPDIR/patient # not the developer's own; answers are late on a busy machine
     echo "timeout = 20s" >"$S7PPI_CONFIG"
     export -n S7PPI_BIN_DIR S7PPI_TEST_DIR S7PPI_PLUGIN_FILE S7PPI_DISSECTOR # no options: --verbose would tell of them
-    background=()
+    background=() # by which tests find what they started, in its order
 }
 
 teardown() {

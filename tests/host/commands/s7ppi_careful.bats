@@ -39,7 +39,6 @@ in_terminal() {
     mkfifo keys
     script --quiet --flush --return --command "exec s7ppi $* >output" screen <keys >/dev/null 3>&- &
     terminal=$!
-    background+=("$terminal")
     exec 4>keys
     eventually grep -qs 'y/N' screen
     printf '%b' "$keys" >&4

@@ -58,7 +58,6 @@ load common
 
 @test "a trace of s7ppi-sim is the same" {
     s7ppi-sim --trace "$BATS_TEST_TMPDIR/sim" >"$BATS_TEST_TMPDIR/port" 3>&- &
-    background+=($!)
     eventually test -s "$BATS_TEST_TMPDIR/port"
     s7ppi read --port "$(cat "$BATS_TEST_TMPDIR/port")" --trace "$BATS_TEST_TMPDIR/host" VB100 T37 >/dev/null
     s7ppi decode --trace "$BATS_TEST_TMPDIR/host" --format csv >"$BATS_TEST_TMPDIR/host.csv"

@@ -133,7 +133,6 @@ gives_way() {
     shift 2
     s7ppi "$@" <&0 2>errors 3>&- 4>&- &
     reader=$!
-    background+=("$reader")
     eventually awaits "$reader"
     kill "-$signal" "$reader"
     status=0

@@ -94,7 +94,6 @@ state_is_true() {
     sed -i '/^VB/s/ [0-9a-f][0-9a-f]/ 5a/g' press.dump
     s7ppi --port "$port" load press.dump 2>/dev/null 3>&- &
     local loader=$!
-    background+=("$loader")
     eventually grep -qs '^written [1-9]' press.dump.loading
     kill -KILL "$loader"
     wait "$loader" || true

@@ -52,7 +52,6 @@ lock_is_there() {
     lock=${lock%pts_*}pts_${port#/dev/pts/}
     : >"$lock"
     flock "$lock" sleep 600 3>&- &
-    background+=($!)
     eventually is_held
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 3 ]
@@ -76,7 +75,6 @@ is_held() {
             s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
             programs+=($!)
         done
-        background+=("${programs[@]}")
         # The winner waits for an answer; all others end.
         eventually only_one_left
         eventually lock_is_there

@@ -393,7 +393,6 @@ all_came_to_the_middle() {
     listener=(mosquitto_sub -p "$central_port" "${user[@]}" -i listener -c -q 1 -t north/plant/press/VW0 -F '%t %p')
     "${listener[@]}" -E
     "${listener[@]}" >>"$BATS_TEST_TMPDIR/got" 2>/dev/null 3>&- &
-    background+=($!)
     local central=$broker
     broker_port=
     mapfile -t settings < <(of_page site.conf)
@@ -405,7 +404,6 @@ all_came_to_the_middle() {
     s7ppi publish --port "$port" --broker "$url" --topic plant/press --spool "$BATS_TEST_TMPDIR/spool" --interval 20 \
         --trace "$BATS_TEST_TMPDIR/trace" "@$BATS_TEST_TMPDIR/tags.csv" 2>"$BATS_TEST_TMPDIR/told" 3>&- &
     publisher=$!
-    background+=("$publisher")
     eventually has_got '^north/plant/press/VW0 '
     mosquitto_rr -p "$central_port" "${user[@]}" -t north/plant/press/Setpoint/set -e north/plant/press/Setpoint/set/result \
         -m 21 -W 20 | grep -qF '{"result":"done","value":21,'

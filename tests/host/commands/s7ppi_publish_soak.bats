@@ -72,7 +72,6 @@ resident() {
     RANDOM=$seed
     mosquitto_sub -p "$broker_port" -q 0 -c -i listener -t t/VD0 -F '%t %r %p' >"$BATS_TEST_TMPDIR/got" \
         2>"$BATS_TEST_TMPDIR/subscriber.log" 3>&- &
-    background+=($!)
     eventually visits listener
     mosquitto_pub -p "$broker_port" -t probe -m '' # which the broker answers after what came before it
     kill -USR1 "$broker"

@@ -12,7 +12,6 @@ load common
 # The manager listens, and has what it was told in $BATS_TEST_TMPDIR/told.
 manager() {
     socat -u "UNIX-RECV:$BATS_TEST_TMPDIR/notify" "OPEN:$BATS_TEST_TMPDIR/told,creat,append" 3>&- &
-    background+=($!)
     eventually test -S "$BATS_TEST_TMPDIR/notify"
 }
 
@@ -21,7 +20,6 @@ serve() {
     NOTIFY_SOCKET=$BATS_TEST_TMPDIR/notify WATCHDOG_USEC=200000 S7PPI_TIMEOUT=20 S7PPI_RETRIES=0 s7ppi publish \
         --broker mqtt://127.0.0.1:1 --topic t --no-spool --interval 20 "$@" >/dev/null 2>&1 3>&- &
     service=$!
-    background+=("$service")
 }
 stop_service() {
     kill -TERM "$service"
