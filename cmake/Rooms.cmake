@@ -1,16 +1,16 @@
 # Copyright (c) 2026 The s7ppi authors
 # SPDX-License-Identifier: MIT
 #
-# s7ppi_join_rooms(RESULT TARGET SOURCES...): where S7PPI_JOIN_ROOMS is ON, one file in the place of each room's sources,
-# that includes them: most of the time to compile goes into headers, which are read once a room then. Headers, a room's
-# only source and sources with SKIP_UNITY_BUILD_INCLUSION stay what they are. TARGET, which compiles RESULT, must
-# find the root of the tree among its includes.
+# s7ppi_join_rooms(RESULT TARGET SOURCES...): where S7PPI_JOIN_ROOMS is ON, and in tests/ where it is TESTS, one file in the
+# place of each room's sources, that includes them: most of the time to compile goes into headers, which are read once a
+# room then. Headers, a room's only source and sources with SKIP_UNITY_BUILD_INCLUSION stay what they are. TARGET, which
+# compiles RESULT, must find the root of the tree among its includes.
 #
 # This is CMake's UNITY_BUILD, whose files have the path of the tree in them: a compiler cache would find nothing of
 # another copy's. Names in a room's unnamed namespaces have to differ; a missing include does not show.
 
 function(s7ppi_join_rooms result target)
-  if(NOT S7PPI_JOIN_ROOMS)
+  if(NOT S7PPI_JOIN_ROOMS OR (S7PPI_JOIN_ROOMS STREQUAL "TESTS" AND NOT CMAKE_CURRENT_SOURCE_DIR MATCHES "^${PROJECT_SOURCE_DIR}/tests/"))
     set(${result} ${ARGN} PARENT_SCOPE)
     return()
   endif()

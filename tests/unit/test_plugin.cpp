@@ -262,7 +262,10 @@ void TestPlugin::theVerificationTextHasASectionOfItsOwn()
     QCOMPARE(found.size(), 1);
     // type, address, offset, size, entry size, flags; behind them link, info and alignment
     const QStringList fields = found.first().mid(found.first().indexOf("PROGBITS")).simplified().split(' ');
-    QCOMPARE(fields.value(3).toInt(nullptr, 16), int(sizeof kVerificationText));
+    if (QByteArray(SANITIZERS).contains("address")) // which puts guarded bytes behind the text
+        QVERIFY(fields.value(3).toInt(nullptr, 16) >= int(sizeof kVerificationText));
+    else
+        QCOMPARE(fields.value(3).toInt(nullptr, 16), int(sizeof kVerificationText));
     QCOMPARE(fields.value(5), QString("A")); // allocated, neither written nor executed
 }
 
