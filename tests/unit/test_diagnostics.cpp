@@ -20,12 +20,14 @@ const int kAskTheSystem = -1;
 
 int g_killError = kAskTheSystem; // or what kill() fails with, 0 for its success
 pid_t g_killPid = INT_MAX;       // what kill() was last asked for
+int g_killSignal = INT_MAX;
 
 } // namespace
 
 extern "C" int kill(pid_t pid, int signal) noexcept
 {
     g_killPid = pid;
+    g_killSignal = signal;
     if (g_killError == kAskTheSystem)
         return static_cast<int>(syscall(SYS_kill, pid, signal));
     errno = g_killError;
@@ -46,6 +48,7 @@ private slots:
     void anyOtherFailureMeansNotRunning();
     void earlierErrorDoesNotCount();
     void ownGroupIsRunningAsProcess0();
+    void askingSendsNoSignal();
     void groupsAreAskedForAsTheyAre_data();
     void groupsAreAskedForAsTheyAre();
     void dumpShowsBytesAndText_data();
@@ -108,6 +111,14 @@ void TestDiagnostics::earlierErrorDoesNotCount()
 void TestDiagnostics::ownGroupIsRunningAsProcess0()
 {
     QVERIFY(ProcessIsRunning(0));
+}
+
+// Of kill()'s signals, 0 asks for the process and sends nothing.
+void TestDiagnostics::askingSendsNoSignal()
+{
+    g_killError = 0;
+    QVERIFY(ProcessIsRunning(1));
+    QCOMPARE(g_killSignal, 0);
 }
 
 // To kill(), 0 is the caller's group and -1 is every process.

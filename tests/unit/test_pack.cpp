@@ -112,6 +112,7 @@ private slots:
     void letterNotAcceptedAfterACountIsAnError();
     void countErrors_data();
     void countErrors();
+    void arraysHaveNoMoreBytesThanAnIntCounts();
     void errorLeavesWhatWasPackedInFrontOfIt();
     void errorLeavesWhatWasUnpackedInFrontOfIt();
     void formsWithArgumentListsDoTheSame();
@@ -526,6 +527,13 @@ void TestPack::countErrors()
     QCOMPARE(DataUnpack(source, letters.constData(), &stored, &next), -1);
     QCOMPARE(int(stored), 0x12);
     QCOMPARE(int(next), 0x77);
+}
+
+// One byte and 2^31 - 1 more: nothing is read of them.
+void TestPack::arraysHaveNoMoreBytesThanAnIntCounts()
+{
+    const unsigned char source[] = {0x12, 0x34};
+    QVERIFY(ByteArrayPack("C2147483647C", 1, source).isEmpty());
 }
 
 void TestPack::errorLeavesWhatWasPackedInFrontOfIt()
