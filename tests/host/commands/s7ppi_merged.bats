@@ -89,6 +89,9 @@ VB100  17" ]
 @test "--block bounds the bytes of every request" {
     cd "$BATS_TEST_TMPDIR"
     start s7ppi-sim
+    get --block 1 'VB0*3'
+    [ "$status" -eq 0 ]
+    [ "$(requests)" = "V0*1 V1*1 V2*1" ]
     get --block 32 'VW0*8' 'VW16*9' 'VB34*40' 'T0*17'
     [ "$status" -eq 0 ]
     [ "$(requests)" = "V0*8 V16*32 V48*26 T0*16 T16*1" ]
