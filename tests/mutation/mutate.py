@@ -6,7 +6,6 @@
 import argparse
 import fcntl
 import hashlib
-import itertools
 import json
 import math
 import os
@@ -15,16 +14,19 @@ import sys
 import threading
 import time
 from collections import Counter
-from concurrent.futures import ThreadPoolExecutor
+from concurrent.futures import ProcessPoolExecutor, ThreadPoolExecutor
+from itertools import chain, repeat, takewhile
 from pathlib import Path
 
 import points
 from build_plan import BuildPlan
+from reach import Reach
 from trial import (SCRIPT_COST, SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited,
                    run_script)
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutate"
+COUNTING = ROOT / "build/coverage-programs"
 RESULTS = BUILD / "results.tsv"
 PAGE = ROOT / "docs/testing.md"
 
@@ -61,7 +63,9 @@ def main():
         adopt_orphans()
         costs = costs_of(plan, tests)
         prove(plan, tests, costs, mutants[0].file)
-        Session(plan, tests, costs, results, options).run(mutants)
+        scripts = [test for test in tests if test.is_script]
+        reach = Reach(plan, COUNTING, FOLDERS[:-1], scripts) if scripts else None
+        Session(plan, tests, costs, reach, results, options).run(mutants)
     return summary(mutants, results, options, goal)
 
 
@@ -95,7 +99,7 @@ def arguments():
 
 
 def all_mutants(plan, folders):
-    """Of the sources and, once each, of the headers that they include; remembered, as parsing takes half a minute."""
+    """Of the sources and, once each, of the headers that they include; remembered, as parsing takes minutes."""
     sources = plan.sources(folders)
     headers = sorted(h for h in plan.includers() if h.startswith(tuple(f + "/" for f in folders)) and h.endswith(".h"))
     everything = hashlib.sha256(Path(points.__file__).read_bytes())
@@ -104,8 +108,9 @@ def all_mutants(plan, folders):
     remembered = BUILD / f"points-{everything.hexdigest()[:16]}.json"
     if not remembered.exists():
         found = {}
-        for source in sources:
-            for mutant in points.mutants_of(ROOT, source, plan.for_clang(source), headers):
+        with ProcessPoolExecutor() as pool:
+            some = pool.map(points.mutants_of, repeat(ROOT), sources, map(plan.for_clang, sources), repeat(headers))
+            for mutant in chain.from_iterable(some):
                 found.setdefault(mutant.identity, mutant)
         write_whole(remembered, json.dumps([vars(mutant) for mutant in found.values()]))
     return [points.Mutant(**fields) for fields in json.loads(remembered.read_text())]
@@ -209,8 +214,8 @@ class Results:
 class Session:
     """Several workers that take mutants from the top until there are no more, or enough, or no time."""
 
-    def __init__(self, plan, tests, costs, results, options):
-        self.plan, self.tests, self.results, self.options = plan, tests, results, options
+    def __init__(self, plan, tests, costs, reach, results, options):
+        self.plan, self.tests, self.reach, self.results, self.options = plan, tests, reach, results, options
         self.order = Order(costs)
         self.lock = threading.Lock()
         self.end = time.monotonic() + options.minutes * 60
@@ -257,7 +262,7 @@ class Session:
     def try_all(self, number):
         worker = Worker(self.plan, BUILD / f"work/{number}", FOLDERS)
         while mutant := self.next():
-            outcome = worker.try_mutant(mutant, self.tests, self.order, self.options.short)
+            outcome = worker.try_mutant(mutant, self.tests_for(mutant), self.order, self.options.short)
             with self.lock:
                 self.counted += outcome.word in COUNTED
                 if outcome.word == "killed":
@@ -265,6 +270,12 @@ class Session:
                 self.results.add(mutant, outcome)
                 if outcome.word in LIVING:
                     print(f"{mutant.file}:{mutant.line}:{mutant.column}: {mutant.change}", flush=True)
+
+    def tests_for(self, mutant):
+        if not self.reach:
+            return self.tests
+        scripts = self.reach.scripts_for(mutant, [test for test in self.tests if test.is_script])
+        return [test for test in self.tests if not test.is_script] + scripts
 
 
 def judged():
@@ -281,7 +292,7 @@ def judged():
 def summary(mutants, results, options, goal):
     tried = [(m, results.of(m)) for m in mutants]
     if options.draw:  # what other runs tried further down was not drawn by this lot
-        tried = itertools.takewhile(lambda pair: pair[1], tried)
+        tried = takewhile(lambda pair: pair[1], tried)
     tried = [(m, o) for m, o in tried if o]
     counted = [(m, o) for m, o in tried if o.word in COUNTED][: options.draw]
     words = Counter(o.word for _, o in tried)

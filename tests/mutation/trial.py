@@ -26,7 +26,8 @@ FILE_SIZE = 64 << 20
 LONG = 1  # second that a test takes: before, it is worth while to ask the compiler whether anything changed
 QUICK = 4  # functions that are tried before whole tests
 SCRIPT_COST = 8  # seconds of the processor that a script takes at most
-SCRIPTS_AT_ONCE = 8  # they mostly wait
+SCRIPTS_AT_ONCE = 14  # they mostly wait
+FEW_DRAWS = ["S7PPI_STOP_RUNS=1", "S7PPI_KILLS=4", "S7PPI_MOMENTS=4"]  # of the scripts that try what is drawn by lot
 STOPPED = "(stopped)"  # a script with others, of which one failed
 PR_SET_CHILD_SUBREAPER = 36
 
@@ -71,7 +72,7 @@ class Order:
 class Worker:
     """A copy of the sources and a place for what is made of them: nothing outside of it is written."""
 
-    scripts = threading.Lock()  # of which one worker's are run at a time
+    alone = threading.Lock()  # of all workers: what is run with it meets no end of terminals
 
     def __init__(self, plan, place, folders):
         self.plan, self.place = plan, place
@@ -210,16 +211,16 @@ class Worker:
             return None
         for program in scripts[0].programs:
             linked.settle(program)
-        with self.scripts:
-            left = list(scripts)
-            while left:
-                suspect = self.first_failing(left)
-                if not suspect:
-                    return None
+        left = list(scripts)
+        while left:
+            suspect = self.first_failing(left)
+            if not suspect:
+                return None
+            with self.alone:
                 reason = run_script(suspect, self.moved_environment(suspect))
-                if reason:
-                    return f"{suspect.name}::{reason}"
-                left.remove(suspect)
+            if reason:
+                return f"{suspect.name}::{reason}"
+            left.remove(suspect)
         return None
 
     def first_failing(self, scripts):
@@ -234,7 +235,8 @@ class Worker:
 
         with ThreadPoolExecutor(SCRIPTS_AT_ONCE) as pool:
             results = dict(zip(scripts, pool.map(result, scripts)))
-        end_terminals()
+        with self.alone:
+            end_terminals()
         scripts[:] = [script for script in scripts if results[script]]
         return next((script for script in scripts if results[script] != STOPPED), None)
 
@@ -325,7 +327,7 @@ class Linker:
 
 def run_script(test, environment, stop=None):
     """As run_limited()."""
-    return run_limited(test.command, test.directory, environment, SCRIPT_COST, stop)
+    return run_limited(test.command, test.directory, [*environment, *FEW_DRAWS], SCRIPT_COST, stop)
 
 
 def adopt_orphans():
