@@ -412,6 +412,8 @@ void TestReadPlan::aClosedPlaceIsNotReachedOver()
     QCOMPARE(requestsFor("VB0 VB1 VB2 VB5 VB3", {}, hints), QString("VB0*3, VB3*3"));
     QCOMPARE(requestsFor("VB0*6 VB1", {}, hints), QString("VB0*6"));
     QCOMPARE(requestsFor("VB0*2@3 VB4@3 MB0 MB4", {}, hints), QString("VB0*5@3, MB0*5"));
+    hints.closedPlaces[kVariables] = {{1, 20}, {5, 8}};
+    QCOMPARE(requestsFor("VB0*5 VB5*3 VB19", {}, hints), QString("VB0*5, VB5*3, VB19"));
 }
 
 void TestReadPlan::aPoolOfShortRequestsTakesNoItemApart()
