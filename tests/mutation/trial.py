@@ -27,7 +27,12 @@ LONG = 1  # second that a test takes: before, it is worth while to ask the compi
 QUICK = 4  # functions that are tried before whole tests
 SCRIPT_COST = 8  # seconds of the processor that a script takes at most
 SCRIPTS_AT_ONCE = 14  # they mostly wait
-FEW_DRAWS = ["S7PPI_STOP_RUNS=1", "S7PPI_KILLS=4", "S7PPI_MOMENTS=4"]  # of the scripts that try what is drawn by lot
+FEW_DRAWS = {  # of what scripts try by lot; s7ppi would tell others that it knows no such setting
+    "s7ppi_stops_command_line": "S7PPI_STOP_RUNS=1",
+    "s7ppi_killed_command_line": "S7PPI_KILLS=4",
+    "s7ppi_killed_watch_command_line": "S7PPI_KILLS=4",
+    "s7ppi_memory_command_line": "S7PPI_MOMENTS=4",
+}
 STOPPED = "(stopped)"  # a script with others, of which one failed
 PR_SET_CHILD_SUBREAPER = 36
 
@@ -327,7 +332,8 @@ class Linker:
 
 def run_script(test, environment, stop=None):
     """As run_limited()."""
-    return run_limited(test.command, test.directory, [*environment, *FEW_DRAWS], SCRIPT_COST, stop)
+    few = [FEW_DRAWS[test.name]] if test.name in FEW_DRAWS else []
+    return run_limited(test.command, test.directory, [*environment, *few], SCRIPT_COST, stop)
 
 
 def adopt_orphans():

@@ -73,6 +73,7 @@ private slots:
     void aServiceTellsItsBeginningOnceAndItsEnd();
     void withoutAWatchdogNoSignOfLifeIsGiven();
     void signsOfLifeAreNoMoreThanTheWatchdogNeeds();
+    void signsOfLifeComeAgainWithinTheWatchdogsTime();
     void theWatchdogOfAnotherProcessIsNotFed();
     void aWatchdogIsMadeToWaitForLongSteps();
     void aStatusIsOneLineAndToldWhenItChanges();
@@ -133,6 +134,17 @@ void TestServiceNotice::signsOfLifeAreNoMoreThanTheWatchdogNeeds()
     for (int i = 0; i < 3; ++i)
         service.alive();
     QCOMPARE(manager.told(), QByteArray("WATCHDOG=1\n"));
+}
+
+void TestServiceNotice::signsOfLifeComeAgainWithinTheWatchdogsTime()
+{
+    const Manager manager(place);
+    qputenv("WATCHDOG_USEC", "40000");
+    ServiceNotice service;
+    service.alive();
+    QTest::qSleep(20);
+    service.alive();
+    QCOMPARE(manager.told(), QByteArray("WATCHDOG=1\nWATCHDOG=1\n"));
 }
 
 void TestServiceNotice::theWatchdogOfAnotherProcessIsNotFed()

@@ -105,6 +105,7 @@ private slots:
     void percentilesAreOfTheNearestRank();
     void longTimesAreCountedToFourDigits();
     void theDistributionCountsEveryNumberOnce();
+    void theDistributionIsWideEnoughForMostNumbers();
     void stepsAreRound_data();
     void stepsAreRound();
     void commonCausesAreFoundAmongThousands();
@@ -485,6 +486,21 @@ void TestRecording::theDistributionCountsEveryNumberOnce()
         QCOMPARE(counted, int(numbers.size()));
     }
     QVERIFY(AnswerCounter().bins().empty());
+}
+
+// 19 of 20 find themselves in a part of nine; the others lie in the tenth, and behind it.
+void TestRecording::theDistributionIsWideEnoughForMostNumbers()
+{
+    std::vector<double> numbers(95, 8.1);
+    numbers.insert(numbers.end(), 5, 90.0);
+    const std::vector<TimeBin> bins = counterOf(numbers).bins();
+    QCOMPARE(int(bins.size()), 11);
+    QCOMPARE(bins.at(8).from, 8.0);
+    QCOMPARE(bins.at(8).to, 9.0);
+    QCOMPARE(bins.at(8).count, 95);
+    QCOMPARE(bins.at(10).from, 10.0);
+    QCOMPARE(bins.at(10).to, 0.0);
+    QCOMPARE(bins.at(10).count, 5);
 }
 
 void TestRecording::stepsAreRound_data()
