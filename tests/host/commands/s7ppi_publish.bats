@@ -239,7 +239,7 @@ all_came() {
     tags name,address,type,scale,access,min,max Setpoint,VW10,i16,0.1,rw,5,90.5 Pump,V20.3,,,rw,, Seen,VW30,,,ro,, \
         Other,VW32,,,,, Label,VB40:str*5,,,rw,, Hall/Door,VB50*2,,,rw,, Word,VW60,,,rw,, Locked,V60.3,,,ro,,
     start s7ppi-sim
-    publish --port "$port" --write-rate 1000 "@$BATS_TEST_TMPDIR/tags.csv"
+    publish --port "$port" --metrics "$BATS_TEST_TMPDIR/press.prom" --write-rate 1000 "@$BATS_TEST_TMPDIR/tags.csv"
     eventually is_retained t/Setpoint '"value":0'
 
     [ "$(command_for Setpoint 21.5)" = '{"result":"done","value":21.5}' ]
@@ -263,6 +263,11 @@ all_came() {
     run -0 mosquitto_rr -p "$broker_port" -V 5 -t t/Pump/set -e t/Pump/set/result -m 0 -W 10 \
         -D publish correlation-data question-7 -F '%D %p'
     [[ "$output" == 'question-7 {"result":"done","value":false,'* ]]
+
+    kill -TERM "$publisher"
+    finish
+    [ "$(sample s7ppi_commands_refused_total)" = "6 $port 2" ]
+    [ "$(sample s7ppi_commands_done_total)" = "6 $port 2" ]
 }
 
 @test "garbage, retained and too many commands are refused, and nothing is written" {

@@ -124,6 +124,8 @@ void TestFindings::onlyNewLineErrorsCount()
     const LineErrors before = {7, 1, 0, 2};
     const LineErrors after = {10, 2, 2, 2};
     QCOMPARE(told(judgeLineErrors(before, before)), QString("ok: none /  / 0"));
+    QCOMPARE(told(judgeLineErrors(LineErrors(), LineErrors{0, 0, 1, 0})).section(" / ", 0, 0),
+             QString("warning: 1 lost character"));
     QVERIFY(
         told(judgeLineErrors(before, after))
             .startsWith("warning: 3 framing errors, 1 parity error, 2 lost characters / check baud rate"));

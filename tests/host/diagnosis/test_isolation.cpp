@@ -26,6 +26,8 @@ private slots:
     void theResultComesBackWhole();
     void whatItChangesStaysThere();
     void aCrashIsTold();
+    void signalsEndItWhateverTheProgramDoesWithThem_data();
+    void signalsEndItWhateverTheProgramDoesWithThem();
     void anEndOfTheProcessIsTold();
     void anExceptionIsNotLetOut();
     void whatTakesTooLongIsGivenUp();
@@ -62,6 +64,30 @@ void TestIsolation::aCrashIsTold()
         10s);
     QCOMPARE(textOf(end.failure), QString("it crashes: Segmentation fault"));
     QCOMPARE(end.result, QByteArray());
+}
+
+void TestIsolation::signalsEndItWhateverTheProgramDoesWithThem_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGQUIT") << SIGQUIT;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void TestIsolation::signalsEndItWhateverTheProgramDoesWithThem()
+{
+    QFETCH(int, number);
+    const auto before = std::signal(number, SIG_IGN);
+    const IsolatedEnd end = runIsolated(
+        [number]() -> QByteArray {
+            std::raise(number);
+            return "not reached";
+        },
+        10s);
+    std::signal(number, before);
+    QCOMPARE(end.result, QByteArray());
+    QVERIFY(textOf(end.failure).startsWith("it crashes: "));
 }
 
 void TestIsolation::anEndOfTheProcessIsTold()
