@@ -21,8 +21,7 @@ from pathlib import Path
 import points
 from build_plan import BuildPlan
 from reach import Reach
-from trial import (SCRIPT_COST, SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited,
-                   run_script)
+from trial import (SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited, run_script)
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutate"
@@ -130,7 +129,8 @@ def drawn(mutants, options):
 
 
 def costs_of(plan, tests):
-    """What each test takes of the processor without a mutant; it must pass. Kept while its programs stay the same."""
+    """What each test takes of the processor without a mutant, a script of the clock; it must pass. Kept while its
+    programs stay the same."""
     file = BUILD / "costs.json"
     known = json.loads(file.read_text()) if file.exists() else {}
 
@@ -152,9 +152,15 @@ def costs_of(plan, tests):
         note(test, reason, after.children_user + after.children_system - before.children_user - before.children_system)
     scripts = [test for test in new if test.is_script]
     with ThreadPoolExecutor(SCRIPTS_AT_ONCE) as pool:
-        for test, reason in zip(scripts, pool.map(lambda script: run_script(script, script.environment), scripts)):
-            note(test, reason, SCRIPT_COST)
+        for test, (reason, seconds) in zip(scripts, pool.map(timed_script, scripts)):
+            note(test, reason, seconds)
     return {test.name: known[key(test)] for test in tests}
+
+
+def timed_script(script):
+    before = time.monotonic()
+    reason = run_script(script, script.environment)
+    return reason, time.monotonic() - before
 
 
 def prove(plan, tests, costs, file):

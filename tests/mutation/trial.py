@@ -26,7 +26,8 @@ FILE_SIZE = 64 << 20
 LONG = 1  # second that a test takes: before, it is worth while to ask the compiler whether anything changed
 QUICK = 4  # functions that are tried before whole tests
 SCRIPT_COST = 8  # seconds of the processor that a script takes at most
-SCRIPTS_AT_ONCE = 14  # they mostly wait
+SCRIPTS_AT_ONCE = 14  # when nothing else is run; they mostly wait
+SCRIPTS_OF_A_MUTANT = 4  # at once: with the first that fails all end
 FEW_DRAWS = {  # of what scripts try by lot; s7ppi would tell others that it knows no such setting
     "s7ppi_stops_command_line": "S7PPI_STOP_RUNS=1",
     "s7ppi_killed_command_line": "S7PPI_KILLS=4",
@@ -51,7 +52,7 @@ class DoesNotLink(Exception):
 
 
 class Order:
-    """Which tests to run first for a file: those that killed its mutants, then the quick ones."""
+    """Which tests to run first for a file: those of its name or that killed its mutants, then the quick ones."""
 
     def __init__(self, costs):
         self.costs = costs  # seconds of each test without a mutant
@@ -238,7 +239,7 @@ class Worker:
                 stop.set()
             return reason
 
-        with ThreadPoolExecutor(SCRIPTS_AT_ONCE) as pool:
+        with ThreadPoolExecutor(SCRIPTS_OF_A_MUTANT) as pool:
             results = dict(zip(scripts, pool.map(result, scripts)))
         with self.alone:
             end_terminals()

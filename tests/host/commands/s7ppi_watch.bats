@@ -74,6 +74,12 @@ VB0 2" ]
     [ "$(values)" = "VB100 17" ]
 }
 
+@test "between its polls it waits for the interval, and no longer" {
+    run -0 --separate-stderr s7ppi watch --port sim --interval 300ms --for 2.5 --all VB100
+    [ "${#lines[@]}" -ge 4 ]
+    [ "${#lines[@]}" -le 9 ]
+}
+
 @test "with --for and --count whichever comes first ends it" {
     run --separate-stderr s7ppi watch --port sim --interval 1 --count 2 --for 31536000 VB100
     leave_out_lateness
