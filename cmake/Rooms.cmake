@@ -10,7 +10,8 @@
 # another copy's. Names in a room's unnamed namespaces have to differ; a missing include does not show.
 
 function(s7ppi_join_rooms result target)
-  if(NOT S7PPI_JOIN_ROOMS OR (S7PPI_JOIN_ROOMS STREQUAL "TESTS" AND NOT CMAKE_CURRENT_SOURCE_DIR MATCHES "^${PROJECT_SOURCE_DIR}/tests/"))
+  file(RELATIVE_PATH place ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  if(NOT S7PPI_JOIN_ROOMS OR (S7PPI_JOIN_ROOMS STREQUAL "TESTS" AND NOT place MATCHES "^tests/"))
     set(${result} ${ARGN} PARENT_SCOPE)
     return()
   endif()
