@@ -290,8 +290,8 @@ read VB0 -xyz|read has no option -xyz|s7ppi help read tells what it takes
 --baud read VB0|--baud needs a value; read behind it is the command|write --baud N: *
 -b read VB0|-b needs a value; read behind it is the command|write -b N: *
 read VB0 --baud|--baud needs a value|write --baud N: *
-read VB0 --baud 49|--baud: 49 is not a whole number from 50 to 4000000|s7ppi help lists commands and options
-read VB0 --baud 4000001|--baud: 4000001 is not a whole number from 50 to 4000000|s7ppi help lists commands and options
+check VB0 --baud 49|--baud: 49 is not a whole number from 50 to 4000000|s7ppi help lists commands and options
+check VB0 --baud 4000001|--baud: 4000001 is not a whole number from 50 to 4000000|s7ppi help lists commands and options
 read VB0 --port --verbose|--port needs a value; --verbose behind it is an option|write --port DEV: *
 read VB0 -vp|-p needs a value|write -p DEV: *
 read VB0 --station 2 -s 3|-s is given twice: 2 and 3|leave one of the two out
@@ -339,8 +339,8 @@ LINES
     [ "$output" = "VB100 17" ]
     [[ "$stderr" == *": 19200 baud, "* ]]
     [[ "$stderr" == *"-> poll of station 3"* ]]
-    run -0 s7ppi read -p sim --baud 50 VB100
-    run -0 s7ppi read -p sim --baud 4000000 VB100
+    run -0 s7ppi check --baud 50 VB100
+    run -0 s7ppi check --baud 4000000 VB100
     run --separate-stderr s7ppi watch -psim --interval 1ms --for 0.01s VB100
     [ "$status" -eq 0 ]
     [[ "${lines[0]}" == *" VB100 17" ]]
