@@ -6,7 +6,9 @@
 // linker puts these functions in the place of the C library's (--wrap).
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -23,13 +25,34 @@ void s7ppi_keep_counts(int signalNumber);
 
 namespace {
 
-// Where files are limited in size, the files of the counts would be cut; nothing is opened below a file.
-__attribute__((destructor)) void spareCountsOfOthers()
+// Where files are limited in size, the files of the counts would be cut.
+bool mayWriteCounts()
 {
     rlimit size = {};
     getrlimit(RLIMIT_FSIZE, &size);
-    if (size.rlim_cur != RLIM_INFINITY)
-        setenv("GCOV_PREFIX", "/dev/null", 1);
+    return size.rlim_cur == RLIM_INFINITY;
+}
+
+void dumpCounts()
+{
+    if (mayWriteCounts())
+        __gcov_dump();
+}
+
+// The last that exit() calls before the counts are written.
+void spareCountsOfOthers(int code, void *)
+{
+    if (mayWriteCounts())
+        return;
+    std::cout.flush();
+    std::fflush(nullptr);
+    __real__exit(code);
+}
+
+// In front of all other constructors, so that what they have made is destroyed when the function is called.
+__attribute__((constructor(101))) void prepareToSpare()
+{
+    on_exit(spareCountsOfOthers, nullptr);
 }
 
 // A failed assertion aborts inside Qt.
@@ -42,15 +65,13 @@ __attribute__((constructor)) void keepCountsOfAborts()
 
 void __wrap__exit(int code)
 {
-    spareCountsOfOthers();
-    __gcov_dump();
+    dumpCounts();
     __real__exit(code);
 }
 
 int __wrap_raise(int signalNumber)
 {
-    spareCountsOfOthers();
-    __gcov_dump();
+    dumpCounts();
     return __real_raise(signalNumber);
 }
 
