@@ -262,6 +262,8 @@ LINES
     serve_script "exec cat >/dev/null"
     free_port
     for how in "--port $server --timeout 5min" "--port tcp:127.0.0.1:$free --reconnect"; do
+        # What the one before told would look as if this one had begun, and did not ignore the signal any more.
+        : >"$BATS_TEST_TMPDIR/messages"
         # shellcheck disable=SC2086
         s7ppi read $how -v VB100 2>"$BATS_TEST_TMPDIR/messages" 3>&- &
         background+=($!)
