@@ -21,7 +21,8 @@ from pathlib import Path
 import points
 from build_plan import BuildPlan
 from reach import Reach
-from trial import (SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited, run_script)
+from trial import (SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited, run_script,
+                   write_whole)
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutate"
@@ -180,13 +181,6 @@ def prove(plan, tests, costs, file):
     if killer:
         sys.exit(f"mutate: {file} fails without a change, in {killer}\nagain: scripts/mutate {file.split('/')[0]} {file}")
     proved.touch()
-
-
-def write_whole(path, text):
-    """Whole or not at all, whenever the machine goes down."""
-    new = path.with_suffix(".new")
-    new.write_text(text)
-    new.replace(path)
 
 
 class Results:

@@ -19,7 +19,7 @@ import tempfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-from trial import SCRIPTS_AT_ONCE
+from trial import SCRIPTS_AT_ONCE, write_whole
 
 FUNCTION, ARCS = 0x01000000, 0x01A10000  # tags of a gcc 12 file of counts
 NOTE = re.compile(r"FUNCTION ident=(\d+), .*' (\S+):(\d+):\d+-(\d+):\d+$")
@@ -54,9 +54,7 @@ class Reach:
     def remembered(self, name, make):
         file = self.place / name
         if not file.exists():
-            new = file.with_suffix(".new")
-            new.write_text(json.dumps(make()))
-            new.replace(file)
+            write_whole(file, json.dumps(make()))
         return json.loads(file.read_text())
 
     def places_of_functions(self):

@@ -337,6 +337,13 @@ def run_script(test, environment, stop=None):
     return run_limited(test.command, test.directory, [*environment, *few], SCRIPT_COST, stop)
 
 
+def write_whole(path, text):
+    """Whole or not at all, whenever the machine goes down."""
+    new = path.with_suffix(".new")
+    new.write_text(text)
+    new.replace(path)
+
+
 def adopt_orphans():
     """A server of terminals leaves the group of the script that started it; it is this process's child then."""
     ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1)
