@@ -47,6 +47,14 @@ refuses() {
     refuses host/items/item.cpp '#include "host/driver/plugin.h"' "host/items may include: items text base"
 }
 
+@test "the library includes nothing of the programs around it" {
+    local program
+    for program in host/base/options simulator/simulator common/duration tests/support/hex; do
+        cp "$BATS_TEST_DIRNAME/../../runtime/drivers/tools/pack.cpp" runtime/drivers/tools/pack.cpp
+        refuses runtime/drivers/tools/pack.cpp "#include \"$program.h\"" "the library stands by itself"
+    done
+}
+
 @test "a room does not include one beside it" {
     refuses host/dump/dump_file.h '#include "host/frames/wire.h"' "host/dump may include: dump items text base"
 }
