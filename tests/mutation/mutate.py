@@ -8,64 +8,64 @@ import fcntl
 import hashlib
 import json
 import math
-import os
 import re
+import signal
 import sys
 import threading
 import time
 from collections import Counter
-from concurrent.futures import ProcessPoolExecutor, ThreadPoolExecutor
+from concurrent.futures import ProcessPoolExecutor
 from itertools import chain, repeat, takewhile
 from pathlib import Path
 
 import points
-from build_plan import BuildPlan
-from reach import Reach
-from trial import (SCRIPTS_AT_ONCE, DoesNotLink, Order, Outcome, Worker, adopt_orphans, run_limited, run_script,
-                   write_whole)
+from programs import Programs
+from switches import apart
+from trial import SCRIPTS_AT_ONCE, Outcome, Trials, adopt_orphans, end_children, write_whole
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutate"
-COUNTING = ROOT / "build/coverage-programs"
 RESULTS = BUILD / "results.tsv"
 PAGE = ROOT / "docs/testing.md"
 
-# What is changed, the tests that must see it, and how much of it they must see, in percent.
+# How much of what is changed the tests must see, in percent, and the rooms of these tests.
 PARTS = {
-    "runtime": (["runtime"], ["tests/unit", "tests/exchange", "tests/property", "tests/fault", "tests/regressions"], 97),
-    "host": (["host"], ["tests/host", "tests/property", "tests/system", "tests/regressions"], 85),
-    "simulator": (["simulator"], ["tests/simulator", "tests/property", "tests/system", "tests/regressions"], 85),
+    "runtime": (97, ("unit", "exchange", "fault", "property", "regressions")),
+    "host": (85, ("host", "system", "property", "regressions")),
+    "simulator": (85, ("simulator", "system", "property", "regressions")),
 }
-FOLDERS = ["runtime", "host", "simulator", "common", "tests"]  # what is compiled
-LIVING = ("survived", "open")
-COUNTED = ("killed", *LIVING)
+COUNTED = ("killed", "survived")
+ROUND = 1000  # mutants at most that are compiled together
+SPARE = 1.08  # more than are missing, as some do not compile
 
 
 def main():
     options = arguments()
-    folders, test_folders, goal = PARTS[options.part]
-    plan = BuildPlan(ROOT, BUILD)
-    mutants = drawn(all_mutants(plan, folders), options)
+    goal, rooms = PARTS[options.part]
+    BUILD.mkdir(parents=True, exist_ok=True)
+    lock = (BUILD / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit("mutate: another run is at work in build/mutate; wait for it")
+    programs = Programs(ROOT, BUILD, [f"tests/{room}/all" for room in rooms] + ["s7ppi", "s7ppi-sim"])
+    mutants = drawn(all_mutants(programs, options.part), options)
     if not mutants:
         sys.exit("mutate: nothing there can be changed")
     if options.list:
         for m in mutants:
             print(f"{m.file}:{m.line}:{m.column}: {m.kind}: {m.function}: {m.change}")
         return 0
-    tests = plan.tests(test_folders)
     results = Results(RESULTS)
     if not options.summary:
-        lock = (BUILD / "lock").open("w")
-        try:
-            fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-        except BlockingIOError:
-            sys.exit("mutate: another run is at work in build/mutate; wait for it, or use its --jobs")
         adopt_orphans()
-        costs = costs_of(plan, tests)
-        prove(plan, tests, costs, mutants[0].file)
-        scripts = [test for test in tests if test.is_script]
-        reach = Reach(plan, COUNTING, FOLDERS[:-1], scripts) if scripts else None
-        Session(plan, tests, costs, reach, results, options).run(mutants)
+        signal.signal(signal.SIGTERM, lambda *_: sys.exit(128 + signal.SIGTERM))
+        try:
+            Session(programs, tuple(f"tests/{room}" for room in rooms), results, options).run(mutants)
+        except KeyboardInterrupt:
+            sys.exit("\nmutate: what is known stays known; the same command goes on")
+        finally:
+            end_children()
     return summary(mutants, results, options, goal)
 
 
@@ -73,7 +73,7 @@ def arguments():
     parser = argparse.ArgumentParser(
         prog="scripts/mutate",
         description="Changes the code in one place at a time and looks whether a test fails. What is known already is "
-        "not tried again: a run that was interrupted goes on. The tree is only read.",
+        "not tried again: a run that was interrupted goes on. The tree is only read, and copied.",
         epilog="Example: scripts/mutate runtime --draw 500 --jobs 2; scripts/mutate runtime --kind 'error return'; "
         "scripts/mutate runtime runtime/drivers/tools/pack.cpp. Ends with 1 when a goal is missed or a mutant lives "
         "that docs/testing.md does not judge.")
@@ -85,9 +85,8 @@ def arguments():
     parser.add_argument("--seed", type=int, default=1, help="of the draw (%(default)s)")
     parser.add_argument("--minutes", type=float, default=math.inf, help="begin no mutant after so many minutes")
     parser.add_argument("--jobs", type=int, default=1, help="mutants that are tried at a time (%(default)s)")
-    parser.add_argument("--short", action="store_true",
-                        help="only the tests that take less than a second; what they leave alive is tried again without this")
-    parser.add_argument("--again", action="store_true", help="try again those that lived; after tests were added")
+    parser.add_argument("--again", action="store_true",
+                        help="try again those that lived and are not judged; after tests were added")
     parser.add_argument("--list", action="store_true", help="print the mutants and try none")
     parser.add_argument("--summary", action="store_true", help="tell what is known and try none")
     options = parser.parse_args()
@@ -98,18 +97,20 @@ def arguments():
     return options
 
 
-def all_mutants(plan, folders):
+def all_mutants(programs, part):
     """Of the sources and, once each, of the headers that they include; remembered, as parsing takes minutes."""
-    sources = plan.sources(folders)
-    headers = sorted(h for h in plan.includers() if h.startswith(tuple(f + "/" for f in folders)) and h.endswith(".h"))
+    sources, headers = programs.sources(part), programs.headers(part)
     everything = hashlib.sha256(Path(points.__file__).read_bytes())
     for file in sources + headers:
         everything.update(file.encode() + (ROOT / file).read_bytes())
     remembered = BUILD / f"points-{everything.hexdigest()[:16]}.json"
     if not remembered.exists():
+        tell("building the tree as it is, and looking for what can be changed; that takes some minutes")
+        programs.make()
         found = {}
         with ProcessPoolExecutor() as pool:
-            some = pool.map(points.mutants_of, repeat(ROOT), sources, map(plan.for_clang, sources), repeat(headers))
+            places = repeat(programs.tree)
+            some = pool.map(points.mutants_of, places, sources, map(programs.for_clang, sources), repeat(headers))
             for mutant in chain.from_iterable(some):
                 found.setdefault(mutant.identity, mutant)
         write_whole(remembered, json.dumps([vars(mutant) for mutant in found.values()]))
@@ -127,60 +128,6 @@ def drawn(mutants, options):
         return hashlib.sha256("\0".join((str(options.seed), *mutant.identity)).encode()).digest()
 
     return sorted(mutants, key=lot)
-
-
-def costs_of(plan, tests):
-    """What each test takes of the processor without a mutant, a script of the clock; it must pass. Kept while its
-    programs stay the same."""
-    file = BUILD / "costs.json"
-    known = json.loads(file.read_text()) if file.exists() else {}
-
-    def key(test):
-        return " ".join((test.name, *(str((BUILD / program).stat().st_mtime_ns) for program in test.programs)))
-
-    def note(test, reason, cost):
-        if reason:
-            sys.exit(f"mutate: {test.name} fails without a mutant: {reason}\n"
-                     f"again: ctest --test-dir build/mutate -R '^{test.name}$' --output-on-failure")
-        known[key(test)] = cost
-        write_whole(file, json.dumps(known))
-
-    new = [test for test in tests if key(test) not in known]
-    for test in (test for test in new if not test.is_script):
-        before = os.times()
-        reason = run_limited(list(test.command), test.directory, test.environment, 60)
-        after = os.times()
-        note(test, reason, after.children_user + after.children_system - before.children_user - before.children_system)
-    scripts = [test for test in new if test.is_script]
-    with ThreadPoolExecutor(SCRIPTS_AT_ONCE) as pool:
-        for test, (reason, seconds) in zip(scripts, pool.map(timed_script, scripts)):
-            note(test, reason, seconds)
-    return {test.name: known[key(test)] for test in tests}
-
-
-def timed_script(script):
-    before = time.monotonic()
-    reason = run_script(script, script.environment)
-    return reason, time.monotonic() - before
-
-
-def prove(plan, tests, costs, file):
-    """A file that is compiled and linked as a mutant, but without a change, must pass all tests: whatever fails then
-    would count as having killed. Kept while the programs stay the same."""
-    proof = hashlib.sha256((ROOT / file).read_bytes())
-    for program in sorted({program for test in tests for program in test.programs}):
-        proof.update(f"{program} {(BUILD / program).stat().st_mtime_ns}".encode())
-    proved = BUILD / f"proved-{proof.hexdigest()[:16]}"
-    if proved.exists():
-        return
-    worker = Worker(plan, BUILD / "work/proof", FOLDERS)
-    try:
-        killer = worker.killer_of_nothing(file, tests, costs)
-    except DoesNotLink:
-        killer = "(the linker)"
-    if killer:
-        sys.exit(f"mutate: {file} fails without a change, in {killer}\nagain: scripts/mutate {file.split('/')[0]} {file}")
-    proved.touch()
 
 
 class Results:
@@ -212,23 +159,76 @@ class Results:
 
 
 class Session:
-    """Several workers that take mutants from the top until there are no more, or enough, or no time."""
+    """Rounds of mutants that are compiled together; several workers take them from the top until there are no more, or
+    enough, or no time."""
 
-    def __init__(self, plan, tests, costs, reach, results, options):
-        self.plan, self.tests, self.reach, self.results, self.options = plan, tests, reach, results, options
-        self.order = Order(costs)
+    def __init__(self, programs, test_folders, results, options):
+        self.programs, self.test_folders, self.results, self.options = programs, test_folders, results, options
         self.lock = threading.Lock()
         self.end = time.monotonic() + options.minutes * 60
-        self.counted = 0
+        self.tried = set()  # in this session
+        self.judged = judged()
         self.fault = None  # of a worker, which ends the others, too
 
     def run(self, mutants):
+        while (some := self.unknown(mutants)) and time.monotonic() < self.end:
+            taken, _ = apart(some)
+            numbered = dict(enumerate(taken, 1))
+            tell(f"building {len(taken)} mutants")
+            alone, probed = self.programs.make_with(numbered)
+            tell(f"running all tests without a mutant; {len(alone)} mutants will be compiled by themselves")
+            trials = Trials(self.programs.tests(self.test_folders), len(taken))
+            tell(f"trying {len(taken)} mutants")
+            for mutant in mutants:
+                known = self.results.of(mutant)
+                if known and known.word == "killed":
+                    trials.note(mutant.file, known.killer)
+            self.try_all({n: m for n, m in numbered.items() if n not in alone}, trials, mutants)
+            for number in sorted(alone):
+                if not self.is_enough(mutants):
+                    self.try_alone(numbered[number], number if number in probed else None, trials)
+
+    def unknown(self, mutants):
+        """Those to be tried next, from the top: as many as are missing, and some more."""
+        some, counted = [], 0
         for mutant in mutants:
-            known = self.results.of(mutant)
-            if known and known.word == "killed":
-                self.order.note(mutant.file, known.killer)
-        self.waiting = iter(mutants)
-        threads = [threading.Thread(target=self.work, args=(number,), daemon=True) for number in range(self.options.jobs)]
+            if len(some) == ROUND or (self.options.draw and counted + len(some) / SPARE >= self.options.draw):
+                break
+            if self.is_to_be_tried(mutant):
+                some.append(mutant)
+            else:
+                counted += self.results.of(mutant).word in COUNTED
+        return some
+
+    def is_to_be_tried(self, mutant):
+        known = self.results.of(mutant)
+        if not known or known.word != "survived":
+            return not known
+        return self.options.again and mutant.identity not in self.tried and mutant.identity not in self.judged
+
+    def is_enough(self, mutants):
+        known = takewhile(lambda m: not self.is_to_be_tried(m), mutants)
+        counted = sum(self.results.of(m).word in COUNTED for m in known)
+        drawn = self.options.draw and counted >= self.options.draw
+        return self.fault or drawn or time.monotonic() >= self.end
+
+    def try_all(self, numbered, trials, mutants):
+        waiting = iter(numbered.items())
+
+        def work():
+            try:
+                while True:
+                    with self.lock:
+                        number, mutant = next(waiting, (0, None))
+                        if not mutant or self.is_enough(mutants):
+                            return
+                    begin = time.monotonic()
+                    killer = trials.killer(mutant, number, trials.coming_to(number))
+                    self.note(mutant, killer, begin, trials)
+            except Exception as fault:
+                self.fault = fault
+
+        threads = [threading.Thread(target=work, daemon=True) for _ in range(self.options.jobs)]
         for thread in threads:
             thread.start()
         for thread in threads:
@@ -236,46 +236,41 @@ class Session:
         if self.fault:
             raise self.fault
 
-    def next(self):
+    def try_alone(self, mutant, probe, trials):
+        begin = time.monotonic()
+        if not self.programs.make_alone(mutant):
+            self.add(mutant, Outcome("broken", "", time.monotonic() - begin))
+            return
+        tests = trials.coming_to(probe) if probe else list(trials.costs)
+        self.note(mutant, trials.killer(mutant, 0, tests, SCRIPTS_AT_ONCE), begin, trials)
+
+    def note(self, mutant, killer, begin, trials):
+        if killer:
+            trials.note(mutant.file, killer)
+            word = "killed"
+        else:
+            word = "same" if self.is_same_code(mutant) else "survived"
+        self.add(mutant, Outcome(word, killer or "", time.monotonic() - begin))
+
+    def is_same_code(self, mutant):
+        """Whether the optimised code is that of the original: then no test can tell them apart."""
+        if mutant.file not in self.programs.compilations:
+            return False
+        source = (ROOT / mutant.file).read_bytes()
         with self.lock:
-            if self.fault:
-                return None
-            for mutant in self.waiting:
-                if self.options.draw and self.counted >= self.options.draw:
-                    return None
-                known = self.results.of(mutant)
-                if known and not self.is_to_be_tried_again(known):
-                    self.counted += known.word in COUNTED
-                    continue
-                return mutant if time.monotonic() < self.end else None
-            return None
+            before, after = (self.programs.optimised(mutant.file, some) for some in (source, points.apply(source, mutant)))
+        return before is not None and before == after
 
-    def is_to_be_tried_again(self, known):
-        return (self.options.again and known.word in LIVING) or (not self.options.short and known.word == "open")
+    def add(self, mutant, outcome):
+        with self.lock:
+            self.tried.add(mutant.identity)
+            self.results.add(mutant, outcome)
+            if outcome.word == "survived":
+                print(f"{mutant.file}:{mutant.line}:{mutant.column}: {mutant.change}", flush=True)
 
-    def work(self, number):
-        try:
-            self.try_all(number)
-        except Exception as fault:
-            self.fault = fault
 
-    def try_all(self, number):
-        worker = Worker(self.plan, BUILD / f"work/{number}", FOLDERS)
-        while mutant := self.next():
-            outcome = worker.try_mutant(mutant, self.tests_for(mutant), self.order, self.options.short)
-            with self.lock:
-                self.counted += outcome.word in COUNTED
-                if outcome.word == "killed":
-                    self.order.note(mutant.file, outcome.killer)
-                self.results.add(mutant, outcome)
-                if outcome.word in LIVING:
-                    print(f"{mutant.file}:{mutant.line}:{mutant.column}: {mutant.change}", flush=True)
-
-    def tests_for(self, mutant):
-        if not self.reach:
-            return self.tests
-        scripts = self.reach.scripts_for(mutant, [test for test in self.tests if test.is_script])
-        return [test for test in self.tests if not test.is_script] + scripts
+def tell(text):
+    print(f"mutate: {text}", file=sys.stderr, flush=True)
 
 
 def judged():
@@ -304,7 +299,7 @@ def summary(mutants, results, options, goal):
             print(row([o for m, o in counted if of(m) == name], name))
         print(row([o for _, o in counted], "all"))
     known = judged()
-    lived = [m for m, o in counted if o.word in LIVING]
+    lived = [m for m, o in counted if o.word == "survived"]
     new = [m for m in lived if m.identity not in known]
     for title, some in (("Judged in docs/testing.md", [m for m in lived if m.identity in known]), ("Not judged", new)):
         if some:

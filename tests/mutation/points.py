@@ -60,6 +60,10 @@ class Mutant:
     start: int
     end: int
     text: str
+    first: int  # to last: the expression or statement around, in the place of which stands a choice of the two
+    last: int
+    choice: str  # how it is written, see switches.py
+    body: int  # where that of the function begins, behind its brace; -1 outside of functions
     kind: str
     line: int
     column: int
@@ -81,8 +85,16 @@ def mutants_of(root, file, arguments, headers):
     for cursor in unit.cursor.get_children():
         finder = finders.get(cursor.location.file.name if cursor.location.file else None)
         if finder:
-            finder.visit(cursor, "", None)
+            finder.visit(cursor, Scope("", -1))
     return [mutant for finder in finders.values() for mutant in finder.numbered()]
+
+
+@dataclass(frozen=True)
+class Scope:
+    """The function that a place is in."""
+
+    name: str
+    body: int
 
 
 class Finder:
@@ -100,12 +112,12 @@ class Finder:
             seen[mutant.identity] = count = seen.get(mutant.identity, 0) + 1
             yield mutant if count == 1 else replaced(mutant, change=f"{mutant.change} #{count}")
 
-    def visit(self, cursor, function, parent):
+    def visit(self, cursor, function):
         if cursor.location.file and cursor.location.file.name != self.path:
             return
-        if cursor.kind in FUNCTIONS:
-            function = cursor.spelling
         children = list(cursor.get_children())
+        if cursor.kind in FUNCTIONS:
+            function = Scope(cursor.spelling, self.body_of(children))
         self.operators(cursor, children, function)
         self.constants(cursor, function)
         self.statements(cursor, children, function)
@@ -117,9 +129,15 @@ class Finder:
         if cursor.kind == CursorKind.RETURN_STMT:
             self.ignored_operands(children, function)
         if cursor.kind == CursorKind.CXX_THROW_EXPR and cursor.extent.start.offset < cursor.extent.end.offset:
-            self.add("error return", cursor, "static_cast<void>(0)", function)
+            self.add("error return", cursor, "static_cast<void>(0)", function, "statement")
         for child in children:
-            self.visit(child, function, cursor)
+            self.visit(child, function)
+
+    def body_of(self, children):
+        if not children or children[-1].kind != CursorKind.COMPOUND_STMT:
+            return -1
+        start = self.start_of(children[-1])
+        return -1 if start is None or self.source[start : start + 1] != b"{" else start + 1
 
     # What is changed.
 
@@ -152,7 +170,7 @@ class Finder:
             return
         operator = self.text(start, end).strip()
         if operator == "!":
-            self.change("logic", cursor, start, operator, "", function)
+            self.change("logic", cursor, start, operator, "", function, choice="condition")
         elif operator in ("++", "--"):
             self.change("arithmetic", cursor, start, operator, {"++": "--", "--": "++"}[operator], function)
         elif start == end:  # behind its operand
@@ -205,14 +223,16 @@ class Finder:
             if inner.kind == CursorKind.DO_STMT and self.text_of(inner).startswith("do"):
                 continue
             if inner.kind in DROPPED or (inner.kind == CursorKind.RETURN_STMT and not list(inner.get_children())):
-                self.add("statement", body, "static_cast<void>(0)", function)
+                self.add("statement", body, "static_cast<void>(0)", function, "statement")
 
     def steps(self, cursor, children, function):
         """One more and one less: what is returned, handed over, assigned, and compared with."""
+        choice = "value"
         if cursor.kind == CursorKind.RETURN_STMT:
             values = children
         elif cursor.kind == CursorKind.CALL_EXPR and not cursor.spelling.startswith("operator"):
             values = list(cursor.get_arguments())
+            choice = "argument"
         elif cursor.kind in (CursorKind.BINARY_OPERATOR, CursorKind.COMPOUND_ASSIGNMENT_OPERATOR):
             values = children[1:]
         else:
@@ -228,7 +248,7 @@ class Finder:
             text = self.text_of(value)
             if text:
                 for step in ("+ 1", "- 1"):
-                    self.add("step", value, f"({text}) {step}", function)
+                    self.add("step", value, f"({text}) {step}", function, choice)
 
     def error_returns(self, children, function):
         """The way out that a condition leads to, and the condition that is asked but not minded."""
@@ -240,7 +260,7 @@ class Finder:
         if any(c.kind == CursorKind.CALL_EXPR for c in condition.walk_preorder()):
             text = self.text_of(condition)
             if text and condition.kind != CursorKind.DECL_STMT and condition.kind != CursorKind.VAR_DECL:
-                self.add("error return", condition, f"(static_cast<void>({text}), false)", function)
+                self.add("error return", condition, f"(static_cast<void>({text}), false)", function, "condition")
 
     def drop_exit(self, branch, function):
         last = bare(branch)
@@ -250,7 +270,7 @@ class Finder:
                 return False
             last = bare(inside[-1])
         if last.kind == CursorKind.RETURN_STMT:
-            self.add("error return", last, "static_cast<void>(0)", function)
+            self.add("error return", last, "static_cast<void>(0)", function, "statement")
             return True
         return last.kind == CursorKind.CXX_THROW_EXPR
 
@@ -270,7 +290,7 @@ class Finder:
                 if any(c.kind == CursorKind.CALL_EXPR for c in operand.walk_preorder()):
                     text = self.text_of(operand)
                     if text and "&&" not in text:
-                        self.add("error return", operand, f"(static_cast<void>({text}), true)", function)
+                        self.add("error return", operand, f"(static_cast<void>({text}), true)", function, "condition")
 
     # Where it stands. Nothing, where a macro stands between.
 
@@ -291,7 +311,7 @@ class Finder:
 
     # What is noted.
 
-    def add(self, kind, cursor, text, function):
+    def add(self, kind, cursor, text, function, choice):
         """The whole of the cursor becomes the text."""
         old = self.text_of(cursor)
         if not old.strip():
@@ -299,25 +319,29 @@ class Finder:
         shown = {"static_cast<void>(0)": "dropped"}.get(text, flat(text))
         if kind == "error return" and text.startswith("(static_cast"):
             shown = "ignored"
-        self.note(kind, self.start_of(cursor), self.end_of(cursor), text, function, f"{flat(old)} -> {shown}")
+        whole = (self.start_of(cursor), self.end_of(cursor))
+        self.note(kind, whole, text, whole, choice, function, f"{flat(old)} -> {shown}")
 
-    def change(self, kind, cursor, start, old, new, function, around=0):
+    def change(self, kind, cursor, start, old, new, function, around=0, choice="value"):
         """In the cursor, or in the line for what is too small to be known by itself, old becomes new."""
-        first, last = self.start_of(cursor), self.end_of(cursor)
+        whole = first, last = self.start_of(cursor), self.end_of(cursor)
         if first is None or last is None or not self.source[start:].startswith(old.encode()):
             return
+        end = start + len(old.encode())
         if around:
             first = self.source.rfind(b"\n", 0, start) + 1
-            last = max(self.source.find(b"\n", start), start + len(old.encode()))
+            last = max(self.source.find(b"\n", start), end)
         before = flat(self.text(first, last))
-        after = flat(self.text(first, start) + new + self.text(start + len(old.encode()), last))
-        self.note(kind, start, start + len(old.encode()), new, function, f"{before} -> {after}")
+        after = flat(self.text(first, start) + new + self.text(end, last))
+        self.note(kind, (start, end), new, whole, choice, function, f"{before} -> {after}")
 
-    def note(self, kind, start, end, text, function, change):
+    def note(self, kind, place, text, whole, choice, function, change):
+        start = place[0]
         line = self.source.count(b"\n", 0, start) + 1
         column = start - self.source.rfind(b"\n", 0, start)
-        mutant = Mutant(self.file, self.digest, start, end, text, kind, line, column, function, change)
-        self.found.setdefault((start, end, text), mutant)
+        mutant = Mutant(self.file, self.digest, *place, text, *whole, choice, function.body, kind, line, column,
+                        function.name, change)
+        self.found.setdefault((*place, text), mutant)
 
 
 def bare(cursor):
