@@ -60,6 +60,7 @@ private slots:
     void aGroupIsOneMessage();
     void everythingIsPublishedAgainForANewBroker();
     void homeAssistantFindsEachItem();
+    void identifiersHaveLettersDigitsAndNothingElse();
 
 private:
     void begin(PayloadForm form = PayloadForm::Record);
@@ -207,6 +208,14 @@ void TestItemMessages::homeAssistantFindsEachItem()
     QCOMPARE(number["min"].get<double>(), 5.0);
     QCOMPARE(number["max"].get<double>(), 90.0);
     QVERIFY(!Json::parse(records.front().payload.toStdString()).contains("command_topic"));
+}
+
+void TestItemMessages::identifiersHaveLettersDigitsAndNothingElse()
+{
+    const std::vector<Message> records = discoveryMessages(
+        tags(), intervals(), Topics("azAZ09-_/@[`{:.\u00e4"), PayloadForm::Record, "homeassistant");
+    QCOMPARE(records.front().topic,
+             QByteArray("homeassistant/sensor/azAZ09-_-_40_5b_60_7b_3a_2e_c3_a4/Level/config"));
 }
 
 TEST_CLASS(TestItemMessages)

@@ -5,6 +5,9 @@
 
 #include "host/cli/command_line.h"
 
+#include "host/base/options.h"
+#include "host/cli/common_options.h"
+
 #include <CLI/CLI.hpp>
 
 #include <QtTest>
@@ -37,6 +40,8 @@ private slots:
     void textsAreTakenInTheirOrder();
     void aChoiceIsOneOfItsWords();
     void aTextThatMustBeGivenIsMissed();
+    void aPauseThatIsNotGivenIsNone_data();
+    void aPauseThatIsNotGivenIsNone();
 };
 
 void TestCommandLine::aTextIsTakenInUtf8()
@@ -91,6 +96,27 @@ void TestCommandLine::aTextThatMustBeGivenIsMissed()
     QString file;
     addText(app, "file", file, "FILE", "a file");
     QVERIFY_EXCEPTION_THROWN(parse(app, {}), CLI::RequiredError);
+}
+
+void TestCommandLine::aPauseThatIsNotGivenIsNone_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("after");
+    QTest::newRow("--rs485") << 0 << 0;
+    QTest::newRow("--rs485=before=3") << 3 << 0;
+    QTest::newRow("--rs485=after=4") << 0 << 4;
+    QTest::newRow("--rs485=after=4,before=3") << 3 << 4;
+}
+
+void TestCommandLine::aPauseThatIsNotGivenIsNone()
+{
+    CLI::App app;
+    Options options;
+    declareCommonOptions(app, options);
+    parse(app, {QTest::currentDataTag()});
+    QVERIFY(options.rs485.has_value());
+    QTEST(options.rs485->before, "before");
+    QTEST(options.rs485->after, "after");
 }
 
 QTEST_APPLESS_MAIN(TestCommandLine)

@@ -217,6 +217,11 @@ VB9    0" ]
 s7ppi: nothing was written" ]
     [ ! -s output ]
     [ "$(values VB0)" = 0 ]
+    s7ppi dump -q --port sim VB100..VB103 -o other.dump
+    in_terminal '\n' load --port "$port" --confirm other.dump
+    [ "$status" -eq 9 ]
+    [[ "$screen" == *"Write this? [y/N] "*"s7ppi: nothing was written" ]]
+    [ "$(values VB100)" = 17 ]
 }
 
 @test "130: Ctrl-C at the question writes nothing" {

@@ -107,6 +107,17 @@ all together
     [ "$(jq -c '.items[] | [.text, .address, .valid]' <<<"$output")" = "[\"@$tags:Input\",\"AIW2\",true]" ]
 }
 
+@test "2: a tag file without a column that it needs" {
+    cd "$BATS_TEST_TMPDIR"
+    printf 'name\nBoiler\n' >tags.csv
+    run --separate-stderr s7ppi check @tags.csv
+    [ "$status" -eq 2 ]
+    [ "${stderr_lines[0]}" = "s7ppi: tags.csv:1: the column address is missing" ]
+    printf 'Boiler,VW100\n' >tags.csv
+    run --separate-stderr s7ppi check @tags.csv
+    [ "${stderr_lines[0]}" = "s7ppi: tags.csv:1: the column name is missing" ]
+}
+
 @test "what a tag file says of writing is shown" {
     cd "$BATS_TEST_TMPDIR"
     printf '%s\n' name,address,unit,access,min,max Boiler,VW100,°C,rw,5.5,90.5 Status,VB1,,ro,, Level,VB2,mm,,,7.5 \

@@ -86,6 +86,13 @@ listed() {
     done
 }
 
+@test "zsh: the names of an option leave each other out" {
+    s7ppi completion zsh >"$BATS_TEST_TMPDIR/_s7ppi"
+    grep -qF "'(-h --help)'{-h,--help}'[Show this and end]'" "$BATS_TEST_TMPDIR/_s7ppi"
+    grep -qF "'*:word:(bash zsh fish)'" "$BATS_TEST_TMPDIR/_s7ppi"
+    grep -qE -- "--parity'\[.*\]:word:\(none odd even mark space\)'" "$BATS_TEST_TMPDIR/_s7ppi"
+}
+
 @test "zsh: the script completes from the first time on, loaded as a function or run" {
     local stubs='compdef() { print -r -- "$@"; }; _arguments() { print -r -- asked; }; '
     s7ppi completion zsh -o "$BATS_TEST_TMPDIR/_s7ppi"

@@ -178,6 +178,8 @@ verbose +off +file, $settings:4
 plugin +/.*/libs7_200_ppi.so +default
 LINES
     [ "$(sed '1,/^settings$/d' <<<"$output" | wc -l)" -eq 21 ]
+    run -0 s7ppi doctor --port "$port" --station 5 --reads 1
+    grep -qxE " +parity +even +plug-in" <<<"$output"
     run --separate-stderr s7ppi doctor --port sim --plugin /no/such.so --json
     [ "$status" -eq 7 ]
     [ "$(jq -c '.settings[] | select(.setting == "baud" or .setting == "plugin")' <<<"$output")" = \

@@ -116,6 +116,7 @@ VB100  17" ]
             [[ "${stderr_lines[0]}" == "s7ppi: "*"--block"* ]]
         done
     done
+    [[ "$(s7ppi read --help)" == *"(1 to 222; default 222)"* ]]
     run --separate-stderr s7ppi dump --port sim --no-merge VB0..VB9 -o x
     [ "$status" -eq 2 ]
 }

@@ -9,6 +9,14 @@
 
 load common
 
+@test "describe --json has every way in which an area is named, and the limits" {
+    local described
+    described=$(s7ppi describe --json)
+    [ "$(jq -c '[.areas[] | select(.area == "V") | .addresses[] | [.first, .last, .type, .writable]]' <<<"$described")" = \
+        '[["V0.0","V2097151.7","bool",true],["VB0","VB2097151","u8",true],["VW0","VW2097150","u16",true],["VD0","VD2097148","u32",true]]' ]
+    [ "$(jq -c '.limits' <<<"$described")" = '{"firstStation":1,"lastStation":126,"readBytes":222,"writeBytes":212}' ]
+}
+
 @test "every form of what is read" {
     run --separate-stderr s7ppi read --port sim --format json VB100 V100.0*2
     [ "$(timeless "$output")" = '{

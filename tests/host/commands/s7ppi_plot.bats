@@ -62,6 +62,15 @@ fills_the_picture() {
     eventually shows '(-2 s +-1|-4 s +-2|-10 s +-5|-20 s +-10) s +now$' # a slow machine draws some of these only
 }
 
+@test "2: a span of less than a second, or of more than a day" {
+    local span
+    for span in 999ms 86401s 0; do
+        run --separate-stderr s7ppi watch --port sim --plot --span "$span" VW100
+        [ "$status" -eq 2 ]
+        [[ "${stderr_lines[0]}" == *"--span"* ]]
+    done
+}
+
 @test "without dots in the locale the curves are ASCII" {
     on_terminal C "s7ppi watch --port sim --plot --span 1 --interval 20 VW100"
     eventually shows '^VW100  4386'

@@ -98,6 +98,9 @@ signed() {
     run -10 s7ppi "${arguments[@]}" --ca right.pem
     [[ "$output" == *"s7ppi: no secure connection with $url: "*certificate* ]]
     run -10 s7ppi "${arguments[@]}" --ca right.pem --cert client.pem --key stranger.key
+    run -2 s7ppi publish --port sim --broker mqtt://127.0.0.1 --topic t --count 0 VB100
+    run -2 s7ppi publish --port sim --broker mqtt://127.0.0.1 --topic t --ca right.pem VB100
+    [ "${lines[0]}" = "s7ppi: --ca and --cert are for secure connections" ]
     run -2 s7ppi "${arguments[@]}" --ca missing.pem
     [[ "${lines[0]}" == "s7ppi: missing.pem of --ca cannot be read: "* ]]
 }
@@ -113,6 +116,10 @@ signed() {
     done
     run -10 s7ppi "${arguments[@]}" --for 20s
     [[ "$output" == *"hint: give user and password, in S7PPI_MQTT_USER and S7PPI_MQTT_PASSWORD or in the file of --credentials"* ]]
+    S7PPI_MQTT_USER=press run -10 s7ppi "${arguments[@]}" --for 20s
+    [[ "$output" == *"hint: check S7PPI_MQTT_USER and S7PPI_MQTT_PASSWORD"* ]]
+    S7PPI_MQTT_PASSWORD=secret run -2 s7ppi "${arguments[@]}" --for 20s
+    [ "${lines[0]}" = "s7ppi: S7PPI_MQTT_PASSWORD is set, and S7PPI_MQTT_USER is not" ]
     printf 'user = press\npassword = wrong\n' >"$BATS_TEST_TMPDIR/credentials"
     run -10 s7ppi "${arguments[@]}" --for 20s --credentials "$BATS_TEST_TMPDIR/credentials"
     [[ "$output" == *"hint: check user and password in $BATS_TEST_TMPDIR/credentials"* ]]
@@ -185,6 +192,20 @@ all_came() {
     [ "$came" = "$before" ] || [ "$(head -n -1 <<<"$came")" = "$(head -n -1 <<<"$before")" ]
 }
 
+@test "a port that is lost before its first answer is told to those who subscribe, or ends it" {
+    broker
+    start fake_controller hang-up
+    publish --port "$port" --reconnect VB100
+    eventually is_retained t/VB100 '"cause":"port_lost"'
+    kill -TERM "$publisher"
+    finish
+    start fake_controller hang-up
+    publish --port "$port" VB100
+    finish
+    [ "$status" -eq 6 ]
+    told 'the port is gone'
+}
+
 @test "a spool that is full loses the oldest, and tells how many" {
     local settings=("allow_anonymous true" "persistence true" "persistence_location $BATS_TEST_TMPDIR/")
     broker "${settings[@]}"
@@ -226,6 +247,13 @@ all_came() {
     [ "$(stat -c %s "$BATS_TEST_TMPDIR/spool.damaged-1")" -eq 20000 ]
 }
 
+@test "a spool without a name is among the user's files, and has the topic's" {
+    broker
+    STATE_DIRECTORY=$BATS_TEST_TMPDIR run -0 s7ppi publish --port sim --broker "$url" --topic 'plant/press 3.1-b' \
+        --count 1 VB100
+    [ -s "$BATS_TEST_TMPDIR/plant_press_3.1-b.spool" ]
+}
+
 @test "two publishers do not share a spool" {
     broker
     publish --port sim VB100
@@ -237,7 +265,7 @@ all_came() {
 @test "commands are done for tags that may be written, within their limits" {
     broker
     tags name,address,type,scale,access,min,max Setpoint,VW10,i16,0.1,rw,5,90.5 Pump,V20.3,,,rw,, Seen,VW30,,,ro,, \
-        Other,VW32,,,,, Label,VB40:str*5,,,rw,, Hall/Door,VB50*2,,,rw,, Word,VW60,,,rw,, Locked,V60.3,,,ro,,
+        Other,VW32,,,,, Beyond,VW20000,,,rw,, Label,VB40:str*5,,,rw,, Hall/Door,VB50*2,,,rw,, Word,VW60,,,rw,, Locked,V60.3,,,ro,,
     start s7ppi-sim
     publish --port "$port" --metrics "$BATS_TEST_TMPDIR/press.prom" --write-rate 1000 "@$BATS_TEST_TMPDIR/tags.csv"
     eventually is_retained t/Setpoint '"value":0'
@@ -258,6 +286,8 @@ all_came() {
     [[ "$(command_for Other 1)" == '{"result":"refused","cause":"not_writable",'* ]]
     [[ "$(command_for Nobody 1)" == '{"result":"refused","cause":"unknown_item",'* ]]
     [[ "$(command_for Hall/Door 1,2,3)" == '{"result":"refused","cause":"wrong_usage",'* ]]
+    [ "$(command_for Beyond 1)" = \
+        '{"result":"failed","cause":"refused_address","error":"Invalid address (incorrect variable address)"}' ]
     told 'a command for Setpoint is not done: 4.9 is less than the minimum, 5'
 
     run -0 mosquitto_rr -p "$broker_port" -V 5 -t t/Pump/set -e t/Pump/set/result -m 0 -W 10 \
@@ -266,7 +296,7 @@ all_came() {
 
     kill -TERM "$publisher"
     finish
-    [ "$(sample s7ppi_commands_refused_total)" = "6 $port 2" ]
+    [ "$(sample s7ppi_commands_refused_total)" = "7 $port 2" ]
     [ "$(sample s7ppi_commands_done_total)" = "6 $port 2" ]
 }
 
@@ -293,6 +323,7 @@ all_came() {
 
     seq 1 50 | mosquitto_pub -p "$broker_port" -t t/Level/set -l
     eventually has_got '"cause":"too_fast"'
+    has_got 'more than 2 commands came within a second'
     eventually has_got '"result":"done"'
     kill -0 "$publisher"
 }
@@ -326,6 +357,7 @@ is_sample() {
     publish --port "$line" --station 7 --metrics "$metrics" VB100 VW102 VB20000
     eventually is_sample s7ppi_broker_connected 1
     [ "$(sample s7ppi_broker_connected)" = "1 $line 7" ]
+    [ "$(sample s7ppi_broker_connections_total)" = "1 $line 7" ]
     [ "$(stat -c %a "$metrics")" = 644 ]
     stop_broker
     eventually is_sample s7ppi_broker_connected 0

@@ -44,6 +44,24 @@ free_port() {
     done
 }
 
+@test "a name is looked up, and a silent connection is asked for life after seconds" {
+    start fake_controller e5 "$(byte_answer 1 7)"
+    serve "FILE:$port,raw,echo=0"
+    s7ppi watch --port "${server/127.0.0.1/localhost}" --interval 1 --timeout 60000 VB0 3>&- >"$BATS_TEST_TMPDIR/lines" &
+    background+=($!)
+    eventually grep -q 'VB0 7' "$BATS_TEST_TMPDIR/lines"
+    eventually has_keepalive "${server##*:}"
+}
+
+# has_keepalive PORT: a connection to it waits for its keepalive timer, 10 seconds at most. /proc/net/tcp has, in
+# hexadecimal digits, the timer's kind, which is 2, and when it ends, in hundredths of a second.
+has_keepalive() {
+    local when
+    when=$(sed -nE "s/^ *[0-9]+: [0-9A-F]+:[0-9A-F]+ [0-9A-F]+:$(printf '%04X' "$1") 01 [^ ]+ 02:([0-9A-F]+) .*/\1/p" \
+        /proc/net/tcp)
+    [ -n "$when" ] && [ $((16#$when)) -le 1000 ]
+}
+
 # ser2net DEVICE: a serial server at TCP port $free, with its process in ${background[-1]}. False when it ends at
 # once, as when another program has the port.
 serial_server() {

@@ -186,7 +186,7 @@ await_watcher() {
 
 @test "130: Ctrl-C ends it at once, with the summary" {
     local signal code
-    for signal in INT TERM QUIT; do
+    for signal in INT TERM QUIT HUP; do
         watch_to_file --port sim --interval 3600000 VB100
         kill "-$signal" "$watcher"
         await_watcher

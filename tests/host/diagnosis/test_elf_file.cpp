@@ -50,6 +50,7 @@ class TestElfFile : public QObject
 
 private slots:
     void aLibraryForAnotherMachineIsRead();
+    void bytesOfABigMachineAreReadTheOtherWayRound();
     void thisProgramIsForThisMachine();
     void whatIsNoLibraryIsTold_data();
     void whatIsNoLibraryIsTold();
@@ -63,6 +64,22 @@ void TestElfFile::aLibraryForAnotherMachineIsRead()
     QCOMPARE(textOf(file.failure), QString());
     QCOMPARE(machineText(file), QString("ARM, 32 bits, little endian"));
     QCOMPARE(file.exports, QStringList("CreateDriver"));
+
+    QByteArray shorter = armLibrary();
+    shorter[204] = 0x20; // bytes of symbols: "CreateDriver" is the last one
+    QCOMPARE(parseElf(shorter).exports, QStringList("CreateDriver"));
+    shorter[204] = 0x1f;
+    QCOMPARE(parseElf(shorter).exports, QStringList());
+}
+
+void TestElfFile::bytesOfABigMachineAreReadTheOtherWayRound()
+{
+    QByteArray library = armLibrary();
+    library.replace(5, 1, bytes("02"));
+    library.replace(16, 4, bytes("0003 0014"));
+    const ElfFile file = parseElf(library);
+    QCOMPARE(textOf(file.failure), QString());
+    QCOMPARE(machineText(file), QString("PowerPC, 32 bits, big endian"));
 }
 
 void TestElfFile::thisProgramIsForThisMachine()
@@ -115,6 +132,8 @@ void TestElfFile::theVerificationTextIsFoundWhereverItIs()
              QStringList({"version=4.8.0", "debug=false", "buildkey=a b c"}));
     QCOMPARE(verificationLines("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4"), QStringList("version=4"));
     QCOMPARE(verificationLines("pattern=QT_PLUGIN_"), QStringList());
+    QCOMPARE(verificationLines(QByteArray("pattern=QT_PLUGIN_VERIFICATION_DATA\n\0version=4.8.0", 49)),
+             QStringList());
     QCOMPARE(verificationLines(QByteArray()), QStringList());
 }
 

@@ -91,6 +91,7 @@ private slots:
     void itemsThatComeTogetherAreReadInBytes();
     void aGapIsReadAsLongAsThatIsQuicker_data();
     void aGapIsReadAsLongAsThatIsQuicker();
+    void aGapThatTakesAsLongAsARequestIsRead();
     void aPlanTakesTheTimeOfItsRequests();
     void withoutMergingEveryItemIsARequest();
     void aBlockBoundsTheBytesOfARequest_data();
@@ -344,6 +345,13 @@ void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker_data()
     row("19 timers of 5 characters", 9600, 10, "T0 T20", "T0 T21");
     row("32 counters of 3 characters", 9600, 10, "C0 C33", "C0 C34");
     row("48 analogue words", 9600, 10, "AIW0 AIW98", "AIW0 AIW100");
+}
+
+void TestReadPlan::aGapThatTakesAsLongAsARequestIsRead()
+{
+    const RequestCost cost = {10, 50};
+    QCOMPARE(int(planReads(itemsOf("VB0 VB6"), cost).requests.size()), 1);
+    QCOMPARE(int(planReads(itemsOf("VB0 VB7"), cost).requests.size()), 2);
 }
 
 void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker()

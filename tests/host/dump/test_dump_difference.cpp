@@ -227,6 +227,10 @@ void TestDumpDifference::dumpsAreComparedWhereBothHaveTheSameMemory_data()
     row("the same words", "VW0..VW2", "00010002", "VW2..VW4", "00030004", "VW2 2 -> 3", {"VW0..VW0"},
         {"VW4..VW4"});
     row("one behind the other", "VB0..VB1", "0102", "VB2..VB3", "0304", "", {"VB0..VB1"}, {"VB2..VB3"});
+    row("far behind the beginning", "VB0..VB19", "0000000000000000000000000000000001020304", "VB16..VB19",
+        "01020305", "VB19 4 -> 5", {"VB0..VB15"}, {});
+    row("far before the beginning", "VB16..VB19", "01020304", "VB0..VB19",
+        "0000000000000000000000000000000001020305", "VB19 4 -> 5", {}, {"VB0..VB15"});
     row("two areas", "VB0..VB1", "0102", "MB0..MB1", "0102", "", {"VB0..VB1"}, {"MB0..MB1"});
     row("timers", "T0..T1", "00010002", "T1..T2", "00030004", "T1 2 -> 3", {"T0..T0"}, {"T2..T2"});
 }

@@ -64,6 +64,12 @@ class TestExplanation : public QObject
 private slots:
     void bytesHaveTheirMeaning_data();
     void bytesHaveTheirMeaning();
+    void everyFunctionCodeHasItsName_data();
+    void everyFunctionCodeHasItsName();
+    void everyCodeHasItsName_data();
+    void everyCodeHasItsName();
+    void everyAreaHasItsLetters_data();
+    void everyAreaHasItsLetters();
     void soundFramesHaveNoFault_data();
     void soundFramesHaveNoFault();
     void dataHaveTheAddressesOfTheRequest();
@@ -104,6 +110,7 @@ void TestExplanation::bytesHaveTheirMeaning_data()
     row(kRequest, 11, "reference: 1");
     row(kRequest, 12, "reference: ");
     row(kRequest, 13, "parameter length: 14 bytes");
+    row(kRequest, 15, "data length: 0 bytes");
     row(kRequest, 17, "function: read variables");
     row(kRequest, 22, "transport size: byte");
     row(kRequest, 23, "element count: 4 bytes");
@@ -113,6 +120,7 @@ void TestExplanation::bytesHaveTheirMeaning_data()
     row(kWordRequest, 28, "address: VW100 to VW102");
     row(kTimerRequest, 25, "data block: none");
     row(kTimerRequest, 28, "address: T37");
+    row(kTwoBits, 18, "item count: 2");
     row(kTwoBits, 28, "item 1 address: V10.3");
     row(kTwoBits, 40, "item 2 address: V10.4");
     row(kTwoBits, 47, "item 1 data: V10.3: 1");
@@ -137,6 +145,109 @@ void TestExplanation::bytesHaveTheirMeaning()
     QFETCH(QByteArray, frame);
     QFETCH(int, offset);
     QTEST(told(FrameExplainer().explain(frame), offset), "meaning");
+}
+
+void TestExplanation::everyFunctionCodeHasItsName_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("meaning");
+    const auto row = [](int code, const char *meaning) {
+        QTest::addRow("%02x", code) << code << "function code: " + QString(meaning);
+    };
+    row(0x43, "data, to be acknowledged");
+    row(0x44, "data, not acknowledged");
+    row(0x45, "data with priority, to be acknowledged");
+    row(0x46, "data with priority, not acknowledged");
+    row(0x49, "question for the station's state");
+    row(0x4c, "data or poll, to be answered");
+    row(0x4d, "data or poll with priority, to be answered");
+    row(0x4e, "question for the station's identity");
+    row(0x4f, "question for the station's services");
+    row(0x00, "taken");
+    row(0x01, "refused: user error");
+    row(0x02, "refused: no resource");
+    row(0x03, "refused: service not active");
+    row(0x08, "answer with data");
+    row(0x09, "no data to answer with");
+    row(0x0a, "answer with data of high priority");
+    row(0x0c, "answer with data, no resource");
+    row(0x0d, "answer with data of high priority, no resource");
+}
+
+void TestExplanation::everyFunctionCodeHasItsName()
+{
+    QFETCH(int, code);
+    const QByteArray addressed = bytes("02 00") + char(code);
+    const QByteArray frame = '\x10' + addressed + char(2 + code) + '\x16';
+    QTEST(told(FrameExplainer().explain(frame), 3), "meaning");
+}
+
+void TestExplanation::everyCodeHasItsName_data()
+{
+    QTest::addColumn<QByteArray>("frame");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<QString>("meaning");
+    const auto row = [](const char *frame, int offset, int code, const char *meaning) {
+        QByteArray changed = bytes(frame);
+        changed[offset] = char(code);
+        QTest::newRow(meaning) << changed << offset << QString(meaning);
+    };
+    row(kRequest, 8, 0x01, "message type: job: a request");
+    row(kAnswer, 8, 0x02, "message type: acknowledgement: an answer");
+    row(kAnswer, 8, 0x03, "message type: acknowledgement with data: an answer");
+    row(kRequest, 8, 0x07, "message type: user data");
+    row(kRequest, 17, 0x04, "function: read variables");
+    row(kRequest, 17, 0x05, "function: write variables");
+    row(kRequest, 17, 0xf0, "function: set up communication");
+    row(kRequest, 17, 0x1a, "function: request download");
+    row(kRequest, 17, 0x1d, "function: start upload");
+    row(kRequest, 17, 0x28, "function: start, or another control");
+    row(kRequest, 17, 0x29, "function: stop");
+    row(kAnswer, 17, 0x00, "error class: no error");
+    row(kAnswer, 17, 0x81, "error class: the request does not fit the relationship");
+    row(kAnswer, 17, 0x82, "error class: the object's definition");
+    row(kAnswer, 17, 0x83, "error class: no resources");
+    row(kAnswer, 17, 0x84, "error class: the service failed");
+    row(kAnswer, 17, 0x85, "error class: the PDU is wrong");
+    row(kAnswer, 17, 0x87, "error class: no access");
+    row(kAnswer, 21, 0x01, "return code: hardware fault");
+    row(kAnswer, 21, 0x03, "return code: access not allowed");
+    row(kAnswer, 21, 0x05, "return code: no such address");
+    row(kAnswer, 21, 0x06, "return code: type not supported");
+    row(kAnswer, 21, 0x0a, "return code: no such object, or wrong length");
+    row(kAnswer, 21, 0xff, "return code: done");
+}
+
+void TestExplanation::everyCodeHasItsName()
+{
+    QFETCH(QByteArray, frame);
+    QFETCH(int, offset);
+    QTEST(told(FrameExplainer().explain(frame), offset), "meaning");
+}
+
+void TestExplanation::everyAreaHasItsLetters_data()
+{
+    QTest::addColumn<int>("code");
+    const auto row = [](const char *letters, int code) { QTest::newRow(letters) << code; };
+    row("I", 0x81);
+    row("Q", 0x82);
+    row("M", 0x83);
+    row("V", 0x84);
+    row("S", 0x04);
+    row("SM", 0x05);
+    row("AI", 0x06);
+    row("AQ", 0x07);
+    row("C", 0x1e);
+    row("T", 0x1f);
+    row("HC", 0x20);
+}
+
+void TestExplanation::everyAreaHasItsLetters()
+{
+    QFETCH(int, code);
+    QByteArray frame = bytes(kRequest);
+    frame[27] = char(code);
+    QCOMPARE(told(FrameExplainer().explain(frame), 27), "area: " + QString(QTest::currentDataTag()));
 }
 
 void TestExplanation::soundFramesHaveNoFault_data()

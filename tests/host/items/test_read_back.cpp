@@ -66,6 +66,7 @@ void TestReadBack::theFirstDifferenceIsNamed_data()
     row("VB0:string*9=ab", "026163", "reads \"ac\" and not \"ab\"");
     row("VB0:string*9=ab", "016162", "reads \"a\" and not \"ab\"");
     row("VB0:string*9=abc", "09616263", "reads 0x09616263 and not \"abc\"");
+    row("VB0:string*9=abc", "04616263", "reads 0x04616263 and not \"abc\"");
     row("V0.0=1,0", "0101", "value 2 of 2 is 1 and not 0");
     row("T37=300", "012d", "reads 301 and not 300");
 }

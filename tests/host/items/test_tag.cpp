@@ -129,6 +129,8 @@ void TestTag::allLabelsOfLongArraysHaveRoom()
 {
     const TextLines lines({parseItem("VB9*90"), parseItem("VB1"), parseItem("VB2:str*500")});
     QCOMPARE(lines.text(parseItem("VB1"), {qint64(5)}), QString("VB1  5")); // as wide as VB97
+    QCOMPARE(TextLines({parseItem("VB3*8"), parseItem("VB1")}).text(parseItem("VB1"), {qint64(5)}),
+             QString("VB1 5"));
 }
 
 void TestTag::aLongTextIsOneLine()

@@ -121,6 +121,8 @@ private slots:
     void whatIsNotKnownIsAnArea();
     void barsAreAsHighAsTheirCounts();
     void manySamplesAreThinnedOutAndKeepTheirPeaks();
+    void columnsAreEquallyWideAndHoldAllSamples();
+    void barsOfADistributionAreAsLongAsTheirCounts();
     void thePageEscapesWhatTheFileSays();
     void thePageNeedsNothingElse();
     void thePageTellsErrorsWithAdvice();
@@ -678,6 +680,37 @@ void TestRecording::manySamplesAreThinnedOutAndKeepTheirPeaks()
     QVERIFY(path.contains("V0H"));
 }
 
+// Of a ramp each column keeps its first and last sample.
+void TestRecording::columnsAreEquallyWideAndHoldAllSamples()
+{
+    Samples ramp;
+    for (int i = 0; i < 100; ++i)
+        ramp.push_back({1000 + i, double(i), false});
+    QStringList kept;
+    for (const RecordedSample &sample : thinnedOut(ramp, 1000, 1099, 10))
+        kept << QString::number(sample.time);
+    QStringList expected;
+    for (int column = 0; column < 10; ++column)
+        expected << QString::number(1000 + 10 * column) << QString::number(1009 + 10 * column);
+    QCOMPARE(kept, expected);
+    const Samples thinned = thinnedOut(ramp, 1000, 1099, 10);
+    QVERIFY(!limitSamples(ramp, 100));
+    QVERIFY(limitSamples(ramp, 80)); // 8 of a column
+    QVERIFY(std::equal(ramp.begin(), ramp.end(), thinned.begin(), thinned.end(),
+                       [](const RecordedSample &a, const RecordedSample &b) { return a.time == b.time; }));
+}
+
+// Three answers within a millisecond to one of two.
+void TestRecording::barsOfADistributionAreAsLongAsTheirCounts()
+{
+    QByteArray rows;
+    for (const char *time : {"0.5", "0.5", "0.5", "1.5"})
+        rows += filled("2026-01-31T12:00:0%1.000Z,,VB0,u8,0,1,,%2,\n", int(rows.count('\n')), time).toUtf8();
+    const QByteArray page = pageOf(rows);
+    QVERIFY(page.contains("style=\"width:100.0%\""));
+    QVERIFY(page.contains("style=\"width:33.3%\""));
+}
+
 void TestRecording::thePageEscapesWhatTheFileSays()
 {
     const QByteArray page = pageOf("2026-01-31T12:00:00.000Z,<script>alert(1)</script>,VB0,u8,0,1,<b>,5,\n"
@@ -718,9 +751,12 @@ void TestRecording::thePageTellsWhereAndWhen()
     QVERIFY(page.contains("<dt>Station</dt><dd>3</dd>"));
     QVERIFY(page.contains("<dt>Period</dt><dd>2026-01-31 23:59:00 to 2026-02-01 00:01:00</dd>"));
     QVERIFY(page.contains("<dt>Times</dt><dd>local time, UTC+01:00</dd>"));
+    QVERIFY(page.contains(">2 min</b><span>watched</span>"));
     QVERIFY(page.contains("error, 50 % of the readings"));
+    QVERIFY(!page.contains(">None.<"));
     QVERIFY(page.contains("1 sample, <span class=\"bad\">1 error (50 %)</span>"));
     const QByteArray other = pageOf(kRecord);
+    QVERIFY(other.contains(">None.<"));
     QVERIFY(!other.contains("<dt>Port") && !other.contains("<dt>Station"));
     QVERIFY(other.contains("<dt>Times</dt><dd>UTC</dd>"));
     QVERIFY(other.contains("<dt>Period</dt><dd>2026-01-31 12:00:02 to 12:00:02</dd>"));

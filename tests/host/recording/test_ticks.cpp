@@ -29,6 +29,7 @@ private slots:
     void theStepGrowsWithTheMonths();
     void timesAreThoseOfTheClocksThere_data();
     void timesAreThoseOfTheClocksThere();
+    void daysAreToldAsSoonAsThereAreTwo();
     void timesStandWhereTheyAre();
     void aMomentHasNoTimes();
 };
@@ -216,6 +217,17 @@ void TestTicks::timesAreThoseOfTheClocksThere()
         const qint64 first = utc(begin.toLatin1().constData()) - ahead * 1000;
         QCOMPARE(textsOf(timeTicks(first, first + span, ahead)), texts);
     }
+}
+
+void TestTicks::daysAreToldAsSoonAsThereAreTwo()
+{
+    const auto tellsDays = [](qint64 begin, qint64 end) {
+        return textsOf(timeTicks(begin, end, 0)).contains('-');
+    };
+    QVERIFY(!tellsDays(kDay, kDay + 2000));
+    QVERIFY(tellsDays(kDay - 1, kDay + 2000));
+    QVERIFY(!tellsDays(kDay - 2000, kDay - 1));
+    QVERIFY(tellsDays(kDay - 2000, kDay));
 }
 
 void TestTicks::timesStandWhereTheyAre()

@@ -22,6 +22,7 @@ private slots:
     void floatsAreAsShortAsTellsThemApart_data();
     void floatsAreAsShortAsTellsThemApart();
     void doublesAreAsShortAsTellsThemApart();
+    void longNumbersHaveFiveDigits();
     void durationsAreAsLongAsNeeded_data();
     void durationsAreAsLongAsNeeded();
     void whatLastedIsToldInWhatIsOver_data();
@@ -56,6 +57,14 @@ void TestNumberText::doublesAreAsShortAsTellsThemApart()
     QCOMPARE(shortestText(std::nextafter(1.0, 2.0)), QString("1.0000000000000002"));
     QCOMPARE(shortestText(-0.0), QString("-0"));
     QCOMPARE(shortestText(-std::numeric_limits<double>::infinity()), QString("-inf"));
+}
+
+void TestNumberText::longNumbersHaveFiveDigits()
+{
+    QCOMPARE(shortNumber(1.0 / 3), QString("0.33333"));
+    QCOMPARE(shortNumber(-123456.5), QString("-1.2346e+05"));
+    QCOMPARE(shortNumber(999999999), QString("999999999"));
+    QCOMPARE(shortNumber(1000000000), QString("1e+09"));
 }
 
 void TestNumberText::durationsAreAsLongAsNeeded_data()

@@ -50,6 +50,7 @@ private slots:
     void noSizeIsTooSmallOrTooLarge();
     void historyKeepsTheSpanAndWhatHeldBefore();
     void historyKeepsPeaksOfCrowdedSamples();
+    void samplesOfAMillisecondAreOneAndAGap();
     void historyIsFineAsLongAsItIsShort();
     void historyStaysShortWithGapsAndValuesByTurns();
 };
@@ -173,6 +174,7 @@ void TestPlot::noSizeIsTooSmallOrTooLarge()
                 const QStringList lines = plotLines({{"VB0", "long value", samples}, {"VB1", "", samples}},
                                                     10, 10, columns, rows, glyphs);
                 QVERIFY(int(lines.size()) <= std::max(rows, 0));
+                QVERIFY(rows < 1 || !lines.isEmpty());
                 for (const QString &line : lines)
                     QVERIFY2(line.size() <= columns, qPrintable(line));
             }
@@ -199,6 +201,23 @@ void TestPlot::historyKeepsPeaksOfCrowdedSamples()
         peak = std::max(peak, sample.high);
     QCOMPARE(peak, 9.0);
     QVERIFY(history.samples().back().isGap);
+}
+
+void TestPlot::samplesOfAMillisecondAreOneAndAGap()
+{
+    PlotHistory history(100);
+    for (int i = 0; i < 10; ++i) {
+        history.add(5.00001 + i * 0.00001, i);
+        history.addGap(5.00001 + i * 0.00001);
+    }
+    QCOMPARE(int(history.samples().size()), 2);
+    QCOMPARE(history.samples().front().low, 0.0);
+    QCOMPARE(history.samples().front().high, 9.0);
+    QCOMPARE(history.samples().front().last, 9.0);
+    QVERIFY(history.samples().back().isGap);
+    for (int i = 0; i < 10; ++i)
+        history.add(6.00001 + i * 0.00001, i);
+    QCOMPARE(int(history.samples().size()), 3);
 }
 
 void TestPlot::historyIsFineAsLongAsItIsShort()

@@ -31,6 +31,10 @@ private slots:
     void anErrorWithoutRowsEndsInDots();
     void longNamesLoseTheirMiddle();
     void numbersAreShortenedAndNeverCut();
+    void aNumberIsShortenedWhenNoOtherColumnIsLeft();
+    void aColumnIsThereAsSoonAsItHasRoom();
+    void arraysHaveAsManyValuesALineAsHaveRoom_data();
+    void arraysHaveAsManyValuesALineAsHaveRoom();
     void rowsThatAreLeftGoToArraysByTurns();
     void noLineIsWiderThanTheScreen();
     void noTableIsHigherThanTheScreen();
@@ -241,6 +245,62 @@ void TestTableView::numbersAreShortenedAndNeverCut()
     QCOMPARE(watchTable(hex, kStart, 14, 20).at(1), QString("VD0    #######"));
 }
 
+void TestTableView::aNumberIsShortenedWhenNoOtherColumnIsLeft()
+{
+    Watch watch({parseItem("VD0")});
+    watch.items[0].answered({"4294967295"}, kStart);
+    for (int columns = 1; columns < 80; ++columns) {
+        const QStringList lines = watchTable(watch, kStart, columns, 20);
+        if (lines.at(0).contains("CHANGED"))
+            QVERIFY2(lines.at(1).contains("4294967295"), qPrintable(lines.at(1)));
+    }
+}
+
+void TestTableView::aColumnIsThereAsSoonAsItHasRoom()
+{
+    Watch watch({parseItem("VB0")});
+    watch.items[0].answered({"1"}, kStart);
+    for (int columns = 80; columns > 20; --columns) {
+        const QString head = watchTable(watch, kStart, columns, 20).at(0);
+        if (head.contains("ATTEMPTS"))
+            QCOMPARE(watchTable(watch, kStart, int(head.size()), 20).at(0), head);
+    }
+}
+
+void TestTableView::arraysHaveAsManyValuesALineAsHaveRoom_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+    QTest::addColumn<int>("values");
+    QTest::addColumn<QString>("others");
+    const auto row = [](int from, int to, int values, const char *others) {
+        QTest::addRow("%d to %d columns", from, to) << from << to << values << QString(others);
+    };
+    row(17, 22, 1, "");
+    row(23, 34, 2, "");
+    row(35, 46, 4, "");
+    row(47, 54, 4, " CHANGED");
+    row(55, 64, 4, " CHANGED ERRORS");
+    row(65, 67, 4, " CHANGED ATTEMPTS ERRORS");
+    row(68, 75, 8, " CHANGED");
+    row(76, 85, 8, " CHANGED ERRORS");
+    row(86, 120, 8, " CHANGED ATTEMPTS ERRORS");
+}
+
+void TestTableView::arraysHaveAsManyValuesALineAsHaveRoom()
+{
+    QFETCH(int, from);
+    QFETCH(int, to);
+    QFETCH(QString, others);
+    Watch watch({parseItem("VW100*8")});
+    watch.items[0].answered(many(8, "12345"), kStart);
+    for (int columns = from; columns <= to; ++columns) {
+        const QStringList lines = watchTable(watch, kStart, columns, 20);
+        QCOMPARE(lines.at(0).simplified(), "ADDRESS VALUE" + others);
+        QTEST(int(lines.at(1).count("12345")), "values");
+    }
+}
+
 void TestTableView::rowsThatAreLeftGoToArraysByTurns()
 {
     Watch watch({parseItem("VB0*300"), parseItem("VB500*12")});
@@ -286,6 +346,8 @@ void TestTableView::itemsWithoutARowAreCounted()
     const Watch watch({parseItem("T1"), parseItem("T2"), parseItem("T3")});
     const QString last = watchTable(watch, kStart, 80, rows).last();
     QTEST(last.startsWith("...") ? last : last.section(' ', 0, 0), "lastLine");
+    if (last.startsWith("..."))
+        QCOMPARE(watchTable(watch, kStart, int(last.size()), rows).last(), last);
 }
 
 void TestTableView::theTitleGivesWayAndTheMessageIsWrapped()
@@ -296,8 +358,13 @@ void TestTableView::theTitleGivesWayAndTheMessageIsWrapped()
     QCOMPARE(headLines(title, ", poll 7", "/dev/ttyUSB0 is gone: waiting for it to come back", 40),
              QStringList({"/dev/ttyUSB0 every 500 ms, poll 7", "/dev/ttyUSB0 is gone: waiting for it to",
                           "come back"}));
+    QCOMPARE(headLines(title, ", poll 7", "twenty characters it", 20).mid(1),
+             QStringList("twenty characters it"));
     QCOMPARE(headLines(title, ", poll 7", "a b c d e", 20).first(), QString("/dev/ttyU..., poll 7"));
     QCOMPARE(int(headLines(title, ", poll 7", QString("word ").repeated(100), 20).size()), 4);
+    const int length = int(lastHeadLines(title, press(), 1000).at(0).size());
+    QCOMPARE(int(lastHeadLines(title, press(), length).size()), 1);
+    QCOMPARE(int(lastHeadLines(title, press(), length - 1).size()), 2);
 }
 
 TEST_CLASS(TestTableView)

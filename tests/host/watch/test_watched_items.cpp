@@ -166,6 +166,9 @@ void TestWatchedItems::theSummaryOfNothingDividesByNothing()
 {
     QCOMPARE(watchSummary(Watch({parseItem("T37")})),
              QStringList({"0 polls, no answers", "T37: 0 attempts, 0 errors"}));
+    Watch watch({parseItem("T37")});
+    watch.time = seconds(2);
+    QCOMPARE(watchSummary(watch), QStringList({"0 polls, no answers", "T37: 0 attempts, 0 errors"}));
 }
 
 TEST_CLASS(TestWatchedItems)
