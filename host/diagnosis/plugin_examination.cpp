@@ -102,8 +102,10 @@ QString Trial::makeDrivers() const
     if (!create)
         throw Failure(ExitCode::PluginUnusable, "cannot be called", QString());
     const std::unique_ptr<DriverInterface> first(create());
-    const std::unique_ptr<DriverInterface> second(create());
-    if (!first || !second || first == second)
+    std::unique_ptr<DriverInterface> second(create());
+    if (first == second) // the same object, which is deleted once
+        static_cast<void>(second.release());
+    if (!first || !second)
         throw Failure(ExitCode::PluginUnusable, "CreateDriver makes no new driver on every call", QString());
     return first->name();
 }

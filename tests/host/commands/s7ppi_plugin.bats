@@ -46,6 +46,12 @@ finding() {
     [ "$(finding identity)" = " Not Assigned" ]
 }
 
+@test "7: a plug-in that makes one driver for all is told" {
+    run --separate-stderr s7ppi plugin "$S7PPI_TEST_DIR/libsingle_plugin.so"
+    [ "$status" -eq 7 ]
+    [ "$(finding 'new drivers')" = "!CreateDriver makes no new driver on every call" ]
+}
+
 @test "7: a plug-in of another interface, and one that only claims the driver's" {
     run --separate-stderr s7ppi plugin "$S7PPI_TEST_DIR/libforeign_plugin.so"
     [ "$status" -eq 7 ]
