@@ -8,6 +8,7 @@ import fcntl
 import hashlib
 import json
 import math
+import os
 import re
 import signal
 import sys
@@ -59,14 +60,18 @@ def main():
     results = Results(RESULTS)
     if not options.summary:
         adopt_orphans()
-        signal.signal(signal.SIGTERM, lambda *_: sys.exit(128 + signal.SIGTERM))
-        try:
-            Session(programs, tuple(f"tests/{room}" for room in rooms), results, options).run(mutants)
-        except KeyboardInterrupt:
-            sys.exit("\nmutate: what is known stays known; the same command goes on")
-        finally:
-            end_children()
+        for number in (signal.SIGINT, signal.SIGTERM):
+            signal.signal(number, stop)
+        Session(programs, tuple(f"tests/{room}" for room in rooms), results, options).run(mutants)
+        end_children()
     return summary(mutants, results, options, goal)
+
+
+def stop(number, _frame):
+    """At once: what is known stands in its file, and threads that wait for tests are not waited for."""
+    end_children()
+    tell("what is known stays known: the same command goes on")
+    os._exit(128 + number)
 
 
 def arguments():
@@ -102,7 +107,7 @@ def all_mutants(programs, part):
     sources, headers = programs.sources(part), programs.headers(part)
     everything = hashlib.sha256(Path(points.__file__).read_bytes())
     for file in sources + headers:
-        everything.update(file.encode() + (ROOT / file).read_bytes())
+        everything.update(file.encode() + programs.originals[file])
     remembered = BUILD / f"points-{everything.hexdigest()[:16]}.json"
     if not remembered.exists():
         tell("building the tree as it is, and looking for what can be changed; that takes some minutes")
@@ -256,7 +261,7 @@ class Session:
         """Whether the optimised code is that of the original: then no test can tell them apart."""
         if mutant.file not in self.programs.compilations:
             return False
-        source = (ROOT / mutant.file).read_bytes()
+        source = self.programs.originals[mutant.file]
         with self.lock:
             before, after = (self.programs.optimised(mutant.file, some) for some in (source, points.apply(source, mutant)))
         return before is not None and before == after

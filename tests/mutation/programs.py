@@ -44,6 +44,7 @@ class Programs:
     def __init__(self, root, place, targets):
         self.root, self.tree, self.build = root, place / "tree", place / "programs"
         self.place, self.targets = place, targets
+        self.originals = {}  # file: bytes, as the tree may change meanwhile
         self.written = {}  # file: what stands in the copy instead of the source
         self.chosen_from = {}  # the same, of make_with()
         self.copy()
@@ -61,7 +62,8 @@ class Programs:
             (self.tree / file).unlink()
         for file in listed:
             if (self.root / file).is_file():
-                self.put(file, (self.root / file).read_bytes())
+                self.originals[file] = (self.root / file).read_bytes()
+                self.put(file, self.originals[file])
                 (self.tree / file).chmod((self.root / file).stat().st_mode)
 
     def put(self, file, contents):
@@ -73,7 +75,7 @@ class Programs:
     def write(self, contents):
         """{file: bytes} in the place of the sources; all others become what they are in the tree again."""
         for file in set(self.written).difference(contents):
-            self.put(file, (self.root / file).read_bytes())
+            self.put(file, self.originals[file])
         for file, some in contents.items():
             self.put(file, some)
         self.written = contents
@@ -114,7 +116,7 @@ class Programs:
         switches, probes = dict(numbered), {}
         while True:
             files = {m.file for m in (*switches.values(), *probes.values())}
-            self.write({file: with_switches((self.root / file).read_bytes(), *(
+            self.write({file: with_switches(self.originals[file], *(
                 {number: m for number, m in some.items() if m.file == file} for some in (switches, probes)))
                 for file in files})
             said = self.ninja()
@@ -131,7 +133,7 @@ class Programs:
     def make_alone(self, mutant):
         """Builds one mutant that is there without being chosen, beside those of make_with(), of which none is in its
         file. False where it does not compile or link."""
-        self.write({**self.chosen_from, mutant.file: apply((self.root / mutant.file).read_bytes(), mutant)})
+        self.write({**self.chosen_from, mutant.file: apply(self.originals[mutant.file], mutant)})
         return not self.ninja()
 
     def failing(self, said, switches, probes):
@@ -148,7 +150,7 @@ class Programs:
         return failed
 
     def lines(self, file, first, last):
-        source = (self.root / file).read_bytes()
+        source = self.originals[file]
         return range(source.count(b"\n", 0, first) + 1, source.count(b"\n", 0, last) + 2)
 
     # How sources are compiled.
@@ -166,7 +168,7 @@ class Programs:
         return sorted(s for s in self.compilations if s.startswith(f"{folder}/"))
 
     def headers(self, folder):
-        return sorted(str(p.relative_to(self.root)) for p in (self.root / folder).rglob("*.h"))
+        return sorted(f for f in self.originals if f.startswith(f"{folder}/") and f.endswith(".h"))
 
     def for_clang(self, source):
         kept, skip = [], False

@@ -186,7 +186,7 @@ await_watcher() {
 
 @test "130: Ctrl-C ends it at once, with the summary" {
     local signal code
-    for signal in INT TERM QUIT HUP; do
+    for signal in INT TERM QUIT; do
         watch_to_file --port sim --interval 3600000 VB100
         kill "-$signal" "$watcher"
         await_watcher
@@ -196,6 +196,27 @@ await_watcher() {
         [[ "${stderr_lines[0]}" == "s7ppi: 1 poll of a simulated controller, 1 answer: "* ]]
         [ "${stderr_lines[3]}" = "s7ppi: VB100: 1 attempt, 0 errors" ]
         [ "${#stderr_lines[@]}" -eq 4 ]
+    done
+}
+
+@test "129: a terminal that is closed ends it with the summary, unless nohup began it" {
+    local signal code
+    for signal in default ignore; do
+        : >"$BATS_TEST_TMPDIR/lines"
+        env "--$signal-signal=HUP" s7ppi watch --port sim --interval 3600000 VB100 \
+            >"$BATS_TEST_TMPDIR/lines" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+        watcher=$!
+        background+=("$watcher")
+        eventually test -s "$BATS_TEST_TMPDIR/lines"
+        kill -HUP "$watcher"
+        code=129
+        if [ "$signal" = ignore ]; then
+            kill -TERM "$watcher"
+            code=143
+        fi
+        await_watcher
+        [ "$status" -eq "$code" ]
+        [[ "${stderr_lines[0]}" == "s7ppi: 1 poll of a simulated controller, 1 answer: "* ]]
     done
 }
 
