@@ -349,9 +349,9 @@ void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker_data()
 
 void TestReadPlan::aGapThatTakesAsLongAsARequestIsRead()
 {
-    const RequestCost cost = {10, 50};
-    QCOMPARE(int(planReads(itemsOf("VB0 VB6"), cost).requests.size()), 1);
-    QCOMPARE(int(planReads(itemsOf("VB0 VB7"), cost).requests.size()), 2);
+    const RequestCost cost = {1, 50};
+    QCOMPARE(int(planReads(itemsOf("VB0 VB51"), cost).requests.size()), 1);
+    QCOMPARE(int(planReads(itemsOf("VB0 VB52"), cost).requests.size()), 2);
 }
 
 void TestReadPlan::aGapIsReadAsLongAsThatIsQuicker()
