@@ -121,6 +121,14 @@ void TestAxis::timesAreRound_data()
     row(3600, 6, "now -10 min -20 min -30 min -40 min -50 min -60 min");
     row(86400, 4, "now -6 h -12 h -18 h -24 h");
     row(86400, 1, "now -12 h -24 h");
+    row(9000, 1, "now"); // the first mark of three hours lies outside
+    // Each step as the only one.
+    for (const char *step : {"1 s", "2 s", "5 s", "10 s", "20 s", "30 s", "1 min", "2 min", "5 min", "10 min",
+                             "20 min", "30 min", "1 h", "2 h", "3 h", "6 h", "12 h"}) {
+        const QStringList parts = QString(step).split(' ');
+        const int unit = parts.at(1) == "s" ? 1 : parts.at(1) == "min" ? 60 : 3600;
+        row(parts.at(0).toDouble() * unit, 1, qPrintable(QString("now -%1").arg(step)));
+    }
 }
 
 void TestAxis::timesAreRound()
