@@ -30,6 +30,10 @@ await_scanner() {
     mapfile -t stderr_lines <"$BATS_TEST_TMPDIR/errors"
 }
 
+@test "help tells which rates are tried" {
+    [[ "$(s7ppi scan --help | tr -s '\n ' ' ')" == *"At which rates, as 9600,19200 or all (default the plug-in's) "* ]]
+}
+
 @test "the stations that answer are printed, the others are not" {
     start s7ppi-sim --station 2 --station 7
     scan --stations 1..3,7,8
