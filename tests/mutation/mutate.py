@@ -263,7 +263,8 @@ class Session:
             return False
         source = self.programs.originals[mutant.file]
         with self.lock:
-            before, after = (self.programs.optimised(mutant.file, some) for some in (source, points.apply(source, mutant)))
+            before = self.programs.optimised(mutant.file, source)
+            after = self.programs.optimised(mutant.file, points.apply(source, mutant))
         return before is not None and before == after
 
     def add(self, mutant, outcome):

@@ -141,7 +141,8 @@ class Programs:
         mentioned = {(os.path.relpath(os.path.join(self.build, path), self.tree), int(line))
                      for path, line in MENTIONED.findall(said)}
         files = {file for file, _ in mentioned}
-        places = [(n, m, m.first, m.last) for n, m in switches.items()] + [(n, m, m.body, m.body) for n, m in probes.items()]
+        places = [(n, m, m.first, m.last) for n, m in switches.items()]
+        places += [(n, m, m.body, m.body) for n, m in probes.items()]
         failed = [n for n, m, first, last in places
                   if mentioned.intersection((m.file, line) for line in self.lines(m.file, first, last))]
         failed = failed or [n for n, m, _, _ in places if m.file in files]

@@ -79,7 +79,7 @@ class Trials:
         return [test for test, numbers in self.reached.items() if number in numbers]
 
     def killer(self, mutant, number, tests, scripts_at_once=SCRIPTS_OF_A_MUTANT):
-        """What fails when the mutant is chosen, or nothing when all pass. It has to fail twice: once may be by chance."""
+        """What fails when the mutant is chosen, or nothing when all pass. It fails twice: once may be by chance."""
         chosen = [f"MUTANT={number}"]
         for test in self.in_order(mutant.file, [test for test in tests if not test.is_script]):
             if self.fails([test], chosen) and self.fails([test], chosen):
@@ -185,7 +185,7 @@ def end_children():
 
 
 def run_limited(arguments, directory, environment, cost, stop=None):
-    """Why the test fails, or nothing. `cost` is what it takes without a mutant, in seconds; the event `stop` ends it."""
+    """Why the test fails, or nothing. `cost` is what it takes without a mutant, in seconds; `stop`, an event, ends it."""
     processor = int(3 + 5 * cost)
     patience = 15 + 10 * cost
 
