@@ -12,6 +12,7 @@
 
 #include <set>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -28,6 +29,7 @@ class TestSimulatorFault : public QObject
 
 private slots:
     void everyKindHasItsOwnName();
+    void everyKindIsExplainedOnce();
     void textIsRead_data();
     void textIsRead();
     void percentageMayHaveAFraction();
@@ -46,6 +48,15 @@ void TestSimulatorFault::everyKindHasItsOwnName()
         kinds.insert(name.kind);
     }
     QCOMPARE(kinds.size(), sim::faultNames().size());
+}
+
+void TestSimulatorFault::everyKindIsExplainedOnce()
+{
+    std::set<std::string> meanings;
+    for (const sim::FaultName &name : sim::faultNames()) {
+        QVERIFY2(*name.meaning != '\0', name.name);
+        QVERIFY2(meanings.insert(name.meaning).second, name.name);
+    }
 }
 
 void TestSimulatorFault::textIsRead_data()
@@ -121,7 +132,7 @@ void TestSimulatorFault::badTextIsRefused_data()
     row("wrong-source=256", "wrong-source=STATION: \"256\" is not a number from 0 to 255");
     row("item-refused=ff", "item-refused=CODE: \"ff\" is not a hexadecimal number from 0 to fe");
     row("noise=99999999999", "noise=BYTES: \"99999999999\" is not a number from 1 to 200");
-    for (const char *number : {"", "0", "-1", "x", "1x", "1@2", "99999999999", "1%2"})
+    for (const char *number : {"", "0", "-1", "x", "1x", "1@2", "1000000001", "99999999999", "1%2"})
         row(qPrintable(QString("silent@") + number),
             QString("@N: \"") + number + "\" is not the number of a request, from 1 on");
     for (const char *number : {"", "0", "-1", "x", "1x", "100.1", "nan", "1e1", "1@2"})
