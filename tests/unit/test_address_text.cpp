@@ -95,6 +95,8 @@ void TestAddressText::numberBeginsAtTheFirstDigitOfTheBase_data()
     QTest::newRow("G1, letters behind F are skipped") << "Gg1" << 16 << 1;
     QTest::newRow("I17, octal") << "I17" << 8 << 15;
     QTest::newRow("I97, octal begins at 7") << "I97" << 8 << 7;
+    QTest::newRow("I87, 8 is no octal digit") << "I87" << 8 << 7;
+    QTest::newRow("Va7, a is no decimal digit") << "Va7" << 10 << 7;
     QTest::newRow("I18, no octal number") << "I18" << 8 << 0;
     QTest::newRow("37") << "37" << 10 << 37;
     QTest::newRow("V007") << "V007" << 10 << 7;

@@ -181,6 +181,9 @@ void TestBits::setBitAtANegativeIndexSetsNothing()
     unsigned char buffer[] = {0x00};
     setBit(buffer, -1, true);
     QCOMPARE(int(buffer[0]), 0);
+    unsigned char two[] = {0x00, 0x00};
+    setBit(two + 1, -8, true);
+    QCOMPARE(int(two[0]), 0);
 }
 
 void TestBits::setBitLeavesTheArrayWhenMemoryIsShort()

@@ -58,6 +58,7 @@ class TestReceive : public QObject
     Q_OBJECT
 
 private slots:
+    void endsHaveTheirNumbers();
     void answersEndAtTheirTerminator_data();
     void answersEndAtTheirTerminator();
     void whatComesBehindTheTerminatorStaysInThePort();
@@ -77,6 +78,14 @@ private slots:
     void aPortThatClaimsTooMuchIsNotBelieved();
     void aLengthBeyondMemoryIsRefused();
 };
+
+// They are compiled into drivers.
+void TestReceive::endsHaveTheirNumbers()
+{
+    QCOMPARE(int(kReceptionWhole), 0);
+    QCOMPARE(int(kReceptionShort), 1);
+    QCOMPARE(int(kReceptionLong), 2);
+}
 
 void TestReceive::answersEndAtTheirTerminator_data()
 {
