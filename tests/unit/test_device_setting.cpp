@@ -116,6 +116,7 @@ private slots:
     void anAbsurdCountReservesNothing();
     void dumpIsOneMessage();
     void dumpEscapesNothing();
+    void dumpShowsTheCurrentAddress();
     void dumpShowsOtherLettersThanAscii();
     void dumpShowsNegativeNumbers();
 };
@@ -513,6 +514,17 @@ void TestDeviceSetting::dumpEscapesNothing()
     setting.dump();
     QCOMPARE(log.lines(), QStringList("type: 64 string: \"a\"b\\%1%s\" baudrate: 1 databits: 2 stopbits: 3 "
                                       "parity: 4 linkID: -1 current ip: \"10.0.0.1\" current port: 502 "));
+}
+
+void TestDeviceSetting::dumpShowsTheCurrentAddress()
+{
+    const LogCapture log;
+    DeviceSetting setting = serialDefault();
+    setting.socketList.append(qMakePair(QString("10.0.0.1"), quint16(502)));
+    setting.socketList.append(qMakePair(QString("10.0.0.2"), quint16(503)));
+    setting.setCurrentIPIndex(1);
+    setting.dump();
+    QVERIFY(log.lines().value(0).endsWith("current ip: \"10.0.0.2\" current port: 503 "));
 }
 
 void TestDeviceSetting::dumpShowsOtherLettersThanAscii()
