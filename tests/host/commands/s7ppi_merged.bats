@@ -329,3 +329,12 @@ VB2,,the answer holds 2 of 3 bytes" ]
     [ "$(requests | wc -w)" -eq 12 ]
     [[ "$stderr" != *"tenth poll"* ]]
 }
+
+@test "what the plan expects of answer times follows them" {
+    start s7ppi-sim --fault late=100%50 --seed 1
+    run --separate-stderr s7ppi watch --port "$port" --count 25 --interval 1 VB0
+    local times=' longest ([0-9]+) ms; the plan expected ([0-9]+) ms'
+    [[ "$stderr" =~ $times ]]
+    [ "${BASH_REMATCH[2]}" -gt 35 ] # without late answers some 30 ms
+    [ "${BASH_REMATCH[2]}" -lt "${BASH_REMATCH[1]}" ]
+}

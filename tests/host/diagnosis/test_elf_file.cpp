@@ -36,6 +36,29 @@ QByteArray armLibrary()
                  "00000000 03000000 00000000 00000000 34000000 14000000 00000000 00000000 00000000 00000000");
 }
 
+// The same for x86-64, with a symbol behind its table: "beyond", which is defined, is none of its.
+//
+//   0000  header, section headers at 0xc0
+//   0040  names
+//   0060  symbols of 24 bytes
+QByteArray longLibrary()
+{
+    return bytes("7f454c46 02010100 00000000 00000000"
+                 "0300 3e00 01000000 0000000000000000 0000000000000000 c000000000000000 00000000"
+                 "4000 0000 0000 4000 0300 0000"
+                 "00 437265617465447269766572 00 70757473 00 6265796f6e64 00 000000000000"
+                 "00000000 00 00 0000 0000000000000000 0000000000000000"
+                 "01000000 12 00 0500 0010000000000000 0400000000000000"
+                 "0e000000 12 00 0000 0000000000000000 0000000000000000"
+                 "13000000 12 00 0500 0010000000000000 0400000000000000"
+                 "00000000 00000000 0000000000000000 0000000000000000 0000000000000000 0000000000000000"
+                 "00000000 00000000 0000000000000000 0000000000000000"
+                 "00000000 0b000000 0000000000000000 0000000000000000 6000000000000000 4800000000000000"
+                 "02000000 00000000 0000000000000000 1800000000000000"
+                 "00000000 03000000 0000000000000000 0000000000000000 4000000000000000 2000000000000000"
+                 "00000000 00000000 0000000000000000 0000000000000000");
+}
+
 QByteArray ownProgram()
 {
     QFile file("/proc/self/exe");
@@ -50,6 +73,7 @@ class TestElfFile : public QObject
 
 private slots:
     void aLibraryForAnotherMachineIsRead();
+    void aLibraryOf64BitsIsRead();
     void bytesOfABigMachineAreReadTheOtherWayRound();
     void thisProgramIsForThisMachine();
     void whatIsNoLibraryIsTold_data();
@@ -70,6 +94,14 @@ void TestElfFile::aLibraryForAnotherMachineIsRead()
     QCOMPARE(parseElf(shorter).exports, QStringList("CreateDriver"));
     shorter[204] = 0x1f;
     QCOMPARE(parseElf(shorter).exports, QStringList());
+}
+
+void TestElfFile::aLibraryOf64BitsIsRead()
+{
+    const ElfFile file = parseElf(longLibrary());
+    QCOMPARE(textOf(file.failure), QString());
+    QCOMPARE(machineText(file), QString("x86-64, 64 bits, little endian"));
+    QCOMPARE(file.exports, QStringList("CreateDriver"));
 }
 
 void TestElfFile::bytesOfABigMachineAreReadTheOtherWayRound()
