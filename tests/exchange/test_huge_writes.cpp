@@ -29,7 +29,6 @@ private slots:
     void countsThatNothingHoldsDoNotMatterForBytesAndBits_data();
     void countsThatNothingHoldsDoNotMatterForBytesAndBits();
     void dataThatNoFrameHoldsFail();
-    void dataUpToTheLimitAreTaken();
 };
 
 void TestHugeWrites::countsThatNoArrayHoldsFail_data()
@@ -127,16 +126,6 @@ void TestHugeWrites::dataThatNoFrameHoldsFail()
     QCOMPARE(outcome.reason, QString("invalid request to PLC"));
     QCOMPARE(outcome.texts, QStringList() << "invalid request to PLC");
     QVERIFY(port.scriptIsFinished());
-}
-
-// What is behind the count is left out, as long as an array can hold all frames of so many bytes.
-void TestHugeWrites::dataUpToTheLimitAreTaken()
-{
-    const int limit = INT_MAX / 32;
-    const Answer taken("05 01 ff");
-    QCOMPARE(outcomeOfWrite(byteCommand("VB0", 1), QByteArray(limit, '\1'), taken).result, QString(kTaken));
-    ScriptedPort port;
-    QCOMPARE(outcomeOfWrite(byteCommand("VB0", 1), QByteArray(limit + 1, '\1'), port).result, QString(""));
 }
 
 QTEST_APPLESS_MAIN(TestHugeWrites)

@@ -141,6 +141,7 @@ private slots:
     void requestHoldsElementsAndData_data();
     void requestHoldsElementsAndData();
     void longDataAreSentInOneRequest();
+    void dataUpToTheLimitAreTaken();
     void countsBeyond16BitsAreSentWhole_data();
     void countsBeyond16BitsAreSentWhole();
 
@@ -309,6 +310,17 @@ void TestWrittenData::handlersMakeOneAttempt()
         QVERIFY(!port.events().contains("delay"));
         QVERIFY(port.scriptIsFinished());
     }
+}
+
+// What is behind the count is left out, as long as an array can hold all frames of so many bytes.
+void TestWrittenData::dataUpToTheLimitAreTaken()
+{
+    const int limit = INT_MAX / 32;
+    const Answer taken("05 01 ff");
+    QCOMPARE(outcomeOfWrite(byteCommand("VB0", 1), QByteArray(limit, '\1'), taken).result, QString(kTaken));
+    ScriptedPort port;
+    const Outcome outcome = outcomeOfWrite(byteCommand("VB0", 1), QByteArray(limit + 1, '\1'), port);
+    QCOMPARE(outcome.reason, QString("invalid request to PLC"));
 }
 
 TEST_CLASS(TestWrittenData)
