@@ -166,10 +166,11 @@ VB0 7" ]
     [ "$status" -eq 3 ]
 }
 
-# watch_to_file ARGUMENT...: in the background, into the files lines and errors; its process is in $watcher.
+# watch_to_file ARGUMENT...: in the background, into the files lines and errors; its process is in $watcher. The array
+# under has a command that begins it, or nothing.
 watch_to_file() {
     : >"$BATS_TEST_TMPDIR/lines"
-    s7ppi watch "$@" >"$BATS_TEST_TMPDIR/lines" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
+    "${under[@]}" s7ppi watch "$@" >"$BATS_TEST_TMPDIR/lines" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
     watcher=$!
     background+=("$watcher")
     eventually test -s "$BATS_TEST_TMPDIR/lines"
@@ -200,14 +201,10 @@ await_watcher() {
 }
 
 @test "129: a terminal that is closed ends it with the summary, unless nohup began it" {
-    local signal code
+    local signal code under
     for signal in default ignore; do
-        : >"$BATS_TEST_TMPDIR/lines"
-        env "--$signal-signal=HUP" s7ppi watch --port sim --interval 3600000 VB100 \
-            >"$BATS_TEST_TMPDIR/lines" 2>"$BATS_TEST_TMPDIR/errors" 3>&- &
-        watcher=$!
-        background+=("$watcher")
-        eventually test -s "$BATS_TEST_TMPDIR/lines"
+        under=(env "--$signal-signal=HUP")
+        watch_to_file --port sim --interval 3600000 VB100
         kill -HUP "$watcher"
         code=129
         if [ "$signal" = ignore ]; then
