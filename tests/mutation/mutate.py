@@ -44,13 +44,15 @@ def main():
     options = arguments()
     goal, rooms = PARTS[options.part]
     BUILD.mkdir(parents=True, exist_ok=True)
-    lock = (BUILD / "lock").open("w")
-    try:
-        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-    except BlockingIOError:
-        sys.exit("mutate: another run is at work in build/mutate; wait for it")
     programs = Programs(ROOT, BUILD, [f"tests/{room}/all" for room in rooms] + ["s7ppi", "s7ppi-sim"])
-    mutants = drawn(all_mutants(programs, options.part), options)
+    remembered = remembered_points(programs, options.part)
+    if not remembered.exists() or not (options.list or options.summary):
+        lock = locked()
+        programs.prepare()
+    if not remembered.exists():
+        write_points(programs, options.part, remembered)
+    mutants = [points.Mutant(**fields) for fields in json.loads(remembered.read_text())]
+    mutants = drawn(mutants, options)
     if not mutants:
         sys.exit("mutate: nothing there can be changed")
     if options.list:
@@ -102,24 +104,37 @@ def arguments():
     return options
 
 
-def all_mutants(programs, part):
-    """Of the sources and, once each, of the headers that they include; remembered, as parsing takes minutes."""
-    sources, headers = programs.sources(part), programs.headers(part)
+def locked():
+    """A file that keeps others out of the copy and its build, as long as it is open."""
+    lock = (BUILD / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit("mutate: another run is at work in build/mutate; wait for it")
+    return lock
+
+
+def remembered_points(programs, part):
+    """The file in which stands what can be changed in the files as they are, as parsing them takes minutes."""
     everything = hashlib.sha256(Path(points.__file__).read_bytes())
-    for file in sources + headers:
+    for file in programs.files(part, ".cpp") + programs.files(part, ".h"):
         everything.update(file.encode() + programs.originals[file])
-    remembered = BUILD / f"points-{everything.hexdigest()[:16]}.json"
-    if not remembered.exists():
-        tell("building the tree as it is, and looking for what can be changed; that takes some minutes")
-        programs.make()
-        found = {}
-        with ProcessPoolExecutor() as pool:
-            places = repeat(programs.tree)
-            some = pool.map(points.mutants_of, places, sources, map(programs.for_clang, sources), repeat(headers))
-            for mutant in chain.from_iterable(some):
-                found.setdefault(mutant.identity, mutant)
-        write_whole(remembered, json.dumps([vars(mutant) for mutant in found.values()]))
-    return [points.Mutant(**fields) for fields in json.loads(remembered.read_text())]
+    return BUILD / f"points-{everything.hexdigest()[:16]}.json"
+
+
+def write_points(programs, part, remembered):
+    """Of the sources and, once each, of the headers that they include."""
+    tell("building the tree as it is, and looking for what can be changed; that takes some minutes")
+    programs.make()
+    sources = [file for file in programs.files(part, ".cpp") if file in programs.compilations]
+    headers = programs.files(part, ".h")
+    found = {}
+    with ProcessPoolExecutor() as pool:
+        places = repeat(programs.tree)
+        some = pool.map(points.mutants_of, places, sources, map(programs.for_clang, sources), repeat(headers))
+        for mutant in chain.from_iterable(some):
+            found.setdefault(mutant.identity, mutant)
+    write_whole(remembered, json.dumps([vars(mutant) for mutant in found.values()]))
 
 
 def drawn(mutants, options):
@@ -177,7 +192,7 @@ class Session:
 
     def run(self, mutants):
         while (some := self.unknown(mutants)) and time.monotonic() < self.end:
-            taken, _ = apart(some)
+            taken = apart(some)
             numbered = dict(enumerate(taken, 1))
             tell(f"building {len(taken)} mutants")
             alone, probed = self.programs.make_with(numbered)

@@ -9,7 +9,6 @@ import shlex
 import subprocess
 import sys
 from dataclasses import dataclass
-from functools import lru_cache
 from pathlib import Path
 
 from points import apply
@@ -44,27 +43,27 @@ class Programs:
     def __init__(self, root, place, targets):
         self.root, self.tree, self.build = root, place / "tree", place / "programs"
         self.place, self.targets = place, targets
-        self.originals = {}  # file: bytes, as the tree may change meanwhile
+        listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=root, check=True,
+                                capture_output=True, text=True).stdout.splitlines()
+        # {file: bytes}, as the tree may change meanwhile
+        self.originals = {file: (root / file).read_bytes() for file in listed if (root / file).is_file()}
         self.written = {}  # file: what stands in the copy instead of the source
         self.chosen_from = {}  # the same, of make_with()
-        self.copy()
-        self.prepare()
-        self.compilations = self.read_compilations()
+        self.compilations = {}  # source: arguments of its compiler, with the tree for its copy
 
     # The tree.
 
+    def files(self, folder, suffix):
+        return sorted(file for file in self.originals if file.startswith(f"{folder}/") and file.endswith(suffix))
+
     def copy(self):
         """What is the same already keeps its time, so that it is not compiled again."""
-        listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard"], cwd=self.root, check=True,
-                                capture_output=True, text=True).stdout.splitlines()
         there = {str(path.relative_to(self.tree)) for path in self.tree.rglob("*") if path.is_file()}
-        for file in there.difference(listed):
+        for file in there.difference(self.originals):
             (self.tree / file).unlink()
-        for file in listed:
-            if (self.root / file).is_file():
-                self.originals[file] = (self.root / file).read_bytes()
-                self.put(file, self.originals[file])
-                (self.tree / file).chmod((self.root / file).stat().st_mode)
+        for file, contents in self.originals.items():
+            self.put(file, contents)
+            (self.tree / file).chmod((self.root / file).stat().st_mode)
 
     def put(self, file, contents):
         path = self.tree / file
@@ -83,13 +82,17 @@ class Programs:
     # The build.
 
     def prepare(self):
-        """The build system, and what is linked into all programs."""
+        """The copy, its build system, and what is linked into all programs."""
+        self.copy()
         answers = self.place / "mutated.o"
         source = Path(__file__).with_name("mutated.c")
         self.run_or_end(["gcc", "-O2", "-fPIC", "-c", str(source), "-o", str(answers)], self.root)
         kinds = ("EXE", "SHARED", "MODULE")
         flags = [f"-DCMAKE_{kind}_LINKER_FLAGS={answers} -fuse-ld=gold" for kind in kinds]
         self.run_or_end(["cmake", "--preset", "mutate", "-B", str(self.build), *flags], self.tree)
+        for entry in json.loads((self.build / "compile_commands.json").read_text()):
+            source = os.path.relpath(entry["file"], self.tree)
+            self.compilations.setdefault(source, without_launcher(shlex.split(entry["command"])))
 
     def run_or_end(self, command, directory):
         done = subprocess.run(command, cwd=directory, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
@@ -156,21 +159,6 @@ class Programs:
 
     # How sources are compiled.
 
-    def read_compilations(self):
-        """{source, from the root: arguments of its compiler, with the tree for its copy}."""
-        found = {}
-        for entry in json.loads((self.build / "compile_commands.json").read_text()):
-            source = os.path.relpath(entry["file"], self.tree)
-            if not source.startswith(".."):
-                found.setdefault(source, without_launcher(shlex.split(entry["command"])))
-        return found
-
-    def sources(self, folder):
-        return sorted(s for s in self.compilations if s.startswith(f"{folder}/"))
-
-    def headers(self, folder):
-        return sorted(f for f in self.originals if f.startswith(f"{folder}/") and f.endswith(".h"))
-
     def for_clang(self, source):
         kept, skip = [], False
         for argument in self.compilations[source][1:]:
@@ -194,7 +182,6 @@ class Programs:
 
     # The tests.
 
-    @lru_cache(maxsize=None)
     def tests(self, folders):
         command = ["ctest", "--test-dir", str(self.build), "--show-only=json-v1"]
         listed = json.loads(subprocess.run(command, check=True, capture_output=True, text=True).stdout)["tests"]

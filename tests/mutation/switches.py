@@ -32,13 +32,11 @@ def choice(source, mutant, number):
 
 
 def apart(mutants):
-    """As many of the first mutants as can be written into the same sources; the others."""
-    taken, left, places = [], [], {}
+    """As many of the first mutants as can be written into the same sources."""
+    taken, places = [], {}
     for mutant in mutants:
         of_file = places.setdefault(mutant.file, [])
-        if any(mutant.first < last and first < mutant.last for first, last in of_file):
-            left.append(mutant)
-        else:
+        if not any(mutant.first < last and first < mutant.last for first, last in of_file):
             of_file.append((mutant.first, mutant.last))
             taken.append(mutant)
-    return taken, left
+    return taken
