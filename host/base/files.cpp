@@ -83,4 +83,16 @@ QString writeReason(const QFileDevice &file)
     return systemReason(reason);
 }
 
+Failure unwritable(const QFileDevice &file, const char *hint)
+{
+    const QString reason = writeReason(file);
+    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + reason, hint);
+}
+
+void throwUnwritable(const QFileDevice &file, const char *hint)
+{
+    const Failure failure = unwritable(file, hint);
+    throw Failure(failure);
+}
+
 } // namespace host

@@ -6,6 +6,8 @@
 #ifndef HOST_BASE_FILES_H
 #define HOST_BASE_FILES_H
 
+#include "host/base/failure.h"
+
 #include <QByteArray>
 #include <QFileDevice>
 #include <QString>
@@ -47,6 +49,11 @@ QString utf8Text(const QByteArray &bytes);
 // Returns why a file takes no more data. It must be called right after the call that failed: Qt itself does
 // not know the reason when a part of the data was taken, and the kernel's is soon overwritten.
 QString writeReason(const QFileDevice &file);
+
+// The failure of a file that cannot be written, with the reason why. Both must be called like writeReason().
+// The second one throws the failure itself: a throw overwrites the reason with what it takes from the heap.
+Failure unwritable(const QFileDevice &file, const char *hint);
+[[noreturn]] void throwUnwritable(const QFileDevice &file, const char *hint);
 
 } // namespace host
 

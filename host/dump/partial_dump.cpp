@@ -17,6 +17,7 @@ namespace host {
 
 namespace {
 
+const char kRoomHint[] = "check the directory, its rights and its room";
 const char kRestartHint[] = "--restart begins anew and forgets it; or name another file with -o";
 const QByteArray kPortComment = "# port ";
 
@@ -44,7 +45,7 @@ PartialDump::PartialDump(const QString &name, const DumpSource &source, bool res
     if (QFileInfo::exists(name) && !QFileInfo(name).isFile())
         throw Failure(ExitCode::Usage, name + " is no file", "remove it, or name another file with -o");
     if (!file.open(QIODevice::ReadWrite))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     lock();
     if (file.size() > 0 && !restart)
         resume();
@@ -94,11 +95,11 @@ void PartialDump::writeAnew()
 {
     saved = int(read.data.size());
     if (!file.seek(0))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     write(dumpHead(read.range, read.station) + kPortComment + port.toUtf8() + '\n' +
           dumpLines(read.range, 0, read.data));
     if (!file.resize(file.pos()))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
 }
 
 void PartialDump::append(const QByteArray &data)
@@ -114,7 +115,7 @@ void PartialDump::append(const QByteArray &data)
 void PartialDump::remove()
 {
     if (!file.remove())
-        throw lost();
+        throwUnwritable(file, kRoomHint);
 }
 
 void PartialDump::removeIfEmpty()
@@ -126,13 +127,7 @@ void PartialDump::removeIfEmpty()
 void PartialDump::write(const QByteArray &text)
 {
     if (file.write(text) != text.size() || !file.flush())
-        throw lost();
-}
-
-Failure PartialDump::lost() const
-{
-    return Failure(ExitCode::OutputLost, name() + " cannot be written: " + writeReason(file),
-                   "check the directory, its rights and its room");
+        throwUnwritable(file, kRoomHint);
 }
 
 } // namespace host

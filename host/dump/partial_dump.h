@@ -59,7 +59,6 @@ private:
     void checkSame(const Dump &found, const QString &foundPort) const;
     void writeAnew();
     void write(const QByteArray &text);
-    Failure lost() const;
 
     QFile file;
     QString port;

@@ -23,15 +23,11 @@ namespace {
 constexpr char kSent = '>';
 constexpr char kReceived = '<';
 
+const char kRoomHint[] = "check the trace file's directory, its rights and its room";
+
 QByteArray timeText(const QDateTime &time)
 {
     return time.toUTC().toString(Qt::ISODateWithMs).toLatin1();
-}
-
-Failure unwritable(const QFile &file)
-{
-    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + writeReason(file),
-                   "check the trace file's directory, its rights and its room");
 }
 
 // Wireshark's own dissector of what the long frames of this line carry.
@@ -68,7 +64,7 @@ TraceFile::TraceFile(const QString &name, const QString &heading)
     : file(name), isCapture(common::isCaptureName(name.toStdString()))
 {
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        throw unwritable(file);
+        throwUnwritable(file, kRoomHint);
     put(isCapture ? captureBeginning(heading) : "# " + heading.toUtf8() + '\n');
     if (lost)
         throw Failure(*lost);
@@ -107,7 +103,7 @@ void TraceFile::write(char direction, const QByteArray &frame)
 void TraceFile::put(const QByteArray &piece)
 {
     if (!lost && file.write(piece) != piece.size())
-        lost = unwritable(file);
+        lost = unwritable(file, kRoomHint);
 }
 
 QByteArray traceLine(const QDateTime &time, char direction, const QByteArray &frame)

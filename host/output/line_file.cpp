@@ -120,7 +120,7 @@ void LineFile::open()
     const QFileInfo before(name);
     lastDay = before.exists() ? before.lastModified().date() : QDate::currentDate();
     if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     if (!lockForWriting(file))
         throw Failure(ExitCode::OutputLost, name + " is being written by another s7ppi",
                       "wait for its end, or name another file with -o");
@@ -142,7 +142,7 @@ void LineFile::goOn()
     if (whole < size)
         reportNote(QString("%1: its last record was cut, and is taken out").arg(name));
     if (!file.resize(whole) || !file.seek(whole))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     size = whole;
 }
 
@@ -150,7 +150,7 @@ void LineFile::goOn()
 void LineFile::checkBeginning(qint64 wholeSize)
 {
     if (!file.seek(0))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     const QByteArray text = file.read(kHeadSize);
     const QRegularExpressionMatch match = style.beginning.match(
         utf8Text(firstLine(text)), 0,
@@ -164,7 +164,7 @@ void LineFile::checkBeginning(qint64 wholeSize)
 void LineFile::checkRest(qint64 wholeSize)
 {
     if (!file.seek(wholeSize))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     const QList<QByteArray> lines = file.read(kLongestLine + 1).split('\n');
     static const QRegularExpression time("^[0-9]{4}-[0-9]{2}-[0-9]{2}T");
     const bool hasRecords = std::any_of(lines.begin() + 1, lines.end(), [](const QByteArray &line) {
@@ -181,7 +181,7 @@ qint64 LineFile::wholeSize()
     qint64 position = 0;
     bool isOpen = false;
     if (!file.seek(0))
-        throw lost();
+        throwUnwritable(file, kRoomHint);
     for (QByteArray part = file.read(1 << 20); !part.isEmpty(); part = file.read(1 << 20)) {
         for (const char character : part) {
             ++position;
@@ -237,7 +237,7 @@ void LineFile::dropOldest() const
 void LineFile::append(const QByteArray &text)
 {
     if (file.write(text) != text.size()) {
-        const Failure failure = lost();
+        const Failure failure = unwritable(file, kRoomHint);
         static_cast<void>(file.resize(size));
         throw Failure(failure);
     }
@@ -250,12 +250,7 @@ void LineFile::sync()
 {
     sinceSync.start();
     if (fdatasync(file.handle()) != 0 && errno != EINVAL)
-        throw lost();
-}
-
-Failure LineFile::lost() const
-{
-    return Failure(ExitCode::OutputLost, name + " cannot be written: " + writeReason(file), kRoomHint);
+        throwUnwritable(file, kRoomHint);
 }
 
 } // namespace host

@@ -73,7 +73,6 @@ private:
     void dropOldest() const;
     void append(const QByteArray &text);
     void sync();
-    Failure lost() const;
 
     QString name;
     LineStyle style;

@@ -14,6 +14,8 @@ namespace host {
 
 namespace {
 
+const char kNothingLeftHint[] = "check the directory, its rights and its room; nothing was left there";
+
 class StdoutSink : public OutputSink
 {
 public:
@@ -31,8 +33,6 @@ public:
     void commit() override;
 
 private:
-    Failure lost() const;
-
     QSaveFile file;
 };
 
@@ -40,26 +40,20 @@ FileSink::FileSink(const QString &name) : file(name)
 {
     checkOutputName(name);
     if (!file.open(QIODevice::WriteOnly))
-        throw lost();
+        throwUnwritable(file, kNothingLeftHint);
 }
 
 void FileSink::put(const QByteArray &bytes)
 {
     if (file.write(bytes) != bytes.size())
-        throw lost();
+        throwUnwritable(file, kNothingLeftHint);
 }
 
 // The file is flushed first: commit() alone would not notice that its last buffer found no room.
 void FileSink::commit()
 {
     if (!file.flush() || !file.commit())
-        throw lost();
-}
-
-Failure FileSink::lost() const
-{
-    return Failure(ExitCode::OutputLost, file.fileName() + " cannot be written: " + writeReason(file),
-                   "check the directory, its rights and its room; nothing was left there");
+        throwUnwritable(file, kNothingLeftHint);
 }
 
 } // namespace

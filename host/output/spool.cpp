@@ -40,8 +40,10 @@ void Spool::moveToFile()
 {
     if (!file.isOpen())
         openFile();
-    if (file.write(kept) != kept.size())
-        throw lost(writeReason(file));
+    if (file.write(kept) != kept.size()) {
+        const QString reason = writeReason(file);
+        throw lost(reason);
+    }
     kept.resize(0);
 }
 

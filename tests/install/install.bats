@@ -34,7 +34,7 @@ setup() {
 }
 
 teardown() {
-    end_jobs
+    end_test
 }
 
 # start_simulator: in the background; its port is then in $port.

@@ -18,7 +18,7 @@ setup() {
 }
 
 teardown() {
-    end_jobs
+    end_test
 }
 
 # start COMMAND...: in the background; its first line of output, a port's name, is then in $port.

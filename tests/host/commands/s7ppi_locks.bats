@@ -10,7 +10,7 @@
 load common
 
 teardown() {
-    end_jobs
+    end_test
     rm -f "$lock"
 }
 

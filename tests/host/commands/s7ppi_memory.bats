@@ -78,6 +78,18 @@ whole_or_absent() {
     without_memory whole_or_absent s7ppi read --port "$port" -o "$BATS_TEST_TMPDIR/values.json" VB0 VW10*4
 }
 
+@test "74: why a file takes no more is told, whatever allocations behind the write leave in errno" {
+    cd "$BATS_TEST_TMPDIR"
+    trap '' XFSZ
+    local arguments
+    for arguments in "dump -o whole.dump VB0..VB999" "watch -o run.csv VB0*40 --count 10 --interval 1 --all" \
+        "read --trace frames VB0*600"; do
+        run -74 --separate-stderr bash -c "ulimit -f 1; exec timeout 20 env FAIL_NONE=1 \
+            LD_PRELOAD='$S7PPI_TEST_DIR/libfailing_memory.so' s7ppi -q --port sim $arguments"
+        [[ "${stderr_lines[0]}" == *" cannot be written: File too large" ]]
+    done
+}
+
 @test "the simulated controller ends in order" {
     limit=(--preserve-status --kill-after 20 0.5)
     without_memory true s7ppi-sim --station 3

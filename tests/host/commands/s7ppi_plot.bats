@@ -19,7 +19,7 @@ terminal() {
 
 teardown() {
     terminal kill-server 2>/dev/null || true
-    end_jobs
+    end_test
 }
 
 # on_terminal LOCALE COMMAND: in a terminal of 80 columns and 24 rows.

@@ -13,7 +13,7 @@ teardown() {
     for ((; terminals > 0; terminals--)); do
         terminal kill-server 2>/dev/null || true
     done
-    end_jobs
+    end_test
 }
 
 # The lines without their times, after a look at the times.

@@ -22,7 +22,7 @@ setup() {
 }
 
 teardown() {
-    end_jobs
+    end_test
 }
 
 # start OPTION...: a simulator in the background; its port is then open as $line, its messages are in the
