@@ -95,9 +95,24 @@ PortOpening::~PortOpening()
 }
 
 // Qt removes a lock file that nobody holds under a lock of its own, which a kill may leave, too.
+QString PortOpening::guardFile() const
+{
+    return lockFile + ".rmlock";
+}
+
+QString PortOpening::obstacle() const
+{
+    for (const QString &file : {lockFile, guardFile()}) {
+        struct stat state = {};
+        if (lstat(QFile::encodeName(file).constData(), &state) == 0 && !S_ISREG(state.st_mode))
+            return file;
+    }
+    return QString();
+}
+
 bool PortOpening::removeLeftLock() const
 {
-    return removeLeft(lockFile + ".rmlock") && removeLeft(lockFile);
+    return removeLeft(guardFile()) && removeLeft(lockFile);
 }
 
 bool PortOpening::removeLeft(const QString &file) const

@@ -26,10 +26,15 @@ public:
     PortOpening(const PortOpening &) = delete;
     PortOpening &operator=(const PortOpening &) = delete;
 
+    // Returns what has a lock file's name and is no file; empty when nothing has. QSerialPort would open it,
+    // and wait for the other end of a FIFO for ever.
+    QString obstacle() const;
+
     // Removes an empty lock file that nobody holds, and tells so. False when it cannot be removed.
     bool removeLeftLock() const;
 
 private:
+    QString guardFile() const;
     bool removeLeft(const QString &file) const;
 
     QString lockFile;

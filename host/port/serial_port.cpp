@@ -112,6 +112,10 @@ void SerialPort::open()
 void SerialPort::openLocked()
 {
     const PortOpening opening(name);
+    if (const QString obstacle = opening.obstacle(); !obstacle.isEmpty())
+        throw Failure(ExitCode::PortUnusable,
+                      name + " cannot be opened: " + obstacle + " is no lock file, and is in the way",
+                      "no program that locks a port makes such a thing: remove it");
     if (!opening.removeLeftLock())
         throw Failure(ExitCode::PortUnusable,
                       name + " cannot be opened: the empty lock file " + lockFileOf(name) + " is in the way",

@@ -97,6 +97,7 @@ void TestServiceNotice::aServiceTellsItsBeginningOnceAndItsEnd_data()
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("a file") << place;
     QTest::newRow("without a file") << QByteArray("@s7ppi-test-" + QByteArray::number(getpid()));
+    QTest::newRow("the shortest name") << QByteArray("@\x03");
 }
 
 void TestServiceNotice::aServiceTellsItsBeginningOnceAndItsEnd()

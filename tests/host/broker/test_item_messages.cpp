@@ -27,7 +27,8 @@ const char kTags[] = "name,address,type,scale,unit,interval,deadband,access,min,
                      "Level,VW0,i16,0.1,bar,100,0.5\n"
                      "Pump,V2.0\n"
                      "Speeds,VB3*2,,,,100,,rw\n"
-                     "Setpoint,VW6,i16,,,,,rw,5,90\n";
+                     "Setpoint,VW6,i16,,,,,rw,5,90\n"
+                     "Order,VB20*3,str\n";
 
 std::vector<Tag> tags()
 {
@@ -37,7 +38,7 @@ std::vector<Tag> tags()
 
 std::vector<milliseconds> intervals()
 {
-    return {milliseconds(100), milliseconds(500), milliseconds(100), milliseconds(500)};
+    return {milliseconds(100), milliseconds(500), milliseconds(100), milliseconds(500), milliseconds(500)};
 }
 
 QByteArray word(int number)
@@ -157,8 +158,9 @@ void TestItemMessages::valuesAloneStayWhenTheyFail()
     answer(0, word(105));
     answer(1, QByteArray(1, 1));
     answer(2, "\x01\x02");
+    answer(4, "A\"7");
     messages->failed(0, Cause::NoAnswer, now);
-    QCOMPARE(published(), QStringList({"t/Level 10.5", "t/Pump 1", "t/Speeds 1,2"}));
+    QCOMPARE(published(), QStringList({"t/Level 10.5", "t/Pump 1", "t/Speeds 1,2", "t/Order A\"7"}));
 }
 
 void TestItemMessages::aGroupIsOneMessage()
@@ -199,8 +201,9 @@ void TestItemMessages::homeAssistantFindsEachItem()
     QCOMPARE(topics, QStringList({"homeassistant/sensor/plant-press_203/Level/config",
                                   "homeassistant/binary_sensor/plant-press_203/Pump/config",
                                   "homeassistant/text/plant-press_203/Speeds/config",
-                                  "homeassistant/number/plant-press_203/Setpoint/config"}));
-    const Json number = Json::parse(records.back().payload.toStdString());
+                                  "homeassistant/number/plant-press_203/Setpoint/config",
+                                  "homeassistant/sensor/plant-press_203/Order/config"}));
+    const Json number = Json::parse(records.at(3).payload.toStdString());
     QCOMPARE(QString::fromStdString(number["state_topic"]), QString("plant/press 3/Setpoint"));
     QCOMPARE(QString::fromStdString(number["command_topic"]), QString("plant/press 3/Setpoint/set"));
     QCOMPARE(QString::fromStdString(number["availability_topic"]), QString("plant/press 3/status"));

@@ -223,6 +223,9 @@ void TestMessageQueue::aDamagedSpoolIsSetAside_data()
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray whole = file.readAll();
     QTest::newRow("a part") << whole.left(int(whole.size()) / 2);
+    QByteArray newer = whole;
+    newer[63] = 99; // the lowest byte of SQLite's user_version
+    QTest::newRow("of another version") << newer;
     QByteArray overwritten = whole;
     QTest::newRow("with a hole") << overwritten.replace(8000, 12000, QByteArray(12000, char(0xee)));
 }

@@ -67,6 +67,8 @@ void TestSpoolFile::countSizeAndLastNumberAreThoseOfTheFile()
     holds({8, 9});
     spool->remove({});
     holds({8, 9});
+    QCOMPARE(spool->removeBefore(8001, 9), 1);
+    holds({9});
 }
 
 QTEST_GUILESS_MAIN(TestSpoolFile)

@@ -42,6 +42,10 @@ private slots:
     void aTextThatMustBeGivenIsMissed();
     void aPauseThatIsNotGivenIsNone_data();
     void aPauseThatIsNotGivenIsNone();
+    void rs485HasWordsForOnAndOff_data();
+    void rs485HasWordsForOnAndOff();
+    void commonNumbersHaveLimits_data();
+    void commonNumbersHaveLimits();
 };
 
 void TestCommandLine::aTextIsTakenInUtf8()
@@ -117,6 +121,48 @@ void TestCommandLine::aPauseThatIsNotGivenIsNone()
     QVERIFY(options.rs485.has_value());
     QTEST(options.rs485->before, "before");
     QTEST(options.rs485->after, "after");
+}
+
+void TestCommandLine::rs485HasWordsForOnAndOff_data()
+{
+    QTest::addColumn<bool>("isOn");
+    for (const char *word : {"true", "on", "yes", "1"})
+        QTest::newRow(word) << true;
+    for (const char *word : {"false", "off", "no", "0"})
+        QTest::newRow(word) << false;
+}
+
+void TestCommandLine::rs485HasWordsForOnAndOff()
+{
+    CLI::App app;
+    Options options;
+    declareCommonOptions(app, options);
+    parse(app, {std::string("--rs485=") + QTest::currentDataTag()});
+    QTEST(options.rs485.has_value(), "isOn");
+}
+
+void TestCommandLine::commonNumbersHaveLimits_data()
+{
+    QTest::addColumn<int>("least");
+    QTest::addColumn<int>("most");
+    QTest::newRow("--retries") << 0 << 1000;
+    QTest::newRow("--station") << 1 << 126;
+}
+
+void TestCommandLine::commonNumbersHaveLimits()
+{
+    QFETCH(int, least);
+    QFETCH(int, most);
+    const auto take = [](int number) {
+        CLI::App app;
+        Options options;
+        declareCommonOptions(app, options);
+        parse(app, {std::string(QTest::currentDataTag()) + "=" + std::to_string(number)});
+    };
+    take(least);
+    take(most);
+    QVERIFY_EXCEPTION_THROWN(take(least - 1), CLI::ParseError);
+    QVERIFY_EXCEPTION_THROWN(take(most + 1), CLI::ParseError);
 }
 
 QTEST_APPLESS_MAIN(TestCommandLine)

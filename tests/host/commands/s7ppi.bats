@@ -356,6 +356,13 @@ LINES
     [ "$(s7ppi describe --json --format json)" = "$(s7ppi describe --format json)" ]
 }
 
+# What an option is for stands behind its name, or where that is long, in the next line.
+tells_of_every_option() {
+    awk 'isNext && !/^          +[^ -]/ { isMissing = 1 }
+         { isNext = /^ +-/ && !/[^ ]  +[^ ]/ }
+         END { exit isMissing || isNext }' "$1"
+}
+
 @test "help tells of every command what --help does, with examples, and nothing of another" {
     local command
     [ "$(s7ppi help)" = "$(s7ppi --help)" ]
@@ -364,6 +371,7 @@ LINES
     for command in "${commands[@]}"; do
         s7ppi help "$command" >"$BATS_TEST_TMPDIR/help"
         s7ppi "$command" --help | cmp - "$BATS_TEST_TMPDIR/help"
+        tells_of_every_option "$BATS_TEST_TMPDIR/help"
         grep -q "^Usage: s7ppi $command " "$BATS_TEST_TMPDIR/help"
         [ "$(grep -c '^Examples:$' "$BATS_TEST_TMPDIR/help")" -eq 1 ]
         grep -qE "^  (cat .* \\| )?s7ppi .*\b$command\b" "$BATS_TEST_TMPDIR/help"

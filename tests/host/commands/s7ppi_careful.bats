@@ -122,6 +122,10 @@ Levels 1 mm" ]
     run --separate-stderr s7ppi load --port /dev/no-such-port --dry-run plant.dump @plant.csv
     [ "$status" -eq 2 ]
     [ -z "$output" ]
+    printf '%s\n' name,address,access Here,VB100@2,ro >here.csv
+    stored plant.dump @here.csv
+    [ "$status" -eq 2 ]
+    [[ "${stderr_lines[0]}" == "s7ppi: VB100..VB123: Here"*": the tag is only to be read" ]]
     stored plant.dump @plant.csv --to VB200
     [ "$status" -eq 0 ]
     stored plant.dump @plant.csv:Far

@@ -25,6 +25,15 @@ all together
   VB100*4      VW100, 71 characters, 115 ms" ]
 }
 
+@test "areas are told with what their addresses count" {
+    run -0 --separate-stderr s7ppi check V0.0 MB0 SMD0 T37 C5
+    [ "$(sed -n 's/^  area  *//p' <<<"$output")" = "variable memory, bits
+bit memory, bytes
+special memory, double words
+timers, by number
+counters, by number" ]
+}
+
 @test "it ends with the requests for all items, whose times follow the line" {
     run -0 --separate-stderr s7ppi check 'VW100*2' VB110 T37 VB400*300 VB100 AIW0@3
     [ "$(sed -n '/^all together/,$p' <<<"$output")" = "all together
@@ -63,6 +72,7 @@ all together
   187500 baud  all intervals are kept: the line is busy 43 % of the time" ]
     run -0 --separate-stderr s7ppi check --format json @t.csv
     [ "$(jq -c '.plan.groups[0]' <<<"$output")" = '{"ms":111.9,"requests":[{"request":"VB100","items":["Fast"],"gap":0,"characters":68,"ms":111.9}],"rates":[{"baud":9600,"ms":111.9,"kept":false},{"baud":19200,"ms":73,"kept":true},{"baud":187500,"ms":38,"kept":true}],"interval":100}' ]
+    [ "$(jq -c '[.plan.baud, .plan.ms, .plan.valuesPerSecond]' <<<"$output")" = '[9600,451.9,444.8]' ]
 }
 
 @test "the bytes are those for the station that is named" {

@@ -54,6 +54,9 @@ load common
     [ "$(grep -c ' < acknowledgement, 1 byte$' <<<"$output")" -eq 2 ]
     [ "$(grep -c ' VW100: 4386$' <<<"$output")" -eq 1 ]
     [ "$(grep -c ' T37: 300, status ' <<<"$output")" -eq 1 ]
+    run -0 --separate-stderr s7ppi decode --format json --trace "$BATS_TEST_TMPDIR/trace"
+    [ "$(jq -r '.frames[] | .time + " " + .direction' <<<"$output")" = \
+        "$(grep -v '^#' "$BATS_TEST_TMPDIR/trace" | cut -d ' ' -f 1,2)" ]
 }
 
 @test "a trace of s7ppi-sim is the same" {

@@ -465,6 +465,11 @@ loading() {
     [ "${stderr_lines[0]}" = "s7ppi: VB100 reads 0x11 and not 0xa0, and 19 more differ" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
     [ ! -e twenty.dump.loading ]
+    s7ppi dump --port "$port" -q VB100..VB119 -o one.dump
+    sed -i 's/^VB100  *11 /VB100 a0 /' one.dump
+    put -q --verify one.dump
+    [ "$status" -eq 8 ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB100 reads 0x11 and not 0xa0" ]
 
     start s7ppi-sim
     put --verify twenty.dump

@@ -62,6 +62,22 @@ is_held() {
     ! flock -n "$lock" true
 }
 
+@test "3: a lock that is no file is left alone, and nothing waits for it" {
+    start fake_controller
+    find_lock
+    start s7ppi-sim
+    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    local obstacle
+    for obstacle in "$lock" "$lock.rmlock"; do
+        mkfifo "$obstacle"
+        run -3 --separate-stderr timeout 20 s7ppi read --port "$port" VB100
+        [ "${stderr_lines[0]}" = "s7ppi: $port cannot be opened: $obstacle is no lock file, and is in the way" ]
+        [[ "${stderr_lines[1]}" == "hint: "*": remove it" ]]
+        [ -p "$obstacle" ]
+        rm "$obstacle"
+    done
+}
+
 @test "of many that take it over at the same moment one wins" {
     start fake_controller
     find_lock

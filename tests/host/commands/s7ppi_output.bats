@@ -236,5 +236,8 @@ Bytes  17 34" ]
     [ "$status" -eq 2 ]
     run --separate-stderr s7ppi read --port "$port" @/no/such/tags.csv
     [ "$status" -eq 2 ]
+    { echo "name,address" && head -c 1100000 /dev/zero | tr '\0' x && echo ",VB0"; } >"$tags"
+    run -2 --separate-stderr s7ppi read --port "$port" "@$tags"
+    [ "${stderr_lines[0]}" = "s7ppi: @$tags: $tags:2: the line has more than 1 MiB" ]
     kill -0 "${background[0]}"
 }

@@ -102,9 +102,18 @@ fills_the_picture() {
     shows '^V100.7  0'
 }
 
+@test "every value of an item without an answer says so, and the reason is told" {
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --interval 20 VW100 'VW20000*2'"
+    eventually shows '^VW100  4386'
+    eventually shows '^VW20000  no answer'
+    eventually shows '^VW20002  no answer'
+    eventually shows '^VW20000: Invalid address \(incorrect variable address\)$'
+}
+
 @test "the items to draw can be chosen" {
-    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --select V100.4 --interval 20 VW100 V100.4"
+    on_terminal C.UTF-8 "s7ppi watch --port sim --plot --select V100.4 VW100 V100.4"
     eventually shows '^V100.4  1'
+    shows ' every 500 ms, '
     run ! shows '^VW100'
 }
 
@@ -116,4 +125,5 @@ fills_the_picture() {
     on_terminal C.UTF-8 "s7ppi watch --port sim --plot VB0:str*4; s7ppi watch --port sim --plot --select X VB0"
     eventually shows '^s7ppi: texts and hexadecimal digits cannot be drawn$'
     eventually shows '^s7ppi: "X" is none of the watched items$'
+    eventually shows '^hint: choose from VB0$'
 }

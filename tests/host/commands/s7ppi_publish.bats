@@ -65,6 +65,7 @@ tags() {
     finish
     [ "$status" -eq 143 ]
     is_retained t/status offline
+    eventually grep -q ': Client t disconnected' "$BATS_TEST_TMPDIR/broker.log" # it took its leave
 }
 
 # certificate NAME SUBJECT [OPTION...]: a key and a certificate, signed by authority unless options say otherwise.
@@ -258,6 +259,19 @@ all_came() {
     STATE_DIRECTORY=$BATS_TEST_TMPDIR run -0 s7ppi publish --port sim --broker "$url" --topic 'plant/press 3.1-b' \
         --count 1 VB100
     [ -s "$BATS_TEST_TMPDIR/plant_press_3.1-b.spool" ]
+    XDG_STATE_HOME=$BATS_TEST_TMPDIR/state run -0 s7ppi publish --port sim --broker "$url" --topic t --count 1 VB100
+    [ -s "$BATS_TEST_TMPDIR/state/s7ppi/t.spool" ]
+    HOME=$BATS_TEST_TMPDIR XDG_STATE_HOME='' run -0 s7ppi publish --port sim --broker "$url" --topic t --count 1 VB100
+    [ -s "$BATS_TEST_TMPDIR/.local/state/s7ppi/t.spool" ]
+}
+
+@test "2: a spool has at least 64 KiB" {
+    local size
+    for size in 65535 63k none ''; do
+        run -2 s7ppi publish --port /dev/null --broker mqtt://localhost --spool-size "$size" VB0
+        [ "${lines[0]}" = "s7ppi: \"$size\" is no size of a spool" ]
+    done
+    run -3 s7ppi publish --port /dev/null --broker mqtt://localhost --spool "$BATS_TEST_TMPDIR/spool" --spool-size 65536 VB0
 }
 
 @test "two publishers do not share a spool" {
@@ -343,7 +357,9 @@ from prometheus_client.parser import text_string_to_metric_families
 name, _, wanted = sys.argv[2].partition("{")
 wanted = dict(label.split("=", 1) for label in wanted.rstrip("}").split(",") if label)
 with open(sys.argv[1], encoding="utf-8") as file:
-    samples = [sample for family in text_string_to_metric_families(file.read()) for sample in family.samples]
+    families = list(text_string_to_metric_families(file.read()))
+assert all(family.documentation for family in families)
+samples = [sample for family in families for sample in family.samples]
 assert len({(sample.name, tuple(sorted(sample.labels.items()))) for sample in samples}) == len(samples)
 for sample in samples:
     if sample.name == name and wanted.items() <= sample.labels.items():
@@ -360,6 +376,7 @@ is_sample() {
     local line=$BATS_TEST_TMPDIR/'press "3"\1'
     start s7ppi-sim --station 7 --link "$line"
     umask 077
+    local quantile
     publish --port "$line" --station 7 --metrics "$metrics" VB100 VW102 VB20000
     eventually is_sample s7ppi_broker_connected 1
     [ "$(sample s7ppi_broker_connected)" = "1 $line 7" ]
@@ -378,7 +395,12 @@ is_sample() {
     [ "$(sample s7ppi_items_failing)" = "1 $line 7" ]
     [[ "$(sample 's7ppi_reading_errors_total{cause=refused_address}')" == [1-9]* ]]
     [[ "$(sample s7ppi_readings_total)" == [1-9]* ]]
+    [[ "$(sample s7ppi_requests_total)" == [1-9]* ]]
+    grep -q '^s7ppi_answer_seconds{.*",quantile="1"} [0-9]' "$metrics"
     [ "$(sample s7ppi_answer_seconds_sum | cut -d ' ' -f 1)" != 0 ]
+    for quantile in 0.5 0.9 1; do
+        [[ "$(sample "s7ppi_answer_seconds{quantile=$quantile}")" == [0-9]*" $line 7" ]]
+    done
     run -1 compgen -G "$metrics.*"
 
     local name

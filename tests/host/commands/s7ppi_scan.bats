@@ -141,6 +141,16 @@ await_scanner() {
     [[ "${stderr_lines[-1]}" =~ ^"s7ppi: stopped at station "[0-9]+", 9600 baud"$ ]]
 }
 
+@test "130: the station at which a scan stopped is the one that was asked last" {
+    start s7ppi-sim
+    scan_to_file --stations 5 --timeout 1min --baud 19200 -v
+    eventually grep -qs "to station 5:" "$BATS_TEST_TMPDIR/errors"
+    kill -INT "$scanner"
+    await_scanner
+    [ "$status" -eq 130 ]
+    [ "${stderr_lines[-1]}" = "s7ppi: stopped at station 5, 19200 baud" ]
+}
+
 @test "143: SIGTERM puts the file in its place" {
     start s7ppi-sim
     scan_to_file -o "$BATS_TEST_TMPDIR/found.csv" --stations 2..126 -v

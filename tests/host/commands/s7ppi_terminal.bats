@@ -40,6 +40,8 @@ is_harmless() {
     on_terminal "s7ppi read --port $port VB0:str*6"
     local dim=$'\e[2m' usual=$'\e[22m'
     [ "${output%$'\r'}" = "VB0 \"A$dim\\x00$usual$dim\\x1b$usual$dim\\\"$usual$dim\\\\${usual}B\"" ]
+    on_terminal "s7ppi read --port $port VB0:str*6 </dev/null"
+    [ "${output%$'\r'}" = "VB0 \"A$dim\\x00$usual$dim\\x1b$usual$dim\\\"$usual$dim\\\\${usual}B\"" ]
     for form in csv json; do
         on_terminal "s7ppi read --port $port --format $form VB0:str*6"
         is_harmless

@@ -413,6 +413,12 @@ has_lines() {
     run --separate-stderr s7ppi report run.csv -o page.html
     [ "$status" -eq 0 ]
     [ -z "$stderr" ]
+    start s7ppi-sim
+    for _ in 1 2; do
+        run -0 --separate-stderr s7ppi watch --port "$port" --count 1 -o real.txt VB100
+    done
+    [ "${stderr_lines[0]}" = "s7ppi: real.txt goes on behind what is recorded there" ]
+    [ "$(grep -c 'VB100 17$' real.txt)" -eq 2 ]
 }
 
 @test "74: a full disk leaves what was recorded, in whole records" {

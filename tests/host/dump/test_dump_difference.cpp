@@ -270,6 +270,8 @@ void TestDumpDifference::bytesAreCounted()
         compareDumps(dumpOf("VB0..VB3", "01020304"), dumpOf("VB0..VB3", "ff030204"), rules);
     QCOMPARE(found.comparedSize, 3);
     QCOMPARE(found.differentSize, 1);
+    QCOMPARE(compareDumps(dumpOf("VB0..VB3", "01020304"), dumpOf("VB0..VB3", "81020384"), {}).differentSize,
+             2);
 }
 
 void TestDumpDifference::tagsThatLieElsewhereAreNamed()

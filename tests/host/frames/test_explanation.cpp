@@ -114,6 +114,8 @@ void TestExplanation::bytesHaveTheirMeaning_data()
     row(kRequest, 25, "data block: 1, variable memory");
     row(kRequest, 27, "area: V");
     row(kRequest, 28, "address: VB100 to VB103");
+    row("68 1b 1b 68 02 00 6c 32 01 00 00 00 01 00 0e 00 00 04 01 12 0a 10 02 00 04 00 01 84 00 03 23 90 16",
+        28, "address: VB100 to VB103, from bit 3 on");
     row(kWordRequest, 28, "address: VW100 to VW102");
     row(kTimerRequest, 25, "data block: none");
     row(kTimerRequest, 28, "address: T37");

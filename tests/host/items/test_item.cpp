@@ -3,6 +3,7 @@
 //
 // Items of the command line: address, type and count.
 
+#include "host/base/filled.h"
 #include "host/items/item.h"
 
 #include "test_class.h"
@@ -28,6 +29,8 @@ private slots:
     void aStationStandsAtTheEndOrBehindTheAddress();
     void wrongItemsSayWhatCouldBeMeant_data();
     void wrongItemsSayWhatCouldBeMeant();
+    void typesOfOtherToolsAreKnown_data();
+    void typesOfOtherToolsAreKnown();
     void wrongRangesSayWhatCouldBeMeant_data();
     void wrongRangesSayWhatCouldBeMeant();
 };
@@ -288,6 +291,35 @@ void TestItem::wrongRangesSayWhatCouldBeMeant()
 void TestItem::wrongItemsSayWhatCouldBeMeant()
 {
     compareRefusal([](const QString &text) { parseItem(text); });
+}
+
+void TestItem::typesOfOtherToolsAreKnown_data()
+{
+    QTest::addColumn<QString>("hint");
+    const auto row = [](const char *type, const char *names) {
+        for (const QByteArray &name : QByteArray(names).split(' '))
+            QTest::newRow(name) << filled("write %1 instead of %2", type, name);
+    };
+    row("bool", "bit");
+    row("u8", "byte uint8 usint U8");
+    row("i8", "int8 sint");
+    row("u16", "word uint16 uint WORD");
+    row("i16", "int int16");
+    row("u32", "dword uint32 udint");
+    row("i32", "dint int32");
+    row("u64", "lword uint64 ulint");
+    row("i64", "lint int64");
+    row("f32", "real float Real");
+    row("f64", "lreal double");
+    row("str", "char text");
+    row("hex", "x raw bytes");
+}
+
+void TestItem::typesOfOtherToolsAreKnown()
+{
+    const QString failure = failureOf([] { parseItem(QString("VB0:") + QTest::currentDataTag()); });
+    QFETCH(QString, hint);
+    QVERIFY2(failure.endsWith(" / " + hint), qPrintable(failure));
 }
 
 TEST_CLASS(TestItem)

@@ -52,6 +52,8 @@ void TestProgress::theEndIsSummedUp()
 {
     QCOMPARE(summaryText({"VB0..VB999", "bytes", 1000, 1000, 800}, 1600),
              QString("VB0..VB999: 200 bytes in 1.6 s, 125 bytes/s"));
+    QCOMPARE(summaryText({"VB0..VB999", "bytes", 1000, 1000, 0}, 100000),
+             QString("VB0..VB999: 1000 bytes in 100.0 s, 10 bytes/s"));
     QCOMPARE(summaryText({"T0..T2", "bytes", 6, 6, 0}, 0), QString("T0..T2: 6 bytes in 0.0 s, 6000 bytes/s"));
 }
 

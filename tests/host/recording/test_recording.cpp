@@ -123,6 +123,7 @@ private slots:
     void manySamplesAreThinnedOutAndKeepTheirPeaks();
     void columnsAreEquallyWideAndHoldAllSamples();
     void barsOfADistributionAreAsLongAsTheirCounts();
+    void thePageHasLinesAtRoundNumbersAndTimes();
     void thePageEscapesWhatTheFileSays();
     void thePageNeedsNothingElse();
     void thePageTellsErrorsWithAdvice();
@@ -559,6 +560,10 @@ void TestRecording::errorsAreCountedOverTheTime()
     for (const qint64 time : {1000, 1000, 1999, 3500})
         few.add(time);
     QCOMPARE(few.columns(1000, 4999, 4), std::vector<int>({3, 0, 1, 0}));
+    TimeCounter ten;
+    for (qint64 time = 0; time < 10; ++time)
+        ten.add(time);
+    QCOMPARE(ten.columns(0, 9, 3), std::vector<int>({4, 3, 3}));
     TimeCounter many;
     constexpr qint64 kMinute = 60000;
     for (qint64 i = -100000; i < 100000; ++i)
@@ -672,6 +677,8 @@ void TestRecording::barsAreAsHighAsTheirCounts()
 {
     const ChartFrame frame = {0, 1000, 0, 10, 100, 50};
     QCOMPARE(barPath({0, 10, 0, 5}, frame), QString("M25 0H45V50H25ZM75 25H95V50H75Z"));
+    const ChartFrame narrower = {0, 1000, 0, 10, 100, 50, 10};
+    QCOMPARE(barPath({0, 10, 0, 5}, narrower), QString("M30 0H46V50H30ZM70 25H86V50H70Z"));
 }
 
 void TestRecording::manySamplesAreThinnedOutAndKeepTheirPeaks()
@@ -713,6 +720,19 @@ void TestRecording::barsOfADistributionAreAsLongAsTheirCounts()
     const QByteArray page = pageOf(rows);
     QVERIFY(page.contains("style=\"width:100.0%\""));
     QVERIFY(page.contains("style=\"width:33.3%\""));
+}
+
+// Of the 1000 that the picture is wide 15 are free on each side: 15 of 46 seconds are 316.3. The last line is
+// too near to the edge for a text.
+void TestRecording::thePageHasLinesAtRoundNumbersAndTimes()
+{
+    const QByteArray page = pageOf("2026-01-31T12:00:00.000Z,,VB0,u8,0,1,,5,\n"
+                                   "2026-01-31T12:00:46.000Z,,VB0,u8,0,9,,5,\n");
+    QVERIFY(page.contains("viewBox=\"0 0 1000 240\""));
+    QVERIFY(page.contains("<path class=\"grid\" d=\"M0 197.6H1000M0 145.9H1000M0 94.1H1000M0 42.4H1000"
+                          "M15.0 0V240M331.3 0V240M647.6 0V240M963.9 0V240\"/>"));
+    QVERIFY(page.contains("<div class=\"times\"><span style=\"left:33.13%\">12:00:15</span>"
+                          "<span style=\"left:64.76%\">12:00:30</span></div>"));
 }
 
 void TestRecording::thePageEscapesWhatTheFileSays()

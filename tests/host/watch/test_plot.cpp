@@ -106,6 +106,9 @@ void TestPlot::severalCurvesShareTheRows()
     QCOMPARE(int(lines.size()), 11);
     QCOMPARE(lines.at(0), QString("A  1"));
     QCOMPARE(lines.at(5), QString("B  1"));
+    QVERIFY(!lines.at(9).contains('+'));
+    const QStringList more = plotLines({{"A", "1", samples}}, 10, 10, 40, 12, PlotGlyphs::Ascii);
+    QVERIFY(more.at(10).contains("+-"));
 }
 
 void TestPlot::curvesWithoutRoomAreCounted()
