@@ -44,6 +44,7 @@ private slots:
     void aPauseThatIsNotGivenIsNone();
     void rs485HasWordsForOnAndOff_data();
     void rs485HasWordsForOnAndOff();
+    void plainNumbersAreMillisecondsOrSeconds();
     void commonNumbersHaveLimits_data();
     void commonNumbersHaveLimits();
 };
@@ -139,6 +140,18 @@ void TestCommandLine::rs485HasWordsForOnAndOff()
     declareCommonOptions(app, options);
     parse(app, {std::string("--rs485=") + QTest::currentDataTag()});
     QTEST(options.rs485.has_value(), "isOn");
+}
+
+void TestCommandLine::plainNumbersAreMillisecondsOrSeconds()
+{
+    CLI::App app;
+    Options options;
+    declareCommonOptions(app, options);
+    parse(app, {"--timeout=3", "--gap=5", "--delay=7", "--wait-lock=9"});
+    QCOMPARE(options.timeout->count(), 3);
+    QCOMPARE(options.gap->count(), 5);
+    QCOMPARE(options.delay->count(), 7);
+    QCOMPARE(options.waitLock->count(), 9000);
 }
 
 void TestCommandLine::commonNumbersHaveLimits_data()

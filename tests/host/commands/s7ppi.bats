@@ -52,6 +52,7 @@ times_late() {
 @test "help and version go to stdout" {
     run --separate-stderr s7ppi --help
     [ "$status" -eq 0 ]
+    [ "${lines[0]}" = "Reads and writes the memory of Simatic S7-200 controllers through their driver plug-in." ]
     [[ "$output" == *"read"*"write"*"watch"*"dump"*"load"*"scan"*"ports"*"doctor"*"describe"*"Exit codes: 0 done, "*"8 read back is not what was"* ]]
     [[ "$output" == *"70 internal failure, 74 output takes no more data; after a signal 128 and its number." ]]
     [ -z "$stderr" ]

@@ -48,6 +48,13 @@ counters, by number" ]
     [ "${lines[-1]}" = "  VB100*4      VW100, 71 characters, 71 ms" ]
 }
 
+@test "of the items of a request eight are named" {
+    run -0 --separate-stderr s7ppi check VB0 VB1 VB2 VB3 VB4 VB5 VB6 VB7
+    [[ "${lines[-1]}" == *" VB0 VB1 VB2 VB3 VB4 VB5 VB6 VB7, 75 characters, "* ]]
+    run -0 --separate-stderr s7ppi check VB0 VB1 VB2 VB3 VB4 VB5 VB6 VB7 VB8
+    [[ "${lines[-1]}" == *" VB0 VB1 VB2 VB3 VB4 VB5 VB6 VB7 and 1 more, 76 characters, "* ]]
+}
+
 @test "the plan keeps to what the user allows" {
     run -0 --separate-stderr s7ppi check --no-merge VB0 VB1
     [ "${lines[-2]}" = "  VB0          VB0, 68 characters, 112 ms" ]

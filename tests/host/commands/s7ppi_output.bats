@@ -40,6 +40,13 @@ load common
     [ "$(s7ppi read --port sim --format raw VB100*4 VW100 | od -An -tx1)" = " 11 22 33 44 11 22" ]
 }
 
+@test "values of several lines stand below each other, behind the longest of their addresses" {
+    run -0 --separate-stderr s7ppi read --port sim 'VB96*9' VB0
+    [ "$output" = "VB96  0 0 0 0 17 34 51 68
+VB104 0
+VB0   0" ]
+}
+
 @test "forms keep whatever is in a text, and numbers that JSON has not" {
     start s7ppi-sim
     s7ppi write --port "$port" 'VB0:str="a,b\x22c\x09d\x0a\xe4"' VD20:f32=nan,-inf,0.1

@@ -114,6 +114,7 @@ fills_the_picture() {
     on_terminal C.UTF-8 "s7ppi watch --port sim --plot --select V100.4 VW100 V100.4"
     eventually shows '^V100.4  1'
     shows ' every 500 ms, '
+    [[ "$(screen | grep -n 'now$')" == 24:* ]]
     run ! shows '^VW100'
 }
 

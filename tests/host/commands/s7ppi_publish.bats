@@ -265,6 +265,12 @@ all_came() {
     [ -s "$BATS_TEST_TMPDIR/.local/state/s7ppi/t.spool" ]
 }
 
+@test "2: publishing ends within a year, or by a signal" {
+    run -2 s7ppi publish --port /dev/null --broker mqtt://localhost --for 366d VB0
+    [[ "${lines[0]}" == *"--for"* ]]
+    run -3 s7ppi publish --port /dev/null --broker mqtt://localhost --spool "$BATS_TEST_TMPDIR/spool" --for 365d VB0
+}
+
 @test "2: a spool has at least 64 KiB" {
     local size
     for size in 65535 63k none ''; do
@@ -285,7 +291,8 @@ all_came() {
 @test "commands are done for tags that may be written, within their limits" {
     broker
     tags name,address,type,scale,access,min,max Setpoint,VW10,i16,0.1,rw,5,90.5 Pump,V20.3,,,rw,, Seen,VW30,,,ro,, \
-        Other,VW32,,,,, Beyond,VW20000,,,rw,, Label,VB40:str*5,,,rw,, Hall/Door,VB50*2,,,rw,, Word,VW60,,,rw,, Locked,V60.3,,,ro,,
+        Other,VW32,,,,, Beyond,VW20000,,,rw,, Label,VB40:str*5,,,rw,, Hall/Door,VB50*2,,,rw,, Word,VW60,,,rw,, Locked,V60.3,,,ro,, \
+        Far,VW64,,,rw,, Near,V64.0@2,,,ro,,
     start s7ppi-sim
     publish --port "$port" --metrics "$BATS_TEST_TMPDIR/press.prom" --write-rate 1000 "@$BATS_TEST_TMPDIR/tags.csv"
     eventually is_retained t/Setpoint '"value":0'
@@ -303,6 +310,7 @@ all_came() {
     [ "$(command_for Setpoint 4.9)" = '{"result":"refused","cause":"out_of_range","error":"4.9 is less than the minimum, 5"}' ]
     [ "$(command_for Seen 1)" = '{"result":"refused","cause":"not_writable","error":"Seen cannot be written over the broker"}' ]
     [ "$(command_for Word 1)" = '{"result":"refused","cause":"not_writable","error":"Locked: the tag is only to be read"}' ]
+    [[ "$(command_for Far 1)" == *'"error":"Near'*': the tag is only to be read"}' ]]
     [[ "$(command_for Other 1)" == '{"result":"refused","cause":"not_writable",'* ]]
     [[ "$(command_for Nobody 1)" == '{"result":"refused","cause":"unknown_item",'* ]]
     [[ "$(command_for Hall/Door 1,2,3)" == '{"result":"refused","cause":"wrong_usage",'* ]]
@@ -316,7 +324,7 @@ all_came() {
 
     kill -TERM "$publisher"
     finish
-    [ "$(sample s7ppi_commands_refused_total)" = "7 $port 2" ]
+    [ "$(sample s7ppi_commands_refused_total)" = "8 $port 2" ]
     [ "$(sample s7ppi_commands_done_total)" = "6 $port 2" ]
 }
 
