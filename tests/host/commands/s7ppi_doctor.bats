@@ -185,6 +185,11 @@ LINES
     [ "$(jq -c '.settings[] | select(.setting == "baud" or .setting == "plugin")' <<<"$output")" = \
         '{"setting":"baud","value":"unknown","source":"plug-in","place":""}
 {"setting":"plugin","value":"/no/such.so","source":"command line","place":""}' ]
+    settings "format = text"
+    run -0 s7ppi doctor --config "$settings" --port "$port" --station 5 --reads 1
+    grep -qxE " +format +text +file, $settings:1" <<<"$output"
+    run -0 s7ppi doctor --config "$settings" --port "$port" --station 5 --reads 1 --json
+    [ "$(jq -c '.settings[] | select(.setting == "format") | [.value, .source]' <<<"$output")" = '["json","command line"]' ]
 }
 
 @test "130: Ctrl-C keeps what was found out" {

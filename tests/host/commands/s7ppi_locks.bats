@@ -78,6 +78,19 @@ is_held() {
     done
 }
 
+@test "3: an empty lock file is left alone while the directory of locks is another program's" {
+    start fake_controller
+    find_lock
+    start s7ppi-sim
+    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    : >"$lock"
+    flock "${lock%/*}" sleep 600 3>&- &
+    lock=${lock%/*} eventually is_held
+    run --separate-stderr s7ppi read --port "$port" VB100
+    [ "$status" -eq 3 ]
+    [ -e "$lock" ]
+}
+
 @test "of many that take it over at the same moment one wins" {
     start fake_controller
     find_lock

@@ -17,6 +17,14 @@ load common
     [ "$(jq -c '.limits' <<<"$described")" = '{"firstStation":1,"lastStation":126,"readBytes":222,"writeBytes":212}' ]
 }
 
+@test "what has no records is a table of fields and values" {
+    run -0 --separate-stderr s7ppi describe --format csv
+    [ "${lines[0]}" = "field,value" ]
+    [ "${lines[1]}" = "name,Simatic S7-200 PPI" ]
+    run -0 --separate-stderr s7ppi describe --format tsv
+    [ "${lines[1]}" = $'name\tSimatic S7-200 PPI' ]
+}
+
 @test "every form of what is read" {
     run --separate-stderr s7ppi read --port sim --format json VB100 V100.0*2
     [ "$(timeless "$output")" = '{

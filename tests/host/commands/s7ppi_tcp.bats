@@ -184,6 +184,7 @@ LINES
     run --separate-stderr s7ppi ports tcp:gateway:4001
     [ "$status" -eq 3 ]
     [ "${stderr_lines[0]}" = "s7ppi: ports: tcp:gateway:4001 is no port of this machine" ]
+    [ "${stderr_lines[1]}" = "hint: s7ppi doctor --port tcp:gateway:4001 looks at the port of a serial server" ]
 }
 
 @test "3: nobody listens, and nobody has the name" {

@@ -272,6 +272,9 @@ void TestDumpDifference::bytesAreCounted()
     QCOMPARE(found.differentSize, 1);
     QCOMPARE(compareDumps(dumpOf("VB0..VB3", "01020304"), dumpOf("VB0..VB3", "81020384"), {}).differentSize,
              2);
+    rules.ignored = {parseItem("V1.0*7")};
+    QCOMPARE(compareDumps(dumpOf("VB0..VB3", "01020304"), dumpOf("VB0..VB3", "01ff0304"), rules).comparedSize,
+             4);
 }
 
 void TestDumpDifference::tagsThatLieElsewhereAreNamed()

@@ -102,6 +102,7 @@ void TestExplanation::bytesHaveTheirMeaning_data()
     row("10 00 02 09 0b 16", 3, "function code: no data to answer with");
     row(kRequest, 1, "length: 27 bytes from the destination to the end of the PDU");
     row(kRequest, 6, "function code: data or poll, to be answered; begins a sequence");
+    row("68 03 03 68 02 00 6c 6e 16", 1, "length: 3 bytes from the destination to the end of the PDU");
     row(kRequest, 7, "protocol: S7");
     row(kRequest, 8, "message type: job: a request");
     row(kRequest, 11, "reference: 1");

@@ -11,6 +11,7 @@
 
 #include <QtTest>
 
+#include <cstring>
 #include <optional>
 
 using namespace host;
@@ -21,6 +22,7 @@ class TestTraceFile : public QObject
 
 private slots:
     void aRecordHasTimeDirectionAndBytes();
+    void aCaptureHasTheTimeInMicroseconds();
     void commentsAreNoRecords();
     void otherLinesOfATraceAreRefused();
 };
@@ -34,6 +36,17 @@ void TestTraceFile::aRecordHasTimeDirectionAndBytes()
     QCOMPARE(record->direction, QString(">"));
     QCOMPARE(hex(record->bytes), QString("1002005c5e16"));
     QCOMPARE(parseTraceLine("2026-01-31T12:00:00.264Z < e5")->direction, QString("<"));
+}
+
+// Two words, the upper one first, behind type, length and interface of the block.
+void TestTraceFile::aCaptureHasTheTimeInMicroseconds()
+{
+    const QByteArray packet = captureRecord({"2026-01-31T12:00:00.263Z", "<", QByteArray("\xe5")});
+    quint32 words[5] = {};
+    QVERIFY(packet.size() > int(sizeof words));
+    std::memcpy(words, packet.constData(), sizeof words);
+    QCOMPARE(words[0], quint32(6));
+    QCOMPARE(quint64(words[3]) << 32 | words[4], quint64(1769860800263000));
 }
 
 void TestTraceFile::commentsAreNoRecords()

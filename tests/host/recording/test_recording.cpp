@@ -101,6 +101,7 @@ private slots:
     void aLongRecordingKeepsItsExtremesAndItsGaps();
     void manyValuesShareTheSamples();
     void samplesOfALongRecordingAreEquallyFarApart();
+    void aRecordingOfOneMomentBeginsAndEndsThere();
     void samplesOutOfOrderAreDrawnInOrder();
     void percentilesAreOfTheNearestRank();
     void longTimesAreCountedToFourDigits();
@@ -130,6 +131,7 @@ private slots:
     void thePageTellsWhereAndWhen();
     void bitsHaveTwoLevelsAndAShareOfTime();
     void rareErrorsAreCountedTogether();
+    void longErrorsAreCut();
 };
 
 void TestRecording::everyValueIsASeries()
@@ -443,6 +445,13 @@ void TestRecording::samplesOfALongRecordingAreEquallyFarApart()
     QVERIFY2(std::abs(early - late) < early / 10,
              qPrintable(filled("%1 and %2", qint64(early), qint64(late))));
     QCOMPARE(recording.series.at(0).answers, 10000);
+}
+
+void TestRecording::aRecordingOfOneMomentBeginsAndEndsThere()
+{
+    const Recording recording = parsed("2026-01-31T12:00:00.250Z,,VB0,u8,0,1,,5,\n");
+    QCOMPARE(recording.end, recording.begin);
+    QCOMPARE(recording.begin % 1000, qint64(250));
 }
 
 void TestRecording::samplesOutOfOrderAreDrawnInOrder()
@@ -806,6 +815,12 @@ void TestRecording::rareErrorsAreCountedTogether()
     QCOMPARE(page.count("<li class=\"card\"><b>"), 20);
     QVERIFY(page.contains("And 4980 errors of other causes."));
     QVERIFY(page.contains("<b class=\"bad\">5000</b>"));
+}
+
+void TestRecording::longErrorsAreCut()
+{
+    QCOMPARE(shortened(QString(500, 'x')), QString(500, 'x'));
+    QCOMPARE(shortened(QString(501, 'x')), QString(500, 'x') + " ...");
 }
 
 QTEST_APPLESS_MAIN(TestRecording)

@@ -22,6 +22,8 @@ private slots:
     void floatsAreAsShortAsTellsThemApart_data();
     void floatsAreAsShortAsTellsThemApart();
     void doublesAreAsShortAsTellsThemApart();
+    void placesAreThoseOfTheShortestText_data();
+    void placesAreThoseOfTheShortestText();
     void longNumbersHaveFiveDigits();
     void durationsAreAsLongAsNeeded_data();
     void durationsAreAsLongAsNeeded();
@@ -57,6 +59,33 @@ void TestNumberText::doublesAreAsShortAsTellsThemApart()
     QCOMPARE(shortestText(std::nextafter(1.0, 2.0)), QString("1.0000000000000002"));
     QCOMPARE(shortestText(-0.0), QString("-0"));
     QCOMPARE(shortestText(-std::numeric_limits<double>::infinity()), QString("-inf"));
+}
+
+void TestNumberText::placesAreThoseOfTheShortestText_data()
+{
+    QTest::addColumn<double>("number");
+    QTest::addColumn<int>("places");
+    const auto row = [](const char *text, int places) {
+        QTest::newRow(text) << QByteArray(text).toDouble() << places;
+    };
+    row("0", 0);
+    row("1", 0);
+    row("-15", 0);
+    row("1e20", 0);
+    row("1250000", 0);
+    row("0.1", 1);
+    row("-0.25", 2);
+    row("12.5", 1);
+    row("0.00125", 5);
+    row("1e-9", 9);
+    row("1e-19", 19);
+}
+
+void TestNumberText::placesAreThoseOfTheShortestText()
+{
+    QFETCH(double, number);
+    QTEST(decimalPlaces(number), "places");
+    QTEST(decimalPlaces(float(number)), "places");
 }
 
 void TestNumberText::longNumbersHaveFiveDigits()
