@@ -51,7 +51,7 @@ lock_is_there() {
     start s7ppi-sim
     lock=${lock%pts_*}pts_${port#/dev/pts/}
     : >"$lock"
-    flock "$lock" sleep 600 3>&- &
+    flock --no-fork "$lock" sleep 600 3>&- &
     eventually is_held
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 3 ]
@@ -84,7 +84,7 @@ is_held() {
     start s7ppi-sim
     lock=${lock%pts_*}pts_${port#/dev/pts/}
     : >"$lock"
-    flock "${lock%/*}" sleep 600 3>&- &
+    flock --no-fork "${lock%/*}" sleep 600 3>&- &
     lock=${lock%/*} eventually is_held
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 3 ]
