@@ -82,12 +82,16 @@ without_room() {
     enter_directory
     without_room dump --port sim -o a.dump VB0..VB999
     [[ "${stderr_lines[0]}" == *"a.dump.part cannot be written: File too large" ]]
+    [ "${stderr_lines[1]}" = "hint: check the directory, its rights and its room" ]
     without_room read --port sim -o values VB0*600
     [ "${stderr_lines[0]}" = "s7ppi: values cannot be written: File too large" ]
+    [ "${stderr_lines[1]}" = "hint: check the directory, its rights and its room; nothing was left there" ]
     without_room watch --port sim -o run.csv VB0*40 --count 10 --interval 1 --all
     [ "${stderr_lines[0]}" = "s7ppi: run.csv cannot be written: File too large" ]
+    [ "${stderr_lines[1]}" = "hint: check the directory, its rights and its room; the records before are in the file" ]
     without_room read --port sim --trace trace VB0*600
     [[ "${stderr_lines[0]}" == *"trace cannot be written: File too large" ]]
+    [ "${stderr_lines[1]}" = "hint: check the trace file's directory, its rights and its room" ]
     run -74 --separate-stderr s7ppi read --port sim --trace /dev/full VB100
     [ "${stderr_lines[0]}" = "s7ppi: /dev/full cannot be written: No space left on device" ]
 }
