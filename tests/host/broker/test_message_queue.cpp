@@ -228,6 +228,7 @@ void TestMessageQueue::aDamagedSpoolIsSetAside_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("noise") << QByteArray("no database at all").repeated(1000);
+    init();
     open();
     put(1, 500);
     queue.reset();
