@@ -69,6 +69,7 @@ is_held() {
     lock=${lock%pts_*}pts_${port#/dev/pts/}
     local obstacle
     for obstacle in "$lock" "$lock.rmlock"; do
+        rm -f "$obstacle" # a program that was killed may have left one for the terminal that had this number before
         mkfifo "$obstacle"
         run -3 --separate-stderr timeout 20 s7ppi read --port "$port" VB100
         [ "${stderr_lines[0]}" = "s7ppi: $port cannot be opened: $obstacle is no lock file, and is in the way" ]
