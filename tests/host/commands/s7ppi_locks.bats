@@ -11,7 +11,7 @@ load common
 
 teardown() {
     end_test
-    rm -f "$lock"
+    rm -f "$lock" "$lock.rmlock"
 }
 
 # Finds the lock file's name in $lock from a program that has the port of $port open, and kills that.
