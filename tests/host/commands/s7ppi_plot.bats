@@ -110,11 +110,15 @@ fills_the_picture() {
     eventually shows '^VW20000: Invalid address \(incorrect variable address\)$'
 }
 
+shows_now_at_the_bottom() {
+    [[ "$(screen | grep -n 'now$')" == 24:* ]]
+}
+
 @test "the items to draw can be chosen" {
     on_terminal C.UTF-8 "s7ppi watch --port sim --plot --select V100.4 VW100 V100.4"
     eventually shows '^V100.4  1'
-    shows ' every 500 ms, '
-    [[ "$(screen | grep -n 'now$')" == 24:* ]]
+    eventually shows ' every 500 ms, '
+    eventually shows_now_at_the_bottom
     run ! shows '^VW100'
 }
 
