@@ -40,10 +40,8 @@ void Spool::moveToFile()
 {
     if (!file.isOpen())
         openFile();
-    if (file.write(kept) != kept.size()) {
-        const QString reason = writeReason(file);
-        throw lost(reason);
-    }
+    if (file.write(kept) != kept.size())
+        fail(writeReason(file));
     kept.resize(0);
 }
 
@@ -52,31 +50,31 @@ void Spool::openFile()
     QByteArray name = QFile::encodeName(directory() + "/s7ppi.XXXXXX");
     const int descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0)
-        throw lost(systemReason(errno));
+        fail(systemReason(errno));
     unlink(name.constData());
     if (!file.open(descriptor, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle))
-        throw lost(file.errorString());
+        fail(file.errorString());
 }
 
 void Spool::rewind()
 {
     if (file.isOpen() && !file.seek(0))
-        throw lost(file.errorString());
+        fail(file.errorString());
 }
 
 QByteArray Spool::next()
 {
     const QByteArray some = file.isOpen() ? file.read(kMostInMemory) : QByteArray();
     if (some.isEmpty() && file.error() != QFileDevice::NoError)
-        throw lost(file.errorString());
+        fail(file.errorString());
     return some.isEmpty() ? std::exchange(kept, QByteArray()) : some;
 }
 
-Failure Spool::lost(const QString &reason)
+void Spool::fail(const QString &reason)
 {
-    return Failure(ExitCode::OutputLost,
-                   filled("a temporary file in %1 cannot be used: %2", directory(), reason),
-                   "make room there, or name another directory in the environment variable TMPDIR");
+    throw Failure(ExitCode::OutputLost,
+                  filled("a temporary file in %1 cannot be used: %2", directory(), reason),
+                  "make room there, or name another directory in the environment variable TMPDIR");
 }
 
 } // namespace host

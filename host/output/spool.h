@@ -31,7 +31,7 @@ public:
 private:
     void moveToFile();
     void openFile();
-    static Failure lost(const QString &reason);
+    [[noreturn]] static void fail(const QString &reason);
 
     QFile file;
     QByteArray kept;

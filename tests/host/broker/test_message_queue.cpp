@@ -228,7 +228,7 @@ void TestMessageQueue::aDamagedSpoolIsSetAside_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("noise") << QByteArray("no database at all").repeated(1000);
-    init();
+    init(); // which QTest calls behind this only
     open();
     put(1, 500);
     queue.reset();

@@ -2,7 +2,7 @@
 # Copyright (c) 2026 The s7ppi authors
 # SPDX-License-Identifier: MIT
 #
-# Lock files that a kill left behind.
+# Lock files that a kill left behind, and what else has their names.
 
 # bats runs every test in a shell of its own and sets the variables of run.
 # shellcheck disable=SC2030,SC2031,SC2154
@@ -32,11 +32,25 @@ lock_is_there() {
     grep -q unanswered "$BATS_TEST_TMPDIR/output"
 }
 
-@test "an empty lock file that nobody holds is taken over at once, and told" {
+# A simulated controller, whose lock file's name is then in $lock.
+start_with_lock() {
     start fake_controller
     find_lock
     start s7ppi-sim
     lock=${lock%pts_*}pts_${port#/dev/pts/}
+}
+
+# hold FILE: locks it up to the end of the test.
+hold() {
+    flock --no-fork "$1" sleep 600 3>&- &
+    eventually is_held "$1"
+}
+is_held() {
+    ! flock -n "$1" true
+}
+
+@test "an empty lock file that nobody holds is taken over at once, and told" {
+    start_with_lock
     : >"$lock"
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 0 ]
@@ -46,27 +60,17 @@ lock_is_there() {
 }
 
 @test "3: an empty lock file that a program holds is left alone" {
-    start fake_controller
-    find_lock
-    start s7ppi-sim
-    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    start_with_lock
     : >"$lock"
-    flock --no-fork "$lock" sleep 600 3>&- &
-    eventually is_held
+    hold "$lock"
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 3 ]
     [ -e "$lock" ]
     [[ "${stderr_lines[1]}" == "hint: "* ]]
 }
-is_held() {
-    ! flock -n "$lock" true
-}
 
 @test "3: a lock that is no file is left alone, and nothing waits for it" {
-    start fake_controller
-    find_lock
-    start s7ppi-sim
-    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    start_with_lock
     local obstacle
     for obstacle in "$lock" "$lock.rmlock"; do
         rm -f "$obstacle" # a program that was killed may have left one for the terminal that had this number before
@@ -80,13 +84,9 @@ is_held() {
 }
 
 @test "3: an empty lock file is left alone while the directory of locks is another program's" {
-    start fake_controller
-    find_lock
-    start s7ppi-sim
-    lock=${lock%pts_*}pts_${port#/dev/pts/}
+    start_with_lock
     : >"$lock"
-    flock --no-fork "${lock%/*}" sleep 600 3>&- &
-    lock=${lock%/*} eventually is_held
+    hold "${lock%/*}"
     run --separate-stderr s7ppi read --port "$port" VB100
     [ "$status" -eq 3 ]
     [ -e "$lock" ]
