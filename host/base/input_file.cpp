@@ -38,8 +38,10 @@ InputFile::InputFile(const QString &name_, const QString &hint_, qint64 largest_
         throw Failure(ExitCode::Usage, "no name is given", hint);
     claimFile(name, FileRole::Input);
     descriptor = openForReading(name);
-    if (descriptor < 0)
-        throw unreadable(systemReason(errno));
+    if (descriptor < 0) {
+        const int reason = errno;
+        throw unreadable(systemReason(reason));
+    }
     try {
         checkKind();
     } catch (...) {
@@ -69,8 +71,10 @@ QByteArray InputFile::readSome()
         const ssize_t count = read(descriptor, buffer, sizeof buffer);
         if (count < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
-        if (count < 0)
-            throw unreadable(systemReason(errno));
+        if (count < 0) {
+            const int reason = errno;
+            throw unreadable(systemReason(reason));
+        }
         total += count;
         if (total > largest)
             throw Failure(ExitCode::Usage, name + " is too large: it has more than " + limitText(largest),

@@ -118,8 +118,10 @@ void switchRs485(int descriptor, const QString &port, const Rs485 &pauses)
     mode.delay_rts_before_send = unsigned(pauses.before);
     mode.delay_rts_after_send = unsigned(pauses.after);
     serial_rs485 achieved = {};
-    if (ioctl(descriptor, TIOCSRS485, &mode) != 0 || ioctl(descriptor, TIOCGRS485, &achieved) != 0)
-        throw notSwitched(port, systemReason(errno));
+    if (ioctl(descriptor, TIOCSRS485, &mode) != 0 || ioctl(descriptor, TIOCGRS485, &achieved) != 0) {
+        const int reason = errno;
+        throw notSwitched(port, systemReason(reason));
+    }
     if (!(achieved.flags & SER_RS485_ENABLED))
         throw notSwitched(port, "the driver leaves it switched off");
     const Rs485 kept = {int(achieved.delay_rts_before_send), int(achieved.delay_rts_after_send)};

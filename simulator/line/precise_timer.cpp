@@ -21,9 +21,11 @@ namespace sim {
 
 PreciseTimer::PreciseTimer() : descriptor(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
 {
-    if (descriptor < 0)
-        throw LineError("cannot make a timer: " + QString::fromLocal8Bit(std::strerror(errno)),
+    if (descriptor < 0) {
+        const int reason = errno;
+        throw LineError("cannot make a timer: " + QString::fromLocal8Bit(std::strerror(reason)),
                         "end programs that have many files open, and start again");
+    }
     notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     connect(notifier.get(), &QSocketNotifier::activated, this, [this] { fire(); });
 }

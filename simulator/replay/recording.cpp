@@ -38,8 +38,10 @@ RecordingError unusable(const std::string &path, const std::string &reason)
 std::string contentOf(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw RecordingError(path + ": cannot be read: " + std::strerror(errno), kOtherFile);
+    if (!file) {
+        const int reason = errno;
+        throw RecordingError(path + ": cannot be read: " + std::strerror(reason), kOtherFile);
+    }
     std::string content;
     std::vector<char> piece(1U << 16);
     while (file.read(piece.data(), std::streamsize(piece.size())) || file.gcount() > 0) {

@@ -71,9 +71,11 @@ std::string traceRecord(Time time, Traffic traffic, const Bytes &bytes)
 TraceFile::TraceFile(const std::string &path, const std::string &heading)
     : file(path, std::ios::binary), isCapture(common::isCaptureName(path))
 {
-    if (!put(isCapture ? common::captureHead("s7ppi-sim", heading) : "# " + heading + '\n'))
-        throw UserError(path + ": cannot write: " + std::strerror(errno),
+    if (!put(isCapture ? common::captureHead("s7ppi-sim", heading) : "# " + heading + '\n')) {
+        const int reason = errno;
+        throw UserError(path + ": cannot write: " + std::strerror(reason),
                         "check the trace file's folder, its rights and its room");
+    }
 }
 
 bool TraceFile::write(Time time, Traffic traffic, const Bytes &bytes)
