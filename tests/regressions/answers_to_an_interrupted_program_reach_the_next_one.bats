@@ -23,13 +23,15 @@ interrupt_while_answered() {
     [ "$status" -eq 130 ]
 }
 
+# A simulator that a busy machine keeps from the processor leaves a gap in its answer, which costs an attempt; a program
+# that begins before the line is silent loses all of them.
 @test "the answer to a program that was interrupted is not taken for the next one's" {
     start s7ppi-sim --pace 9600
     interrupt_while_answered
-    run --separate-stderr s7ppi dump --port "$port" -q --retries 0 -o "$BATS_TEST_TMPDIR/dump" VB0..VB299 --restart
+    run --separate-stderr s7ppi dump --port "$port" -q -o "$BATS_TEST_TMPDIR/dump" VB0..VB299 --restart
     [ "$status" -eq 0 ]
     interrupt_while_answered
-    run --separate-stderr s7ppi watch --port "$port" -q --interval 1 --count 3 --retries 0 VB100
+    run --separate-stderr s7ppi watch --port "$port" -q --interval 1 --count 3 VB100
     [ "$status" -eq 0 ]
     [[ "$output" == *" VB100 17" ]]
     [ -z "$stderr" ]
