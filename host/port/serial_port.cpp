@@ -3,10 +3,11 @@
 
 #include "host/port/serial_port.h"
 
+#include "common/port_lock.h"
 #include "host/base/files_in_use.h"
-#include "host/port/lock_file.h"
 #include "host/port/port_details.h"
 #include "host/port/port_holder.h"
+#include "host/port/port_opening.h"
 #include "host/port/tty_settings.h"
 
 #include <QFileInfo>
@@ -112,13 +113,14 @@ void SerialPort::open()
 void SerialPort::openLocked()
 {
     const PortOpening opening(name);
-    if (const QString obstacle = opening.obstacle(); !obstacle.isEmpty())
+    if (const QString obstacle = common::lockObstacle(name); !obstacle.isEmpty())
         throw Failure(ExitCode::PortUnusable,
                       name + " cannot be opened: " + obstacle + " is no lock file, and is in the way",
                       "no program that locks a port makes such a thing: remove it");
     if (!opening.removeLeftLock())
         throw Failure(ExitCode::PortUnusable,
-                      name + " cannot be opened: the empty lock file " + lockFileOf(name) + " is in the way",
+                      name + " cannot be opened: the empty lock file " + common::lockFileOf(name) +
+                          " is in the way",
                       "no program holds it, one that was killed has left it: remove it");
     if (!port.open(QIODevice::ReadWrite))
         failToOpen();

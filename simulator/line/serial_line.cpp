@@ -3,6 +3,8 @@
 
 #include "simulator/line/serial_line.h"
 
+#include "common/port_lock.h"
+
 #include <QFileInfo>
 
 namespace sim {
@@ -21,7 +23,12 @@ QString locationOf(const QString &device)
 
 SerialLine::SerialLine(const QString &device_, qint32 baudRate, QSerialPort::Parity parity) : device(device_)
 {
-    port.setPortName(locationOf(device));
+    const QString location = locationOf(device);
+    if (const QString obstacle = common::lockObstacle(location); !obstacle.isEmpty())
+        throw LineError(QString::fromLatin1("cannot open %1: %2 is no lock file, and is in the way")
+                            .arg(device, obstacle),
+                        QString::fromLatin1("no program that locks a port makes such a thing: remove it"));
+    port.setPortName(location);
     port.setBaudRate(baudRate);
     port.setParity(parity);
     if (!port.open(QIODevice::ReadWrite))

@@ -8,6 +8,7 @@
 # shellcheck disable=SC2030,SC2031,SC2154
 
 load common
+load ../../support/locks
 
 teardown() {
     end_test
@@ -19,12 +20,7 @@ find_lock() {
     s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
     local holder=$!
     eventually lock_is_there
-    local directory
-    for directory in /var/tmp /tmp /var/spool/uucp /var/spool/locks /etc/locks /var/lock; do
-        if [ -e "$directory/LCK..$(tr / _ <<<"${port#/dev/}")" ]; then
-            lock=$directory/LCK..$(tr / _ <<<"${port#/dev/}")
-        fi
-    done
+    lock=$(lock_of "$port")
     kill -KILL "$holder"
     wait "$holder" || true
 }

@@ -9,6 +9,12 @@
 # shellcheck disable=SC2030,SC2031,SC2034,SC2154
 
 load common
+load ../../support/locks
+
+teardown() {
+    end_test
+    [ -z "${lock:-}" ] || rm -f "$lock" "$lock.rmlock"
+}
 
 @test "the port's name is the only output, and it answers there" {
     start
@@ -405,6 +411,21 @@ load common
     fails 3 --link plc
     [ "$output" = "s7ppi-sim: cannot make the link plc: File exists" ]
     [ "$(cat plc)" = precious ]
+}
+
+@test "3: a lock that is no file is left alone, and nothing waits for it" {
+    start
+    local device=$port obstacle
+    start --port "$device"
+    lock=$(lock_of "$device")
+    stop
+    for obstacle in "$lock" "$lock.rmlock"; do
+        mkfifo "$obstacle"
+        fails 3 --port "$device"
+        [ "$output" = "s7ppi-sim: cannot open $device: $obstacle is no lock file, and is in the way" ]
+        [ -p "$obstacle" ]
+        rm "$obstacle"
+    done
 }
 
 @test "options that do not go together are wrong usage" {

@@ -1,8 +1,9 @@
 // Copyright (c) 2026 The s7ppi authors
 // SPDX-License-Identifier: MIT
 
-#include "host/port/lock_file.h"
+#include "host/port/port_opening.h"
 
+#include "common/port_lock.h"
 #include "host/base/messages.h"
 
 #include <QByteArray>
@@ -23,10 +24,6 @@ namespace {
 // Milliseconds.
 constexpr int kPatience = 1000;
 constexpr int kPause = 10;
-
-// Where QSerialPort looks for a place, in this order.
-const char *const kDirectories[] = {"/var/lock", "/etc/locks", "/var/spool/locks",  "/var/spool/uucp",
-                                    "/tmp",      "/var/tmp",   "/var/lock/lockdev", "/run/lock"};
 
 // Returns the directory, locked against other processes, or -1. No file has to be made for that.
 int lockedDirectory(const QString &name)
@@ -71,20 +68,8 @@ int heldLeftLock(const QString &lockFile)
 
 } // namespace
 
-QString lockFileOf(const QString &device)
-{
-    const QString name = device.startsWith("/dev/") ? device.mid(5) : device;
-    for (const char *const directory : kDirectories) {
-        QString lockFile = QString(directory) + "/LCK.." + QString(name).replace('/', '_');
-        const QFileInfo place(directory);
-        if (place.isReadable() && (QFile::exists(lockFile) || place.isWritable()))
-            return lockFile;
-    }
-    return QString();
-}
-
-PortOpening::PortOpening(const QString &device)
-    : lockFile(lockFileOf(device)), directory(lockedDirectory(QFileInfo(lockFile).path()))
+PortOpening::PortOpening(const QString &device_)
+    : device(device_), directory(lockedDirectory(QFileInfo(common::lockFileOf(device)).path()))
 {
 }
 
@@ -94,25 +79,9 @@ PortOpening::~PortOpening()
         close(directory);
 }
 
-// Qt removes a lock file that nobody holds under a lock of its own, which a kill may leave, too.
-QString PortOpening::guardFile() const
-{
-    return lockFile + ".rmlock";
-}
-
-QString PortOpening::obstacle() const
-{
-    for (const QString &file : {lockFile, guardFile()}) {
-        struct stat state = {};
-        if (lstat(QFile::encodeName(file).constData(), &state) == 0 && !S_ISREG(state.st_mode))
-            return file;
-    }
-    return QString();
-}
-
 bool PortOpening::removeLeftLock() const
 {
-    return removeLeft(guardFile()) && removeLeft(lockFile);
+    return removeLeft(common::lockGuardOf(device)) && removeLeft(common::lockFileOf(device));
 }
 
 bool PortOpening::removeLeft(const QString &file) const
