@@ -185,6 +185,7 @@ void TestRequests::bitNumberIsTheLastCharacter_data()
     QTest::newRow("a slash is -1, wrapped") << "V10./" << 10u << 4294967295u;
     QTest::newRow("a dot at the end is -2, wrapped") << "V10." << 10u << 4294967294u;
     QTest::newRow("V1.0.3") << "V1.0.3" << 1u << 3u;
+    QTest::newRow("no text is place 0.0") << "" << 0u << 0u;
     QTest::newRow("a colon or a slash is no digit of the byte") << "V/1:0.3" << 10u << 3u;
 }
 

@@ -148,6 +148,7 @@ void TestBits::bitOutsideAnArrayIsFalse()
 {
     const unsigned char buffer[] = {0xFF};
     QVERIFY(!getBit(bytes("ff ff"), 16));
+    QVERIFY(!getBit(QByteArray::fromRawData("\xff\xff\xff", 2), 16));
     QVERIFY(!getBit(bytes("ff ff"), INT_MAX));
     QVERIFY(!getBit(bytes("ff ff"), -1));
     QVERIFY(!getBit(bytes("ff ff"), INT_MIN));
