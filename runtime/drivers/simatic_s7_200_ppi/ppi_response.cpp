@@ -78,7 +78,6 @@ bool unpackRecords(const unsigned char *parameters, int recordSize,
     returnCode = head.returnCode;
     if (!head.isObjects())
         return false;
-    records.reserve(records.size() + static_cast<size_t>((head.length + recordSize - 1) / recordSize));
     for (int offset = 0; offset < head.length; offset += recordSize)
         records.push_back(unpackRecord(parameters + kReadItemHeadSize + offset));
     return true;
