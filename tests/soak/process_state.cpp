@@ -17,7 +17,7 @@ using DirectoryIterator = std::filesystem::directory_iterator;
 // What one moment may have more than another: the texts of the last call, and a page table's worth of
 // fragments.
 const qint64 kHeapBound = 16 * 1024;
-const qint64 kResidentBound = 1024 * 1024;
+const qint64 kResidentBound = 256 * 1024;
 
 QString grew(const char *what, qint64 before, qint64 after)
 {
@@ -31,6 +31,9 @@ namespace soak {
 ProcessState processState()
 {
     ProcessState state = {};
+    // What is free belongs to the heap for a while: how much of it depends on the largest write of the last
+    // calls.
+    malloc_trim(0);
     state.descriptors = int(std::distance(DirectoryIterator("/proc/self/fd"), DirectoryIterator()));
     QFile pages(QLatin1String("/proc/self/statm"));
     if (pages.open(QIODevice::ReadOnly))

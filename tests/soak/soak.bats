@@ -31,6 +31,12 @@ chapter() {
     [ "$(chapter 9)" = "$last" ]
 }
 
+@test "it does so with any request and a controller that says anything, and keeps no memory and no descriptor" {
+    run -0 "$SOAK" --model 200000
+    echo "$output"
+    [[ "${lines[-2]}" == 20000[0-9]' exchanges in '*' a second, none other than the model'\''s' ]]
+}
+
 @test "the same seed draws the same, and another one something else" {
     local kind first
     for kind in '' --model; do
