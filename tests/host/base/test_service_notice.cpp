@@ -24,6 +24,9 @@ using std::chrono::milliseconds;
 
 namespace {
 
+// A name ends in a zero byte.
+constexpr int kLongestName = int(sizeof sockaddr_un().sun_path) - 1;
+
 // A manager that listens at a name of the file system, or behind an @ at one without a file.
 class Manager
 {
@@ -71,6 +74,7 @@ private slots:
     void cleanup();
     void aServiceTellsItsBeginningOnceAndItsEnd_data();
     void aServiceTellsItsBeginningOnceAndItsEnd();
+    void aNameThatIsTooLongIsNone();
     void withoutAWatchdogNoSignOfLifeIsGiven();
     void signsOfLifeAreNoMoreThanTheWatchdogNeeds();
     void signsOfLifeComeAgainWithinTheWatchdogsTime();
@@ -98,6 +102,7 @@ void TestServiceNotice::aServiceTellsItsBeginningOnceAndItsEnd_data()
     QTest::newRow("a file") << place;
     QTest::newRow("without a file") << QByteArray("@s7ppi-test-" + QByteArray::number(getpid()));
     QTest::newRow("the shortest name") << QByteArray("@\x03");
+    QTest::newRow("the longest name") << QByteArray("@s7ppi-test-").leftJustified(kLongestName, 'x');
 }
 
 void TestServiceNotice::aServiceTellsItsBeginningOnceAndItsEnd()
@@ -115,6 +120,14 @@ void TestServiceNotice::aServiceTellsItsBeginningOnceAndItsEnd()
     QCOMPARE(manager.told(), QByteArray("STOPPING=1\n"));
     service.alive();
     QVERIFY(!service.wantsStatus());
+    QCOMPARE(manager.told(), QByteArray());
+}
+
+void TestServiceNotice::aNameThatIsTooLongIsNone()
+{
+    const Manager manager(QByteArray("@s7ppi-test-").leftJustified(kLongestName + 1, 'x'));
+    QVERIFY(manager.listens());
+    ServiceNotice().ready();
     QCOMPARE(manager.told(), QByteArray());
 }
 

@@ -5,6 +5,7 @@
 
 #include "host/broker/spool_file.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -20,6 +21,7 @@ class TestSpoolFile : public QObject
 
 private slots:
     void countSizeAndLastNumberAreThoseOfTheFile();
+    void theFileTellsItsVersion();
 
 private:
     QString name() const { return directory.filePath("queue.spool"); }
@@ -69,6 +71,16 @@ void TestSpoolFile::countSizeAndLastNumberAreThoseOfTheFile()
     holds({8, 9});
     QCOMPARE(spool->removeBefore(8001, 9), 1);
     holds({9});
+}
+
+void TestSpoolFile::theFileTellsItsVersion()
+{
+    const QString name = directory.filePath("new.spool");
+    SpoolFile(name).append({});
+    QFile file(name);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    constexpr int kUserVersion = 60; // where SQLite has it, four bytes, the highest first
+    QCOMPARE(file.readAll().mid(kUserVersion, 4), QByteArray("\0\0\0\1", 4));
 }
 
 QTEST_GUILESS_MAIN(TestSpoolFile)

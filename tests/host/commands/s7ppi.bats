@@ -47,6 +47,7 @@ times_late() {
     [[ "$output" == *"bit block size       32 bits"* ]]
     [[ "$output" == *"communication        112 = 16 + 32 + 64 (RS-485)"* ]]
     [ -z "$stderr" ]
+    [ "$(s7ppi describe --format json | jq -c '[.communication, .totalSize, .blockSize, .bitBlockSize]')" = "[112,12250,32,32]" ]
 }
 
 @test "help and version go to stdout" {
@@ -55,6 +56,7 @@ times_late() {
     [ "${lines[0]}" = "Reads and writes the memory of Simatic S7-200 controllers through their driver plug-in." ]
     [[ "$output" == *"read"*"write"*"watch"*"dump"*"load"*"scan"*"ports"*"doctor"*"describe"*"Exit codes: 0 done, "*"8 read back is not what was"* ]]
     [[ "$output" == *"70 internal failure, 74 output takes no more data; after a signal 128 and its number." ]]
+    [[ "$output" == *"  --config FILE "* ]]
     [ -z "$stderr" ]
     run --separate-stderr s7ppi read --help
     [ "$status" -eq 0 ]
@@ -375,6 +377,7 @@ tells_of_every_option() {
         tells_of_every_option "$BATS_TEST_TMPDIR/help"
         grep -q "^Usage: s7ppi $command " "$BATS_TEST_TMPDIR/help"
         [ "$(grep -c '^Examples:$' "$BATS_TEST_TMPDIR/help")" -eq 1 ]
+        run ! grep -nE ' $' "$BATS_TEST_TMPDIR/help" # an example or a word that is empty
         grep -qE "^  (cat .* \\| )?s7ppi .*\b$command\b" "$BATS_TEST_TMPDIR/help"
         # S7PPI_MQTT_USER and the like are for one command.
         run grep -E 'Exit codes:|S7PPI_[^M]|Excludes:|Needs:|REQUIRED|, else ' "$BATS_TEST_TMPDIR/help"

@@ -57,8 +57,10 @@ tags() {
     broker
     publish --port sim VB100
     eventually is_retained t/status online
+    subscribe t/status -F '%t %q %p'
     kill -KILL "$publisher"
     eventually is_retained t/status offline
+    eventually has_got '^t/status 1 offline'
     publish --port sim VB100
     eventually is_retained t/status online
     kill -TERM "$publisher"
@@ -104,6 +106,10 @@ signed() {
     [ "${lines[0]}" = "s7ppi: --ca and --cert are for secure connections" ]
     run -2 s7ppi "${arguments[@]}" --ca missing.pem
     [[ "${lines[0]}" == "s7ppi: missing.pem of --ca cannot be read: "* ]]
+    run -2 s7ppi "${arguments[@]}" --cert missing.pem --key client.key
+    [[ "${lines[0]}" == "s7ppi: missing.pem of --cert cannot be read: "* ]]
+    run -2 s7ppi "${arguments[@]}" --cert client.pem --key missing.key
+    [[ "${lines[0]}" == "s7ppi: missing.key of --key cannot be read: "* ]]
 }
 
 @test "a wrong password ends it with an exit code of its own" {
@@ -318,9 +324,9 @@ all_came() {
         '{"result":"failed","cause":"refused_address","error":"Invalid address (incorrect variable address)"}' ]
     told 'a command for Setpoint is not done: 4.9 is less than the minimum, 5'
 
-    run -0 mosquitto_rr -p "$broker_port" -V 5 -t t/Pump/set -e t/Pump/set/result -m 0 -W 10 \
-        -D publish correlation-data question-7 -F '%D %p'
-    [[ "$output" == 'question-7 {"result":"done","value":false,'* ]]
+    mosquitto_rr -p "$broker_port" -V 5 -t t/Pump/set -e t/Pump/set/result -m 0 -W 10 \
+        -D publish correlation-data question-7 -F '%D %p' | tr '\0' '?' >"$BATS_TEST_TMPDIR/answer"
+    [[ "$(cat "$BATS_TEST_TMPDIR/answer")" == 'question-7 {"result":"done","value":false,'* ]]
 
     kill -TERM "$publisher"
     finish
@@ -354,6 +360,41 @@ all_came() {
     has_got 'more than 2 commands came within a second'
     eventually has_got '"result":"done"'
     kill -0 "$publisher"
+}
+
+@test "with MQTT 5 a command that the broker keeps is not even heard" {
+    broker
+    tags name,address,access Level,VW10,rw
+    mosquitto_pub -p "$broker_port" -r -t t/Level/set -m 7
+    start s7ppi-sim
+    publish --port "$port" --metrics "$BATS_TEST_TMPDIR/press.prom" "@$BATS_TEST_TMPDIR/tags.csv"
+    eventually is_retained t/Level '"value":0,'
+    [ "$(command_for Level 8)" = '{"result":"done","value":8}' ]
+    kill -TERM "$publisher"
+    finish
+    [ "$(sample s7ppi_commands_refused_total)" = "0 $port 2" ]
+}
+
+@test "what the broker does not let it publish is told with its reason, and counted as dropped" {
+    printf 'topic write t/%s\n' status health >"$BATS_TEST_TMPDIR/rights"
+    broker "allow_anonymous true" "acl_file $BATS_TEST_TMPDIR/rights"
+    start s7ppi-sim
+    publish --port "$port" --metrics "$BATS_TEST_TMPDIR/press.prom" VB100*2
+    eventually told 'the broker does not take a message: '
+    kill -TERM "$publisher"
+    finish
+    [ "$(sample s7ppi_messages_dropped_total)" = "1 $port 2" ]
+    [ "$(sample s7ppi_messages_queued)" = "0 $port 2" ]
+}
+
+@test "a broker that says nothing any more does not keep it from its end" {
+    broker
+    publish --port sim VB100
+    eventually is_retained t/status online
+    kill -STOP "$broker"
+    kill -TERM "$publisher"
+    finish
+    [ "$status" -eq 143 ]
 }
 
 # sample NAME[{LABEL=VALUE,...}]: its value in the metrics, read as Prometheus reads them, with the port and station.

@@ -145,7 +145,10 @@ ok      connection    made within N ms
 ok      line          baud rate, parity, data and stop bits as set at the serial server" ]
     [[ "$output" != *"adapter"* ]]
     [[ "$output" != *"line errors"* ]]
-    grep -Eq '^  baud +unknown +set at the serial server$' <<<"$output"
+    local name
+    for name in baud parity databits stopbits; do
+        grep -Eq "^  $name +unknown +set at the serial server\$" <<<"$output"
+    done
     run --separate-stderr s7ppi doctor --port tcp:no-such-host.invalid:4001
     [ "$status" -eq 3 ]
     [[ "${lines[2]}" == "failed  address       no-such-host.invalid cannot be looked up: "* ]]
@@ -329,6 +332,15 @@ LINES
     wait "${background[-1]}" || status=$?
     [ "$status" -eq 6 ]
     grep -q "the port is gone: the serial server closed the connection" "$BATS_TEST_TMPDIR/messages"
+}
+
+@test "6: a connection that is closed between two polls is told as one" {
+    local answer
+    answer=$(byte_answer 1 7 | sed 's/../\\x&/g')
+    serve_script "head -c 33 >/dev/null; printf '\\345'; head -c 6 >/dev/null; /usr/bin/printf '$answer'; sleep 1"
+    run -6 --separate-stderr s7ppi watch --port "$server" --interval 1h --timeout 1min VB100
+    [[ "$output" == *" VB100 7" ]]
+    [[ "$stderr" == *$'\n'"s7ppi: the port is gone: the serial server closed the connection"$'\n'* ]]
 }
 
 @test "a server that is not there yet is waited for" {

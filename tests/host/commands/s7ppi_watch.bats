@@ -290,6 +290,12 @@ shows() {
     [[ "${lines[5]}" =~ ^"s7ppi: "[0-9]+" polls of a simulated controller, "[0-9]+" answers: " ]]
 }
 
+@test "the table tells the shortest and the longest interval" {
+    printf '%s\n' name,address,interval A,VB100,50 B,VB101,250 C,VB102,100 >"$BATS_TEST_TMPDIR/tags.csv"
+    on_terminal "s7ppi watch --port sim @$BATS_TEST_TMPDIR/tags.csv"
+    eventually shows ' every 50 to 250 ms, Ctrl-C ends, '
+}
+
 @test "the whole table stays, with the rows that the screen had no room for" {
     on_terminal 'echo before; s7ppi watch -q --port sim --interval 20 VB96*8 T1 T2 T3 T4 T5 T6 T7 T8 T9; echo code $?'
     terminal resize-window -x 60 -y 6

@@ -129,6 +129,8 @@ void TestFindings::onlyNewLineErrorsCount()
     QVERIFY(
         told(judgeLineErrors(before, after))
             .startsWith("warning: 3 framing errors, 1 parity error, 2 lost characters / check baud rate"));
+    QVERIFY(told(judgeLineErrors(before, std::nullopt)).startsWith("ok: not counted"));
+    QVERIFY(told(judgeLineErrors(std::nullopt, after)).startsWith("ok: not counted"));
     QCOMPARE(told(judgeLineErrors(std::nullopt, std::nullopt)),
              QString("ok: not counted by this port's driver /  / 0"));
 }

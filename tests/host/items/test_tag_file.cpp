@@ -180,6 +180,9 @@ void TestTagFile::aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns_data()
     row("Pump,Q0.3,,ro,,,", "ro - - -");
     row("Label,VB40:str*5,,rw,,,", "rw - - -");
     row("Boiler,VW100", "unsaid - - -");
+    row("Boiler,VW100,i16,,5,,", "unsaid 5 - -");
+    row("Boiler,VW100,i16,,,-5,", "unsaid - -5 -");
+    row("Boiler,VB0,u64,,9007199254740991,,", "unsaid 9.0072e+15 - -");
 }
 
 void TestTagFile::aTagHasTheAccessTheLimitsAndTheDeadbandOfItsColumns()
@@ -223,7 +226,8 @@ void TestTagFile::whatIsWrongInAFileIsAUsageError_data()
             << QByteArray("name,address,interval\nPump,Q0.3,") + interval;
     for (const char *line :
          {"VW0,,RO", "VW0,,xy", "VW0,,,low", "VW0,,,,inf", "VW0,,,,,nan", "VW0,,,5,4.9", "VW0,,,,,-0.1",
-          "V1.0,,,0", "VB1,hex,,,5", "VB1,str,,0,5", "V1.0,,,,,0", "VB1,hex,,,,0", "VB1,str,,,,1"})
+          "V1.0,,,0", "VB1,hex,,,5", "VB1,str,,0,5", "V1.0,,,,,0", "VB1,hex,,,,0", "VB1,str,,,,1",
+          "VB0,u64,,9007199254740992", "VB0,i64,,,-9007199254740992"})
         QTest::addRow("writing as in %s", line)
             << QByteArray("name,address,type,access,min,max,deadband\nBoiler,") + line;
     QTest::newRow("too many cells") << QByteArray("name,address\nBoiler,VW100,i16\n");

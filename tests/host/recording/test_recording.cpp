@@ -99,6 +99,7 @@ private slots:
     void meansAreOverTheTimeThatValuesHeld();
     void figuresOfALongRecordingAreThoseOfAllItsValues();
     void aLongRecordingKeepsItsExtremesAndItsGaps();
+    void noMoreSamplesAreKeptThanAreWanted();
     void manyValuesShareTheSamples();
     void samplesOfALongRecordingAreEquallyFarApart();
     void aRecordingOfOneMomentBeginsAndEndsThere();
@@ -216,6 +217,9 @@ void TestRecording::errorsAreCountedByCauseAndLeaveGaps()
     QVERIFY(recording.series.at(0).samples.at(1).isGap);
     QCOMPARE(int(recording.series.size()), 2);
     QCOMPARE(recording.series.at(1).answers, 0);
+    QCOMPARE(recording.series.at(1).samples.front().time, recording.begin + 2000);
+    QCOMPARE(recording.errorTimes.columns(recording.begin, recording.begin + 3999, 4),
+             std::vector<int>({0, 1, 1, 1}));
 }
 
 void TestRecording::textsAndHexAreNoNumbers()
@@ -405,6 +409,17 @@ void TestRecording::aLongRecordingKeepsItsExtremesAndItsGaps()
     QVERIFY(isAt(77777, -1000, false));
     QVERIFY(isAt(50000, 0, true));
     QVERIFY(isAt(99999, 99999 % 7, false));
+}
+
+void TestRecording::noMoreSamplesAreKeptThanAreWanted()
+{
+    constexpr size_t kMost = 1000;
+    Samples samples;
+    for (size_t i = 0; i < kMost; ++i)
+        QVERIFY(!addSample(samples, {qint64(i), double(i), false}, kMost));
+    QCOMPARE(samples.size(), kMost);
+    QVERIFY(addSample(samples, {qint64(kMost), 0, false}, kMost));
+    QVERIFY(samples.size() < kMost);
 }
 
 void TestRecording::manyValuesShareTheSamples()

@@ -47,6 +47,7 @@ private slots:
     void aBitIsDrawnBetweenItsTwoValues();
     void longNumbersOfTheScaleAreWhole();
     void titlesGiveWayFromTheirEnd();
+    void curvesNarrowerThanTenColumnsAreNotDrawn();
     void noSizeIsTooSmallOrTooLarge();
     void historyKeepsTheSpanAndWhatHeldBefore();
     void historyKeepsPeaksOfCrowdedSamples();
@@ -166,6 +167,13 @@ void TestPlot::titlesGiveWayFromTheirEnd()
     QCOMPARE(titleIn(60), QString("Line3.Press.Pressure  93.5 bar   12.25 to 93.5"));
     QCOMPARE(titleIn(45), QString("Line3.Press.Pressure  93.5 bar"));
     QCOMPARE(titleIn(25), QString("Line3....essure  93.5 bar"));
+}
+
+void TestPlot::curvesNarrowerThanTenColumnsAreNotDrawn()
+{
+    const Samples samples = {sample(0, 0), sample(5, 10)};
+    QCOMPARE(plotted(samples, 22, 5).at(1), QString("        10 |     :''''"));
+    QCOMPARE(plotted(samples, 21, 5), QStringList("no room to draw"));
 }
 
 void TestPlot::noSizeIsTooSmallOrTooLarge()
