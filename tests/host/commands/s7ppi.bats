@@ -379,6 +379,8 @@ tells_of_every_option() {
         [ "$(grep -c '^Examples:$' "$BATS_TEST_TMPDIR/help")" -eq 1 ]
         run ! grep -nE ' $' "$BATS_TEST_TMPDIR/help" # an example or a word that is empty
         grep -qE "^  (cat .* \\| )?s7ppi .*\b$command\b" "$BATS_TEST_TMPDIR/help"
+        sed -n '/^Examples:$/,/^$/{/^  /p}' "$BATS_TEST_TMPDIR/help" >"$BATS_TEST_TMPDIR/examples"
+        run ! grep -vE '^  (cat .* \| )?s7ppi [^ ]' "$BATS_TEST_TMPDIR/examples"
         # S7PPI_MQTT_USER and the like are for one command.
         run grep -E 'Exit codes:|S7PPI_[^M]|Excludes:|Needs:|REQUIRED|, else ' "$BATS_TEST_TMPDIR/help"
         [ -z "$output" ]
