@@ -48,6 +48,26 @@ load common
     [ "$(s7ppi read --port sim --format raw VB100*4 VW100 | od -An -tx1)" = " 11 22 33 44 11 22" ]
 }
 
+@test "csv begins with the names of its columns" {
+    s7ppi dump --port sim -q -o "$BATS_TEST_TMPDIR/one" VB100..VB100
+    s7ppi dump --port sim -q -o "$BATS_TEST_TMPDIR/two" VB100..VB101
+    local arguments columns
+    while IFS='|' read -r arguments columns; do
+        # shellcheck disable=SC2086 # words of a command line
+        [ "$(s7ppi $arguments --format csv | head -n 1)" = "$columns" ]
+    done <<LINES
+read --port sim VB0|name,address,type,index,value,unit,error,simulated
+write --port sim VB0=1|name,address,type,index,value,unit,error,simulated
+write --dry-run VB0=1|meaning,bytes
+watch --port sim -q --count 1 VB0|time,name,address,type,index,value,unit,ms,error,port,station,simulated
+scan --port sim -q --stations 2|baud,station,answer,milliseconds,text,simulated
+ports|port,byId,driver,description,maker,serialNumber,usbId,group,readable,writable,holders,latency,advice
+check VB0|text,valid,address,area,type,count,first,last,requests,frame,writable,writeError,access,min,max,error,nearest
+decode e5|frame,offset,byte,field,meaning,fault
+diff -q $BATS_TEST_TMPDIR/one $BATS_TEST_TMPDIR/two|name,address,last,type,index,old,new,unit,only,error,simulated
+LINES
+}
+
 @test "values of several lines stand below each other, behind the longest of their addresses" {
     run -0 --separate-stderr s7ppi read --port sim 'VB96*9' VB0
     [ "$output" = "VB96  0 0 0 0 17 34 51 68

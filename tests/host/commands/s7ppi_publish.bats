@@ -387,6 +387,20 @@ all_came() {
     [ "$(sample s7ppi_messages_queued)" = "0 $port 2" ]
 }
 
+@test "with each quality of service a message leaves once, and the spool" {
+    broker
+    subscribe t/VB100 -q 2 -F '%t %q'
+    local quality
+    for quality in 0 1 2; do
+        publish --port sim --qos "$quality" --metrics "$BATS_TEST_TMPDIR/press.prom" VB100
+        eventually has_got "^t/VB100 $quality"
+        kill -TERM "$publisher"
+        finish
+        [ "$(got | grep -c "^t/VB100 $quality")" -eq 1 ]
+        [[ "$(sample s7ppi_messages_queued)" == "0 "* ]]
+    done
+}
+
 @test "a broker that says nothing any more does not keep it from its end" {
     broker
     publish --port sim VB100
