@@ -36,6 +36,7 @@ private slots:
     void aColumnIsThereAsSoonAsItHasRoom();
     void arraysHaveAsManyValuesALineAsHaveRoom_data();
     void arraysHaveAsManyValuesALineAsHaveRoom();
+    void eightShortValuesAreWorthMoreThanTheTimeOfTheChange();
     void rowsThatAreLeftGoToArraysByTurns();
     void noLineIsWiderThanTheScreen();
     void noTableIsHigherThanTheScreen();
@@ -301,6 +302,17 @@ void TestTableView::arraysHaveAsManyValuesALineAsHaveRoom()
         const QStringList lines = watchTable(watch, kStart, columns, 20);
         QCOMPARE(lines.at(0).simplified(), "ADDRESS VALUE" + others);
         QTEST(int(lines.at(1).count("12345")), "values");
+    }
+}
+
+void TestTableView::eightShortValuesAreWorthMoreThanTheTimeOfTheChange()
+{
+    Watch watch({parseItem("VB100*8")});
+    watch.items[0].answered(many(8, "7"), kStart);
+    for (const int columns : {24, 25}) {
+        const QStringList lines = watchTable(watch, kStart, columns, 20);
+        QCOMPARE(lines.at(0).simplified(), QString("ADDRESS VALUE"));
+        QCOMPARE(lines.at(1), QString("VB100    7 7 7 7 7 7 7 7"));
     }
 }
 
