@@ -8,42 +8,7 @@
 # shellcheck disable=SC2030,SC2031,SC2154
 
 load common
-load ../../support/locks
-
-teardown() {
-    end_test
-    rm -f "$lock" "$lock.rmlock"
-}
-
-# Finds the lock file's name in $lock from a program that has the port of $port open, and kills that.
-find_lock() {
-    s7ppi read --port "$port" --timeout 60000 VB0 2>/dev/null 3>&- &
-    local holder=$!
-    eventually lock_is_there
-    lock=$(lock_of "$port")
-    kill -KILL "$holder"
-    wait "$holder" || true
-}
-lock_is_there() {
-    grep -q unanswered "$BATS_TEST_TMPDIR/output"
-}
-
-# A simulated controller, whose lock file's name is then in $lock.
-start_with_lock() {
-    start fake_controller
-    find_lock
-    start s7ppi-sim
-    lock=${lock%pts_*}pts_${port#/dev/pts/}
-}
-
-# hold FILE: locks it up to the end of the test.
-hold() {
-    flock --no-fork "$1" sleep 600 3>&- &
-    eventually is_held "$1"
-}
-is_held() {
-    ! flock -n "$1" true
-}
+load locks
 
 @test "an empty lock file that nobody holds is taken over at once, and told" {
     start_with_lock
@@ -77,15 +42,6 @@ is_held() {
         [ -p "$obstacle" ]
         rm "$obstacle"
     done
-}
-
-@test "3: an empty lock file is left alone while the directory of locks is another program's" {
-    start_with_lock
-    : >"$lock"
-    hold "${lock%/*}"
-    run --separate-stderr s7ppi read --port "$port" VB100
-    [ "$status" -eq 3 ]
-    [ -e "$lock" ]
 }
 
 @test "of many that take it over at the same moment one wins" {
