@@ -67,6 +67,8 @@ dissect() {
 3,acknowledgement,1,,4,5
 4,poll,1,3,,5
 5,answer,1,3,4," ]
+    run --separate-stderr dissect "$capture" '!s7ppi' frame.len
+    [ "$output" = $'44\n39' ] # 20 bytes, and what stands between addresses and check sum
     run --separate-stderr dissect "$capture" 's7ppi.answer_time >= 0.1 && s7ppi.answer_time < 60' s7ppi.kind
     [ "$output" = answer ]
 }
