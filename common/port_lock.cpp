@@ -32,7 +32,8 @@ QString lockFileOf(const QString &device)
 
 QString lockGuardOf(const QString &device)
 {
-    return lockFileOf(device) + ".rmlock";
+    const QString lockFile = lockFileOf(device);
+    return lockFile.isEmpty() ? QString() : lockFile + ".rmlock";
 }
 
 QString lockObstacle(const QString &device)

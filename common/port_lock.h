@@ -14,7 +14,8 @@ namespace common {
 // Returns where QSerialPort has its lock file for a device; empty when it has none.
 QString lockFileOf(const QString &device);
 
-// Returns the lock under which QSerialPort removes a lock file that nobody holds. A kill may leave it, too.
+// Returns the lock under which QSerialPort removes a lock file that nobody holds, empty as above. A kill may
+// leave it, too.
 QString lockGuardOf(const QString &device);
 
 // Returns what has the name of one of them and is no file; empty when nothing has. QSerialPort would open it,
