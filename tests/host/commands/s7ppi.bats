@@ -464,12 +464,12 @@ LINES
     start fake_controller babble:1005007c8116
     amid_babble s7ppi read --port "$port" --retries 0 --timeout 200 VB0
     [ "$status" -eq 5 ]
-    [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent; on it is a poll of station 5" ]
+    [ "${stderr_lines[0]}" = "s7ppi: VB0: the line is never silent; on it: poll of station 5" ]
     [[ "${stderr_lines[1]}" == "hint: "*" bytes in "*" ms, as 10 05 00 7c 81 16: something keeps sending"* ]]
     amid_babble s7ppi watch --port "$port" --timeout 100 --retries 0 --interval 1 --count 3 VB0
     [ "$status" -eq 5 ]
     [ "$(grep -c '^hint' <<<"$stderr")" -eq 1 ]
-    [[ "$stderr" == *"s7ppi: 3 times: the line is never silent; on it is a poll of station 5"* ]]
+    [[ "$stderr" == *"s7ppi: 3 times: the line is never silent; on it: poll of station 5"* ]]
 }
 
 @test "5: a node that babbles behind a request is no echo, either" {

@@ -302,7 +302,7 @@ VB2,,the answer holds 2 of 3 bytes" ]
 
 @test "4: a station that does not answer is told once, asked in every tenth poll, and the other loses no poll" {
     start s7ppi-sim
-    follow --timeout 50 --count 31 --all --format csv VB100 VB100@3
+    follow --timeout 1s --count 31 --all --format csv VB100 VB100@3
     [ "$status" -eq 4 ]
     [ "$(grep -c 'station 3 does not answer: it is asked in every tenth poll only$' <<<"$stderr")" -eq 1 ]
     [ "$(grep -c 'answers again' <<<"$stderr")" -eq 0 ]
@@ -314,7 +314,7 @@ VB2,,the answer holds 2 of 3 bytes" ]
 @test "4: a station that is back is told once, and asked in every poll again" {
     refusals silent 2 4 6
     start s7ppi-sim --station 2 --station 3 "${refusals[@]}"
-    follow --timeout 50 --count 16 --all --format csv VB100 VB100@3
+    follow --timeout 1s --count 16 --all --format csv VB100 VB100@3
     [ "$status" -eq 4 ]
     [ "$(grep -c 'station 3 does not answer: it is asked in every tenth poll only$' <<<"$stderr")" -eq 1 ]
     [ "$(grep -c '^s7ppi: station 3 answers again$' <<<"$stderr")" -eq 1 ]

@@ -69,7 +69,7 @@ VB100   0x05" ]
 
 @test "4: a station that is not there is told with its item, and the others are read" {
     start_three
-    get --retries 0 --timeout 100 --format ndjson VB100@4 VB100@3 VB100
+    get --retries 0 --timeout 1s --format ndjson VB100@4 VB100@3 VB100
     [ "$status" -eq 4 ]
     [[ "${stderr_lines[0]}" == "s7ppi: VB100@4: "* ]]
     [ "$(jq -c '[.address, .station, .values]' <<<"$output")" = '["VB100",4,null]

@@ -34,7 +34,7 @@ void TestLineNoise::itsBytesAreShown()
 void TestLineNoise::aFrameInItTellsWhoSends()
 {
     const Failure failure = noiseFailure({bytes("5e16e51005007c8116e510"), 60, 100});
-    QCOMPARE(failure.text(), QString("the line is never silent; on it is a poll of station 5"));
+    QCOMPARE(failure.text(), QString("the line is never silent; on it: poll of station 5"));
     QVERIFY(failure.hint().startsWith("60 bytes in 100 ms, as 10 05 00 7c 81 16: something keeps sending"));
 }
 
