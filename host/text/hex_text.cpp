@@ -9,6 +9,7 @@
 #include <QStringView>
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
 
 namespace host {
@@ -23,14 +24,9 @@ bool isSeparator(QChar character)
     return std::u16string_view(u" \t\v\f\r,;:_-").find(character.unicode()) != std::u16string_view::npos;
 }
 
-// The value of a hexadecimal digit; -1 for any other character.
-int digitValue(QChar character)
+bool isHexDigit(QChar character)
 {
-    const auto code = character.unicode();
-    if (code >= '0' && code <= '9')
-        return code - '0';
-    const int letter = (code | 0x20) - 'a';
-    return code < 0x80 && letter >= 0 && letter < 6 ? 10 + letter : -1;
+    return character.unicode() < 0x80 && std::isxdigit(character.unicode()) != 0;
 }
 
 Failure unreadable(QStringView word, const char *complaint)
@@ -43,16 +39,11 @@ void parseWord(QByteArray &bytes, QStringView word)
 {
     const bool isMarked = word.startsWith(u"0x", Qt::CaseInsensitive);
     const QStringView digits = isMarked ? word.mid(2) : word;
-    const bool isHex =
-        std::all_of(digits.begin(), digits.end(), [](QChar digit) { return digitValue(digit) >= 0; });
-    if (!isHex || digits.isEmpty())
+    if (digits.isEmpty() || !std::all_of(digits.begin(), digits.end(), isHexDigit))
         throw unreadable(word, "not hexadecimal");
     if (digits.size() % 2 && !(isMarked && digits.size() == 1))
         throw unreadable(word, "an odd number of digits");
-    if (digits.size() == 1)
-        bytes += char(digitValue(digits.at(0)));
-    for (int i = 0; i + 1 < digits.size(); i += 2)
-        bytes += char(digitValue(digits.at(i)) << 4 | digitValue(digits.at(i + 1)));
+    bytes += QByteArray::fromHex(digits.toLatin1());
 }
 
 // Appends the bytes of a line's words.
