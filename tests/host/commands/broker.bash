@@ -35,8 +35,11 @@ broker() {
     return 1
 }
 
+# A signal that comes before its loop has begun has no effect on it.
 stop_broker() {
-    kill "$broker"
+    while kill "$broker" 2>/dev/null; do
+        sleep 0.05
+    done
     wait "$broker" || true
 }
 
