@@ -160,16 +160,27 @@ all_came() {
     [ "$(received)" = "$(polled)" ]
 }
 
+# has_asked COUNT: so many requests were sent.
+has_asked() {
+    [ "$(grep -cs ' > 68 ' "$BATS_TEST_TMPDIR/trace")" -ge "$1" ]
+}
+# has_connected COUNT: so often it was connected to the broker.
+has_connected() {
+    [ "$(grep -cF 's7ppi: connected to ' "$BATS_TEST_TMPDIR/told")" -ge "$1" ]
+}
+
 @test "no change is lost and none comes out of order while the broker is started anew" {
     local settings=("allow_anonymous true" "persistence true" "persistence_location $BATS_TEST_TMPDIR/")
     broker "${settings[@]}"
     subscribe t/VW0 -c -i listener
     start s7ppi-sim --live VW0=counter:20/s
-    publish --port "$port" --for 6s --trace "$BATS_TEST_TMPDIR/trace" VW0
-    for _ in 1 2 3; do
-        sleep 0.7
+    publish --port "$port" --count 340 --trace "$BATS_TEST_TMPDIR/trace" VW0
+    local round
+    for round in 1 2 3; do
+        eventually has_connected "$round"
+        eventually has_asked $((80 * round - 40))
         stop_broker
-        sleep 0.7
+        eventually has_asked $((80 * round))
         broker "${settings[@]}"
     done
     finish
@@ -183,7 +194,7 @@ all_came() {
     stop_broker
     start s7ppi-sim --live VW0=counter:20/s
     publish --port "$port" --for 20s --trace "$BATS_TEST_TMPDIR/trace" VW0
-    sleep 1
+    eventually has_asked 50
     kill -KILL "$publisher"
     wait "$publisher" || true
     local before
