@@ -30,15 +30,14 @@ QString lockFileOf(const QString &device)
     return QString();
 }
 
-QString lockGuardOf(const QString &device)
+QString lockGuardOf(const QString &lockFile)
 {
-    const QString lockFile = lockFileOf(device);
     return lockFile.isEmpty() ? QString() : lockFile + ".rmlock";
 }
 
-QString lockObstacle(const QString &device)
+QString lockObstacle(const QString &lockFile)
 {
-    for (const QString &file : {lockFileOf(device), lockGuardOf(device)}) {
+    for (const QString &file : {lockFile, lockGuardOf(lockFile)}) {
         struct stat state = {};
         if (lstat(QFile::encodeName(file).constData(), &state) == 0 && !S_ISREG(state.st_mode))
             return file;

@@ -16,11 +16,11 @@ QString lockFileOf(const QString &device);
 
 // Returns the lock under which QSerialPort removes a lock file that nobody holds, empty as above. A kill may
 // leave it, too.
-QString lockGuardOf(const QString &device);
+QString lockGuardOf(const QString &lockFile);
 
 // Returns what has the name of one of them and is no file; empty when nothing has. QSerialPort would open it,
 // and wait for the other end of a FIFO for ever.
-QString lockObstacle(const QString &device);
+QString lockObstacle(const QString &lockFile);
 
 } // namespace common
 

@@ -68,8 +68,8 @@ int heldLeftLock(const QString &lockFile)
 
 } // namespace
 
-PortOpening::PortOpening(const QString &device_)
-    : device(device_), directory(lockedDirectory(QFileInfo(common::lockFileOf(device)).path()))
+PortOpening::PortOpening(const QString &lockFile_)
+    : lockFile(lockFile_), directory(lockedDirectory(QFileInfo(lockFile).path()))
 {
 }
 
@@ -81,7 +81,7 @@ PortOpening::~PortOpening()
 
 bool PortOpening::removeLeftLock() const
 {
-    return removeLeft(common::lockGuardOf(device)) && removeLeft(common::lockFileOf(device));
+    return removeLeft(common::lockGuardOf(lockFile)) && removeLeft(lockFile);
 }
 
 bool PortOpening::removeLeft(const QString &file) const

@@ -16,7 +16,8 @@ namespace host {
 class PortOpening
 {
 public:
-    explicit PortOpening(const QString &device);
+    // lockFile: the port's, by common::lockFileOf.
+    explicit PortOpening(const QString &lockFile);
     ~PortOpening();
 
     PortOpening(const PortOpening &) = delete;
@@ -28,7 +29,7 @@ public:
 private:
     bool removeLeft(const QString &file) const;
 
-    QString device;
+    QString lockFile;
     int directory; // open and locked; -1 when that does not work
 };
 

@@ -112,15 +112,15 @@ void SerialPort::open()
 
 void SerialPort::openLocked()
 {
-    const PortOpening opening(name);
-    if (const QString obstacle = common::lockObstacle(name); !obstacle.isEmpty())
+    const QString lockFile = common::lockFileOf(name);
+    const PortOpening opening(lockFile);
+    if (const QString obstacle = common::lockObstacle(lockFile); !obstacle.isEmpty())
         throw Failure(ExitCode::PortUnusable,
                       name + " cannot be opened: " + obstacle + " is no lock file, and is in the way",
                       "no program that locks a port makes such a thing: remove it");
     if (!opening.removeLeftLock())
         throw Failure(ExitCode::PortUnusable,
-                      name + " cannot be opened: the empty lock file " + common::lockFileOf(name) +
-                          " is in the way",
+                      name + " cannot be opened: the empty lock file " + lockFile + " is in the way",
                       "no program holds it, one that was killed has left it: remove it");
     if (!port.open(QIODevice::ReadWrite))
         failToOpen();

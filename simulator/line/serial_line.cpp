@@ -24,7 +24,7 @@ QString locationOf(const QString &device)
 SerialLine::SerialLine(const QString &device_, qint32 baudRate, QSerialPort::Parity parity) : device(device_)
 {
     const QString location = locationOf(device);
-    if (const QString obstacle = common::lockObstacle(location); !obstacle.isEmpty())
+    if (const QString obstacle = common::lockObstacle(common::lockFileOf(location)); !obstacle.isEmpty())
         throw LineError(QString::fromLatin1("cannot open %1: %2 is no lock file, and is in the way")
                             .arg(device, obstacle),
                         QString::fromLatin1("no program that locks a port makes such a thing: remove it"));

@@ -3,7 +3,7 @@
 #
 # What the tests of lock files share.
 
-# $port and $status are of common.bash and of run.
+# $port is of common.bash.
 # shellcheck disable=SC2154
 
 load ../../support/locks
