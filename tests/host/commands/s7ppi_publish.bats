@@ -156,13 +156,25 @@ polled() {
 received() {
     sed -n 's|^t/VW0 . {"value":\([0-9]*\),.*"quality":"good"}$|\1|p' "$BATS_TEST_TMPDIR/got" | uniq
 }
-all_came() {
-    [ "$(received)" = "$(polled)" ]
+# came NUMBERS: they were received, these first and all.
+came() {
+    [ "$(received | head -n "$(wc -l <<<"$1")")" = "$1" ]
 }
 
 # has_asked COUNT: so many requests were sent.
 has_asked() {
-    [ "$(grep -cs ' > 68 ' "$BATS_TEST_TMPDIR/trace")" -ge "$1" ]
+    [ "$(asked)" -ge "$1" ]
+}
+asked() {
+    grep -cs ' > 68 ' "$BATS_TEST_TMPDIR/trace"
+}
+asks_on() {
+    eventually has_asked $(($(asked) + 20))
+}
+
+# has_connected COUNT: to the broker, so many times.
+has_connected() {
+    [ "$(grep -cxF "s7ppi: connected to $url" "$BATS_TEST_TMPDIR/told")" -ge "$1" ]
 }
 
 @test "no change is lost and none comes out of order while the broker is started anew" {
@@ -170,16 +182,23 @@ has_asked() {
     broker "${settings[@]}"
     subscribe t/VW0 -c -i listener
     start s7ppi-sim --live VW0=counter:20/s
-    publish --port "$port" --for 6s --trace "$BATS_TEST_TMPDIR/trace" VW0
-    for _ in 1 2 3; do
-        sleep 0.7
+    publish --port "$port" --trace "$BATS_TEST_TMPDIR/trace" VW0
+    eventually has_connected 1
+    local connections before
+    for connections in 2 3 4; do
+        asks_on
         stop_broker
-        sleep 0.7
+        asks_on
         broker "${settings[@]}"
+        eventually has_connected "$connections"
     done
+    asks_on
+    before=$(polled)
+    [ "$(wc -l <<<"$before")" -gt 20 ]
+    eventually came "$before"
+    kill -TERM "$publisher"
     finish
-    eventually all_came
-    [ "$(polled | wc -l)" -gt 20 ]
+    [ "$status" -eq 143 ]
     told ': The connection was lost.; trying again, and keeping what is to be published in '
 }
 
@@ -198,10 +217,7 @@ has_asked() {
     publish --port "$port" --count 2 VW0
     finish
     told ' in the spool from before'
-    # The poll under way may be lost.
-    local came
-    came=$(received | head -n "$(wc -l <<<"$before")")
-    [ "$came" = "$before" ] || [ "$(head -n -1 <<<"$came")" = "$(head -n -1 <<<"$before")" ]
+    came "$before" || came "$(head -n -1 <<<"$before")" # the poll under way may be lost
 }
 
 @test "a port that is lost before its first answer is told to those who subscribe, or ends it" {
