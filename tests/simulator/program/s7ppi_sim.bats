@@ -420,6 +420,7 @@ teardown() {
     lock=$(lock_of "$device")
     stop
     for obstacle in "$lock" "$lock.rmlock"; do
+        rm -f "$obstacle" # a program that was killed may have left one for the terminal that had this number before
         mkfifo "$obstacle"
         fails 3 --port "$device"
         [ "$output" = "s7ppi-sim: cannot open $device: $obstacle is no lock file, and is in the way" ]
