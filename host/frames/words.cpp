@@ -157,6 +157,15 @@ QString frameLine(const QByteArray &frame)
     return frameWords(frame) + ": " + QString::fromLatin1(frame.toHex(' '));
 }
 
+QString telegramTitle(const QByteArray &telegram)
+{
+    FieldReader reader(telegram, kLongFrameCounted);
+    if (!isLongFrame(telegram) || !readHeader(reader))
+        return frameWords(telegram);
+    return reader.facts.messageType == kJob ? filled("request to station %1", reader.facts.destination)
+                                            : filled("answer from station %1", reader.facts.source);
+}
+
 bool isSoundTelegram(const QByteArray &frame)
 {
     if (frame.isEmpty() || frame.size() != frameSize(frame))

@@ -25,6 +25,10 @@ int frameSize(const QByteArray &start);
 // that is no whole, sound frame the words tell what is wrong with it.
 QString frameWords(const QByteArray &frame);
 
+// What a sound telegram is and whose, without what is another one in each of its kind: "poll of station 2",
+// "request to station 2", "answer from station 2".
+QString telegramTitle(const QByteArray &telegram);
+
 // The words of a frame with its bytes: "poll of station 2: 10 02 00 5c 5e 16".
 QString frameLine(const QByteArray &frame);
 

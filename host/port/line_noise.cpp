@@ -34,7 +34,7 @@ Failure noiseFailure(const LineNoise &noise, bool isProtocolKnown)
     const QByteArray shown = frame.isEmpty() ? noise.beginning.left(kShownBytes) : frame;
     return Failure(
         ExitCode::BrokenAnswer, Cause::LineNoise,
-        "the line is never silent" + (frame.isEmpty() ? QString() : "; on it: " + frameWords(frame)),
+        "the line is never silent" + (frame.isEmpty() ? QString() : "; on it: " + telegramTitle(frame)),
         filled("%1 in %2 ms, as %3: something keeps sending and leaves no room for a request; take "
                "stations off the line one by one, and check baud rate, parity, termination and "
                "biasing",

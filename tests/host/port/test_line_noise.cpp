@@ -18,6 +18,7 @@ class TestLineNoise : public QObject
 
 private slots:
     void itsBytesAreShown();
+    void aFrameInItTellsWhoSends_data();
     void aFrameInItTellsWhoSends();
     void noFrameIsLookedForInAnotherProtocol();
 };
@@ -31,11 +32,31 @@ void TestLineNoise::itsBytesAreShown()
     QVERIFY(noiseFailure({bytes("55"), 1, 40}).hint().startsWith("1 byte in 40 ms, as 55: "));
 }
 
+void TestLineNoise::aFrameInItTellsWhoSends_data()
+{
+    QTest::addColumn<QByteArray>("frame");
+    QTest::addColumn<QString>("words");
+    QTest::newRow("poll") << bytes("1005007c8116") << "poll of station 5";
+    QTest::newRow("no resource") << bytes("100005020716") << "refused by station 5: no resource";
+    QTest::newRow("request") << bytes("681b1b6807006c320100000001000e00000401120a100200040001840003209416")
+                             << "request to station 7";
+    QTest::newRow("the next request")
+        << bytes("681b1b6807006c320100000002000e00000401120a100200040001840003209516")
+        << "request to station 7";
+    QTest::newRow("answer") << bytes("681616680002083203000000010002000500000401ff040008116816")
+                            << "answer from station 2";
+    QTest::newRow("the next answer") << bytes("681616680002083203000000020002000500000401ff040008116916")
+                                     << "answer from station 2";
+}
+
 void TestLineNoise::aFrameInItTellsWhoSends()
 {
-    const Failure failure = noiseFailure({bytes("5e16e51005007c8116e510"), 60, 100});
-    QCOMPARE(failure.text(), QString("the line is never silent; on it: poll of station 5"));
-    QVERIFY(failure.hint().startsWith("60 bytes in 100 ms, as 10 05 00 7c 81 16: something keeps sending"));
+    QFETCH(QByteArray, frame);
+    QFETCH(QString, words);
+    const Failure failure = noiseFailure({bytes("5e16e5") + frame + bytes("e510"), 60, 100});
+    QCOMPARE(failure.text(), "the line is never silent; on it: " + words);
+    QVERIFY(failure.hint().startsWith("60 bytes in 100 ms, as " + frame.toHex(' ') +
+                                      ": something keeps sending"));
 }
 
 void TestLineNoise::noFrameIsLookedForInAnotherProtocol()
