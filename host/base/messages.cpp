@@ -24,6 +24,9 @@ namespace {
 const char kProgramLabel[] = "s7ppi:";
 const char kHintLabel[] = "hint:";
 
+// Some hints have bytes of the line, of which there is no end, and a program may run for years.
+constexpr int kMostToldHints = 1000;
+
 bool isQuiet = false;
 bool isVerbose = false;
 
@@ -98,6 +101,8 @@ void reportFailure(const Failure &failure)
     printNotice(kProgramLabel, kRed, failure.text());
     if (toldHints.contains(failure.hint()))
         return;
+    if (toldHints.size() == kMostToldHints)
+        toldHints.clear();
     toldHints.insert(failure.hint());
     printNotice(kHintLabel, kCyan, failure.hint());
 }

@@ -26,8 +26,8 @@ void reportDetail(const QString &text);
 // Tells something that -q does not silence, though it is no failure of the command.
 void reportWarning(const QString &text);
 
-// Tells a failure in two lines: the error, and the hint that goes with it, unless that was told before. A
-// subject stands in front of the error.
+// Tells a failure in two lines: the error, and the hint that goes with it, unless that was told not long
+// before. A subject stands in front of the error.
 void reportFailure(const Failure &failure);
 void reportFailure(const QString &subject, const Failure &failure);
 

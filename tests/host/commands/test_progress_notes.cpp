@@ -6,35 +6,13 @@
 #include "host/commands/progress_notes.h"
 
 #include "tests/host/support/pseudo_line.h"
+#include "tests/host/support/taken_stderr.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <iostream>
-#include <sstream>
-
 using namespace host;
-
-namespace {
-
-// Takes what goes to stderr by way of std::cerr.
-class Stderr
-{
-public:
-    Stderr() : before(std::cerr.rdbuf(text.rdbuf())) {}
-    ~Stderr() { std::cerr.rdbuf(before); }
-
-    QStringList lines() const { return QString::fromStdString(text.str()).split('\n', Qt::SkipEmptyParts); }
-
-private:
-    Q_DISABLE_COPY(Stderr)
-
-    std::ostringstream text;
-    std::streambuf *before;
-};
-
-} // namespace
 
 class TestProgressNotes : public QObject
 {
@@ -58,7 +36,7 @@ void TestProgressNotes::aLostPortIsToldAboveTheProgress()
     Connection connection(options);
     Options asLines = options;
     asLines.verbose = true;
-    const Stderr messages;
+    const TakenStderr messages;
     {
         Progress progress(asLines, {"VB0..VB9", "bytes", 10, 0, 0});
         const auto notes = notesAbove(progress, connection);
