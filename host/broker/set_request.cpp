@@ -117,6 +117,7 @@ QByteArray answerText(const char *result, const Failure &reason, std::chrono::sy
     const Json record = {{"result", result},
                          {"cause", jsonText(causeWord(reason.cause()))},
                          {"error", jsonText(common::messageText(reason.text()))},
+                         {"hint", jsonText(common::messageText(reason.hint()))},
                          {"time", jsonText(timeText(time))}};
     return QByteArray::fromStdString(record.dump(-1, ' ', false, Json::error_handler_t::replace));
 }

@@ -227,9 +227,9 @@ void LinePublisher::takeNews(const MqttNews &news)
         takeRequest(request);
     if (news.lostRequests > 0) {
         health.refusals += news.lostRequests;
-        tellRefusal("commands",
-                    Failure(ExitCode::Usage, Cause::TooFast,
-                            filled("%1 came too fast and were thrown away", news.lostRequests), QString()));
+        tellRefusal("commands", Failure(ExitCode::Usage, Cause::TooFast,
+                                        filled("%1 came too fast and were thrown away", news.lostRequests),
+                                        "send fewer at a time, and wait for the result of each"));
     }
     if (news.refusal)
         throw Failure(*news.refusal);
@@ -406,7 +406,7 @@ void LinePublisher::refuse(const QString &name, const SetRequest &request, const
 void LinePublisher::tellRefusal(const QString &name, const Failure &reason)
 {
     if (refusalLog.take(Clock::now()))
-        reportWarning(filled("a command for %1 is not done: %2", name, reason.text()));
+        reportFailure(filled("a command for %1 is not done", name), reason);
 }
 
 void LinePublisher::finish(const std::optional<Failure> &loss)

@@ -161,11 +161,13 @@ void TestSetRequest::answersTellWhatWasWritten()
     const Json done = Json::parse(doneText(parsed("Level", "21.5"), time).toStdString());
     QCOMPARE(QString::fromStdString(done["result"]), QString("done"));
     QCOMPARE(done["value"].get<double>(), 21.5);
-    const Json refused = Json::parse(
-        refusedText(Failure(ExitCode::Usage, Cause::TooFast, "too \"fast\"", QString()), time).toStdString());
+    const Json refused =
+        Json::parse(refusedText(Failure(ExitCode::Usage, Cause::TooFast, "too \"fast\"", "send fewer"), time)
+                        .toStdString());
     QCOMPARE(QString::fromStdString(refused["result"]), QString("refused"));
     QCOMPARE(QString::fromStdString(refused["cause"]), QString("too_fast"));
     QCOMPARE(QString::fromStdString(refused["error"]), QString("too \"fast\""));
+    QCOMPARE(QString::fromStdString(refused["hint"]), QString("send fewer"));
 }
 
 void TestSetRequest::aRateIsKeptWithinAnySecond()

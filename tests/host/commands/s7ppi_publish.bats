@@ -10,10 +10,16 @@
 load common
 load broker
 
-# command NAME PAYLOAD [OPTION...]: sends it and prints the result, without its time.
+# command_for NAME PAYLOAD [OPTION...]: sends it and prints the result, without its time.
 command_for() {
     mosquitto_rr -p "$broker_port" -V 5 -t "t/$1/set" -e "t/$1/set/result" -m "$2" -W 10 "${@:3}" |
         jq -c 'del(.time)'
+}
+
+# refusal CAUSE ERROR HINT: the result of a command that is not done.
+refusal() {
+    jq -nc '{result: "refused", cause: $ARGS.positional[0], error: $ARGS.positional[1], hint: $ARGS.positional[2]}' \
+        --args "$@"
 }
 
 tags() {
@@ -335,16 +341,20 @@ has_connected() {
     eventually is_retained t/Label '"value":"a.*b'
     eventually is_retained t/Hall/Door '"value":\[1,255\]'
 
-    [ "$(command_for Setpoint 4.9)" = '{"result":"refused","cause":"out_of_range","error":"4.9 is less than the minimum, 5"}' ]
-    [ "$(command_for Seen 1)" = '{"result":"refused","cause":"not_writable","error":"Seen cannot be written over the broker"}' ]
-    [ "$(command_for Word 1)" = '{"result":"refused","cause":"not_writable","error":"Locked: the tag is only to be read"}' ]
-    [[ "$(command_for Far 1)" == *'"error":"Near'*': the tag is only to be read"}' ]]
+    [ "$(command_for Setpoint 4.9)" = "$(refusal out_of_range '4.9 is less than the minimum, 5' \
+        "Setpoint takes values from 5 to 90.5, as $BATS_TEST_TMPDIR/tags.csv:2 says")" ]
+    [ "$(command_for Seen 1)" = "$(refusal not_writable 'Seen cannot be written over the broker' \
+        'only tags whose access in the tag file is rw are')" ]
+    [ "$(command_for Word 1)" = "$(refusal not_writable 'Locked: the tag is only to be read' \
+        "the access of Locked is ro in $BATS_TEST_TMPDIR/tags.csv:10; rw or nothing there lets it be written")" ]
+    [[ "$(command_for Far 1)" == *'"error":"Near'*': the tag is only to be read","hint":"the access of Near'* ]]
     [[ "$(command_for Other 1)" == '{"result":"refused","cause":"not_writable",'* ]]
     [[ "$(command_for Nobody 1)" == '{"result":"refused","cause":"unknown_item",'* ]]
     [[ "$(command_for Hall/Door 1,2,3)" == '{"result":"refused","cause":"wrong_usage",'* ]]
-    [ "$(command_for Beyond 1)" = \
-        '{"result":"failed","cause":"refused_address","error":"Invalid address (incorrect variable address)"}' ]
+    [[ "$(command_for Beyond 1)" == \
+        '{"result":"failed","cause":"refused_address","error":"Invalid address (incorrect variable address)","hint":"'?* ]]
     told 'a command for Setpoint is not done: 4.9 is less than the minimum, 5'
+    told "hint: Setpoint takes values from 5 to 90.5, as $BATS_TEST_TMPDIR/tags.csv:2 says"
 
     mosquitto_rr -p "$broker_port" -V 5 -t t/Pump/set -e t/Pump/set/result -m 0 -W 10 \
         -D publish correlation-data question-7 -F '%D %p' | tr '\0' '?' >"$BATS_TEST_TMPDIR/answer"
@@ -379,7 +389,7 @@ has_connected() {
 
     seq 1 50 | mosquitto_pub -p "$broker_port" -t t/Level/set -l
     eventually has_got '"cause":"too_fast"'
-    has_got 'more than 2 commands came within a second'
+    has_got '"error":"more than 2 commands came within a second","hint":"send fewer, or allow more with --write-rate"'
     eventually has_got '"result":"done"'
     kill -0 "$publisher"
 }
