@@ -173,6 +173,7 @@ void TestSimulatorLiveValue::badTextIsRefused_data()
                               "VB1.0", "V1.8", "V1.10",   "T37.0",   "TW37",    "AI0",     "AI0.0",
                               "AIB0",  "AID0", "VW1:f32", "T37:f32", "HC0:f32", "VD4:i32", "VB1000000"})
         row(qPrintable(QString(place) + "=clock"), QString("\"%1\" %2").arg(place, noPlace));
+    row("V10240.0=blink:1s", "\"V10240.0\" lies behind the last one of V, 10239");
     row("VB10240=clock", "\"VB10240\" lies behind the last one of V, 10239");
     row("VD10237=clock", "\"VD10237\" lies behind the last one of V, 10239");
     row("T256=clock", "\"T256\" lies behind the last one of T, 255");

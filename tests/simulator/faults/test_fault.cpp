@@ -127,6 +127,7 @@ void TestSimulatorFault::badTextIsRefused_data()
     row("late=1t", "late=TIME: \"1t\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
     row("late=11min", "late=TIME: \"11min\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
     row("late=600001", "late=TIME: \"600001\" is not a time from 1ms to 10min, as 500ms, 1s or 2min");
+    row("truncated=261", "truncated=BYTES: \"261\" is not a number from 1 to 260");
     row("short=261", "short=BYTES: \"261\" is not a number from 1 to 260");
     row("corrupt=261", "corrupt=POSITION: \"261\" is not a number from 0 to 260");
     row("wrong-source=256", "wrong-source=STATION: \"256\" is not a number from 0 to 255");

@@ -67,6 +67,8 @@ teardown() {
     usage_error --station 0
     [[ $output == *'"0" is not a station number from 1 to 126'* ]]
     usage_error --station 127
+    start --station 126
+    [ "$(byte_of 126 84 100)" = 11 ]
     usage_error --station two
     usage_error --station 2x:file
     usage_error --station 2:
@@ -132,6 +134,9 @@ teardown() {
         grep -qF "  $kind  " <<<"$output"
         [ "$(grep -F "  $kind  " <<<"$output" | wc -w)" -ge 3 ]
     done
+    [[ $output == *'ends BYTES early (default 3)'* ]]
+    [[ $output == *'TIME later (default 1s)'* ]]
+    [[ $output == *'hexadecimal (default 05)'* ]]
 }
 
 @test "--help names what an option takes, and tells all options in one column" {
@@ -147,6 +152,13 @@ teardown() {
     [ "$(grep -cE '^  s7ppi-sim -' <<<"$output")" -eq 4 ]
     columns=$(sed -nE 's/^(  -.*[^ ] {2,})[A-Z].*/\1/p' <<<"$output" | awk '{ print length($0) }' | sort -u)
     [ "$columns" = 31 ]
+}
+
+@test "a replay answers as then, and not from the memory" {
+    printf '%s\n' "2026-01-31T12:00:00.000Z > $request" '2026-01-31T12:00:00.001Z < e5' \
+        "2026-01-31T12:00:00.002Z > $poll" "2026-01-31T12:00:00.003Z < ${answer/116816/227916}" >then.txt
+    start --replay then.txt --replay-speed 0
+    [ "$(exchange)" = "e5${answer/116816/227916}" ]
 }
 
 @test "a replay is as fast as one says, within limits" {
@@ -296,6 +308,8 @@ teardown() {
     before=$(milliseconds)
     [ "$(exchange)" = "e5$answer" ]
     (($(milliseconds) - before >= 240))
+    usage_error --turnaround 11min
+    [[ $output == *'11min is not a time from 0s to 10min'* ]]
     usage_error --turnaround -1
     [[ $output == *--turnaround* ]]
 }

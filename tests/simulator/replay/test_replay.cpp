@@ -43,11 +43,12 @@ Bytes bytes(const std::string &hex)
 }
 
 // The request as it is when it is asked with another reference.
-std::string withReference(const char *frame, uint8_t reference)
+std::string withReference(const char *frame, unsigned reference)
 {
     Bytes changed = bytes(frame);
     Bytes pdu(changed.begin() + 7, changed.end() - 2);
-    pdu[5] = reference;
+    pdu[4] = uint8_t(reference >> 8);
+    pdu[5] = uint8_t(reference);
     return hexText(sd2(changed[4], changed[5], changed[6], pdu));
 }
 
@@ -123,12 +124,14 @@ void TestSimulatorReplay::aCaptureIsReadWithItsTimes()
         common::captureHead("s7ppi", "line") + common::captureComment(1, "silence") +
         common::captureFrame(1769860800000123, common::CaptureDirection::FromMaster,
                              std::string(poll.begin(), poll.end())) +
-        common::captureFrame(1769860800000456, common::CaptureDirection::ToMaster, "\xe5");
+        common::captureFrame(1769860800000456, common::CaptureDirection::ToMaster, "\xe5") +
+        common::captureFrame(4102444800000001, common::CaptureDirection::ToMaster, "\xe5");
     const std::vector<Recorded> records = recordingOf(capture).records;
-    QCOMPARE(records.size(), size_t(2));
+    QCOMPARE(records.size(), size_t(3));
     QCOMPARE(records[0].place, std::string("packet 2"));
     QVERIFY(records[0].time == 1769860800000123us);
     QVERIFY(records[0].isFromMaster && !records[1].isFromMaster);
+    QVERIFY(records[2].time == 4102444800000000us); // the end of 2099: later times cannot be counted
 }
 
 void TestSimulatorReplay::whatIsNoRecordingIsTold_data()
@@ -228,10 +231,12 @@ void TestSimulatorReplay::timesThatNobodyWaitsForAreShortened()
 
 void TestSimulatorReplay::answersHaveTheReferenceThatIsAskedWith()
 {
-    Replay replay(recordingOf(kTrace).records, 0, 0s);
-    ask(replay, withReference(kRequest, 0x42));
-    QCOMPARE(hexText(ask(replay, kPoll)), withReference(kGoodAnswer, 0x42));
-    QVERIFY(told.empty());
+    for (const unsigned reference : {0x42U, 0x1234U}) {
+        Replay replay(recordingOf(kTrace).records, 0, 0s);
+        ask(replay, withReference(kRequest, reference));
+        QCOMPARE(hexText(ask(replay, kPoll)), withReference(kGoodAnswer, reference));
+        QVERIFY(told.empty());
+    }
 }
 
 void TestSimulatorReplay::aDamagedAnswerIsDamagedAgain()

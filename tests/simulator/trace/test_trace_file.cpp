@@ -5,6 +5,7 @@
 
 #include "conversation.h"
 
+#include "simulator/protocol/layer2.h"
 #include "simulator/trace/trace_file.h"
 #include "test_class.h"
 
@@ -114,12 +115,15 @@ void TestSimulatorTraceFile::captureHasThePduByItself()
     sim::TraceFile file(name.toStdString(), "a line");
     QVERIFY(file.write(sim::Time(1s), sim::Traffic::Received, sim::Bytes(request.begin(), request.end())));
     QVERIFY(file.write(sim::Time(2s), sim::Traffic::Received, sim::Bytes(poll.begin(), poll.end())));
+    QVERIFY(file.write(sim::Time(3s), sim::Traffic::Received, sim::sd2(2, 0, 0x6C, {})));
     QFile capture(name);
     QVERIFY(capture.open(QIODevice::ReadOnly));
     const QByteArray packets = capture.readAll();
     QCOMPARE(packets.count(request), 1);
     QCOMPARE(packets.count(request.mid(7, request.size() - 9)), 2);
     QCOMPARE(packets.count(poll), 1);
+    QCOMPARE(packets.count("s7comm_cotp"),
+             1); // neither the poll nor the frame that is empty carries anything
 }
 
 void TestSimulatorTraceFile::fileThatCannotBeOpenedIsTold()
