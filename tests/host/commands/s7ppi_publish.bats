@@ -233,11 +233,13 @@ has_connected() {
     local link=$BATS_TEST_TMPDIR/port simulator
     start s7ppi-sim --link "$link" --fault silent
     simulator=${background[-1]}
-    publish --port "$link" --reconnect --timeout 60000 --trace "$BATS_TEST_TMPDIR/trace" VB100
+    publish --port "$link" --reconnect --timeout 60000 --trace "$BATS_TEST_TMPDIR/trace" \
+        --metrics "$BATS_TEST_TMPDIR/press.prom" VB100
     eventually grep -q . "$BATS_TEST_TMPDIR/trace"
     rm "$link"
     kill "$simulator"
     eventually is_retained t/VB100 '"cause":"port_lost"'
+    eventually is_sample s7ppi_port_up 0
     kill -TERM "$publisher"
     finish
     start fake_controller hang-up
@@ -391,7 +393,13 @@ has_connected() {
     eventually has_got '"cause":"too_fast"'
     has_got '"error":"more than 2 commands came within a second","hint":"send fewer, or allow more with --write-rate"'
     eventually has_got '"result":"done"'
-    kill -0 "$publisher"
+    kill -TERM "$publisher"
+    finish
+
+    publish --port "$port" "@$BATS_TEST_TMPDIR/tags.csv"
+    eventually has_connected 2
+    seq 1 50 | mosquitto_pub -p "$broker_port" -t t/Level/set -l
+    eventually has_got '"error":"more than 5 commands came within a second"'
 }
 
 @test "with MQTT 5 a command that the broker keeps is not even heard" {
@@ -480,6 +488,7 @@ is_sample() {
     stop_broker
     eventually is_sample s7ppi_broker_connected 0
     [ "$(sample s7ppi_up)" = "1 $line 7" ]
+    [ "$(sample s7ppi_port_up)" = "1 $line 7" ]
     [ "$(sample s7ppi_items)" = "3 $line 7" ]
     broker
     eventually is_sample s7ppi_broker_connections_total 2

@@ -93,6 +93,7 @@ void TestExplanation::bytesHaveTheirMeaning_data()
     row("e5", 0, "acknowledgement: taken: ask for the answer");
     row("10 02 00 5c 5e 16", 1, "destination: station 2");
     row("10 02 00 5c 5e 16", 3, "function code: data or poll, to be answered; sequence bit 0");
+    row("10 02 00 5d 5f 16", 3, "function code: data or poll with priority, to be answered; sequence bit 0");
     row("10 02 00 7c 7e 16", 3, "function code: data or poll, to be answered; sequence bit 1");
     row("10 02 00 49 4b 16", 3, "function code: question for the station's state");
     row("10 7f 00 49 c8 16", 1, "destination: all stations");
