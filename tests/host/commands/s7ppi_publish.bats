@@ -243,10 +243,11 @@ has_connected() {
     kill -TERM "$publisher"
     finish
     start fake_controller hang-up
-    publish --port "$port" VB100
+    publish --port "$port" VB101
     finish
     [ "$status" -eq 6 ]
     told 'the port is gone'
+    is_retained t/VB101 '"cause":"port_lost"'
 }
 
 @test "a spool that is full loses the oldest, and tells how many" {
@@ -299,6 +300,9 @@ has_connected() {
     [ -s "$BATS_TEST_TMPDIR/state/s7ppi/t.spool" ]
     HOME=$BATS_TEST_TMPDIR XDG_STATE_HOME='' run -0 s7ppi publish --port sim --broker "$url" --topic t --count 1 VB100
     [ -s "$BATS_TEST_TMPDIR/.local/state/s7ppi/t.spool" ]
+    XDG_STATE_HOME=/dev/null run -2 s7ppi publish --port sim --broker "$url" --topic t --count 1 VB100
+    [ "${lines[0]}" = "s7ppi: the directory /dev/null/s7ppi cannot be made" ]
+    [ "${lines[1]}" = "hint: name a file with --spool, or keep the messages in memory with --no-spool" ]
 }
 
 @test "2: publishing ends within a year, or by a signal" {

@@ -271,7 +271,7 @@ hint: T37 can be taken as bool u16 i16 hex" ]
 
 @test "2: an item and its value in two words are told as one, and nothing is sent" {
     start fake_controller hang-up
-    put VW100 5 VB1=1 @tags.csv:Boiler 1.5 'VB1:str*5' Hello VB7
+    put VW100 5 VB1=1 @tags.csv:Boiler 1.5 'VB1:str*5' Hello VB6 VB7
     [ "$status" -eq 2 ]
     [ "$stderr" = "s7ppi: VW100: no value is given
 hint: write VW100=5
@@ -279,6 +279,8 @@ s7ppi: @tags.csv:Boiler: no value is given
 hint: write @tags.csv:Boiler=1.5
 s7ppi: VB1:str*5: no value is given
 hint: write VB1:str=Hello
+s7ppi: VB6: no value is given
+hint: write VB6=VALUE
 s7ppi: VB7: no value is given
 hint: write VB7=VALUE" ]
     kill -0 "${background[0]}"
