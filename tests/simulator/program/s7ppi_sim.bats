@@ -159,6 +159,8 @@ teardown() {
         "2026-01-31T12:00:00.002Z > $poll" "2026-01-31T12:00:00.003Z < ${answer/116816/227916}" >then.txt
     start --replay then.txt --replay-speed 0
     [ "$(exchange)" = "e5${answer/116816/227916}" ]
+    usage_error --replay .
+    [ "$output" = 's7ppi-sim: .: cannot be read' ]
 }
 
 @test "a replay is as fast as one says, within limits" {
@@ -294,6 +296,9 @@ teardown() {
     before=$(milliseconds)
     [ "$(exchange)" = "e5$answer" ]
     (($(milliseconds) - before >= 77)) # at 9600
+    stop
+    start --pace 4000000
+    [ "$(exchange)" = "e5$answer" ]
     usage_error --pace fast
     local rate
     for rate in 1 49 4000001; do
