@@ -243,11 +243,12 @@ has_connected() {
     kill -TERM "$publisher"
     finish
     start fake_controller hang-up
-    publish --port "$port" VB101
+    publish --port "$port" VB101 T5
     finish
     [ "$status" -eq 6 ]
     told 'the port is gone'
     is_retained t/VB101 '"cause":"port_lost"'
+    is_retained t/T5 '"cause":"port_lost"' # which nobody had asked for yet
 }
 
 @test "a spool that is full loses the oldest, and tells how many" {
