@@ -175,6 +175,7 @@ has_asked() {
 asked() {
     grep -cs ' > 68 ' "$BATS_TEST_TMPDIR/trace"
 }
+# Waits for so many more that a second or two pass.
 asks_on() {
     eventually has_asked $(($(asked) + 50))
 }

@@ -122,8 +122,8 @@ void TestSimulatorTraceFile::captureHasThePduByItself()
     QCOMPARE(packets.count(request), 1);
     QCOMPARE(packets.count(request.mid(7, request.size() - 9)), 2);
     QCOMPARE(packets.count(poll), 1);
-    QCOMPARE(packets.count("s7comm_cotp"),
-             1); // neither the poll nor the frame that is empty carries anything
+    // Neither the poll nor the empty frame carries anything.
+    QCOMPARE(packets.count("s7comm_cotp"), 1);
 }
 
 void TestSimulatorTraceFile::fileThatCannotBeOpenedIsTold()
