@@ -25,7 +25,7 @@ int frameSize(const QByteArray &start);
 // that is no whole, sound frame the words tell what is wrong with it.
 QString frameWords(const QByteArray &frame);
 
-// What a sound telegram is and whose, without what is another one in each of its kind: "poll of station 2",
+// What a sound telegram is and whose, without what differs from one to the next: "poll of station 2",
 // "request to station 2", "answer from station 2".
 QString telegramTitle(const QByteArray &telegram);
 
